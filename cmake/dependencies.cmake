@@ -1,0 +1,46 @@
+# What the library is built upon. All of it stays private: a program links quorvex and nothing else.
+# Sets QUORVEX_PRIVATE_LIBRARIES, and QUORVEX_BLAS_VENDOR for the installed package.
+
+# quorvex_need(<found> <what> <Debian package>): stops, telling what to install, unless <found> is true.
+function(quorvex_need found what package)
+    if(NOT found)
+        message(FATAL_ERROR "quorvex needs ${what}, which was not found.\n"
+            "On Debian: apt-get install ${package}   (scripts/setup installs all that is needed.)")
+    endif()
+endfunction()
+
+# OpenBLAS unless the user names another implementation; where it is absent, any other.
+if(NOT BLA_VENDOR)
+    set(BLA_VENDOR OpenBLAS)
+    find_package(BLAS QUIET)
+    if(NOT BLAS_FOUND)
+        unset(BLAS_LIBRARIES CACHE)
+        set(BLA_VENDOR All)
+    endif()
+endif()
+set(QUORVEX_BLAS_VENDOR ${BLA_VENDOR})
+find_package(BLAS QUIET)
+quorvex_need("${BLAS_FOUND}" "BLAS (OpenBLAS or another implementation)" libopenblas-dev)
+find_package(LAPACK QUIET)
+quorvex_need("${LAPACK_FOUND}" "LAPACK (part of OpenBLAS)" libopenblas-dev)
+
+find_package(Boost 1.74 QUIET)
+quorvex_need("${Boost_FOUND}" "the Boost headers, 1.74 or later" libboost-dev)
+
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+find_package(Threads QUIET)
+quorvex_need("${Threads_FOUND}" "a thread library" libc6-dev)
+
+if(QUORVEX_TESTS)
+    find_package(GTest QUIET)
+    quorvex_need("${GTest_FOUND}" "GoogleTest (or set QUORVEX_TESTS=OFF)" "libgtest-dev libgmock-dev")
+    if(NOT TARGET GTest::gmock)
+        quorvex_need(FALSE "GoogleMock (or set QUORVEX_TESTS=OFF)" libgmock-dev)
+    endif()
+endif()
+if(QUORVEX_BENCH)
+    find_package(benchmark QUIET)
+    quorvex_need("${benchmark_FOUND}" "Google Benchmark (or set QUORVEX_BENCH=OFF)" libbenchmark-dev)
+endif()
+
+set(QUORVEX_PRIVATE_LIBRARIES LAPACK::LAPACK BLAS::BLAS Threads::Threads ${CMAKE_DL_LIBS})

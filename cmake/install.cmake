@@ -1,0 +1,45 @@
+# `cmake --install`: headers, libraries, the CMake package quorvex and quorvex.pc.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/quorvex)
+
+set(targets quorvex)
+if(QUORVEX_STATIC)
+    list(APPEND targets quorvex_static)
+endif()
+install(TARGETS ${targets} EXPORT quorvexTargets)
+install(EXPORT quorvexTargets NAMESPACE quorvex:: DESTINATION ${package_dir})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/quorvexConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/quorvexConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/quorvexConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/quorvexConfig.cmake ${PROJECT_BINARY_DIR}/quorvexConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# Libs.private is read for static linking only (pkg-config --static).
+set(pc_private)
+foreach(library IN LISTS LAPACK_LIBRARIES BLAS_LIBRARIES CMAKE_THREAD_LIBS_INIT CMAKE_DL_LIBS)
+    if(NOT library MATCHES "^-|/")
+        set(library -l${library})
+    endif()
+    list(APPEND pc_private ${library})
+endforeach()
+list(REMOVE_DUPLICATES pc_private)
+list(JOIN pc_private " " pc_private)
+foreach(dir IN ITEMS LIBDIR INCLUDEDIR)
+    if(IS_ABSOLUTE "${CMAKE_INSTALL_${dir}}")
+        set(pc_${dir} "${CMAKE_INSTALL_${dir}}")
+    else()
+        set(pc_${dir} "\${prefix}/${CMAKE_INSTALL_${dir}}")
+    endif()
+endforeach()
+# Written at install time, so that `cmake --install --prefix` is obeyed.
+install(CODE "
+    set(PROJECT_VERSION \"${PROJECT_VERSION}\")
+    set(PROJECT_DESCRIPTION \"${PROJECT_DESCRIPTION}\")
+    set(pc_LIBDIR [[${pc_LIBDIR}]])
+    set(pc_INCLUDEDIR [[${pc_INCLUDEDIR}]])
+    set(pc_private \"${pc_private}\")
+    configure_file(\"${CMAKE_CURRENT_LIST_DIR}/quorvex.pc.in\" \"${PROJECT_BINARY_DIR}/quorvex.pc\" @ONLY)")
+install(FILES ${PROJECT_BINARY_DIR}/quorvex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
