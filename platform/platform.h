@@ -1,0 +1,226 @@
+// The operating system behind one small interface, named by what it does. No other folder includes a header
+// of the system: everything that differs between systems is declared here, implemented for Linux in
+// posix_*.cpp, for Windows in win32_*.cpp, and in portable.cpp where the C++ library suffices.
+//
+// Names of files are plain bytes. On Linux a name with backslashes names the file of exactly that name when
+// there is one, else the name with "\\" read as "/"; so programs written with either separator run unchanged.
+// Unless said otherwise a function that fails returns null or false and, where it is about files, leaves the
+// reason in `errno`. Texts are written within the size given and end with a null character.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+
+namespace kn::os {
+
+// ---- Memory ----
+
+// Bytes in a page of memory.
+std::size_t page_size();
+
+// What the addresses of separate reservations are multiples of: at least a page.
+std::size_t allocation_granularity();
+
+// Reserves address space without access; null when it can't be had. With `at` null the system chooses a place
+// with as much free space behind it as can be found, so that later reservations can continue it; else exactly
+// `at` is meant, a multiple of the granularity.
+void *reserve(void *at, std::size_t bytes);
+
+// Makes whole pages within one reservation readable and writable. They read as zeros at first.
+bool commit(void *at, std::size_t bytes);
+
+// Whether the `n` bytes at `p` can be read without a fault.
+// An answer for this moment only, at one system call a page.
+bool readable(const void *p, std::size_t n);
+
+// ---- Locks: three, numbered 0 to 2, recursive ----
+
+// Creates the locks unless they exist.
+void create_locks();
+
+// Deletes the locks, which nobody may hold or await. Entering one later creates them anew.
+void delete_locks();
+
+// Enters lock `n`, after creating the locks if need be; works before any static object is built.
+void enter_lock(int n);
+
+// Leaves lock `n`; does nothing while the locks don't exist.
+void leave_lock(int n);
+
+// ---- Modules ----
+
+using Module = struct ModuleHandle *;
+
+// Loads the module in the file `path`; a name without a directory is looked for in the current directory,
+// then where the system keeps its libraries. On failure returns null and puts the system's reason into `why`.
+Module load_module(const char *path, char *why, std::size_t why_size);
+
+// The address of an exported symbol, or null.
+void *find_symbol(Module module, const char *name);
+
+// Gives the module back; null does nothing.
+void unload_module(Module module);
+
+// The ending of module files, with its dot.
+const char *module_suffix();
+
+// ---- Processes ----
+
+// Starts a command that outlives the caller, without terminal and input; on Linux the shell reads it. False
+// when the program is known not to start: an empty command, one whose first word names no program, no process
+// to be had.
+bool start_detached(const char *command_line);
+
+// The number of this process.
+unsigned process_id();
+
+// Gives the calling thread a higher priority where that is permitted. On Linux: niceness -2 in place of the
+// usual 0, which needs a privilege; a niceness somebody chose stays. Never fails.
+void raise_thread_priority();
+
+// Writes out standard output and standard error and ends the process at once, without the exit list.
+[[noreturn]] void end_process(int status);
+
+// ---- Environment ----
+
+// Copies the value of a variable, cut at `size`. False, and the empty text, when it isn't set.
+bool environment(const char *name, char *out, std::size_t size);
+
+// Sets a variable; a null value removes it, and on Windows an empty one too.
+bool set_environment(const char *name, const char *value);
+
+// ---- Floating point ----
+
+// The state all arithmetic runs in: every exception masked and cleared, rounding to nearest, denormals kept.
+void reset_floating_point();
+
+// ---- Crashes ----
+
+enum class CrashAction {
+    end_process,    // end quietly; on Linux with status 1 after standard output is flushed
+    continue_search // leave the fault to whoever was there before: a debugger, a sanitizer, the system
+};
+
+// Calls `hook` with the exception code when a thread faults; on Linux SIGSEGV, SIGBUS, SIGILL and SIGFPE
+// appear under such codes. A SIGFPE that a program sends is ignored. The hook runs in the faulting thread, on
+// Linux on a stack of its own if that thread installed the hook, and must not allocate. A second call
+// replaces the hook.
+void install_crash_hook(CrashAction (*hook)(unsigned code));
+
+// Puts back what was there before `install_crash_hook`.
+void remove_crash_hook();
+
+// The name of an exception code, such as "ACCESS_VIOLATION"; "Unknown exception code" for any other number.
+const char *exception_name(unsigned code);
+
+// ---- Messages and console ----
+
+// Whether there are windows to show a text in.
+bool has_dialogs();
+
+// Shows a text over the foreground window and waits for an answer.
+// Linux: writes "title: text" to standard error.
+void message_box(const char *text, const char *title, unsigned style);
+
+// Reads a line from standard input without its newline; a line too long goes on with the next call.
+// False at the end of the input.
+bool read_line(char *out, std::size_t size);
+
+// Whether input waits at the terminal; false when standard input is none.
+bool key_waiting();
+
+// Clears the terminal and puts the cursor into the top left corner.
+// Does nothing when standard output is no terminal.
+void clear_screen();
+
+// Puts the cursor into the top left corner, as above.
+void home_cursor();
+
+// ---- Time ----
+
+struct LocalTime {
+    int year, month, day; // month and day from 1
+    int hour, minute;
+    double second; // with its fraction
+    int weekday;   // days since Sunday
+    int yearday;   // days since the first of January
+    bool daylight_saving;
+};
+
+// Lets the calling thread rest.
+void pause_milliseconds(unsigned milliseconds);
+
+// Seconds since 1970 began, in universal time.
+double wall_clock();
+
+// Seconds since some fixed moment; never goes back.
+double monotonic_clock();
+
+// Seconds of processor time that this process has used.
+double processor_time();
+
+// The local calendar date and time of a `wall_clock` value. False when the system has none for it.
+bool local_time(double seconds, LocalTime &out);
+
+// ---- Files and directories ----
+
+struct FileStatus {
+    double size;     // bytes
+    double modified; // as `wall_clock`
+    bool is_directory;
+};
+
+// Opens a stream as `fopen` does; a directory can't be opened. Programs that are started don't inherit it.
+std::FILE *open_file(const char *name, const char *mode);
+
+// Size, time and kind of what has this name, links followed. False when there is nothing.
+bool file_status(const char *name, FileStatus &out);
+
+// Whether anything has this name, be it a file or a directory.
+bool file_exists(const char *name);
+bool is_directory(const char *name);
+
+// Renames a file or directory; a file that has the new name is replaced.
+bool rename_file(const char *from, const char *to);
+
+// Removes a file, not a directory.
+bool remove_file(const char *name);
+
+// Copies a file's contents; a target that exists is replaced. A copy that fails halfway is removed.
+bool copy_file(const char *from, const char *to);
+
+// Makes one directory; removes an empty one.
+bool make_directory(const char *name);
+bool remove_directory(const char *name);
+
+bool current_directory(char *out, std::size_t size);
+bool change_directory(const char *name);
+
+// The name from the root on, without ".", ".." and doubled separators. Goes by the text alone: nothing need
+// exist there and links are not followed. False when the result doesn't fit.
+bool absolute_path(const char *name, char *out, std::size_t size);
+
+// The entries of a directory in the system's order, with "." and "..".
+class Directory {
+  public:
+    explicit Directory(const char *name);
+    ~Directory();
+    Directory(const Directory &) = delete;
+    Directory &operator=(const Directory &) = delete;
+
+    // Whether the directory could be opened.
+    explicit operator bool() const { return state_ != nullptr; }
+
+    // Moves to the next entry; false when there is none. The name lives until the next call.
+    bool next();
+    const char *name() const { return name_; }
+    const FileStatus &status() const { return status_; }
+
+  private:
+    struct State;
+    State *state_ = nullptr;
+    const char *name_ = "";
+    FileStatus status_ = {};
+};
+
+} // namespace kn::os

@@ -1,0 +1,178 @@
+// Files and directories on Linux. Every name goes through `SystemName` once, so that each call meets one file
+// and leaves one reason in `errno`.
+#include "platform/platform.h"
+#include "platform/posix_name.h"
+
+#include <cerrno>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+namespace kn::os {
+
+namespace {
+
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    ~Descriptor() { close(); }
+    Descriptor(const Descriptor &) = delete;
+    Descriptor &operator=(const Descriptor &) = delete;
+
+    operator int() const { return fd_; }
+    bool close() {
+        const int fd = fd_;
+        fd_ = -1;
+        return fd < 0 || ::close(fd) == 0;
+    }
+
+  private:
+    int fd_;
+};
+
+bool fail(int reason) {
+    errno = reason;
+    return false;
+}
+
+FileStatus status_of(const struct stat &s) {
+    return {static_cast<double>(s.st_size), static_cast<double>(s.st_mtim.tv_sec) + 1e-9 * s.st_mtim.tv_nsec,
+            S_ISDIR(s.st_mode)};
+}
+
+bool write_all(int fd, const char *p, std::size_t n) {
+    while (n > 0) {
+        const ssize_t done = write(fd, p, n);
+        if (done < 0 && errno != EINTR) return false;
+        if (done > 0) p += done, n -= done;
+    }
+    return true;
+}
+
+bool copy_bytes(int in, int out) {
+    char buffer[1 << 16];
+    for (;;) {
+        const ssize_t n = read(in, buffer, sizeof buffer);
+        if (n == 0) return true;
+        if (n < 0 && errno != EINTR) return false;
+        if (n > 0 && !write_all(out, buffer, n)) return false;
+    }
+}
+
+bool copy_out(std::string_view text, char *out, std::size_t size) {
+    if (text.size() >= size) return fail(ERANGE);
+    out[text.copy(out, size)] = 0;
+    return true;
+}
+
+} // namespace
+
+std::FILE *open_file(const char *name, const char *mode) {
+    std::FILE *f = std::fopen(SystemName(name), mode);
+    if (!f) return nullptr;
+    struct stat s;
+    if (fstat(fileno(f), &s) == 0 && S_ISDIR(s.st_mode)) {
+        std::fclose(f);
+        fail(EISDIR);
+        return nullptr;
+    }
+    fcntl(fileno(f), F_SETFD, FD_CLOEXEC);
+    return f;
+}
+
+bool file_status(const char *name, FileStatus &out) {
+    struct stat s;
+    if (stat(SystemName(name), &s) != 0) return false;
+    out = status_of(s);
+    return true;
+}
+
+bool rename_file(const char *from, const char *to) {
+    return std::rename(SystemName(from), SystemName(to)) == 0;
+}
+
+bool remove_file(const char *name) { return unlink(SystemName(name)) == 0; }
+
+bool copy_file(const char *from, const char *to) {
+    const SystemName target(to);
+    struct stat source, before;
+    Descriptor in(open(SystemName(from), O_RDONLY | O_CLOEXEC));
+    if (in < 0 || fstat(in, &source) != 0) return false;
+    if (S_ISDIR(source.st_mode)) return fail(EISDIR);
+
+    // The target is emptied only once it is known to be another file; what is no plain file is written to,
+    // not removed.
+    Descriptor out(open(target, O_WRONLY | O_CREAT | O_CLOEXEC, source.st_mode & 0777));
+    if (out < 0 || fstat(out, &before) != 0) return false;
+    if (before.st_dev == source.st_dev && before.st_ino == source.st_ino) return fail(EINVAL);
+    const bool plain = S_ISREG(before.st_mode);
+    if (plain && ftruncate(out, 0) != 0) return false;
+
+    if (copy_bytes(in, out) && out.close()) return true;
+    const int reason = errno;
+    if (plain) unlink(target);
+    return fail(reason);
+}
+
+bool make_directory(const char *name) { return mkdir(SystemName(name), 0777) == 0; }
+
+bool remove_directory(const char *name) { return rmdir(SystemName(name)) == 0; }
+
+bool current_directory(char *out, std::size_t size) { return getcwd(out, size) != nullptr; }
+
+bool change_directory(const char *name) { return chdir(SystemName(name)) == 0; }
+
+bool absolute_path(const char *name, char *out, std::size_t size) {
+    const SystemName given(name);
+    std::string all(given), path;
+    if (all.empty() || all[0] != '/') {
+        char here[PATH_MAX];
+        if (!current_directory(here, sizeof here)) return false;
+        all = std::string(here) + '/' + all;
+    }
+    for (std::size_t at = 0; at < all.size();) {
+        const std::size_t end = std::min(all.find('/', at), all.size());
+        const std::string_view part = std::string_view(all).substr(at, end - at);
+        if (part == "..")
+            path.erase(path.empty() ? 0 : path.rfind('/'));
+        else if (!part.empty() && part != ".")
+            (path += '/') += part;
+        at = end + 1;
+    }
+    return copy_out(path.empty() ? "/" : path, out, size);
+}
+
+struct Directory::State {
+    DIR *stream;
+};
+
+Directory::Directory(const char *name) {
+    auto state = std::make_unique<State>();
+    state->stream = opendir(SystemName(name));
+    if (state->stream) state_ = state.release();
+}
+
+Directory::~Directory() {
+    if (state_) closedir(state_->stream);
+    delete state_;
+}
+
+bool Directory::next() {
+    while (dirent *entry = state_ ? readdir(state_->stream) : nullptr) {
+        struct stat s;
+        const int at = dirfd(state_->stream);
+        // A link that leads nowhere is told as itself; what vanished meanwhile is passed over.
+        if (fstatat(at, entry->d_name, &s, 0) != 0 &&
+            fstatat(at, entry->d_name, &s, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
+        name_ = entry->d_name;
+        status_ = status_of(s);
+        return true;
+    }
+    return false;
+}
+
+} // namespace kn::os

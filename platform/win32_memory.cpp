@@ -1,0 +1,52 @@
+// Address space and memory on Windows.
+#include "platform/platform.h"
+#include "platform/win32_common.h"
+
+namespace kn::os {
+
+namespace {
+
+const SYSTEM_INFO &system_info() {
+    static const SYSTEM_INFO info = [] {
+        SYSTEM_INFO asked = {};
+        GetSystemInfo(&asked);
+        return asked;
+    }();
+    return info;
+}
+
+} // namespace
+
+std::size_t page_size() { return system_info().dwPageSize; }
+
+std::size_t allocation_granularity() { return system_info().dwAllocationGranularity; }
+
+void *reserve(void *at, std::size_t bytes) {
+    void *p = VirtualAlloc(at, bytes, MEM_RESERVE, PAGE_NOACCESS);
+    if (p && at && p != at) { // an address between two multiples of the granularity was rounded down
+        VirtualFree(p, 0, MEM_RELEASE);
+        return nullptr;
+    }
+    return p;
+}
+
+bool commit(void *at, std::size_t bytes) {
+    return VirtualAlloc(at, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+}
+
+bool readable(const void *p, std::size_t n) {
+    constexpr DWORD closed = PAGE_NOACCESS | PAGE_GUARD | PAGE_EXECUTE;
+    const char *at = static_cast<const char *>(p);
+    while (n > 0) {
+        MEMORY_BASIC_INFORMATION region;
+        if (!VirtualQuery(at, &region, sizeof region)) return false;
+        if (region.State != MEM_COMMIT || (region.Protect & closed)) return false;
+        const std::size_t rest = static_cast<const char *>(region.BaseAddress) + region.RegionSize - at;
+        if (n <= rest) break;
+        at += rest;
+        n -= rest;
+    }
+    return true;
+}
+
+} // namespace kn::os

@@ -1,0 +1,125 @@
+// Modules, processes, floating-point state, messages, console and calendar on Windows.
+#include "platform/platform.h"
+#include "platform/win32_common.h"
+
+#include <cmath>
+#include <conio.h>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <float.h>
+#include <io.h>
+#include <string>
+
+namespace kn::os {
+
+namespace {
+
+bool cursor_to_corner() {
+    return _isatty(_fileno(stdout)) && SetConsoleCursorPosition(GetStdHandle(STD_OUTPUT_HANDLE), COORD{0, 0});
+}
+
+} // namespace
+
+// The loader wants backslashes and looks for a bare name in the current directory late, so it is given the
+// whole path of a file that is meant by its place.
+Module load_module(const char *path, char *why, std::size_t why_size) {
+    char whole[MAX_PATH];
+    const bool placed = std::strpbrk(path, "/\\:") || file_exists(path);
+    HMODULE module = LoadLibraryA(placed && absolute_path(path, whole, sizeof whole) ? whole : path);
+    if (!module) {
+        char reason[512] = "";
+        FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, GetLastError(), 0,
+                       reason, sizeof reason, nullptr);
+        reason[std::strcspn(reason, "\r\n")] = 0;
+        std::snprintf(why, why_size, "%s: %s", path, reason);
+    }
+    return reinterpret_cast<Module>(module);
+}
+
+void *find_symbol(Module module, const char *name) {
+    return module ? reinterpret_cast<void *>(GetProcAddress(reinterpret_cast<HMODULE>(module), name))
+                  : nullptr;
+}
+
+void unload_module(Module module) {
+    if (module) FreeLibrary(reinterpret_cast<HMODULE>(module));
+}
+
+const char *module_suffix() { return ".dll"; }
+
+bool start_detached(const char *command_line) {
+    std::string command(command_line); // the call may write into it
+    if (command.find_first_not_of(" \t\r\n") == std::string::npos) return false;
+    STARTUPINFOA start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process;
+    if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr, nullptr,
+                        &start, &process))
+        return false;
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return true;
+}
+
+unsigned process_id() { return GetCurrentProcessId(); }
+
+void raise_thread_priority() { SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_HIGHEST); }
+
+void end_process(int status) {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    ExitProcess(static_cast<UINT>(status));
+}
+
+bool set_environment(const char *name, const char *value) { return _putenv_s(name, value ? value : "") == 0; }
+
+void reset_floating_point() {
+    _fpreset();
+    _clearfp();
+    _controlfp(0x8001F, 0x8001F);
+}
+
+bool has_dialogs() { return true; }
+
+void message_box(const char *text, const char *title, unsigned style) {
+    MessageBoxA(GetForegroundWindow(), text, title, style);
+}
+
+bool key_waiting() { return _isatty(_fileno(stdin)) && _kbhit(); }
+
+void home_cursor() {
+    std::fflush(stdout);
+    cursor_to_corner();
+}
+
+void clear_screen() {
+    std::fflush(stdout);
+    if (!cursor_to_corner()) return;
+    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    CONSOLE_SCREEN_BUFFER_INFO screen;
+    if (!GetConsoleScreenBufferInfo(console, &screen)) return;
+    const DWORD cells = static_cast<DWORD>(screen.dwSize.X) * static_cast<DWORD>(screen.dwSize.Y);
+    DWORD written;
+    FillConsoleOutputCharacterA(console, ' ', cells, COORD{0, 0}, &written);
+    FillConsoleOutputAttribute(console, screen.wAttributes, cells, COORD{0, 0}, &written);
+}
+
+double processor_time() {
+    FILETIME created, ended, kernel, user;
+    if (!GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user)) return 0;
+    return seconds_of(kernel) + seconds_of(user);
+}
+
+bool local_time(double seconds, LocalTime &out) {
+    if (!(std::abs(seconds) < 1e15)) return false;
+    const __time64_t whole = static_cast<__time64_t>(std::floor(seconds));
+    std::tm t;
+    _tzset();
+    if (_localtime64_s(&t, &whole) != 0) return false;
+    out = {t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,     t.tm_hour, t.tm_min, t.tm_sec + (seconds - whole),
+           t.tm_wday,        t.tm_yday,    t.tm_isdst > 0};
+    return true;
+}
+
+} // namespace kn::os

@@ -1,0 +1,458 @@
+// The platform layer: memory, locks, modules, processes, crashes, names and files, console and clocks.
+// What faults or ends its process does so in a child.
+#include "platform/platform.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cfenv>
+#include <cmath>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool address_sanitizer = true;
+#elif defined(__has_feature)
+constexpr bool address_sanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool address_sanitizer = false;
+#endif
+
+using namespace kn;
+
+namespace {
+
+// ---- Memory ----
+
+TEST(Memory, chunks_continue_the_first_one_while_others_take_memory) {
+    const std::size_t chunk = 0x8000000;
+    char *base = static_cast<char *>(os::reserve(nullptr, chunk));
+    ASSERT_NE(base, nullptr);
+    std::vector<std::unique_ptr<char[]>> others;
+    for (int k = 1; k < 4; ++k) {
+        for (int i = 0; i < 16; ++i) others.emplace_back(new char[4 << 20]);
+        ASSERT_EQ(os::reserve(base + k * chunk, chunk), base + k * chunk);
+    }
+    EXPECT_EQ(os::reserve(base, chunk), nullptr) << "taken already";
+
+    const std::size_t page = os::page_size();
+    EXPECT_FALSE(os::readable(base, 1));
+    ASSERT_TRUE(os::commit(base + chunk - page, page));
+    ASSERT_TRUE(os::commit(base + chunk, 2 * page));
+    EXPECT_EQ(base[chunk - 1], 0);
+    std::memset(base + chunk - page, 'x', 3 * page);
+    EXPECT_EQ(base[chunk + 2 * page - 1], 'x');
+}
+
+TEST(Memory, reserve_fails_when_there_is_no_room) {
+    EXPECT_EQ(os::reserve(nullptr, ~std::size_t{0} / 2), nullptr);
+}
+
+TEST(Memory, readable_to_the_byte) {
+    const std::size_t page = os::page_size();
+    char *p = static_cast<char *>(os::reserve(nullptr, 4 * os::allocation_granularity()));
+    ASSERT_TRUE(p && os::commit(p + page, 2 * page));
+    errno = 0;
+    EXPECT_TRUE(os::readable(p + page, 2 * page));
+    EXPECT_TRUE(os::readable(p + 3 * page - 1, 1));
+    EXPECT_FALSE(os::readable(p + 3 * page - 1, 2));
+    EXPECT_FALSE(os::readable(p + page - 1, 2));
+    EXPECT_FALSE(os::readable(p, 4 * page));
+    EXPECT_FALSE(os::readable(nullptr, 1));
+    EXPECT_FALSE(os::readable(reinterpret_cast<void *>(~std::uintptr_t{0} - 100), 1000)) << "wraps around";
+    EXPECT_TRUE(os::readable(nullptr, 0));
+    EXPECT_TRUE(os::readable("constant", 9));
+    EXPECT_EQ(errno, 0);
+}
+
+// ---- Locks ----
+
+TEST(Locks, made_on_first_entry_recursive_and_exclusive) {
+    os::delete_locks();
+    os::leave_lock(2); // nothing is there to be left
+    int count = 0;
+    auto work = [&] {
+        for (int k = 0; k < 20000; ++k) {
+            os::enter_lock(2);
+            os::enter_lock(2);
+            ++count;
+            os::leave_lock(2);
+            ++count;
+            os::leave_lock(2);
+        }
+    };
+    std::thread other(work);
+    work();
+    other.join();
+    EXPECT_EQ(count, 80000);
+
+    os::enter_lock(0); // the locks are apart from each other
+    std::thread([] { os::enter_lock(1), os::leave_lock(1); }).join();
+    os::leave_lock(0);
+    os::delete_locks();
+    os::create_locks();
+}
+
+// ---- Environment and floating point ----
+
+TEST(Environment, copies_are_bounded) {
+    char out[6] = "?????";
+    ASSERT_TRUE(os::set_environment("KN_PLATFORM_TEST", "abcdefgh"));
+    EXPECT_TRUE(os::environment("KN_PLATFORM_TEST", out, sizeof out));
+    EXPECT_STREQ(out, "abcde");
+    EXPECT_TRUE(os::environment("KN_PLATFORM_TEST", nullptr, 0));
+    ASSERT_TRUE(os::set_environment("KN_PLATFORM_TEST", nullptr));
+    EXPECT_FALSE(os::environment("KN_PLATFORM_TEST", out, sizeof out));
+    EXPECT_STREQ(out, "");
+    EXPECT_FALSE(os::set_environment("not=a_name", "x"));
+}
+
+TEST(FloatingPoint, reset_masks_traps_and_rounds_to_nearest) {
+    volatile double zero = 0, third = 3, tiny = 4e-308;
+    const double nearest = 1 / third;
+#ifdef __GLIBC__
+    feenableexcept(FE_ALL_EXCEPT);
+#endif
+    std::fesetround(FE_UPWARD);
+    os::reset_floating_point();
+    EXPECT_EQ(1 / zero, INFINITY);
+    EXPECT_EQ(1 / third, nearest);
+    EXPECT_GT(tiny / 16, 0) << "denormals are kept";
+    os::reset_floating_point();
+    EXPECT_FALSE(std::fetestexcept(FE_ALL_EXCEPT));
+}
+
+// ---- Names and files ----
+
+// Each case runs inside an empty directory of its own.
+class Files : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(os::current_directory(before, sizeof before));
+        dir = testing::TempDir() + "kn_platform_" + std::to_string(os::process_id());
+        ASSERT_TRUE(os::make_directory(dir.c_str()) && os::change_directory(dir.c_str()));
+    }
+    void TearDown() override {
+        EXPECT_TRUE(os::change_directory(before));
+        std::filesystem::remove_all(dir);
+    }
+
+    static bool write(const char *name, const std::string &text) {
+        std::FILE *f = os::open_file(name, "wb");
+        return f && std::fwrite(text.data(), 1, text.size(), f) == text.size() && std::fclose(f) == 0;
+    }
+    static std::string read(const char *name) {
+        std::FILE *f = os::open_file(name, "rb");
+        if (!f) return "(none)";
+        char text[1000];
+        const std::size_t n = std::fread(text, 1, sizeof text, f);
+        std::fclose(f);
+        return std::string(text, n);
+    }
+    static std::string absolute(const char *name) {
+        char out[4096];
+        return os::absolute_path(name, out, sizeof out) ? out : "(none)";
+    }
+
+    std::string dir;
+    char before[4096];
+};
+
+TEST_F(Files, backslashes_separate_directories) {
+    ASSERT_TRUE(os::make_directory("a") && os::make_directory("a\\b"));
+    ASSERT_TRUE(write("a\\b\\new.txt", "one"));
+    EXPECT_EQ(read("a/b/new.txt"), "one");
+    EXPECT_TRUE(os::copy_file("a\\b/new.txt", "a\\copy") && os::rename_file("a\\copy", "a\\b\\moved"));
+    EXPECT_EQ(read("a/b/moved"), "one");
+    EXPECT_TRUE(os::is_directory("a\\b") && !os::is_directory("a\\b\\moved") &&
+                os::file_exists("a\\b\\moved"));
+    EXPECT_FALSE(write("missing\\x", "")) << "no file with a backslash in its name is made instead";
+    EXPECT_EQ(errno, ENOENT);
+
+    ASSERT_TRUE(os::change_directory("a\\b"));
+    EXPECT_EQ(absolute("..\\x\\.\\y/../z"), std::filesystem::canonical("..").string() + "/x/z");
+    ASSERT_TRUE(os::change_directory("..\\.."));
+    EXPECT_TRUE(os::remove_file("a\\b\\moved") && os::remove_file("a\\b\\new.txt") &&
+                os::remove_directory("a\\b"));
+    EXPECT_FALSE(os::file_exists("a/b"));
+}
+
+#ifndef _WIN32
+TEST_F(Files, a_name_as_given_comes_first) {
+    ASSERT_TRUE(os::make_directory("a") && write("a/b", "slash"));
+    EXPECT_EQ(read("a\\b"), "slash");
+    std::FILE *f = std::fopen("a\\b", "w");
+    ASSERT_TRUE(f && std::fputs("backslash", f) >= 0 && std::fclose(f) == 0);
+    EXPECT_EQ(read("a\\b"), "backslash");
+    EXPECT_EQ(absolute("a\\b"), absolute(".") + "/a\\b");
+    EXPECT_TRUE(os::remove_file("a\\b"));
+    EXPECT_EQ(read("a\\b"), "slash");
+}
+
+TEST_F(Files, absolute_paths_by_the_text) {
+    EXPECT_EQ(absolute("/"), "/");
+    EXPECT_EQ(absolute("//usr/./lib/../../../x//"), "/x");
+    EXPECT_EQ(absolute(""), absolute("."));
+    char little[4] = "?";
+    EXPECT_TRUE(os::absolute_path("/ab", little, 4));
+    EXPECT_FALSE(os::absolute_path("/abc", little, 4));
+    EXPECT_FALSE(os::current_directory(little, 4));
+}
+#endif
+
+TEST_F(Files, failures_leave_files_whole_and_tell_the_reason) {
+    ASSERT_TRUE(write("x", "text"));
+    EXPECT_FALSE(os::copy_file("x", "x"));
+    EXPECT_EQ(read("x"), "text");
+    EXPECT_FALSE(os::copy_file("missing", "x"));
+    EXPECT_EQ(read("x"), "text");
+    EXPECT_FALSE(os::copy_file(".", "y") || os::file_exists("y"));
+    EXPECT_EQ(os::open_file(".", "r"), nullptr);
+    EXPECT_FALSE(os::remove_file("."));
+    EXPECT_FALSE(os::make_directory("x"));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_FALSE(os::change_directory(std::string(5000, 'n').c_str()));
+
+    ASSERT_TRUE(write("longer", "a longer text"));
+    EXPECT_TRUE(os::copy_file("x", "longer"));
+    EXPECT_EQ(read("longer"), "text") << "nothing of the old contents stays";
+}
+
+TEST_F(Files, directory_lists_every_entry_with_its_status) {
+    ASSERT_TRUE(os::make_directory("sub") && write("empty", "") && write("full", std::string(300, 'x')));
+    std::filesystem::create_symlink("nowhere", "dangling");
+    std::map<std::string, os::FileStatus> found;
+    os::Directory here(".");
+    ASSERT_TRUE(here);
+    while (here.next()) found[here.name()] = here.status();
+    EXPECT_EQ(found.size(), 6u);
+    EXPECT_TRUE(found["."].is_directory && found[".."].is_directory && found["sub"].is_directory);
+    EXPECT_TRUE(!found["full"].is_directory && found["full"].size == 300 && found["empty"].size == 0);
+    EXPECT_EQ(found.count("dangling"), 1u);
+    EXPECT_NEAR(found["full"].modified, os::wall_clock(), 60);
+
+    os::Directory none("missing");
+    EXPECT_FALSE(none);
+    EXPECT_FALSE(none.next());
+}
+
+// ---- Modules and processes ----
+
+#ifndef _WIN32
+TEST_F(Files, modules_are_found_by_place_and_by_name) {
+    char why[300] = "";
+    os::Module m = os::load_module("libm.so.6", why, sizeof why);
+    ASSERT_NE(m, nullptr) << why;
+    auto cosine = reinterpret_cast<double (*)(double)>(os::find_symbol(m, "cos"));
+    ASSERT_NE(cosine, nullptr);
+    EXPECT_EQ(cosine(0), 1);
+    EXPECT_EQ(os::find_symbol(m, "no_such_function"), nullptr);
+    os::unload_module(m);
+
+    ASSERT_TRUE(write("local.so", "no module") && os::make_directory("sub") &&
+                write("sub/other.so", "none either"));
+    EXPECT_EQ(os::load_module("local.so", why, sizeof why), nullptr);
+    EXPECT_NE(std::string(why).find("./local.so: file too short"), std::string::npos) << why;
+    EXPECT_EQ(os::load_module("sub\\other.so", why, sizeof why), nullptr);
+    EXPECT_NE(std::string(why).find("sub/other.so: file too short"), std::string::npos) << why;
+    char little[5];
+    EXPECT_EQ(os::load_module("", little, sizeof little), nullptr);
+    EXPECT_EQ(std::strlen(little), 4u);
+}
+
+TEST_F(Files, detached_process_runs_and_leaves_no_zombie) {
+    EXPECT_FALSE(os::start_detached(""));
+    EXPECT_FALSE(os::start_detached("  "));
+    EXPECT_FALSE(os::start_detached("no_such_program_here -x"));
+    EXPECT_FALSE(os::start_detached("\"no such program\" x"));
+    ASSERT_TRUE(os::start_detached("echo 'a \"b\" c' > part && mv part out.txt"));
+    EXPECT_TRUE(os::start_detached("\"/bin/sh\" -c 'mkdir done'"));
+    for (int k = 0; k < 500 && !(os::file_exists("out.txt") && os::file_exists("done")); ++k)
+        os::pause_milliseconds(20);
+    EXPECT_EQ(read("out.txt"), "a \"b\" c\n");
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+#endif
+
+TEST_F(Files, end_process_writes_out_standard_output) {
+    auto leave = [] {
+        if (!std::freopen("out.txt", "w", stdout)) std::abort();
+        std::printf("no newline");
+        std::atexit([] { std::printf("exit list"); });
+        os::end_process(5);
+    };
+    EXPECT_EXIT(leave(), testing::ExitedWithCode(5), "");
+    EXPECT_EQ(read("out.txt"), "no newline");
+}
+
+// ---- Crashes ----
+
+TEST(Crash, names_of_codes) {
+    EXPECT_STREQ(os::exception_name(0x80000001), "GUARD_PAGE");
+    EXPECT_STREQ(os::exception_name(0xC0000094), "INT_DIVIDE_BY_ZERO");
+    EXPECT_STREQ(os::exception_name(0xC00000FD), "STACK_OVERFLOW");
+    EXPECT_STREQ(os::exception_name(0), "Unknown exception code");
+    EXPECT_STREQ(os::exception_name(0xC0000007), "Unknown exception code");
+}
+
+#if defined(__linux__) && defined(__x86_64__)
+
+void touch_reserved() { *static_cast<volatile char *>(os::reserve(nullptr, os::page_size())) = 1; }
+
+void divide_integers() {
+    int dividend = 1, high = 0;
+    asm volatile("idivl %2" : "+a"(dividend), "+d"(high) : "r"(0));
+}
+
+void divide_floating() {
+    volatile double zero = 0;
+    feenableexcept(FE_DIVBYZERO);
+    zero = 1 / zero;
+}
+
+__attribute__((noinline)) int overflow_stack(volatile char *above) {
+    volatile char frame[512];
+    frame[0] = above ? above[0] : 1;
+    return above && above[0] == 0 ? 0 : overflow_stack(frame) + frame[0];
+}
+
+template <os::CrashAction action> os::CrashAction tell(unsigned code) {
+    std::fprintf(stderr, "hook: %08X %s.", code, os::exception_name(code));
+    std::printf("told");
+    return action;
+}
+
+struct CrashCase {
+    const char *expected;
+    int signal;
+    void (*fault)();
+};
+
+const CrashCase crash_cases[] = {
+    {"hook: C0000005 ACCESS_VIOLATION\\.", SIGSEGV, touch_reserved},
+    {"hook: C00000FD STACK_OVERFLOW\\.", SIGSEGV, [] { overflow_stack(nullptr); }},
+    {"hook: C0000094 INT_DIVIDE_BY_ZERO\\.", SIGFPE, divide_integers},
+    {"hook: C000008E FLT_DIVIDE_BY_ZERO\\.", SIGFPE, divide_floating},
+    {"hook: C000001D ILLEGAL_INSTRUCTION\\.", SIGILL, [] { asm volatile("ud2"); }},
+    {"hook: C0000006 IN_PAGE_ERROR\\.", SIGBUS, [] { raise(SIGBUS); }},
+    {"hook: C0000005 ACCESS_VIOLATION\\.", SIGSEGV, [] { raise(SIGSEGV); }},
+};
+
+TEST(Crash, hook_learns_the_code_and_the_search_goes_on) {
+    for (const CrashCase &c : crash_cases) {
+        SCOPED_TRACE(c.expected);
+        auto crash = [&] {
+            os::install_crash_hook(tell<os::CrashAction::continue_search>);
+            c.fault();
+            std::_Exit(0);
+        };
+        // The sanitizer's own handler comes next in the search: it reports and ends the process in its way.
+        auto died = [&](int status) {
+            return address_sanitizer ? status != 0 : WIFSIGNALED(status) && WTERMSIG(status) == c.signal;
+        };
+        EXPECT_EXIT(crash(), died, c.expected);
+    }
+}
+
+TEST_F(Files, hook_ends_the_process_after_flushing) {
+    for (const CrashCase &c : crash_cases) {
+        SCOPED_TRACE(c.expected);
+        auto crash = [&] {
+            if (!std::freopen("out.txt", "w", stdout)) std::abort();
+            os::install_crash_hook(tell<os::CrashAction::continue_search>);
+            os::install_crash_hook(tell<os::CrashAction::end_process>); // takes the place of the first
+            c.fault();
+        };
+        EXPECT_EXIT(crash(), testing::ExitedWithCode(1), c.expected);
+        EXPECT_EQ(read("out.txt"), "told");
+    }
+}
+
+TEST(Crash, fault_inside_the_hook_ends_the_process) {
+    auto crash = [] {
+        os::install_crash_hook([](unsigned) {
+            std::fprintf(stderr, "once.");
+            divide_integers();
+            return os::CrashAction::end_process;
+        });
+        touch_reserved();
+    };
+    EXPECT_EXIT(crash(), testing::KilledBySignal(SIGFPE), "^once\\.$");
+}
+
+TEST(Crash, sent_sigfpe_is_ignored_and_removal_restores) {
+    auto survive = [] {
+        static volatile int own = 0;
+        std::signal(SIGFPE, [](int) { own = own + 1; });
+        os::install_crash_hook(tell<os::CrashAction::end_process>);
+        raise(SIGFPE);
+        const int while_installed = own;
+        os::remove_crash_hook();
+        raise(SIGFPE);
+        std::_Exit(while_installed == 0 && own == 1 ? 3 : 4);
+    };
+    EXPECT_EXIT(survive(), testing::ExitedWithCode(3), "");
+}
+#endif
+
+// ---- Console and time ----
+
+TEST_F(Files, read_line_takes_only_the_newline) {
+    ASSERT_TRUE(write("in.txt", "ab\r\n\n12345678\nlast"));
+    auto run = [] {
+        char line[6];
+        if (!std::freopen("in.txt", "r", stdin) || os::key_waiting()) std::abort();
+        while (os::read_line(line, sizeof line)) std::fprintf(stderr, "<%s>", line);
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "<ab\r><><12345><678><last>$");
+}
+
+TEST(Messages, go_to_standard_error_without_a_window) {
+#ifdef _WIN32
+    GTEST_SKIP() << "there a window would wait for an answer";
+#endif
+    testing::internal::CaptureStderr();
+    os::message_box("it broke", "Note!", 48);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "Note!: it broke\n");
+}
+
+TEST(Time, local_calendar) {
+    char before[200];
+    const bool had = os::environment("TZ", before, sizeof before);
+    os::LocalTime t;
+    ASSERT_TRUE(os::set_environment("TZ", "UTC0") && os::local_time(1e9 + 0.25, t));
+    EXPECT_EQ(std::vector({t.year, t.month, t.day, t.hour, t.minute}), std::vector({2001, 9, 9, 1, 46}));
+    EXPECT_EQ(t.second, 40.25);
+    EXPECT_TRUE(t.weekday == 0 && t.yearday == 251 && !t.daylight_saving);
+    ASSERT_TRUE(os::set_environment("TZ", "AAA5BBB,M4.1.0,M10.5.0") && os::local_time(1e9, t));
+    EXPECT_TRUE(t.daylight_saving && t.day == 8 && t.hour == 21) << "a changed zone counts at once";
+    EXPECT_FALSE(os::local_time(NAN, t) || os::local_time(1e300, t));
+    os::set_environment("TZ", had ? before : nullptr);
+}
+
+TEST(Time, clocks_agree_about_a_pause) {
+    const double wall = os::wall_clock(), steady = os::monotonic_clock(), used = os::processor_time();
+    os::pause_milliseconds(50);
+    EXPECT_GE(os::monotonic_clock() - steady, 0.05);
+    EXPECT_NEAR(os::wall_clock() - wall, os::monotonic_clock() - steady, 0.5);
+    EXPECT_LT(os::processor_time() - used, os::monotonic_clock() - steady)
+        << "resting costs no processor time";
+    EXPECT_NEAR(os::wall_clock(), static_cast<double>(std::time(nullptr)), 2);
+}
+
+} // namespace
