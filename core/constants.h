@@ -1,0 +1,24 @@
+// The raw numbers behind the language's constants, and the marker of a read that found nothing.
+#ifndef QUORVEX_CORE_CONSTANTS_H
+#define QUORVEX_CORE_CONSTANTS_H
+
+#include <bit>
+#include <cstdint>
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+inline constexpr double raw_inf = std::bit_cast<double>(uint64_t{0x7FF0000000000000});
+inline constexpr double raw_nan =
+    std::bit_cast<double>(uint64_t{0x7FFFFFFFFFFFFFFF}); // all mantissa bits set
+inline constexpr double raw_eps = 0x1p-52;
+inline constexpr double raw_realmin = 0x1p-1022;
+inline constexpr double raw_realmax = (2.0 - raw_eps) * 0x1p1023;
+
+// The result of a tolerant read that failed: a value of type kn_none.
+extern Mm nothing_M;
+
+} // namespace kn
+
+#endif

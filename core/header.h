@@ -1,0 +1,49 @@
+// The library's own access to the header of a value, and the small helpers with which kernels make results.
+//
+// A result is made in two steps: construct it (`Mm out(...)` or `fresh`), then ask `lacks(out, n)`. When
+// memory ran out and the error handler returned, `out` is a valid empty value without room for n elements,
+// and the function returns x_M.
+#ifndef QUORVEX_CORE_HEADER_H
+#define QUORVEX_CORE_HEADER_H
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+struct Header {
+    static void *&pr(const Mm &m) { return const_cast<Mm &>(m).pr; }
+    static void *&pi(const Mm &m) { return const_cast<Mm &>(m).pi; }
+    static int &p(const Mm &m) { return const_cast<Mm &>(m).p; }
+    static int *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
+    static unsigned *refcount(const Mm &m) { return m.refcount; }
+    static const char *&name(const Mm &m) { return const_cast<Mm &>(m).name; }
+    static const char **&fields(const Mm &m) { return const_cast<Mm &>(m).fields; }
+    static int &nfields(const Mm &m) { return const_cast<Mm &>(m).nfields; }
+    static Mm *&shadow(const Mm &m) { return const_cast<Mm &>(m).shadow; }
+};
+
+// Whether the value has no room for the n stored elements it was made for.
+inline bool lacks(const Mm &m, int n) { return m.getnnz() < n; }
+
+// Whether two headers refer to one block.
+inline bool same_block(const Mm &a, const Mm &b) { return Header::refcount(a) == Header::refcount(b); }
+
+// A full value of the extents of `like`.
+inline Mm fresh_like(const Mm &like, int complex, kn_matrix_types t) {
+    return Mm(complex, 0, 0, like.getndims(), like.getdims(), t);
+}
+
+// Product of extents, or -1 when it does not fit an int.
+int product(int ndims, const int *dims);
+
+// Asserts what holds for every value between operations: extents against nnz, ascending index, count, field
+// list. Nothing in release builds.
+#ifdef NDEBUG
+inline void check(const Mm &) {}
+#else
+void check(const Mm &m);
+#endif
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,267 @@
+// Construction, sharing and destruction of values: who makes a block, who counts it, who frees it.
+//
+// Every path that stores a block pointer in a header counts it, every path that drops one gives it back, and
+// the last one frees. A header always refers to a block: when memory is exhausted and the error handler
+// returns, to one static block that is never freed and always counts as shared, so that nobody writes into
+// it.
+
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "core/header.h"
+#include "core/hooks.h"
+#include "core/scratch.h"
+#include "quorvex/memory.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+
+constinit ScopeHooks scope_hooks = {nullptr, nullptr};
+
+namespace {
+
+struct EmptyBlock {
+    double data[8];
+    unsigned count;
+};
+constinit EmptyBlock no_memory_block = {{}, 1};
+
+constexpr int slack = 8;       // spare elements of a numeric block
+constexpr int value_slack = 5; // of a block of values
+
+struct Extents {
+    int d[2];
+};
+
+size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
+
+// A value array: the number of its elements stands before it.
+constexpr size_t array_header = 16;
+
+void free_values(Mm *array, int n) {
+    for (int k = n; k-- > 0;) array[k].~Mm();
+    heap_free(reinterpret_cast<char *>(array) - array_header);
+}
+
+// n default values, or null. Nothing is left behind when the error handler throws for one of them.
+Mm *make_values(int n) {
+    struct Building {
+        Mm *array = nullptr;
+        int made = 0;
+        ~Building() {
+            if (array) free_values(array, made);
+        }
+    } building;
+    if (static_cast<size_t>(n) > (SIZE_MAX - array_header) / sizeof(Mm)) return nullptr;
+    char *start = static_cast<char *>(heap_alloc(array_header + static_cast<size_t>(n) * sizeof(Mm)));
+    if (!start) return nullptr;
+    std::memcpy(start, &n, sizeof n);
+    building.array = reinterpret_cast<Mm *>(start + array_header);
+    for (; building.made < n; ++building.made) new (building.array + building.made) Mm();
+    Mm *array = building.array;
+    building.array = nullptr;
+    return array;
+}
+
+} // namespace
+
+int product(int ndims, const int *dims) {
+    long long n = 1;
+    for (int k = 0; k < ndims; ++k) {
+        if (dims[k] <= 0) return 0;
+        n *= dims[k];
+        if (n > INT_MAX) {
+            for (int l = k + 1; l < ndims; ++l)
+                if (dims[l] <= 0) return 0;
+            return -1;
+        }
+    }
+    return static_cast<int>(n);
+}
+
+} // namespace kn
+
+using namespace kn;
+
+// Gives this header a block for nnz elements of flags.type (nnz -1: a count that does not fit). Without
+// memory it becomes an empty double on the static block.
+void Mm::allocate(int complex, int with_index) {
+    fields = nullptr;
+    nfields = 0;
+    classid = 0;
+    pi = nullptr;
+    index = nullptr;
+    bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
+    if (nnz < 1) {
+        nnz = 0;
+        std::memset(dims, 0, sizeof dims);
+    }
+    pr = nullptr;
+    refcount = nullptr;
+    if (fits && flags.type == kn_Mm) {
+        p = nnz + value_slack;
+        refcount = static_cast<unsigned *>(kn_block_alloc(sizeof *refcount));
+        struct Guard { // the count must not outlive an error thrown for one of the elements
+            unsigned *&count;
+            void *&array;
+            ~Guard() {
+                if (!array) {
+                    kn_block_free(count);
+                    count = nullptr;
+                }
+            }
+        } guard{refcount, pr};
+        if (refcount) pr = make_values(p);
+    } else if (fits) {
+        p = nnz + slack;
+        size_t plane = static_cast<size_t>(p) * (flags.type == kn_uint8 ? 1 : sizeof(double));
+        size_t imaginary = static_cast<size_t>(p) * sizeof(double);
+        size_t end = aligned(complex ? imaginary + plane : plane);
+        char *start = static_cast<char *>(kn_block_alloc(end + sizeof(double)));
+        if (start) {
+            pr = start;
+            if (complex) pi = start + imaginary;
+            refcount = reinterpret_cast<unsigned *>(start + end);
+        }
+    }
+    if (pr && with_index) {
+        index = static_cast<int *>(kn_block_alloc(static_cast<size_t>(p) * sizeof(int)));
+        if (!index) {
+            if (flags.type == kn_Mm) {
+                free_values(static_cast<Mm *>(pr), p);
+                kn_block_free(refcount);
+            } else {
+                kn_block_free(pr);
+            }
+            pr = nullptr;
+        }
+    }
+    if (pr) {
+        *refcount = 1;
+        return;
+    }
+    nnz = 0;
+    ndims = 2;
+    std::memset(dims, 0, sizeof dims);
+    flags.type = kn_double;
+    flags.sparse = 0;
+    p = slack;
+    pr = no_memory_block.data;
+    pi = nullptr;
+    refcount = &no_memory_block.count;
+    ++*refcount;
+    out_of_memory();
+}
+
+// Drops this header's hold on its block.
+void Mm::release() {
+    if (--*refcount == 0 && refcount != &no_memory_block.count) {
+        if (flags.type == kn_Mm) {
+            free_values(static_cast<Mm *>(pr), p);
+            kn_block_free(refcount);
+            for (int k = 0; k < nfields; ++k) heap_free(const_cast<char *>(fields[k]));
+            heap_free(fields);
+        } else {
+            kn_block_free(pr);
+        }
+        kn_block_free(index);
+    }
+    pr = nullptr;
+    if (flags.scalar_only && nnz == 1 && name && (kn_default_error_flags & 8)) kn_debug_handler('s', name);
+}
+
+Mm::Mm()
+    : ndims(2), dims{0, 0, 0, 0}, nnz(0), name(nullptr), shadow(nullptr), flags{0, 0, 0, 0, 0, 0, kn_double} {
+    allocate(0, 0);
+}
+
+Mm::Mm(double x)
+    : ndims(2), dims{1, 1, 1, 1}, nnz(1), name(nullptr), shadow(nullptr), flags{0, 0, 0, 1, 0, 0, kn_double} {
+    allocate(0, 0);
+    if (nnz == 1) *addr() = x;
+}
+
+Mm::Mm(int complex, int sparse, int stored, int rows, int cols, kn_matrix_types t)
+    : Mm(complex, sparse, stored, 2, Extents{{rows, cols}}.d, t) {}
+
+Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types t)
+    : ndims(n < 2   ? 2
+            : n > 4 ? 4
+                    : n),
+      dims{1, 1, 1, 1}, name(nullptr), shadow(nullptr), flags{0, sparse, 0, 0, 0, 0, t} {
+    for (int k = 0; k < n && k < 4; ++k) dims[k] = d[k] > 0 ? d[k] : 0;
+    while (ndims > 2 && dims[ndims - 1] == 1) --ndims;
+    int full = product(4, dims);
+    if (!sparse || full < 0) {
+        nnz = full;
+        if (sparse) nnz = -1;
+        allocate(complex, sparse);
+        return;
+    }
+    int extents[4];
+    std::memcpy(extents, dims, sizeof dims);
+    nnz = stored < 0 ? 0 : stored < full ? stored : full;
+    int room = nnz;
+    allocate(complex, 1);
+    if (nnz < room || flags.type != t) return; // no memory
+    if (full > 0) std::memcpy(dims, extents, sizeof dims);
+}
+
+Mm::Mm(i_o_t, const char *n, int global) : Mm() {
+    name = n;
+    flags.type = kn_none;
+    flags.scalar_only = 1;
+    flags.global = global;
+    if (kn_interactive_flag && scope_hooks.add) scope_hooks.add(*this);
+}
+
+Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) { name = n; }
+
+Mm::Mm(const Mm &src) {
+    std::memcpy(static_cast<void *>(this), static_cast<const void *>(&src), sizeof(Mm));
+    name = nullptr;
+    shadow = nullptr;
+    flags.persistent = 0;
+    flags.global = 0;
+    ++*refcount;
+}
+
+Mm::Mm(const Mm &src, const char *n) : Mm(src) {
+    name = n;
+    flags.global = src.flags.global;
+}
+
+Mm::~Mm() {
+    if (kn_interactive_flag && name && scope_hooks.detach) scope_hooks.detach(*this);
+    ndims = -1;
+    release();
+}
+
+Mm &Mm::operator=(const Mm &src) {
+    if (this == &src) return *this;
+    // The source may live inside the target's block: what this header held is dropped last.
+    alignas(Mm) char held[sizeof(Mm)];
+    std::memcpy(held, static_cast<void *>(this), sizeof(Mm));
+    const Mm &old = *reinterpret_cast<Mm *>(held);
+    ++*src.refcount;
+    std::memcpy(static_cast<void *>(this), static_cast<const void *>(&src), sizeof(Mm));
+    name = old.name;
+    shadow = old.shadow;
+    flags.persistent = old.flags.persistent;
+    flags.global = old.flags.global;
+    bool plain = flags.type == kn_double && !flags.sparse && !pi && nnz == 1;
+    flags.scalar_only = plain && old.flags.scalar_only;
+    const_cast<Mm &>(old).release();
+    return *this;
+}
+
+void *Mm::operator new(size_t n) {
+    void *p = kn_block_alloc(n);
+    if (p) return p;
+    out_of_memory();
+    throw std::bad_alloc();
+}
+
+void Mm::operator delete(void *p) { kn_block_free(p); }

@@ -1,0 +1,24 @@
+// quorvex: the run-time library of compiled M programs. Generated code includes this header and nothing else.
+#ifndef QUORVEX_H
+#define QUORVEX_H
+
+#include "quorvex/arrays.h"
+#include "quorvex/builders.h"
+#include "quorvex/classes.h"
+#include "quorvex/display.h"
+#include "quorvex/evaluation.h"
+#include "quorvex/functions.h"
+#include "quorvex/graphics.h"
+#include "quorvex/memory.h"
+#include "quorvex/messages.h"
+#include "quorvex/operations.h"
+#include "quorvex/selo.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+#include "quorvex/text.h"
+#include "quorvex/values.h"
+
+// Version of the hand-shake: the first argument of initM2.
+#define QUORVEX_VERSION 4500
+
+#endif

@@ -1,0 +1,92 @@
+// Values as lines of text on the console hook, console input, and the bridges between character values and
+// plain strings.
+//
+// Every number is printed by %g with one precision (4 digits short, 12 long), one line per row: no paging, no
+// column splitting, no common scale factor.
+#ifndef QUORVEX_DISPLAY_H
+#define QUORVEX_DISPLAY_H
+
+#include "quorvex/counts.h"
+
+// printf through the print handler; returns the number of characters. The text is cut at strlen(fmt) + 16381
+// characters.
+QUORVEX_API int kn_printf(const char *fmt, ...) QUORVEX_PRINTF(1, 2);
+
+// format long: any word that begins with L; all else is short. The second input is not looked at.
+QUORVEX_API Mm format();
+QUORVEX_API Mm format(const Mm &mode);
+QUORVEX_API Mm format(const Mm &mode, const Mm &other);
+
+QUORVEX_API Mm disp(const Mm &m);        // the value's text; nothing for x_M
+QUORVEX_API Mm puts(const Mm &m);        // the same
+QUORVEX_API Mm display(const Mm &m);     // header and text, or the class's display method
+QUORVEX_API Mm disp_header(const Mm &m); // "x (2x2)=4 double elements real (32 bytes) = "
+QUORVEX_API Mm celldisp(const Mm &m); // each element of a cell with its subscripts; "%s is not a cell array."
+QUORVEX_API Mm dump(const Mm &m);     // the header's fields, for debugging
+
+QUORVEX_API void whos_line(const Mm &m);   // name and description
+QUORVEX_API Mm get_whos_line(const Mm &m); // the description, " (2x2)=4 double elements real (32 bytes)"
+QUORVEX_API const char *
+kn_class_word(const Mm &m); // "char", "sparse", "struct", the class name, "cell", "uint8", "double"
+
+// A number as text, a line per row: with `digits` significant digits (default 4, leading blanks removed). The
+// form with outputs keeps the blanks and gives the width of the first field. "Can not convert %s into a
+// numerical matrix" for cells and structures.
+QUORVEX_API Mm num2str(const Mm &m);
+QUORVEX_API Mm num2str(const Mm &m, const Mm &digits);
+QUORVEX_API Mm num2str(const Mm &m, i_o_t, Mm &text, Mm &width);
+QUORVEX_API Mm num2str(const Mm &m, const Mm &digits, i_o_t, Mm &text, Mm &width);
+
+// -- Plain strings and character values.
+
+QUORVEX_API Mm TM(const char *s); // 1 by strlen(s); null gives the empty string value
+// Rows joined by newlines, each double truncated to a byte, NUL at the end; "Mstr: buffer too small -
+// chopped" and an empty string when (cols + 1) * rows exceeds size.
+QUORVEX_API void Mstr(const double *data, int rows, int cols, char *buf, int size);
+QUORVEX_API void Mstr(const Mm &m, char *buf, int size);
+QUORVEX_API void Mstr_row(const Mm &m, char *buf, int size); // all of m, in storage order, as one row
+QUORVEX_API int Mstr_size(const Mm &m);                      // bytes that Mstr needs
+
+// -- Console.
+
+// A line from the user as numbers (nop_M when empty; warns about text), or with a second input as text.
+// "ctrl_c_event" is the error "Ctrl-C".
+QUORVEX_API Mm input(const Mm &prompt);
+QUORVEX_API Mm input(const Mm &prompt, const Mm &s);
+QUORVEX_API Mm pauseM(); // until a key or button is pressed
+QUORVEX_API Mm clc();    // clears the screen
+QUORVEX_API Mm home();   // cursor to row 1, column 1
+QUORVEX_API Mm usage(const Mm &m);
+QUORVEX_API Mm smiley();
+
+// Hooks: fill a buffer of the given size with a line; tell whether a key is waiting; clear the screen. Null
+// restores the default.
+typedef void (*kn_input_hook)(char *buf, int size);
+typedef int (*kn_kbhit_hook)();
+typedef void (*kn_clc_hook)();
+extern QUORVEX_API kn_input_hook kn_input_handler;
+extern QUORVEX_API kn_kbhit_hook kn_kbhit_handler;
+extern QUORVEX_API kn_clc_hook kn_clc_handler;
+QUORVEX_API kn_input_hook kn_set_input_handler(kn_input_hook f);
+QUORVEX_API kn_kbhit_hook kn_set_kbhit_handler(kn_kbhit_hook f);
+QUORVEX_API kn_clc_hook kn_set_clc_handler(kn_clc_hook f);
+
+#define QUORVEX_DISPLAY_COUNTS(ROW) \
+    ROW(format, 0, 1, 2)            \
+    ROW(disp, 1)                    \
+    ROW(puts, 1)                    \
+    ROW(display, 1)                 \
+    ROW(disp_header, 1)             \
+    ROW(celldisp, 1)                \
+    ROW(dump, 1)                    \
+    ROW(get_whos_line, 1)           \
+    ROW(num2str, 1, 2)              \
+    ROW(input, 1, 2)                \
+    ROW(pauseM, 0)                  \
+    ROW(clc, 0)                     \
+    ROW(home, 0)                    \
+    ROW(usage, 1)                   \
+    ROW(smiley, 0)
+QUORVEX_DISPLAY_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
+
+#endif

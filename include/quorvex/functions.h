@@ -1,0 +1,17 @@
+// All functions of the language with the counts of inputs they take: QUORVEX_FUNCTIONS(ROW), the rows of
+// every header.
+#ifndef QUORVEX_FUNCTIONS_H
+#define QUORVEX_FUNCTIONS_H
+
+#define QUORVEX_FUNCTIONS(ROW)    \
+    QUORVEX_ARRAY_COUNTS(ROW)     \
+    QUORVEX_BUILDER_COUNTS(ROW)   \
+    QUORVEX_CLASS_COUNTS(ROW)     \
+    QUORVEX_DISPLAY_COUNTS(ROW)   \
+    QUORVEX_GRAPHICS_COUNTS(ROW)  \
+    QUORVEX_MESSAGE_COUNTS(ROW)   \
+    QUORVEX_OPERATION_COUNTS(ROW) \
+    QUORVEX_SPARSE_COUNTS(ROW)    \
+    QUORVEX_TEXT_COUNTS(ROW)
+
+#endif

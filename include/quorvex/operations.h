@@ -1,0 +1,179 @@
+// Operators, elementary functions, comparisons, bit operations and reductions: all that runs through the
+// element engine.
+//
+// Common to all. Operands of one element are expanded; else the extents must agree ("%s: incompatible
+// dimensions of: %s, %s"). double with uint8 computes in uint8. Comparisons, logical operations and the is...
+// tests give logical values. Complex operands: lt, gt, le, ge see real parts only; eq and ne both parts. A
+// NaN counts as true. Results are complex when an operand is, or when real input leaves the real domain of
+// the function (sqrt, log, acos, ...). An empty operand gives the empty 0 by 0, but eq and ne give a scalar.
+// Sparse operands give sparse results, but sparse + full and sparse - full are full. Cells report "Operation
+// can not be performed on non-numerical datatypes"; structures go to the method of their class.
+#ifndef QUORVEX_OPERATIONS_H
+#define QUORVEX_OPERATIONS_H
+
+#include "quorvex/counts.h"
+
+// clang-format off
+
+// One input, element by element. `arg` is angle, `finite` isfinite, `kn_isnan` isnan, `mnot` the operator !,
+// `msqrt` sqrt. reallog and realsqrt stay real (NaN below 0). expint is E1; below 0 its principal value minus
+// i pi. uint8 input computes on the value of the byte and truncates the result back to a byte.
+#define QUORVEX_UNARY_FUNCTIONS(ROW)                                                                        \
+    ROW(abs, 1) ROW(acos, 1) ROW(acosh, 1) ROW(acot, 1) ROW(acoth, 1) ROW(acsc, 1) ROW(acsch, 1)            \
+    ROW(angle, 1) ROW(arg, 1) ROW(asec, 1) ROW(asech, 1) ROW(asin, 1) ROW(asinh, 1) ROW(atan, 1)            \
+    ROW(atanh, 1) ROW(ceil, 1) ROW(conj, 1) ROW(cos, 1) ROW(cosh, 1) ROW(cot, 1) ROW(coth, 1) ROW(csc, 1)   \
+    ROW(csch, 1) ROW(erf, 1) ROW(erfc, 1) ROW(erfcx, 1) ROW(erfinv, 1) ROW(exp, 1) ROW(expint, 1)           \
+    ROW(finite, 1) ROW(fix, 1) ROW(floor, 1) ROW(gamma, 1) ROW(gammaln, 1) ROW(imag, 1) ROW(isfinite, 1)    \
+    ROW(isinf, 1) ROW(isnan, 1) ROW(kn_isnan, 1) ROW(log, 1) ROW(log10, 1) ROW(log2, 1) ROW(mnot, 1)        \
+    ROW(msqrt, 1) ROW(real, 1) ROW(reallog, 1) ROW(realsqrt, 1) ROW(round, 1) ROW(sec, 1) ROW(sech, 1)      \
+    ROW(sign, 1) ROW(sin, 1) ROW(sinc, 1) ROW(sinh, 1) ROW(sqrt, 1) ROW(tan, 1) ROW(tanh, 1) ROW(uminus, 1) \
+    ROW(uplus, 1)
+
+// Two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide, ldivide and
+// power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor. gammainc(x,
+// a) is the regularized lower incomplete gamma function. mod and rem of anything by 0 are NaN. plus to
+// mrdivide are also the operators. mtimes is the matrix product ("*: wrong dimensions of: %s %dx%d, %s
+// %dx%d"); mrdivide by a scalar divides the elements.
+#define QUORVEX_BINARY_FUNCTIONS(ROW)                                                                       \
+    ROW(atan2, 2) ROW(betaln, 2) ROW(bitcmp, 2) ROW(bitget, 2) ROW(bitreset, 2) ROW(bitset, 2)              \
+    ROW(bitshift, 2) ROW(bitxor, 2) ROW(dot_div, 2) ROW(dot_invdiv, 2) ROW(dot_mul, 2) ROW(dot_pow, 2)      \
+    ROW(eq, 2) ROW(gammainc, 2) ROW(ge, 2) ROW(gt, 2) ROW(ldivide, 2) ROW(le, 2) ROW(lt, 2) ROW(mand, 2)    \
+    ROW(mbitand, 2) ROW(mbitor, 2) ROW(minus, 2) ROW(mod, 2) ROW(mor, 2) ROW(mrdivide, 2) ROW(mtimes, 2)    \
+    ROW(mxor, 2) ROW(ne, 2) ROW(plus, 2) ROW(power, 2) ROW(rdivide, 2) ROW(rem, 2) ROW(times, 2)
+
+// Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim ("%s: dim argument may not
+// be empty",
+// "%s: dimension=%d does not exist for matrix %s"). Results keep uint8 (wrapping at 256), but sum of uint8 is
+// double. Of an empty value, without dim: all and prod give 1, any and sum 0; everything else gives empty.
+// median is NaN when the slice holds one. sumabs is sum(abs(a)).
+#define QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                                    \
+    ROW(all, 1, 2) ROW(any, 1, 2) ROW(cumprod, 1, 2) ROW(cumsum, 1, 2) ROW(median, 1, 2) ROW(prod, 1, 2)    \
+    ROW(sum, 1, 2) ROW(sumabs, 1, 2)
+
+// clang-format on
+
+#define QUORVEX_ONE(name, ...) QUORVEX_API Mm name(const Mm &a);
+#define QUORVEX_TWO(name, ...) QUORVEX_API Mm name(const Mm &a, const Mm &b);
+#define QUORVEX_ONE_OR_TWO(name, ...) QUORVEX_ONE(name) QUORVEX_API Mm name(const Mm &a, const Mm &dim);
+QUORVEX_UNARY_FUNCTIONS(QUORVEX_ONE)
+QUORVEX_BINARY_FUNCTIONS(QUORVEX_TWO)
+QUORVEX_REDUCTION_FUNCTIONS(QUORVEX_ONE_OR_TWO)
+#undef QUORVEX_ONE
+#undef QUORVEX_TWO
+#undef QUORVEX_ONE_OR_TWO
+
+// -- Operators. operator^ stays the language's business: generated code calls power, or mpower.
+
+QUORVEX_API Mm operator+(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator-(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator*(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator/(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator<(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator>(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator<=(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator>=(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator==(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator!=(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator&&(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator||(const Mm &a, const Mm &b);
+QUORVEX_API Mm operator!(const Mm &a);
+QUORVEX_API Mm operator+(const Mm &a);
+QUORVEX_API Mm operator-(const Mm &a);
+
+// -- Largest and smallest. Of one input along a dimension (NaN skipped; all NaN gives -Inf or +Inf; complex
+// by modulus), with the positions as second output; of two inputs element by element (NaN loses). max(a, [],
+// dim): the second input is not looked at.
+
+QUORVEX_API Mm max(const Mm &a);
+QUORVEX_API Mm max(const Mm &a, const Mm &b);
+QUORVEX_API Mm max(const Mm &a, const Mm &none, const Mm &dim);
+QUORVEX_API Mm max(const Mm &a, i_o_t, Mm &y, Mm &i);
+QUORVEX_API Mm max(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
+QUORVEX_API Mm min(const Mm &a);
+QUORVEX_API Mm min(const Mm &a, const Mm &b);
+QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim);
+QUORVEX_API Mm min(const Mm &a, i_o_t, Mm &y, Mm &i);
+QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
+
+// -- Powers of two: 2 .^ x; f .* 2 .^ e. [f, e] = log2(x): x = f .* 2 .^ e with 0.5 <= abs(f) < 1; a
+// non-finite x gives f = x, e = 0.
+
+QUORVEX_API Mm pow2(const Mm &x);
+QUORVEX_API Mm pow2(const Mm &f, const Mm &e);
+QUORVEX_API Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e);
+
+// -- Beta functions: beta(a, b); beta(x, a, b) and betainc(x, a, b) the regularized incomplete one. x outside
+// [0, 1] gives NaN.
+
+QUORVEX_API Mm beta(const Mm &a, const Mm &b);
+QUORVEX_API Mm beta(const Mm &x, const Mm &a, const Mm &b);
+QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);
+
+// -- Differences. diff(a, n, dim): n times, along dim. unwrap(a, tol, dim): jumps above tol (default pi)
+// become their complement to 2 pi. gradient(f) and gradient(f, x): slopes along the first non-singleton
+// dimension, x the coordinates (a scalar: the step); [gx, gy] = gradient(f, x, y) along columns and rows of a
+// matrix. del2: the discrete Laplacian, with x and y likewise.
+
+QUORVEX_API Mm diff(const Mm &a);
+QUORVEX_API Mm diff(const Mm &a, const Mm &n);
+QUORVEX_API Mm diff(const Mm &a, const Mm &n, const Mm &dim);
+QUORVEX_API Mm unwrap(const Mm &a);
+QUORVEX_API Mm unwrap(const Mm &a, const Mm &tol);
+QUORVEX_API Mm unwrap(const Mm &a, const Mm &tol, const Mm &dim);
+QUORVEX_API Mm gradient(const Mm &f);
+QUORVEX_API Mm gradient(const Mm &f, const Mm &x);
+QUORVEX_API Mm gradient(const Mm &f, const Mm &x, const Mm &y);
+QUORVEX_API Mm gradient(const Mm &f, i_o_t, Mm &gx, Mm &gy);
+QUORVEX_API Mm gradient(const Mm &f, const Mm &x, const Mm &y, i_o_t, Mm &gx, Mm &gy);
+QUORVEX_API Mm del2(const Mm &f);
+QUORVEX_API Mm del2(const Mm &f, const Mm &x);
+QUORVEX_API Mm del2(const Mm &f, const Mm &x, const Mm &y);
+
+// -- The same on plain doubles, by the element kernels. abs, log2 and round are templates so that they can
+// stand beside those of <math.h>.
+
+QUORVEX_API double fix(double x);
+QUORVEX_API double sign(double x); // sign(NaN) is -1
+QUORVEX_API double max2(double x, double y);
+QUORVEX_API double min2(double x, double y);
+QUORVEX_API double mod(double x, double y);
+QUORVEX_API double rem(double x, double y);
+QUORVEX_API double power(double x, double y);
+inline double plus(double x, double y) { return x + y; }
+inline double minus(double x, double y) { return x - y; }
+inline double mtimes(double x, double y) { return x * y; }
+inline double mrdivide(double x, double y) { return x / y; }
+
+namespace kn {
+template <class T> inline constexpr bool is_plain = false;
+template <> inline constexpr bool is_plain<double> = true;
+template <> inline constexpr bool is_plain<float> = true;
+template <> inline constexpr bool is_plain<int> = true;
+QUORVEX_API double round_real(double x); // halves away from zero
+QUORVEX_API double log2_real(double x);
+} // namespace kn
+
+template <class T>
+requires kn::is_plain<T>
+double abs(T x) { return x < 0 ? -static_cast<double>(x) : x + 0.0; }
+template <class T>
+requires kn::is_plain<T>
+double log2(T x) { return kn::log2_real(x); }
+template <class T>
+requires kn::is_plain<T>
+double round(T x) { return kn::round_real(x); }
+
+// -- Counts.
+
+// clang-format off
+#define QUORVEX_OPERATION_COUNTS(ROW)                                                    \
+    QUORVEX_UNARY_FUNCTIONS(ROW)                                                         \
+    QUORVEX_BINARY_FUNCTIONS(ROW)                                                        \
+    QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                     \
+    ROW(max, 1, 2, 3)                                                                    \
+    ROW(min, 1, 2, 3) ROW(pow2, 1, 2) ROW(beta, 2, 3) ROW(betainc, 3) ROW(diff, 1, 2, 3) \
+        ROW(unwrap, 1, 2, 3) ROW(gradient, 1, 2, 3) ROW(del2, 1, 2, 3)
+// clang-format on
+QUORVEX_OPERATION_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
+
+#endif

@@ -1,0 +1,41 @@
+// Start and end of the library, and the constants and markers of the language.
+#ifndef QUORVEX_STARTUP_H
+#define QUORVEX_STARTUP_H
+
+#include "quorvex/messages.h"
+
+// Constants. A program may overwrite them; initM2 restores them.
+extern QUORVEX_API Mm ans, i, j, pi, Inf, NaN, eps, TICTOC;
+extern QUORVEX_API Mm one_M, zero_M;
+extern QUORVEX_API Mm page_screen_output, implicit_str_to_num_ok, empty_list_elements_ok;
+
+// Markers, recognised by the identity of their name.
+extern QUORVEX_API Mm c_p;   // a bare ":" subscript
+extern QUORVEX_API Mm semi;  // a row end in brackets
+extern QUORVEX_API Mm nop_M; // an empty []
+extern QUORVEX_API Mm x_M;   // no value to give
+extern QUORVEX_API Mm l_M;   // no further operand
+extern QUORVEX_API const char *kn_l_name, *kn_semi_name, *kn_colon_name;
+
+// First call of generated code: checks the version and the size of Mm it was built with, then resets the
+// floating-point state and the constants. May be called again.
+QUORVEX_API void initM2(int version, int size_of_Mm);
+// Closes the graphics side; the process goes on.
+QUORVEX_API void exitM();
+// exitM, then the process ends with status 0.
+QUORVEX_API Mm exit();
+QUORVEX_API Mm quit();
+
+// Turns the three locks (files, random generators, block allocator) on or off; returns the process
+// identifier.
+QUORVEX_API unsigned kn_set_MT(int on);
+extern QUORVEX_API int kn_threads_flag;
+// Set when the library runs under an interactive host: named values then register in the workspace.
+extern QUORVEX_API int kn_interactive_flag;
+// When set before the library starts, each start-up step prints its word.
+extern QUORVEX_API int kn_startup_trace;
+
+// Programs that show pictures, play sounds and plot: from TARVEKVIEWER, TARVEKPLAYER and TARVEKGNUPLOT.
+extern QUORVEX_API char kn_viewer_program[256], kn_player_program[256], kn_gnuplot_program[256];
+
+#endif

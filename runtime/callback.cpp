@@ -1,0 +1,31 @@
+// The one guarded call: the only place where the library catches what an error throws.
+
+#include "runtime/callback.h"
+
+#include "quorvex/evaluation.h"
+#include "quorvex/messages.h"
+#include "quorvex/startup.h"
+#include "quorvex/text.h"
+
+namespace {
+
+// A compiled program evaluates numeric text only.
+Mm evaluate(Mm text) {
+    str2num(text);
+    return x_M;
+}
+
+} // namespace
+
+constinit kn_callback callback_func = evaluate;
+
+void kn::evaluate_guarded(const Mm &text) {
+    if (text.size() < 1) return;
+    int depth = kn_error_stack.depth;
+    try {
+        callback_func(text);
+    } catch (...) {
+        error_lasterr();
+        kn_error_stack.depth = depth;
+    }
+}
