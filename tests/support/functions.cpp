@@ -1,0 +1,45 @@
+#include "support/functions.h"
+
+#include <type_traits>
+#include <utility>
+
+namespace test {
+namespace {
+
+constexpr size_t max_count = 6;
+
+template <class F, size_t... k> Mm call(F f, const Mm *x, std::index_sequence<k...>) {
+    if constexpr (std::is_void_v<decltype(f(x[k]...))>) {
+        f(x[k]...);
+        return x_M;
+    } else {
+        return f(x[k]...);
+    }
+}
+
+template <size_t... legal, class F> void add(std::vector<Function> &list, const char *name, F) {
+    auto one = [&]<size_t n>(std::integral_constant<size_t, n>) {
+        list.push_back({name, static_cast<int>(n), ((n == legal) || ...),
+                        [](const Mm *x) { return call(F(), x, std::make_index_sequence<n>()); }});
+    };
+    [&]<size_t... n>(std::index_sequence<n...>) {
+        (one(std::integral_constant<size_t, n>()), ...);
+    }(std::make_index_sequence<max_count + 1>());
+}
+
+std::vector<Function> make_list() {
+    std::vector<Function> list;
+#define ROW(name, ...) add<__VA_ARGS__>(list, #name, [](const auto &...x) { return name(x...); });
+    QUORVEX_FUNCTIONS(ROW)
+#undef ROW
+    return list;
+}
+
+} // namespace
+
+const std::vector<Function> &functions() {
+    static const std::vector<Function> list = make_list();
+    return list;
+}
+
+} // namespace test

@@ -1,0 +1,25 @@
+// Every function of the language with every count of inputs from 0 to 6, made from the rows of the headers: for
+// tests that call them all.
+#ifndef QUORVEX_TESTS_FUNCTIONS_H
+#define QUORVEX_TESTS_FUNCTIONS_H
+
+#include <string>
+#include <vector>
+
+#include "quorvex.h"
+
+namespace test {
+
+struct Function {
+    const char *name;
+    int count;
+    bool legal;                   // whether the function takes so many inputs
+    Mm (*call)(const Mm *inputs); // x_M from one that answers nothing
+    std::string title() const { return std::string(name) + " with " + std::to_string(count); }
+};
+
+const std::vector<Function> &functions();
+
+} // namespace test
+
+#endif

@@ -1,0 +1,256 @@
+#include "support/support.h"
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <ostream>
+
+#include "core/header.h"
+
+namespace test {
+namespace {
+
+std::vector<std::string> recorded_errors, recorded_warnings;
+std::string captured;
+
+void throw_raised(const char *text) { throw Raised{text}; }
+void record_error(const char *text) { recorded_errors.push_back(text); }
+void record_warning(const char *text) { recorded_warnings.push_back(text); }
+void capture(const char *text) { captured += text ? text : ""; }
+
+class Handlers : public testing::Environment {
+    void SetUp() override { kn_set_error_handler(throw_raised); }
+};
+[[maybe_unused]] testing::Environment *const handlers = testing::AddGlobalTestEnvironment(new Handlers);
+
+Mm matrix(std::initializer_list<Row> rows, kn_matrix_types t) {
+    int m = static_cast<int>(rows.size()), n = m ? static_cast<int>(rows.begin()->size()) : 0;
+    Mm x(0, 0, 0, m, n, t);
+    int r = 0;
+    for (const Row &row : rows) {
+        int c = 0;
+        for (double v : row) {
+            if (t == kn_uint8)
+                x.getpr(static_cast<unsigned char *>(nullptr))[r + c * m] = static_cast<unsigned char>(v);
+            else
+                x.addr()[r + c * m] = v;
+            ++c;
+        }
+        ++r;
+    }
+    return x;
+}
+
+// Distance in units in the last place of `wanted`; 0 for two NaN or equal numbers.
+double distance(double got, double wanted) {
+    if (std::isnan(got) && std::isnan(wanted)) return 0;
+    if (got == wanted) return 0;
+    if (!std::isfinite(got) || !std::isfinite(wanted)) return std::numeric_limits<double>::infinity();
+    double unit =
+        std::nextafter(std::fabs(wanted), std::numeric_limits<double>::infinity()) - std::fabs(wanted);
+    return std::fabs(got - wanted) / unit;
+}
+
+std::string difference(const Mm &a, const Mm &b, double ulps) {
+    if (a.gettype() != b.gettype()) return "types differ";
+    if (!a.isstr() != !b.isstr()) return "string flags differ";
+    if (!a.islogical() != !b.islogical()) return "logical flags differ";
+    if (!a.issparse() != !b.issparse()) return "one is sparse";
+    if (a.isc() != b.isc()) return "one has an imaginary plane";
+    if (a.getndims() != b.getndims() || std::memcmp(a.getdims(), b.getdims(), 4 * sizeof(int)) != 0)
+        return "extents differ";
+    if (a.getnnz() != b.getnnz()) return "stored counts differ";
+    if (a.getnfields() != b.getnfields()) return "numbers of fields differ";
+    for (int k = 0; k < a.getnfields(); ++k)
+        if (std::strcmp(a.getfields()[k], b.getfields()[k]) != 0) return "field names differ";
+    for (int k = 0; k < a.getnnz(); ++k) {
+        std::string where = " at element " + std::to_string(k + 1);
+        if (a.issparse() && a.getindex()[k] != b.getindex()[k]) return "positions differ" + where;
+        if (a.gettype() == kn_uint8) {
+            auto byte = static_cast<unsigned char *>(nullptr);
+            if (a.getpr(byte)[k] != b.getpr(byte)[k]) return "bytes differ" + where;
+        } else if (a.gettype() == kn_Mm) {
+            std::string inner = difference(a.mr(k + 1), b.mr(k + 1), ulps);
+            if (!inner.empty()) return inner + where;
+        } else if (distance(a.addr()[k], b.addr()[k]) > ulps) {
+            return "real parts differ" + where;
+        } else if (a.isc() && distance(a.addi()[k], b.addi()[k]) > ulps) {
+            return "imaginary parts differ" + where;
+        }
+    }
+    return "";
+}
+
+} // namespace
+
+Mm M(std::initializer_list<Row> rows) { return matrix(rows, kn_double); }
+Mm U8(std::initializer_list<Row> rows) { return matrix(rows, kn_uint8); }
+
+Mm nd(const std::vector<int> &dims, const std::vector<double> &x) {
+    Mm m(0, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
+    EXPECT_EQ(m.getnnz(), static_cast<int>(x.size()));
+    std::copy(x.begin(), x.end(), m.addr());
+    return m;
+}
+Mm row(const std::vector<double> &x) { return nd({1, static_cast<int>(x.size())}, x); }
+Mm col(const std::vector<double> &x) { return nd({static_cast<int>(x.size()), 1}, x); }
+
+Mm complex_of(const Mm &re, const Mm &im) {
+    Mm z;
+    z.deepcopy(1, re, kn_double);
+    std::copy(im.addr(), im.addr() + im.getnnz(), z.addi());
+    return z;
+}
+Mm C(double re, double im) { return complex_of(re, im); }
+
+Mm logical_of(const Mm &m) {
+    Mm x = m;
+    x.setlogical(1);
+    return x;
+}
+
+Mm named(const char *name, const Mm &m) { return Mm(m, name); }
+
+Mm sparse_of(int rows, int cols, const std::vector<std::pair<int, double>> &entries) {
+    Mm s(0, 1, static_cast<int>(entries.size()), rows, cols, kn_double);
+    for (size_t k = 0; k < entries.size(); ++k) {
+        s.getindex()[k] = entries[k].first;
+        s.addr()[k] = entries[k].second;
+    }
+    return s;
+}
+
+Mm cell_of(int rows, int cols, const std::vector<Mm> &elements) {
+    Mm c(0, 0, 0, rows, cols, kn_Mm);
+    for (size_t k = 0; k < elements.size(); ++k) c.mr(static_cast<int>(k) + 1) = elements[k];
+    return c;
+}
+
+Mm struct_of(const std::vector<std::pair<const char *, Mm>> &fields) {
+    Mm s(0, 0, 0, 1, 1, kn_Mm);
+    std::vector<Mm> values;
+    for (const auto &[name, value] : fields) {
+        s.addfield(name, 0);
+        values.push_back(value);
+    }
+    s.mr(1) = cell_of(1, static_cast<int>(values.size()), values);
+    return s;
+}
+
+double Random::number() {
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    static const double special[] = {NAN,    inf,    -inf, 0.0,  -0.0,         1e300,
+                                     -1e300, 1e-310, 0.5,  -0.5, 2147483648.0, 4294967296.0};
+    switch (below(4)) {
+    case 0: return below(21) - 10;
+    case 1: return special[below(static_cast<int>(std::size(special)))];
+    default: return std::uniform_real_distribution<double>(-4, 4)(engine_);
+    }
+}
+
+Mm Random::matrix(int rows, int cols, bool complex) {
+    Mm m(complex, 0, 0, rows, cols, kn_double);
+    for (int k = 0; k < m.getnnz(); ++k) {
+        m.addr()[k] = number();
+        if (complex) m.addi()[k] = number();
+    }
+    return m;
+}
+
+Mm Random::any() {
+    static constexpr int limits[] = {4, 4, 3, 2};
+    int dims[4], ndims = 2 + (below(3) == 0) + (below(6) == 0);
+    for (int k = 0; k < ndims; ++k) dims[k] = below(8) == 0 ? 0 : 1 + below(limits[k]);
+    if (below(4) == 0) dims[0] = dims[1] = 1;
+    int kind = below(10);
+    if (kind == 0) {
+        Mm c(0, 0, 0, ndims, dims, kn_Mm);
+        for (int k = 1; k <= c.getnnz(); ++k) c.mr(k) = below(4) ? matrix(below(3), below(3)) : any();
+        return c;
+    }
+    if (kind == 1) return struct_of({{"a", matrix(2, 1 + below(2))}, {"b", TM("text")}});
+    if (kind == 2) return below(2) ? Mm(i_o, "unset", 0) : nop_M;
+    if (kind == 3) {
+        Mm b(0, 0, 0, ndims, dims, kn_uint8);
+        for (int k = 0; k < b.getnnz(); ++k)
+            b.getpr(static_cast<unsigned char *>(nullptr))[k] = static_cast<unsigned char>(engine_());
+        return b;
+    }
+    if (kind == 4) {
+        Mm f = matrix(1 + below(4), 1 + below(4), below(2));
+        for (int k = 0; k < f.getnnz(); ++k)
+            if (below(2)) f.addr()[k] = 0;
+        return sparse(f);
+    }
+    Mm m(below(3) == 0, 0, 0, ndims, dims, kn_double);
+    for (int k = 0; k < m.getnnz(); ++k) {
+        m.addr()[k] = kind == 5 ? 32 + below(95) : kind == 6 ? below(2) : number();
+        if (m.isc()) m.addi()[k] = number();
+    }
+    if (kind == 5) m.getreal(1);
+    if (kind == 5) m.setstr(1);
+    if (kind == 6) m.setlogical(1);
+    return m;
+}
+
+testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
+    std::string text = difference(got, wanted, ulps);
+    if (text.empty()) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << text << "\n   got " << testing::PrintToString(got) << "\nwanted "
+                                       << testing::PrintToString(wanted);
+}
+testing::AssertionResult same(const Mm &got, const Mm &wanted) { return near(got, wanted, 0); }
+
+std::string printed(const std::function<void()> &work) {
+    struct Capture {
+        kn_text_handler old = kn_set_print_handler(capture);
+        ~Capture() { kn_set_print_handler(old); }
+    };
+    captured.clear();
+    Capture now;
+    work();
+    return captured;
+}
+
+std::string raised(const std::function<void()> &work) {
+    kn_text_handler old = kn_set_error_handler(throw_raised);
+    std::string text = "(no error)";
+    try {
+        work();
+    } catch (const Raised &r) {
+        text = r.text;
+    }
+    kn_set_error_handler(old);
+    return text;
+}
+
+Returning::Returning() : old_(kn_set_error_handler(record_error)) { recorded_errors.clear(); }
+Returning::~Returning() { kn_set_error_handler(old_); }
+const std::vector<std::string> &Returning::errors() const { return recorded_errors; }
+
+Warnings::Warnings() : old_(kn_set_warning_handler(record_warning)) { recorded_warnings.clear(); }
+Warnings::~Warnings() { kn_set_warning_handler(old_); }
+const std::vector<std::string> &Warnings::texts() const { return recorded_warnings; }
+
+} // namespace test
+
+void PrintTo(const Mm &m, std::ostream *out) {
+    static const char *const types[] = {"none", "double", "uint8", "cell"};
+    *out << types[m.gettype()] << (m.isstr() ? " char" : "") << (m.islogical() ? " logical" : "")
+         << (m.issparse() ? " sparse" : "") << (m.isstruct() ? " struct" : "") << " ";
+    for (int k = 0; k < m.getndims(); ++k) *out << (k ? "x" : "") << m.getdims()[k];
+    *out << " [";
+    out->precision(17);
+    for (int k = 0; k < m.getnnz() && k < 40; ++k) {
+        *out << (k ? " " : "");
+        if (m.issparse()) *out << m.getindex()[k] << ":";
+        if (m.gettype() == kn_Mm)
+            PrintTo(m.mr(k + 1), out);
+        else if (m.gettype() == kn_uint8)
+            *out << int(m.getpr(static_cast<unsigned char *>(nullptr))[k]);
+        else
+            *out << m.addr()[k];
+        if (m.isc() && m.gettype() != kn_uint8) *out << "+" << m.addi()[k] << "i";
+    }
+    *out << (m.getnnz() > 40 ? " ...]" : "]");
+}
