@@ -1,0 +1,34 @@
+// Questions about arrays, answered by a logical scalar.
+#include "quorvex/arrays.h"
+
+#include <algorithm>
+
+namespace {
+
+Mm answer(bool yes) {
+    Mm out = yes ? 1.0 : 0.0;
+    out.setlogical(1);
+    return out;
+}
+
+bool is_complex(Mm m) { return m.getreal(0); } // of a copy: getreal changes the header it is called on
+
+} // namespace
+
+Mm isstruct(const Mm &m) { return answer(m.isstruct() && m.getclassid() == 0); }
+Mm iscell(const Mm &m) { return answer(m.gettype() == kn_Mm && !m.isstruct()); }
+Mm islogical(const Mm &m) { return answer(m.islogical() && !m.isc()); }
+Mm iscomplex(const Mm &m) { return answer(is_complex(m)); }
+Mm isreal(const Mm &m) { return answer(m.gettype() != kn_Mm && !is_complex(m)); }
+Mm isnumeric(const Mm &m) { return answer(m.gettype() != kn_Mm && !m.isstr()); }
+Mm ischar(const Mm &m) { return answer(m.isstr()); }
+
+Mm isempty(const Mm &m) {
+    m.warn_uninit();
+    return answer(m.size() == 0);
+}
+
+Mm isvector(const Mm &m) {
+    const int *dims = m.getdims();
+    return answer(m.size() != 0 && std::count_if(dims, dims + 4, [](int n) { return n > 1; }) <= 1);
+}
