@@ -9,8 +9,6 @@
 #include "quorvex/startup.h"
 #include "runtime/callback.h"
 
-SeloEngine::~SeloEngine() = default;
-
 namespace kn {
 namespace {
 
@@ -99,6 +97,11 @@ void stop_engine() {
 }
 
 } // namespace kn
+
+// An engine that ends while it is in use, as a program's static one does at exit, is not called again.
+SeloEngine::~SeloEngine() {
+    if (kn::current == this) kn::current = nullptr;
+}
 
 SeloEngine *kn_set_engine(SeloEngine *engine) {
     SeloEngine *old = kn::current;
