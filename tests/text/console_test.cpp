@@ -1,0 +1,105 @@
+// Formatted output, input and waiting, with hooks in place of a user.
+#include <cstring>
+#include <string>
+
+#include "support/support.h"
+
+using test::M;
+
+namespace {
+
+std::string reply;
+int asked_size, polls, cleared;
+
+void answer(char *buf, int size) {
+    asked_size = size;
+    std::strcpy(buf, reply.c_str());
+}
+
+class Console : public testing::Test {
+  protected:
+    void SetUp() override { kn_set_input_handler(answer); }
+    void TearDown() override {
+        kn_set_input_handler(nullptr);
+        kn_set_kbhit_handler(nullptr);
+        kn_set_clc_handler(nullptr);
+    }
+    test::Warnings warnings;
+    Mm x;
+};
+
+TEST_F(Console, input_shows_the_prompt_and_reads_numbers) {
+    reply = "1 2.5e1\n";
+    EXPECT_PRINTS(x = input(TM("x? ")), "x? \n\n");
+    EXPECT_SAME(x, M({{1, 25}}));
+    EXPECT_EQ(asked_size, 2048);
+    EXPECT_TRUE(warnings.texts().empty());
+    reply = "";
+    EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
+    EXPECT_SAME(x, nop_M);
+}
+
+TEST_F(Console, input_warns_once_about_text) {
+    reply = "yes no";
+    EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
+    EXPECT_SAME(x, M({{0, 0}}));
+    EXPECT_EQ(warnings.texts(), std::vector<std::string>{"input: text is non-numeric, use input(...,'s')"});
+}
+
+TEST_F(Console, input_of_text_ends_at_the_newline) {
+    reply = " a line\nmore";
+    EXPECT_PRINTS(x = input(TM("?"), TM("s")), "?\n\n");
+    EXPECT_SAME(x, TM(" a line"));
+    reply = "\n";
+    EXPECT_PRINTS(x = input(TM("?"), 0.0), "?\n\n");
+    EXPECT_SAME(x, TM(""));
+}
+
+TEST_F(Console, a_break_is_an_error) {
+    reply = "ctrl_c_event";
+    for (bool text : {false, true}) {
+        std::string raised;
+        test::printed([&] { raised = test::raised([&] { text ? input(TM("?"), 1.0) : input(TM("?")); }); });
+        EXPECT_EQ(raised, "Ctrl-C");
+    }
+}
+
+TEST_F(Console, a_prompt_too_long_is_left_out) {
+    reply = "5";
+    EXPECT_PRINTS(x = input(TM(std::string(2048, 'p').c_str())), "\n\n");
+    EXPECT_SAME(x, Mm(5.0));
+    EXPECT_EQ(warnings.texts(), std::vector<std::string>{"Mstr: buffer too small - chopped"});
+}
+
+TEST_F(Console, pause_ends_when_a_key_waits) {
+    polls = 0;
+    kn_set_kbhit_handler([] { return static_cast<int>(++polls == 3); });
+    EXPECT_PRINTS(pauseM(), "\n");
+    EXPECT_EQ(polls, 3);
+}
+
+TEST_F(Console, setters_return_the_old_hook_and_null_restores_the_default) {
+    kn_clc_hook standard = kn_clc_handler, mine = [] { ++cleared; };
+    EXPECT_EQ(kn_set_clc_handler(mine), standard);
+    clc();
+    EXPECT_EQ(cleared, 1);
+    EXPECT_EQ(kn_set_clc_handler(nullptr), mine);
+    EXPECT_EQ(kn_clc_handler, standard);
+}
+
+TEST_F(Console, small_words) {
+    EXPECT_PRINTS(usage(TM("f(x)")), "Usage: f(x)\n");
+    EXPECT_PRINTS(x = smiley(), "8-)\n");
+    EXPECT_SAME(x, nop_M);
+}
+
+TEST_F(Console, printf_is_one_bounded_text) {
+    int n = 0;
+    EXPECT_PRINTS(n = kn_printf("%d-%s", 7, "x"), "7-x");
+    EXPECT_EQ(n, 3);
+    std::string longer(20000, 'y');
+    EXPECT_PRINTS(n = kn_printf("%s", longer.c_str()), longer.substr(0, 2 + 16381));
+    EXPECT_EQ(n, 2 + 16381);
+}
+
+} // namespace

@@ -1,0 +1,103 @@
+// Cells as text: the layout of disp, the summaries it shares with structures, and celldisp.
+
+#include <algorithm>
+
+#include "core/header.h"
+#include "quorvex/display.h"
+#include "quorvex/messages.h"
+#include "quorvex/startup.h"
+#include "text/number_text.h"
+#include "text/strings.h"
+#include "text/value_display.h"
+
+namespace kn {
+namespace {
+
+constexpr int longest_shown_text = 16;
+constexpr double no_value_shown = 896;
+
+double scalar_shown(const Mm &m) {
+    switch (m.gettype()) {
+    case kn_double: return m.getnnz() > 0 ? *m.addr() : 0; // a sparse zero is not stored
+    case kn_uint8: return *m.getpr(static_cast<unsigned char *>(nullptr));
+    case kn_none: m.warn_uninit(); break;
+    case kn_Mm: break;
+    }
+    return no_value_shown;
+}
+
+void print_page(const Mm &m) {
+    const Mm *elements = m.getpr(static_cast<Mm *>(nullptr));
+    int rows = m.rows(), cols = m.cols();
+    auto element = [&](int r, int c) -> const Mm & { return elements[r + static_cast<ptrdiff_t>(c) * rows]; };
+    TextBuffer line;
+    size_t longest = 0;
+    for (int r = 0; r < rows; ++r)
+        for (int c = 0; c < cols; ++c) {
+            line.clear();
+            append_summary(line, element(r, c));
+            longest = std::max(longest, line.size());
+        }
+    for (int r = 0; r < rows; ++r) {
+        line.clear();
+        for (int c = 0; c < cols; ++c) {
+            line.append('[');
+            size_t start = line.size();
+            append_summary(line, element(r, c));
+            size_t n = std::min(line.size() - start, longest);
+            line.append("] ");
+            line.append_blanks(longest - n);
+        }
+        line.append('\n');
+        if (!line) return;
+        kn_print_handler(line.c_str());
+    }
+}
+
+} // namespace
+
+void append_summary(TextBuffer &out, const Mm &m) {
+    bool text = m.isstr() && m.gettype() != kn_Mm;
+    if (!m.isstr() && m.gettype() < kn_Mm && !m.isc() && m.size() == 1) {
+        append_number(out, scalar_shown(m), {Digits(4)});
+    } else if (text && m.rows() == 1 && m.cols() <= longest_shown_text) {
+        char characters[longest_shown_text + 1] = "";
+        Mstr(m, characters, sizeof characters);
+        out.append(characters);
+    } else {
+        append_extents(out, m);
+        out.append(' ');
+        out.append(kn_class_word(m));
+    }
+}
+
+void print_cell(const Mm &m) {
+    if (m.size() == 0)
+        kn_print_handler("{}\n");
+    else if (m.getndims() > 2)
+        each_page(m, print_page);
+    else
+        print_page(m);
+}
+
+} // namespace kn
+
+using namespace kn;
+
+Mm celldisp(const Mm &m) {
+    if (m.gettype() != kn_Mm || m.isstruct()) {
+        error("%s is not a cell array.", kn_display_name(m));
+        return x_M;
+    }
+    const char *title = m.getname() ? m.getname() : "ans";
+    for (int r = 1; r <= m.rows(); ++r)
+        for (int c = 1; c <= m.cols(); ++c) {
+            kn_printf("%s{%d,%d}\n", title, r, c);
+            const Mm &element = m.mr(r, c);
+            if (element.gettype() == kn_Mm && !element.isstruct())
+                celldisp(element);
+            else
+                disp(element);
+        }
+    return x_M;
+}
