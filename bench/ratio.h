@@ -1,0 +1,26 @@
+// Benchmarks as ratios: each case runs the library's call and the plain C++ (or BLAS) version of the same
+// work in one process, and the table at the end shows their times and the ratio beside the limit that the
+// project sets itself.
+#ifndef QUORVEX_BENCH_RATIO_H
+#define QUORVEX_BENCH_RATIO_H
+
+#include <functional>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+namespace bench {
+
+// `ours` and `plain` do the work once; `limit` is the largest ratio aimed at.
+void compare(const std::string &name, double limit, std::function<void()> ours, std::function<void()> plain);
+
+// A group of cases: its registration runs before the benchmarks do.
+struct Group {
+    explicit Group(void (*add_cases)());
+};
+
+template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
+
+} // namespace bench
+
+#endif
