@@ -182,7 +182,7 @@ class BlockLock {
 using namespace kn;
 
 void *kn_block_alloc(size_t n) {
-    if (n > SIZE_MAX - small_limit || allocation_fails()) return nullptr;
+    if (n > SIZE_MAX - small_limit || allocation_fails(n)) return nullptr;
     size_t m = n + front_size;
     byte *p;
     if (m > small_limit) {

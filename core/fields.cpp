@@ -13,6 +13,13 @@
 namespace {
 constexpr char free_slot[] = "char";
 constexpr int first_slots = 8;
+
+// Names belong to the block, and only a block of values can own them.
+bool takes_fields(const Mm &m, const char *field) {
+    if (m.gettype() == kn_Mm) return true;
+    error("%s.%s: not a structure", kn_display_name(m), field);
+    return false;
+}
 } // namespace
 
 using namespace kn;
@@ -33,8 +40,7 @@ const char *Mm::getfield(int k) const {
 }
 
 void Mm::extend_nfields(int n) {
-    if (n <= nfields) return;
-    if (dirty()) deepcopy(*this, kn_none);
+    if (n <= nfields || !takes_fields(*this, "extend_nfields") || !unshared(*this)) return;
     const char **slots =
         static_cast<const char **>(heap_alloc(sizeof(char *) * (static_cast<size_t>(n) + 1)));
     if (!slots) {
@@ -50,10 +56,7 @@ void Mm::extend_nfields(int n) {
 int Mm::addfield(const char *field, int force) {
     int found = force ? -1 : findfield(field, 0);
     if (found >= 0) return found;
-    if (dirty()) {
-        deepcopy(*this, kn_none);
-        if (dirty()) return -1;
-    }
+    if (!takes_fields(*this, field) || !unshared(*this)) return -1;
     bool full = fields && !fields[nfields];
     int room = fields ? (full ? 2 * nfields : nfields) : first_slots;
     extend_nfields(room);
@@ -69,11 +72,7 @@ int Mm::addfield(const char *field, int force) {
 
 int Mm::rmfield(const char *field) {
     int k = findfield(field, 1);
-    if (k < 0) return -1;
-    if (dirty()) {
-        deepcopy(*this, kn_none);
-        if (dirty()) return -1;
-    }
+    if (k < 0 || !unshared(*this)) return -1;
     heap_free(const_cast<char *>(fields[k]));
     --nfields;
     for (int l = k; l < nfields; ++l) fields[l] = fields[l + 1];

@@ -28,6 +28,13 @@ inline bool lacks(const Mm &m, int n) { return m.getnnz() < n; }
 // Whether two headers refer to one block.
 inline bool same_block(const Mm &a, const Mm &b) { return Header::refcount(a) == Header::refcount(b); }
 
+// Whether the value can be changed in place. A shared one takes a copy of its own first; false when memory
+// was exhausted.
+inline bool unshared(Mm &m) {
+    if (m.dirty()) m.deepcopy(m, kn_none);
+    return !m.dirty();
+}
+
 // A full value of the extents of `like`.
 inline Mm fresh_like(const Mm &like, int complex, kn_matrix_types t) {
     return Mm(complex, 0, 0, like.getndims(), like.getdims(), t);

@@ -1,4 +1,5 @@
-// What core calls of the folders above it, as function pointers that those folders fill in. Null: the upper folder does not stand.
+// What core calls of the folders above it, as function pointers that those folders fill in. Null: the upper
+// folder does not stand.
 #ifndef QUORVEX_CORE_HOOKS_H
 #define QUORVEX_CORE_HOOKS_H
 

@@ -13,7 +13,7 @@ namespace kn {
 constinit AllocProbe alloc_probe = {};
 
 void *heap_alloc(size_t bytes) {
-    if (allocation_fails()) return nullptr;
+    if (allocation_fails(bytes)) return nullptr;
     void *p = std::malloc(bytes ? bytes : 1);
     if (p) count_live(1);
     return p;

@@ -38,22 +38,25 @@ template <class T> class Scratch {
 };
 
 // Allocation probe, in builds with QUORVEX_ALLOC_PROBE: `allocations` made so far; number `fail_at` (counted
-// from 1, 0 never) fails, and all later ones too if `fail_after` is set; `live` blocks.
+// from 1, 0 never) fails, and all later ones too if `fail_after` is set; so do those of more than `largest`
+// bytes (0 no limit); `live` blocks.
 struct AllocProbe {
     long allocations, fail_at, live;
     bool fail_after;
+    size_t largest = 0;
 };
 extern AllocProbe alloc_probe;
 
 #ifdef QUORVEX_ALLOC_PROBE
-inline bool allocation_fails() {
+inline bool allocation_fails(size_t bytes) {
     long k = ++alloc_probe.allocations;
+    if (alloc_probe.largest != 0 && bytes > alloc_probe.largest) return true;
     return alloc_probe.fail_at != 0 &&
            (k == alloc_probe.fail_at || (alloc_probe.fail_after && k > alloc_probe.fail_at));
 }
 inline void count_live(int change) { alloc_probe.live += change; }
 #else
-inline bool allocation_fails() { return false; }
+inline bool allocation_fails(size_t) { return false; }
 inline void count_live(int) {}
 #endif
 

@@ -96,6 +96,7 @@ void Mm::allocate(int complex, int with_index) {
     bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
     if (nnz < 1) {
         nnz = 0;
+        ndims = 2;
         std::memset(dims, 0, sizeof dims);
     }
     pr = nullptr;
@@ -167,9 +168,10 @@ void Mm::release() {
             kn_block_free(pr);
         }
         kn_block_free(index);
+        if (flags.scalar_only && nnz == 1 && name && (kn_default_error_flags & 8))
+            kn_debug_handler('s', name);
     }
     pr = nullptr;
-    if (flags.scalar_only && nnz == 1 && name && (kn_default_error_flags & 8)) kn_debug_handler('s', name);
 }
 
 Mm::Mm()
@@ -200,13 +202,12 @@ Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types
         allocate(complex, sparse);
         return;
     }
-    int extents[4];
-    std::memcpy(extents, dims, sizeof dims);
+    const int shape[] = {ndims, dims[0], dims[1], dims[2], dims[3]};
     nnz = stored < 0 ? 0 : stored < full ? stored : full;
-    int room = nnz;
     allocate(complex, 1);
-    if (nnz < room || flags.type != t) return; // no memory
-    if (full > 0) std::memcpy(dims, extents, sizeof dims);
+    if (!index || full == 0) return; // no memory, or empty
+    ndims = shape[0];
+    std::memcpy(dims, shape + 1, sizeof dims);
 }
 
 Mm::Mm(i_o_t, const char *n, int global) : Mm() {
@@ -255,6 +256,12 @@ Mm &Mm::operator=(const Mm &src) {
     flags.scalar_only = plain && old.flags.scalar_only;
     const_cast<Mm &>(old).release();
     return *this;
+}
+
+void Mm::setname(const char *n) {
+    if (kn_interactive_flag && name && !n && scope_hooks.detach) scope_hooks.detach(*this);
+    name = n;
+    if (kn_interactive_flag && name && scope_hooks.add) scope_hooks.add(*this);
 }
 
 void *Mm::operator new(size_t n) {

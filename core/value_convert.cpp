@@ -66,7 +66,7 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
 
     Mm copy(complex, sparse, src.nnz, src.ndims, src.dims, t);
     int n = sparse ? src.nnz : src.size();
-    if (lacks(copy, n) || copy.flags.type != t) return;
+    if (lacks(copy, n) || copy.flags.type != t || (complex && !copy.pi)) return;
     const int *scatter = src.index && !sparse ? src.index : nullptr;
     if (scatter && t != kn_Mm) {
         std::memset(copy.pr, 0, element_size(t) * static_cast<size_t>(n));
@@ -80,7 +80,10 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
     if (sparse) {
         for (int k = 0; k < src.nnz; ++k) copy.index[k] = src.index ? src.index[k] : k;
     }
-    if (src.fields) copy.extend_nfields(8);
+    if (src.fields) {
+        copy.extend_nfields(src.nfields > 8 ? src.nfields : 8);
+        if (!copy.fields) return;
+    }
     for (int k = 0; k < src.nfields; ++k)
         if (copy.addfield(src.fields[k], 1) < 0) return;
     copy.classid = src.classid;
@@ -89,7 +92,7 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
     copy.flags.type = t;
     copy.flags.persistent = 0;
     copy.flags.global = 0;
-    check(copy);
+    if (!sparse) check(copy); // sparse entries may still wait for sort and resparse
     *this = copy;
 }
 

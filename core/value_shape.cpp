@@ -68,6 +68,7 @@ void Mm::reshape(int n, const int *d) {
         for (int k = 0; k < 4; ++k) dims[k] = k < n ? d[k] : 1;
     } else {
         std::memset(dims, 0, sizeof dims);
+        n = 2;
     }
     ndims = n < 2 ? 2 : n;
     collapse();

@@ -11,12 +11,6 @@ using namespace kn;
 
 namespace {
 
-// Whether the value can be changed in place; takes a private copy when its block is shared.
-bool unshared(Mm &m) {
-    if (m.dirty()) m.deepcopy(m, kn_none);
-    return !m.dirty();
-}
-
 bool is_zero(double x) { return x >= 0 && 0 >= x; }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "quorvex/classes.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -61,17 +62,17 @@ double error_input(const char *name, int n) {
 
 namespace {
 
-// The characters of a value in storage order, at most size - 1 of them. Nothing for what is no text or
+// The rows of a text, joined by newlines and cut at size - 1 characters; nothing for what is no text or
 // number.
 void text_of(const Mm &x, char *buf, int size) {
     int n = 0;
-    if (!error_numeric(x, "message")) {
-        n = x.getnnz() < size - 1 ? x.getnnz() : size - 1;
-        for (int k = 0; k < n; ++k)
-            buf[k] = static_cast<char>(x.gettype() == kn_uint8
-                                           ? x.getpr((unsigned char *)nullptr)[k]
-                                           : static_cast<unsigned char>(double_to_int(x.addr()[k])));
-    }
+    Mm text = error_numeric(x, "message") ? nop_M : mdouble(x);
+    int rows = text.rows(), cols = rows ? text.getnnz() / rows : 0;
+    for (int r = 0; r < rows; ++r)
+        for (int c = r ? -1 : 0; c < cols && n < size - 1; ++c)
+            buf[n++] =
+                c < 0 ? '\n'
+                      : static_cast<char>(double_to_int(text.addr()[r + static_cast<ptrdiff_t>(c) * rows]));
     buf[n] = '\0';
 }
 

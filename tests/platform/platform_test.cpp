@@ -122,11 +122,12 @@ TEST(Environment, copies_are_bounded) {
 
 TEST(FloatingPoint, reset_masks_traps_and_rounds_to_nearest) {
     volatile double zero = 0, third = 3, tiny = 4e-308;
-    const double nearest = 1 / third;
+    volatile double nearest = 1 / third; // here, not behind the change of mode
+    std::fesetround(FE_UPWARD);
+    std::feclearexcept(FE_ALL_EXCEPT); // a pending one would trap at once
 #ifdef __GLIBC__
     feenableexcept(FE_ALL_EXCEPT);
 #endif
-    std::fesetround(FE_UPWARD);
     os::reset_floating_point();
     EXPECT_EQ(1 / zero, INFINITY);
     EXPECT_EQ(1 / third, nearest);
@@ -397,6 +398,7 @@ TEST(Crash, fault_inside_the_hook_ends_the_process) {
 TEST(Crash, sent_sigfpe_is_ignored_and_removal_restores) {
     auto survive = [] {
         static volatile int own = 0;
+        os::remove_crash_hook(); // the one of the library's start
         std::signal(SIGFPE, [](int) { own = own + 1; });
         os::install_crash_hook(tell<os::CrashAction::end_process>);
         raise(SIGFPE);

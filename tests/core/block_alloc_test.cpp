@@ -1,0 +1,125 @@
+// The block allocator: which layer serves a request, alignment, reuse, and blocks from several threads.
+#include <cstdint>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "quorvex/memory.h"
+#include "support/support.h"
+
+namespace {
+
+using byte = unsigned char;
+
+byte *take(size_t n) {
+    byte *p = static_cast<byte *>(kn_block_alloc(n));
+    EXPECT_TRUE(p && reinterpret_cast<uintptr_t>(p) % 8 == 0) << n;
+    return p;
+}
+
+bool from_buckets(const byte *p) { return p[-1] == 0; }
+
+TEST(BlockAlloc, the_byte_before_a_block_tells_its_layer) {
+    constexpr size_t limit = 0x20000 - 8;
+    for (size_t n : {size_t(0), size_t(1), size_t(4), size_t(5), size_t(4096), limit - 1, limit}) {
+        byte *p = take(n);
+        EXPECT_TRUE(from_buckets(p)) << n;
+        kn_block_free(p);
+    }
+    for (size_t n : {limit + 1, limit + 100, size_t(1) << 22}) {
+        byte *p = take(n);
+        EXPECT_TRUE(p[-1] >= 1 && p[-1] <= 8) << n;
+        p[0] = p[n - 1] = 1;
+        kn_block_free(p);
+    }
+    kn_block_free(nullptr);
+    EXPECT_EQ(kn_block_alloc(SIZE_MAX), nullptr);
+    EXPECT_EQ(kn_block_alloc(SIZE_MAX - 8), nullptr);
+}
+
+TEST(BlockAlloc, a_freed_block_comes_back_first_to_its_bucket) {
+    // A block has 12 bytes more than its data. From the page unit of 32 KB on it has that unit more, too.
+    struct {
+        size_t smallest, largest; // data in one bucket
+    } const buckets[] = {{0, 4}, {21, 52}, {501, 1012}, {8181, 16372}, {16373, 65524}, {65525, 98292}};
+    for (auto [smallest, largest] : buckets) {
+        byte *a = take(largest), *b = take(largest);
+        kn_block_free(a);
+        kn_block_free(b);
+        byte *other = take(largest + 1);
+        EXPECT_TRUE(other != a && other != b) << largest;
+        EXPECT_EQ(take(largest), b) << largest;
+        EXPECT_EQ(take(smallest), a) << largest;
+        for (byte *p : {a, b, other}) kn_block_free(p);
+    }
+}
+
+TEST(BlockAlloc, blocks_do_not_overlap) {
+    struct Block {
+        byte *p;
+        size_t n;
+        byte fill;
+    };
+    std::vector<Block> live;
+    test::Random random(1);
+    auto intact = [](const Block &b) {
+        for (size_t k = 0; k < b.n; ++k)
+            if (b.p[k] != b.fill) return false;
+        return true;
+    };
+    for (int round = 0; round < 4000; ++round) {
+        if (random.below(5) < 3) {
+            size_t n = static_cast<size_t>(random.below(1 << (4 + random.below(14))));
+            Block b = {take(n), n, static_cast<byte>(round)};
+            std::memset(b.p, b.fill, n);
+            live.push_back(b);
+        } else if (!live.empty()) {
+            size_t k = static_cast<size_t>(random.below(static_cast<int>(live.size())));
+            ASSERT_TRUE(intact(live[k]));
+            kn_block_free(live[k].p);
+            live[k] = live.back();
+            live.pop_back();
+        }
+    }
+    for (const Block &b : live) {
+        EXPECT_TRUE(intact(b));
+        kn_block_free(b.p);
+    }
+}
+
+TEST(BlockAlloc, the_heap_grows_past_its_first_chunk) {
+    std::vector<byte *> live;
+    for (int k = 0; k < 1200; ++k) { // of 128 KB and a page unit each, in chunks of 128 MB
+        live.push_back(take(0x20000 - 8));
+        live.back()[0] = live.back()[0x20000 - 9] = static_cast<byte>(k);
+    }
+    for (int k = 0; k < 1200; ++k) {
+        EXPECT_TRUE(from_buckets(live[k]));
+        EXPECT_EQ(live[k][0], static_cast<byte>(k));
+        EXPECT_EQ(live[k][0x20000 - 9], static_cast<byte>(k));
+        kn_block_free(live[k]);
+    }
+}
+
+#ifndef QUORVEX_ALLOC_PROBE // whose counters are no atomics
+TEST(BlockAlloc, threads_share_the_buckets_under_the_lock) {
+    EXPECT_NE(kn_set_MT(1), 0u);
+    auto work = [](byte mark) {
+        byte *held[64] = {};
+        for (int k = 0; k < 50000; ++k) {
+            byte *&p = held[k % 64];
+            if (p && *p != mark) return ADD_FAILURE() << "a block was given out twice";
+            kn_block_free(p);
+            p = static_cast<byte *>(kn_block_alloc(40));
+            *p = mark;
+        }
+        for (byte *p : held) kn_block_free(p);
+    };
+    std::thread other(work, byte(1));
+    work(2);
+    other.join();
+    kn_set_MT(0);
+}
+#endif
+
+} // namespace

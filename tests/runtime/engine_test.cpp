@@ -1,0 +1,205 @@
+// The boundary to the graphics engine: the hand-shake, the calls back, the one guarded call, and miniM.
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/recording_engine.h"
+#include "support/support.h"
+
+using test::M;
+using Calls = std::vector<std::string>;
+
+namespace {
+
+class Engine : public testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_EQ(kn_set_engine(&engine), nullptr);
+        shaken = std::move(engine.calls);
+        engine.calls.clear();
+    }
+    void TearDown() override {
+        callback_func = old_callback;
+        EXPECT_EQ(kn_set_engine(nullptr), &engine);
+    }
+
+    // Runs a callback text as the engine would.
+    void evaluate(const char *text) {
+        int n = static_cast<int>(std::strlen(text));
+        miniM record(miniM::Dims(1, n), 1);
+        for (int k = 1; k <= n; ++k) record.r(k) = text[k - 1];
+        engine.eval(&record);
+    }
+
+    test::RecordingEngine engine;
+    Calls shaken;
+    kn_callback old_callback = callback_func;
+};
+
+TEST_F(Engine, hand_shake_in_order_and_hooks_taken_back) {
+    EXPECT_EQ(shaken, (Calls{"start 4500", "eval 1", "error 1", "free 1"}));
+    test::RecordingEngine other;
+    EXPECT_EQ(kn_set_engine(&other), &engine);
+    EXPECT_EQ(other.calls, shaken);
+    EXPECT_EQ(engine.calls, (Calls{"eval 0", "error 0", "free 0"}));
+    EXPECT_EQ(kn_set_engine(&engine), &other);
+}
+
+TEST_F(Engine, error_hook_takes_the_text_as_it_is) {
+    EXPECT_RAISES(engine.error("100%s of %d"), "100%s of %d");
+}
+
+TEST_F(Engine, free_hook_destroys_the_value) {
+    Mm a = M({{1, 2}});
+    Mm *held = new Mm(a);
+    EXPECT_EQ(a.dirty(), 1);
+    engine.free(held);
+    EXPECT_EQ(a.dirty(), 0);
+}
+
+TEST_F(Engine, commands) {
+    EXPECT_SAME(drawnow(), x_M);
+    EXPECT_EQ(engine.calls, Calls{}) << "nothing to draw on";
+    engine.figure = 1;
+    drawnow();
+    guiexit(3);
+    engine.button = 1;
+    EXPECT_EQ(waitforbuttonpress(), 1);
+    EXPECT_EQ(checkforbuttonpress(), 1);
+    EXPECT_EQ(engine.calls, (Calls{"flush", "flush", "quit 3", "wait_button 0", "wait_button 1"}));
+    EXPECT_RAISES(guiexit(M({{1, 2}})), "scalar: matrix (temporary) is not scalar");
+}
+
+TEST_F(Engine, exitM_closes_the_graphics_and_the_process_goes_on) {
+    engine.figure = 1;
+    exitM();
+    kn_interactive_flag = 1;
+    exitM();
+    kn_interactive_flag = 0;
+    EXPECT_EQ(engine.calls, (Calls{"flush", "quit 0", "flush", "quit 1"}));
+}
+
+TEST_F(Engine, exit_and_quit_end_the_process_after_closing_the_graphics) {
+    struct Telling : test::RecordingEngine {
+        void selo_quit(int) override { std::fputs("closed.", stderr); }
+    };
+    for (Mm (*leave)() : {static_cast<Mm (*)()>(exit), static_cast<Mm (*)()>(quit)}) {
+        auto child = [leave] {
+            static Telling told;
+            kn_set_engine(&told);
+            leave();
+        };
+        EXPECT_EXIT(child(), testing::ExitedWithCode(0), "closed\\.");
+    }
+}
+
+// -- The guarded call.
+
+Mm last_text;
+Mm remember(Mm text) {
+    last_text = text;
+    return x_M;
+}
+
+TEST_F(Engine, a_callback_gets_the_text_in_its_shape) {
+    callback_func = remember;
+    evaluate("plot(1)");
+    EXPECT_SAME(last_text, TM("plot(1)"));
+    miniM block(miniM::Dims(2, 3));
+    for (int k = 1; k <= 6; ++k) block.r(k) = k;
+    engine.eval(&block);
+    EXPECT_SAME(last_text, test::nd({2, 3}, {1, 2, 3, 4, 5, 6}));
+    last_text = 1.0;
+    evaluate("");
+    engine.eval(nullptr);
+    EXPECT_SAME(last_text, Mm(1.0)) << "nothing to evaluate";
+}
+
+Mm fail(Mm text) {
+    kn_error_stack.depth = 7;
+    if (text.getnnz() == 1) throw std::runtime_error("foreign");
+    error("in a callback");
+    return x_M;
+}
+
+TEST_F(Engine, whatever_a_callback_throws_ends_there) {
+    callback_func = fail;
+    kn_text_handler old = kn_set_error_handler(nullptr);
+    unsigned flags = kn_default_error_flags;
+    kn_default_error_flags = 16 | 1;
+    kn_error_stack.depth = 1;
+    kn_error_stack.file[1] = "main.m";
+    kn_error_stack.line[1] = 12;
+    for (int k = 2; k <= 7; ++k) kn_error_stack.file[k] = "deep.m", kn_error_stack.line[k] = 0;
+
+    std::string shown = test::printed([&] { evaluate("xx"); });
+    EXPECT_EQ(shown.rfind("error: in a callback\ncalled from deep.m\n", 0), 0u) << shown;
+    EXPECT_NE(shown.find("called from main.m 12\n"), std::string::npos) << shown;
+    EXPECT_EQ(kn_error_stack.depth, 1);
+    EXPECT_SAME(lasterr(), TM("")) << "it was shown";
+
+    shown = test::printed([&] { evaluate("x"); });
+    EXPECT_EQ(shown.rfind("Aborted!\n", 0), 0u) << shown;
+    EXPECT_EQ(kn_error_stack.depth, 1);
+
+    kn_error_stack.depth = 0;
+    kn_default_error_flags = flags;
+    kn_set_error_handler(old);
+}
+
+TEST_F(Engine, the_standard_callback_takes_numbers) {
+    EXPECT_EQ(test::raised([&] { evaluate("1 2 3"); }), "(no error)");
+}
+
+// -- Without an engine.
+
+TEST(NoEngine, questions_are_cancelled_and_waits_end) {
+    EXPECT_EQ(kn_set_engine(nullptr), nullptr);
+    EXPECT_SAME(drawnow(), x_M);
+    EXPECT_SAME(guiexit(0), x_M);
+    EXPECT_EQ(waitforbuttonpress(), 0);
+    EXPECT_EQ(checkforbuttonpress(), 0);
+}
+
+// -- miniM.
+
+TEST(MiniM, extents_and_zeros) {
+    const int four[] = {2, 1, 3, 2}, five[] = {1, 1, 1, 1, 9};
+    struct {
+        miniM::Dims d;
+        int ndims, count;
+    } const table[] = {{{2, 3}, 2, 6},     {{2, 3, 4}, 3, 24}, {{2, 3, 0}, 2, 6},
+                       {{4, four}, 4, 12}, {{0, 5}, 2, 0},     {{-2, 5}, 2, 0},
+                       {{1, four}, 1, 2},  {{5, five}, 4, 1},  {{3, -1, 2}, 3, 0}};
+    for (const auto &row : table) {
+        miniM m(row.d);
+        EXPECT_EQ(m.ndims(), row.ndims);
+        EXPECT_EQ(m.count(), row.count);
+        EXPECT_FALSE(m.is_string());
+        for (int k = 1; k <= m.count(); ++k) EXPECT_EQ(m.r(k), 0);
+    }
+    EXPECT_EQ(miniM().count(), 0);
+    EXPECT_TRUE(miniM(miniM::Dims(1, 1), 1).is_string());
+}
+
+TEST(MiniM, access_is_checked) {
+    miniM m(miniM::Dims(2, 2));
+    m.r(4) = 8;
+    EXPECT_EQ(*m.addr(3), 8);
+    EXPECT_EQ(m.addr(4), m.addr() + 4) << "the end";
+    EXPECT_RAISES(m.r(0), "miniM.r: r out of range");
+    EXPECT_RAISES(m.r(5), "miniM.r: r out of range");
+    EXPECT_RAISES(m.addr(5), "miniM addr: offset out of range.");
+    EXPECT_RAISES(m.addr(-1), "miniM addr: offset out of range.");
+    EXPECT_RAISES(miniM(miniM::Dims(65536, 65536)), "Out of memory!");
+
+    test::Returning errors;
+    m.r(5) = 99;
+    EXPECT_EQ(m.r(5), 0);
+    miniM none(miniM::Dims(65536, 65536));
+    EXPECT_EQ(none.count(), 0);
+    EXPECT_EQ(miniM().addr(), nullptr);
+}
+
+} // namespace

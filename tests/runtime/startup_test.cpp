@@ -1,0 +1,246 @@
+// Start and end of the library. What needs a process of its own, with an environment or a fault, runs in a
+// child: this program again, or a fork of it.
+#include <bit>
+#include <cfenv>
+#include <cmath>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "core/constants.h"
+#include "core/header.h"
+#include "platform/platform.h"
+#include "support/support.h"
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool address_sanitizer = true;
+#elif defined(__has_feature)
+constexpr bool address_sanitizer = __has_feature(address_sanitizer);
+#else
+constexpr bool address_sanitizer = false;
+#endif
+
+namespace {
+
+// A child that is asked to show its start-up prints the trace and the three programs, and ends.
+constexpr char show_startup[] = "QUORVEX_TEST_SHOW_STARTUP";
+
+struct BeforeStartup {
+    BeforeStartup() { kn_startup_trace = std::getenv(show_startup) != nullptr; }
+};
+struct AfterStartup {
+    AfterStartup() {
+        if (!std::getenv(show_startup)) return;
+        std::printf("%s|%s|%s", kn_viewer_program, kn_player_program, kn_gnuplot_program);
+        kn::os::end_process(0);
+    }
+};
+#if defined(__GNUC__)
+__attribute__((init_priority(150))) BeforeStartup before_startup;
+#endif
+AfterStartup after_startup;
+
+const Mm static_value = pi; // a program's own static values find the library ready
+
+// -- Constants and markers.
+
+uint64_t bits(const Mm &m) { return std::bit_cast<uint64_t>(m.r()); }
+
+void expect_constants() {
+    EXPECT_EQ(bits(pi), 0x400921FB54442D18u);
+    EXPECT_EQ(bits(Inf), 0x7FF0000000000000u);
+    EXPECT_EQ(bits(NaN), 0x7FFFFFFFFFFFFFFFu);
+    EXPECT_EQ(eps.r(), std::pow(2.0, -52.0));
+    EXPECT_SAME(TICTOC, Mm(0.0));
+    EXPECT_SAME(zero_M, Mm(0.0));
+    EXPECT_SAME(one_M, Mm(1.0));
+    EXPECT_SAME(i, test::C(0, 1));
+    EXPECT_SAME(j, i);
+    for (const Mm *m :
+         {&l_M, &semi, &c_p, &nop_M, &page_screen_output, &implicit_str_to_num_ok, &empty_list_elements_ok}) {
+        EXPECT_SAME(*m, Mm());
+        EXPECT_TRUE(kn::same_block(*m, ans));
+    }
+    EXPECT_SAME(x_M, Mm());
+    EXPECT_FALSE(kn::same_block(x_M, ans));
+    EXPECT_EQ(kn::nothing_M.gettype(), kn_none);
+}
+
+TEST(Startup, constants_stand_at_load_and_have_their_names) {
+    expect_constants();
+    EXPECT_EQ(kn::raw_realmax, 1.7976931348623157e308);
+    EXPECT_EQ(kn::raw_realmin, 2.2250738585072014e-308);
+    EXPECT_SAME(static_value, pi);
+    struct {
+        const Mm &m;
+        const char *name;
+    } const names[] = {{kn::nothing_M, "nothing"},
+                       {TICTOC, "TICTOC"},
+                       {ans, "ans"},
+                       {i, "i"},
+                       {j, "j"},
+                       {pi, "pi"},
+                       {Inf, "Inf"},
+                       {NaN, "NaN"},
+                       {eps, "eps"},
+                       {x_M, "x_M"},
+                       {semi, ";"},
+                       {c_p, ":"},
+                       {nop_M, "[]"},
+                       {one_M, "1"},
+                       {zero_M, "0"},
+                       {l_M, "l_M"},
+                       {switchvar, "switchvar"},
+                       {page_screen_output, "page_screen_output"},
+                       {implicit_str_to_num_ok, "implicit_str_to_num_ok"},
+                       {empty_list_elements_ok, "empty_list_elements_ok"}};
+    for (const auto &row : names) EXPECT_STREQ(row.m.getname(), row.name);
+}
+
+TEST(Startup, initM2_restores_what_a_program_overwrote) {
+    std::string colon = ":";
+    for (int round = 0; round < 2; ++round) {
+        pi = 3.0;
+        i = test::M({{1, 2}});
+        nop_M = TM("text");
+        x_M = test::cell_of(1, 1, {1.0});
+        initM2(QUORVEX_VERSION, sizeof(Mm));
+        expect_constants();
+        EXPECT_STREQ(pi.getname(), "pi");
+    }
+    EXPECT_TRUE(c_p.issamename(kn_colon_name) && semi.issamename(kn_semi_name) && l_M.issamename(kn_l_name));
+    EXPECT_FALSE(Mm(Mm(), colon.c_str()).issamename(kn_colon_name)) << "the name counts, not its text";
+}
+
+TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
+    constexpr char version[] = "Version mismatch - runtime version is 4.5 but quorvex.h version is 4.4.";
+    int size = sizeof(Mm);
+    std::string sizes = "sizeof(Mm) mismatch - runtime size is " + std::to_string(size) +
+                        " but current size is " + std::to_string(size + 8);
+    EXPECT_RAISES(initM2(4400, size), version);
+    EXPECT_RAISES(initM2(4500, size + 8), sizes);
+    test::Returning errors;
+    pi = 3.0;
+    initM2(4400, size + 8);
+    EXPECT_EQ(errors.errors(), (std::vector<std::string>{version, sizes}));
+    expect_constants();
+}
+
+TEST(Startup, arithmetic_takes_no_traps) {
+    volatile double zero = 0;
+    for (void (*reset)() : {+[] { initM2(QUORVEX_VERSION, sizeof(Mm)); }, exitM}) {
+        std::feclearexcept(FE_ALL_EXCEPT);
+#ifdef __GLIBC__
+        feenableexcept(FE_DIVBYZERO | FE_INVALID);
+#endif
+        reset();
+        EXPECT_EQ(1 / zero, HUGE_VAL);
+        EXPECT_TRUE(std::isnan(zero / zero));
+    }
+}
+
+TEST(Startup, kn_set_MT_tells_the_process) {
+    EXPECT_EQ(kn_set_MT(1), kn::os::process_id());
+    EXPECT_EQ(kn_threads_flag, 1);
+    EXPECT_SAME(Mm(M_PI), pi) << "blocks under the lock";
+    kn_set_MT(0);
+    EXPECT_EQ(kn_threads_flag, 0);
+}
+
+// -- Children.
+
+#ifdef __linux__
+
+// What this program prints that starts with these variables added to an environment without the six.
+std::string started_with(const std::string &variables) {
+    std::string command =
+        "env -u TARVEKVIEWER -u tarvekviewer -u TARVEKPLAYER -u tarvekplayer -u TARVEKGNUPLOT"
+        " -u tarvekgnuplot " +
+        variables + " '" + std::filesystem::read_symlink("/proc/self/exe").string() + "'";
+    std::FILE *child = popen(command.c_str(), "r");
+    std::string out;
+    for (int c; child && (c = std::fgetc(child)) != EOF;) out += static_cast<char>(c);
+    EXPECT_TRUE(child && pclose(child) == 0);
+    return out;
+}
+
+TEST(StartupChild, traces_its_steps_and_finds_the_programs) {
+    const std::string show = std::string(show_startup) + "=1 ";
+    const std::string trace = "InitCS\nassert\nresetfpu\nsignal\ngetenv\ninit const\n";
+    EXPECT_EQ(started_with(show), trace + "pbrush|kelvox|wgnuplot");
+    EXPECT_EQ(started_with(show + "TARVEKVIEWER=up tarvekviewer=low tarvekplayer='a player' TARVEKGNUPLOT="),
+              trace + "up|a player|");
+    EXPECT_EQ(started_with(show + "TARVEKVIEWER=" + std::string(400, 'v')),
+              trace + std::string(255, 'v') + "|kelvox|wgnuplot");
+}
+
+void fault() { *static_cast<volatile char *>(kn::os::reserve(nullptr, kn::os::page_size())) = 1; }
+
+// Everything shown goes to the standard error that the parent reads.
+void show_on_stderr() {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    kn_set_error_handler(nullptr);
+    kn_set_message_box_handler([](const char *text, const char *title, unsigned style) {
+        std::fprintf(stderr, "<%s|%s|%u>", title, text, style);
+        std::fflush(stderr);
+    });
+    kn_error_stack.depth = 1;
+    kn_error_stack.file[1] = "prog.m";
+    kn_error_stack.line[1] = 5;
+}
+
+TEST(StartupChild, a_fault_shows_code_and_call_stack_and_goes_on) {
+    auto crash = [] {
+        show_on_stderr();
+        fault();
+    };
+    auto died = [](int status) {
+        return address_sanitizer ? status != 0 : WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV;
+    };
+    const std::string text = "Exception code: C0000005 ACCESS_VIOLATION\n\ncalled from prog\\.m 5\n";
+    EXPECT_EXIT(crash(), died, "^<Application crash!\\|" + text + "\\|48>\nApplication crash!\n\n" + text);
+}
+
+TEST(StartupChild, a_fault_with_a_pending_error_shows_that_one) {
+    auto crash = [] {
+        show_on_stderr();
+        kn_default_error_flags = 16 | 1;
+        try {
+            error("pending");
+        } catch (const char *) {
+            fault();
+        }
+    };
+    EXPECT_EXIT(crash(), testing::ExitedWithCode(1), "^error: pending\ncalled from prog\\.m 5\n\n$");
+}
+
+TEST(StartupChild, an_unhandled_mismatch_ends_with_status_1) {
+    auto start = [] {
+        show_on_stderr();
+        kn_error_stack.depth = 0;
+        initM2(4400, sizeof(Mm));
+    };
+    EXPECT_EXIT(start(), testing::ExitedWithCode(1),
+                "error: Version mismatch - runtime version is 4\\.5 but");
+}
+
+TEST(StartupChild, a_sent_SIGFPE_is_ignored) {
+    auto survive = [] {
+        raise(SIGFPE);
+        std::_Exit(7);
+    };
+    EXPECT_EXIT(survive(), testing::ExitedWithCode(7), "");
+}
+
+#endif
+
+} // namespace
