@@ -1,0 +1,27 @@
+// The kernels that run along one dimension, each for doubles and for bytes.
+//
+// Memory is walked in order whatever the dimension: where the elements of a slice are neighbours, slice by
+// slice; where they are not, row by row through a group of slices, with the running values in the result. The
+// order of the operations within a slice is that of its elements in both.
+#ifndef QUORVEX_CORE_DIMENSION_OPS_H
+#define QUORVEX_CORE_DIMENSION_OPS_H
+
+#include "core/op_core.h"
+
+namespace kn::kernel {
+
+#define KN_DIMENSION_KERNELS(K)                                                                     \
+    K(Diff)                                                                                         \
+    K(Del2) K(Gradient) K(All) K(Any) K(Cumprod) K(Cumsum) K(Max1) K(Median) K(Min1) K(Prod) K(Sum) \
+        K(Unwrap)
+#define KN_KERNEL(Name)                                   \
+    struct Name {                                         \
+        static void along(const Slices<double> &);        \
+        static void along(const Slices<unsigned char> &); \
+    };
+KN_DIMENSION_KERNELS(KN_KERNEL)
+#undef KN_KERNEL
+
+} // namespace kn::kernel
+
+#endif

@@ -1,0 +1,214 @@
+// The element engine: the constructor through which every element operation passes.
+//
+// It settles in this order: values without content, cells and classes, mixed element types, sparse operands,
+// empty operands, the shape of the result. Then it allocates the result once and hands it to the loops of the
+// element type. Nothing of the object under construction stands before the result is complete, so that an
+// error may be thrown anywhere.
+
+#include "core/element_engine.h"
+
+#include <algorithm>
+
+#include "core/header.h"
+#include "core/op_core.h"
+#include "core/op_names.h"
+#include "core/sparse_plan.h"
+#include "quorvex/classes.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+namespace {
+
+// The dimension in the first element of `dim`, -1 when there is none.
+int dimension_in(const Mm &dim) {
+    if (dim.size() < 1) return -1;
+    if (dim.gettype() == kn_uint8) return *dim.getpr(static_cast<unsigned char *>(nullptr));
+    if (dim.issparse()) return dim.getnnz() > 0 && dim.getindex()[0] == 0 ? double_to_int(*dim.addr()) : 0;
+    return double_to_int(dim.r());
+}
+
+// How a result lies to its operands.
+struct Shape {
+    int dims[4];
+    int len = 1, stride = 1, outer = 1;
+};
+
+// -- Empty operands: the empty double, but for these.
+
+Mm of_empty(const Mm &a, const Mm &b, op_t op, int d) {
+    bool no_a = a.getnnz() < 1, no_b = b.getnnz() < 1;
+    switch (op) {
+    case op_all:
+    case op_prod:
+        if (d == 0) return 1.0;
+        break;
+    case op_any:
+    case op_sum:
+        if (d == 0) return 0.0;
+        break;
+    case op_eq: return no_a && no_b ? 1.0 : 0.0;
+    case op_ne: return no_a != no_b ? 1.0 : 0.0;
+    default: break;
+    }
+    return Mm();
+}
+
+// -- Shapes. False after a report.
+
+bool same_extents(const Mm &a, const Mm &b) { return std::equal(a.getdims(), a.getdims() + 4, b.getdims()); }
+
+bool incompatible(const Mm &a, const Mm &b, op_t op) {
+    error("%s: incompatible dimensions of: %s, %s", op_name(op), kn_display_name(a), kn_display_name(b));
+    return false;
+}
+
+bool shape_along(const Mm &a, const Mm &b, op_t op, int d, Shape &s) {
+    if (d < 0) {
+        error("%s: dim argument may not be empty", op_name(op));
+        return false;
+    }
+    if (d == 0) d = a.nsingleton();
+    if (d > 4) {
+        error("%s: dimension=%d does not exist for matrix %s", op_name(op), d, kn_display_name(a));
+        return false;
+    }
+    std::copy(a.getdims(), a.getdims() + 4, s.dims);
+    int *extent = &s.dims[d - 1];
+    s.len = *extent;
+    for (int k = 0; k < 4; ++k) (k < d - 1 ? s.stride : s.outer) *= k == d - 1 ? 1 : s.dims[k];
+    switch (op) {
+    case op_diff: --*extent; break;
+    case op_del2:
+    case op_gradient:
+        // One coordinate for each element of a slice.
+        if (b.getnnz() < s.len) return incompatible(a, b, op);
+        break;
+    case op_cumprod:
+    case op_cumsum:
+    case op_unwrap: break;
+    case op_all:
+    case op_any:
+    case op_max_1:
+    case op_median:
+    case op_min_1:
+    case op_prod:
+    case op_sum: *extent = 1; break;
+    default:
+        error("op_dims: wrong do_dim");
+        // The extents stay a's: b must fit them.
+        if (b.getnnz() != 1 && b.getnnz() < a.getnnz()) return incompatible(a, b, op);
+    }
+    return true;
+}
+
+bool shape_of_elements(const Mm &a, const Mm &b, op_t op, Shape &s) {
+    if (b.getnnz() != 1 && a.getnnz() != 1 && !same_extents(a, b)) return incompatible(a, b, op);
+    const Mm &like = b.getnnz() == 1 ? a : b;
+    std::copy(like.getdims(), like.getdims() + 4, s.dims);
+    return true;
+}
+
+// -- The loops.
+
+template <class T> Operand<T> operand(const Mm &m) {
+    T *tag = nullptr;
+    return {m.getpr(tag), m.getpi(tag), m.getnnz() == 1 ? 0 : 1};
+}
+
+template <class T>
+void run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
+    T *tag = nullptr;
+    T *re = out.getpr(tag), *im = out.getpi(tag);
+    ptrdiff_t n = out.getnnz();
+    if (!is_op(op)) {
+        error("op_core: unknown op");
+        clear(re, im, n);
+        return;
+    }
+    const Loops<T> &loops = loops_of<T>()[op];
+    if (loops.elements) {
+        loops.elements({re, im, n, operand<T>(a), operand<T>(b)});
+        return;
+    }
+    // Without a dimension one element is looked at; the others are zero.
+    if (static_cast<ptrdiff_t>(s.len) * s.stride * s.outer < a.getnnz()) clear(re, im, n);
+    loops.along({re, im, n, a.getpr(tag), a.getpi(tag), b.getpr(tag), b.getpi(tag), s.len, s.stride, s.outer,
+                 position});
+}
+
+void run(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
+    if (a.gettype() == kn_uint8)
+        run_loops<unsigned char>(out, a, b, op, s, position);
+    else
+        run_loops<double>(out, a, b, op, s, position);
+}
+
+// False when there is no memory for the positions.
+bool with_positions(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, Mm &extra) {
+    Mm positions(0, 0, 0, 4, s.dims, kn_double);
+    if (lacks(positions, out.getnnz())) return false;
+    std::fill(positions.addr(), positions.addr() + positions.getnnz(), 0.0);
+    run(out, a, b, op, s, positions.addr());
+    extra = positions;
+    return true;
+}
+
+// All returns name `out`, so that it is built where the caller wants it.
+Mm computed(int complex_result, const Mm &a, const Mm &b, op_t op, const Shape &s, Mm &extra) {
+    kn_matrix_types t = a.gettype();
+    Mm out(complex_result, 0, 0, 4, s.dims, t);
+    int n = product(4, s.dims);
+    if (n < 0 || lacks(out, n)) {
+        out = x_M;
+        return out;
+    }
+    bool wanted = (op == op_max_1 || op == op_min_1) && !extra.issamename(kn_l_name);
+    if (wanted && !with_positions(out, a, b, op, s, extra)) out = x_M;
+    if (!wanted) run(out, a, b, op, s, nullptr);
+    check(out);
+    return out;
+}
+
+Mm operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim, Mm &extra) {
+    if (a.gettype() == kn_none) a.warn_uninit();
+    if (b.gettype() == kn_none) b.warn_uninit();
+    if (a.issparse() || b.issparse()) return sparse_operation(complex_result, a, b, dim, op, do_dim, extra);
+
+    kn_matrix_types t = a.gettype();
+    if (t == kn_Mm || b.gettype() == kn_Mm) {
+        if (a.isstruct() || b.isstruct()) return call_class_function(op_name(op), a, b);
+        error("Operation can not be performed on non-numerical datatypes");
+        return x_M;
+    }
+    if (t != b.gettype()) {
+        if (t != kn_uint8 && b.gettype() != kn_uint8) {
+            error("M::M(op): inconsistent datatypes");
+            return x_M;
+        }
+        Mm bytes_a = muint8(a), bytes_b = muint8(b);
+        if (bytes_a.gettype() != kn_uint8 || bytes_b.gettype() != kn_uint8) return x_M;
+        return operation(complex_result, bytes_a, bytes_b, dim, op, do_dim, extra);
+    }
+    if (a.getnnz() < 1 || b.getnnz() < 1) return of_empty(a, b, op, dimension_in(dim));
+
+    Shape s;
+    bool fits = do_dim ? shape_along(a, b, op, dimension_in(dim), s) : shape_of_elements(a, b, op, s);
+    if (!fits) return x_M;
+    if (do_dim && op == op_diff && s.len < 2) return Mm();
+    return computed(complex_result, a, b, op, s, extra);
+}
+
+} // namespace
+
+Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,
+                     Mm &extra) {
+    Mm out = operation(complex_result, a, b, dim, op, do_dim, extra);
+    out.getflags().scalar_only = 0; // a class method may have set it
+    return out;
+}
+
+} // namespace kn
+
+Mm::Mm(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim, Mm &extra)
+    : Mm(kn::element_operation(complex_result, a, b, dim, op, do_dim, extra)) {}

@@ -1,0 +1,130 @@
+// The matrix product, by BLAS on whole matrices; planes of complex matrices are multiplied as real ones.
+//
+// A product of complex matrices is four real products. Large ones with finite elements are done with three,
+//
+//     T1 = Re A Re B,  T2 = Im A Im B,  Re C = T1 - T2,  Im C = (Re A + Im A)(Re B + Im B) - T1 - T2,
+//
+// whose error in Im C is bounded by the size of the whole product and not by that of Im C alone (Higham,
+// Stability of a method for multiplying complex matrices with three real matrix multiplications, SIAM J.
+// Matrix Anal. Appl. 13, 1992). Should it give anything that is not finite, as the sums may overflow, the
+// four products are formed after all: infinities and NaN are then those of the definition.
+
+#include "core/multiply.h"
+
+#include <cmath>
+#include <memory>
+
+#include "core/blas.h"
+#include "core/constants.h"
+#include "core/header.h"
+#include "core/scratch.h"
+#include "quorvex/classes.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+namespace {
+
+struct Sizes {
+    int m, k, n; // m by k times k by n
+};
+
+// c = sign a b + beta c
+void product(const Sizes &s, double sign, const double *a, const double *b, double beta, double *c) {
+    const auto [m, k, n] = s;
+    const int one = 1;
+    if (n == 1)
+        dgemv_("N", &m, &k, &sign, a, &m, b, &one, &beta, c, &one);
+    else if (m == 1)
+        dgemv_("T", &k, &n, &sign, b, &k, a, &one, &beta, c, &one);
+    else
+        dgemm_("N", "N", &m, &n, &k, &sign, a, &m, b, &k, &beta, c, &m);
+}
+
+bool all_finite(const double *x, ptrdiff_t n) {
+    long long others = 0;
+    for (ptrdiff_t k = 0; k < n; ++k) others += !(std::fabs(x[k]) <= raw_realmax);
+    return others == 0;
+}
+
+struct HeapFree {
+    void operator()(double *p) const { heap_free(p); }
+};
+
+bool worth_three(const Sizes &s) {
+    // Below, the sums of whole matrices cost more than the product that they save.
+    constexpr double least = 48.0 * 48 * 48;
+    return s.m > 16 && s.n > 16 && s.k > 16 && static_cast<double>(s.m) * s.k * s.n >= least;
+}
+
+bool three_products(const Sizes &s, const Mm &a, const Mm &b, Mm &c) {
+    ptrdiff_t na = a.getnnz(), nb = b.getnnz(), nc = c.getnnz();
+    auto finite = [](const Mm &x, ptrdiff_t n) { return all_finite(x.addr(), n) && all_finite(x.addi(), n); };
+    if (!finite(a, na) || !finite(b, nb)) return false;
+    size_t room = sizeof(double) * static_cast<size_t>(na + nb + nc);
+    std::unique_ptr<double, HeapFree> scratch(static_cast<double *>(heap_alloc(room)));
+    if (!scratch) return false;
+    double *sum_a = scratch.get(), *sum_b = sum_a + na, *t2 = sum_b + nb, *re = c.addr(), *im = c.addi();
+    for (ptrdiff_t k = 0; k < na; ++k) sum_a[k] = a.addr()[k] + a.addi()[k];
+    for (ptrdiff_t k = 0; k < nb; ++k) sum_b[k] = b.addr()[k] + b.addi()[k];
+    product(s, 1, a.addr(), b.addr(), 0, re);
+    product(s, 1, a.addi(), b.addi(), 0, t2);
+    product(s, 1, sum_a, sum_b, 0, im);
+    for (ptrdiff_t k = 0; k < nc; ++k) {
+        im[k] -= re[k] + t2[k];
+        re[k] -= t2[k];
+    }
+    return finite(c, nc);
+}
+
+Mm dense_product(const Mm &a, const Mm &b) {
+    Sizes s = {a.rows(), a.cols(), b.cols()};
+    int extents[2] = {s.m, s.n};
+    int n = kn::product(2, extents);
+    Mm c(a.isc() || b.isc(), 0, 0, s.m, s.n, kn_double);
+    if (n < 0 || lacks(c, n)) return x_M;
+    if (a.isc() && b.isc()) {
+        if (worth_three(s) && three_products(s, a, b, c)) return c;
+        product(s, 1, a.addr(), b.addr(), 0, c.addr());
+        product(s, -1, a.addi(), b.addi(), 1, c.addr());
+        product(s, 1, a.addr(), b.addi(), 0, c.addi());
+        product(s, 1, a.addi(), b.addr(), 1, c.addi());
+        return c;
+    }
+    product(s, 1, a.addr(), b.addr(), 0, c.addr());
+    if (a.isc()) product(s, 1, a.addi(), b.addr(), 0, c.addi());
+    if (b.isc()) product(s, 1, a.addr(), b.addi(), 0, c.addi());
+    return c;
+}
+
+bool conform(const Mm &a, const Mm &b) {
+    if (a.getndims() == 2 && b.getndims() == 2 && a.cols() == b.rows()) return true;
+    error("*: wrong dimensions of: %s %dx%d, %s %dx%d", kn_display_name(a), a.rows(), a.cols(),
+          kn_display_name(b), b.rows(), b.cols());
+    return false;
+}
+
+Mm of_doubles(const Mm &x) {
+    Mm full_x = full(x);
+    return full_x.gettype() == kn_uint8 ? mdouble(full_x) : full_x;
+}
+
+} // namespace
+
+Mm matrix_product(const Mm &a, const Mm &b) {
+    if (!conform(a, b)) return x_M;
+    Mm full_a = of_doubles(a), full_b = of_doubles(b);
+    if (full_a.getnnz() != a.size() || full_b.getnnz() != b.size()) return x_M;
+    Mm c = dense_product(full_a, full_b);
+    return a.issparse() && b.issparse() ? sparse(c) : c;
+}
+
+Mm matrix_right_division(const Mm &a, const Mm &b) {
+    a.warn_uninit();
+    b.warn_uninit();
+    if (a.size() < 1 || b.size() < 1) return Mm();
+    error("%s is not yet implemented", "mldivide");
+    return x_M;
+}
+
+} // namespace kn

@@ -1,0 +1,18 @@
+// The matrix product and the right division of matrices.
+#ifndef QUORVEX_CORE_MULTIPLY_H
+#define QUORVEX_CORE_MULTIPLY_H
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+// a times b, both with at least two elements: full or sparse, numbers of any kind. "*: wrong dimensions of:
+// %s %dx%d, %s %dx%d", and x_M, when the inner extents differ.
+Mm matrix_product(const Mm &a, const Mm &b);
+
+// a times the inverse of b, b being no scalar.
+Mm matrix_right_division(const Mm &a, const Mm &b);
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,14 @@
+// The loops for bytes: one row for each operation.
+
+#include "core/element_kernels.h"
+#include "core/op_loops.h"
+
+namespace kn {
+
+const Loops<unsigned char> byte_loops[op_count_] = {
+#define KN_ROW(name, group, rule, K) loops_for<unsigned char, ByteLoops, kernel::K>(),
+    QUORVEX_OPERATIONS(KN_ROW)
+#undef KN_ROW
+};
+
+} // namespace kn

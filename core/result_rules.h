@@ -1,0 +1,33 @@
+// When the language functions ask for a complex result, by code.
+#ifndef QUORVEX_CORE_RESULT_RULES_H
+#define QUORVEX_CORE_RESULT_RULES_H
+
+#include "core/op_names.h"
+#include "quorvex/values.h"
+
+namespace kn {
+
+// Whether a real element leaves the domain in which the function is real. NaN never does.
+template <Rule rule> constexpr bool is_outside(double x) {
+    switch (rule) {
+    case Rule::negative: return x < 0;
+    case Rule::outside_one: return x < -1 || x > 1;
+    case Rule::outside_zero_one: return x < 0 || x > 1;
+    case Rule::inside_one: return x > -1 && x < 1;
+    case Rule::below_one: return x < 1;
+    case Rule::never:
+    case Rule::operand:
+    case Rule::power_rule:
+    case Rule::logical: break;
+    }
+    return false;
+}
+
+// complex_result of the function with code `op`. Of two operands that is settled by both for arithmetic, and
+// by the values of `a` too for powers.
+int complex_result(op_t op, const Mm &a);
+int complex_result(op_t op, const Mm &a, const Mm &b);
+
+} // namespace kn
+
+#endif

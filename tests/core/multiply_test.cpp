@@ -1,0 +1,104 @@
+// The matrix product against sums of products, its special numbers and its messages.
+
+#include <cmath>
+#include <complex>
+
+#include "support/support.h"
+
+using test::C;
+using test::complex_of;
+using test::M;
+using test::row;
+using test::U8;
+
+namespace {
+
+using Cx = std::complex<double>;
+
+Cx element(const Mm &a, int r, int c) {
+    int k = r + c * a.rows();
+    return {a.addr()[k], a.isc() ? a.addi()[k] : 0};
+}
+
+Mm product(const Mm &a, const Mm &b) {
+    Mm c(a.isc() || b.isc(), 0, 0, a.rows(), b.cols(), kn_double);
+    for (int i = 0; i < c.rows(); ++i)
+        for (int j = 0; j < c.cols(); ++j) {
+            Cx sum = 0;
+            for (int k = 0; k < a.cols(); ++k) sum += element(a, i, k) * element(b, k, j);
+            c.addr(i + 1, j + 1)[0] = sum.real();
+            if (c.isc()) c.addi(i + 1, j + 1)[0] = sum.imag();
+        }
+    return c;
+}
+
+// Small whole numbers, so that every order of the additions gives the same.
+Mm whole_numbers(test::Random &random, int m, int n, bool complex) {
+    Mm a(complex, 0, 0, m, n, kn_double);
+    for (int k = 0; k < a.getnnz(); ++k) {
+        a.addr()[k] = random.below(19) - 9;
+        if (complex) a.addi()[k] = random.below(19) - 9;
+    }
+    return a;
+}
+
+TEST(Multiply, is_the_sum_of_products) {
+    test::Random random(2);
+    const int sizes[][3] = {{2, 2, 2}, {1, 5, 3}, {4, 3, 1}, {1, 6, 1}, {3, 1, 4}, {7, 9, 8}, {33, 5, 40}};
+    for (auto [m, k, n] : sizes)
+        for (int planes = 0; planes < 4; ++planes) {
+            Mm a = whole_numbers(random, m, k, planes & 1), b = whole_numbers(random, k, n, planes & 2);
+            EXPECT_SAME(a * b, product(a, b));
+            EXPECT_SAME(mtimes(a, b), product(a, b));
+        }
+}
+
+TEST(Multiply, large_complex_products) {
+    test::Random random(4);
+    Mm a = whole_numbers(random, 150, 140, true), b = whole_numbers(random, 140, 130, true);
+    Mm wanted = product(a, b);
+    EXPECT_SAME(a * b, wanted);
+    // An infinity reaches its row only, as by the definition.
+    a.addr(3, 7)[0] = HUGE_VAL;
+    Mm got = a * b, expected = product(a, b);
+    for (int j = 1; j <= 130; ++j) {
+        EXPECT_FALSE(std::isfinite(got.r(3, j)));
+        EXPECT_EQ(std::isnan(got.r(3, j)), std::isnan(expected.r(3, j)));
+        EXPECT_EQ(got.r(4, j), wanted.r(4, j));
+        EXPECT_EQ(got.i(2, j), wanted.i(2, j));
+    }
+    // Sums of the planes that overflow do not spoil a product that does not.
+    Mm big = a * 0.0, one = b * 0.0;
+    for (int k = 0; k < big.getnnz(); ++k) big.addr()[k] = big.addi()[k] = 0;
+    big.addr(1, 1)[0] = big.addi(1, 1)[0] = 1.5e308;
+    one.addr(1, 1)[0] = 1;
+    EXPECT_EQ((big * one).r(1, 1), 1.5e308);
+    EXPECT_EQ((big * one).i(1, 1), 1.5e308);
+}
+
+TEST(Multiply, scalars_and_empties_multiply_elements) {
+    Mm a = M({{1, 2}, {3, 4}});
+    EXPECT_SAME(a * 2.0, M({{2, 4}, {6, 8}}));
+    EXPECT_SAME(C(0, 1) * a, complex_of(M({{0, 0}, {0, 0}}), a));
+    EXPECT_SAME(a * Mm(), Mm());
+    EXPECT_SAME(U8({{100}}) * U8({{2, 3}}), U8({{200, 44}}));
+}
+
+TEST(Multiply, other_kinds_of_matrices) {
+    Mm a = M({{1, 0}, {3, 4}}), b = M({{0, 2}, {0, 5}});
+    EXPECT_SAME(U8({{100, 200}, {0, 1}}) * M({{3, 0}, {1, 1}}), M({{500, 200}, {1, 1}})); // in doubles
+    EXPECT_SAME(sparse(a) * b, a * b);
+    EXPECT_SAME(sparse(a) * sparse(b), sparse(a * b));
+    Mm text = TM("ab");
+    EXPECT_SAME(text * M({{1}, {2}}), Mm(97.0 + 2 * 98.0));
+}
+
+TEST(Multiply, messages) {
+    Mm a = test::named("a", row({1, 2, 3})), b = test::named("b", M({{1, 2}, {3, 4}}));
+    EXPECT_RAISES(a * b, "*: wrong dimensions of: a 1x3, b 2x2");
+    EXPECT_RAISES(b * test::nd({2, 1, 2}, {1, 2, 3, 4}), "*: wrong dimensions of: b 2x2, (temporary) 2x1");
+    test::Returning handler;
+    EXPECT_SAME(a * b, Mm());
+}
+
+} // namespace

@@ -1,0 +1,151 @@
+// The kernels on one number, and the overloads on plain doubles.
+
+#include <cmath>
+#include <cstring>
+
+#include "core/scalar_kernels.h"
+#include "support/support.h"
+
+namespace {
+
+constexpr double inf = HUGE_VAL, nan = NAN;
+
+bool same_number(double x, double y) {
+    return (std::isnan(x) && std::isnan(y)) || (x == y && std::signbit(x) == std::signbit(y));
+}
+#define EXPECT_NUMBER(got, wanted) \
+    EXPECT_PRED2(same_number, static_cast<double>(got), static_cast<double>(wanted))
+
+TEST(ScalarKernels, conversions) {
+    struct {
+        double x;
+        int as_int, as_byte;
+    } cases[] = {{2.9, 2, 2},
+                 {-2.9, -2, 254},
+                 {300.5, 300, 44},
+                 {inf, 2147483647, 0},
+                 {-inf, -2147483647, 0},
+                 {nan, -2147483647, 0},
+                 {2147483647.5, 2147483647, 255},
+                 {-2147483648.0, -2147483647, 0},
+                 {-2147483647.0, -2147483647, 1},
+                 {0x1p62 + 0x1p20, 2147483647, 0},
+                 {4294967297.0, 2147483647, 1},
+                 {1e300, 2147483647, 0}};
+    for (auto &c : cases) {
+        EXPECT_EQ(double_to_int(c.x), c.as_int) << c.x;
+        EXPECT_EQ(kn::to_byte(c.x), c.as_byte) << c.x;
+    }
+}
+
+TEST(ScalarKernels, rounding_and_sign) {
+    EXPECT_NUMBER(kn::round_real(2.5), 3);
+    EXPECT_NUMBER(kn::round_real(-2.5), -3);
+    EXPECT_NUMBER(kn::round_real(-0.4), -0.0);
+    EXPECT_NUMBER(kn::round_real(nan), nan);
+    EXPECT_NUMBER(round(0.5), 1);
+    EXPECT_NUMBER(fix(-1.9), -1);
+    EXPECT_NUMBER(fix(-0.5), -0.0);
+    EXPECT_NUMBER(fix(-inf), -inf);
+    EXPECT_NUMBER(sign(-3.0), -1);
+    EXPECT_NUMBER(sign(-0.0), 0);
+    EXPECT_NUMBER(sign(nan), -1);
+    EXPECT_NUMBER(kn::log2_real(8), std::log(8.0) / std::log(2.0));
+}
+
+TEST(ScalarKernels, max2_and_min2_drop_nan) {
+    for (double x : {-inf, -1.0, 0.0, 2.0, inf}) {
+        EXPECT_NUMBER(max2(x, nan), x);
+        EXPECT_NUMBER(max2(nan, x), x);
+        EXPECT_NUMBER(min2(x, nan), x);
+        EXPECT_NUMBER(min2(nan, x), x);
+        for (double y : {-2.0, 0.5, 7.0}) {
+            EXPECT_NUMBER(max2(x, y), std::max(x, y));
+            EXPECT_NUMBER(min2(x, y), std::min(x, y));
+        }
+    }
+    EXPECT_NUMBER(max2(nan, nan), nan);
+    EXPECT_NUMBER(max2(0.0, -0.0), -0.0); // equal: the second
+    EXPECT_NUMBER(min2(-0.0, 0.0), 0.0);
+}
+
+TEST(ScalarKernels, remainders_of_whole_numbers) {
+    for (int x = -20; x <= 20; ++x)
+        for (int y = -6; y <= 6; ++y) {
+            if (y == 0) continue;
+            EXPECT_EQ(rem(x, y), x % y) << x << " " << y;
+            EXPECT_EQ(mod(x, y), (x % y + y) % y) << x << " " << y;
+        }
+}
+
+TEST(ScalarKernels, remainders_near_whole_quotients) {
+    EXPECT_NUMBER(rem(1.0, 0.1), 0);
+    EXPECT_NUMBER(mod(1.0, 0.1), 0);
+    // 0.7 / 0.1 falls just below 7, and counts as 7.
+    ASSERT_LT(0.7 / 0.1, 7);
+    EXPECT_NUMBER(rem(0.7, 0.1), 0);
+    EXPECT_NUMBER(mod(0.7, 0.1), 0);
+    // Negative quotients have no such tolerance in rem: the raw difference remains.
+    EXPECT_NUMBER(rem(-0.7, 0.1), -0.7 + 6 * 0.1);
+    for (double x : {5.0, nan, inf}) {
+        EXPECT_NUMBER(mod(x, 0.0), nan);
+        EXPECT_NUMBER(rem(x, 0.0), nan);
+    }
+    EXPECT_NUMBER(rem(1.0, inf), nan);
+    EXPECT_NUMBER(mod(-inf, 2.0), nan);
+}
+
+TEST(ScalarKernels, pow2_2_at_its_limits) {
+    EXPECT_NUMBER(kn::pow2_2(0.75, 4), 12);
+    EXPECT_NUMBER(kn::pow2_2(-1, 1024), -inf);
+    EXPECT_NUMBER(kn::pow2_2(0.5, 1024), 0x1p1023);
+    EXPECT_NUMBER(kn::pow2_2(kn::raw_realmax, 1), inf);
+    EXPECT_NUMBER(kn::pow2_2(3, 1e300), inf);
+    EXPECT_NUMBER(kn::pow2_2(3, -1e300), 0);
+    EXPECT_NUMBER(kn::pow2_2(3, nan), nan);
+    EXPECT_NUMBER(kn::pow2_2(-3, inf), inf);
+    EXPECT_NUMBER(kn::pow2_2(3, -inf), -inf);
+    EXPECT_NUMBER(kn::real_pow(-3, 2), 9);
+}
+
+TEST(ScalarKernels, range_reduce_keeps_the_angle) {
+    std::mt19937_64 random(7);
+    for (int k = 0; k < 2000; ++k) {
+        double x =
+            std::ldexp(1 + static_cast<double>(random() >> 12) * 0x1p-52, static_cast<int>(random() % 1020));
+        if (k % 2) x = -x;
+        double r = kn::range_reduce(x);
+        ASSERT_LT(std::fabs(r), 54 * 2 * M_PI);
+        ASSERT_EQ(std::signbit(r), std::signbit(x));
+        // The sum of at most 53 terms below 2 pi, each rounded.
+        ASSERT_NEAR(std::sin(r), std::sin(x), 1e-12) << x;
+        ASSERT_NEAR(std::cos(r), std::cos(x), 1e-12) << x;
+    }
+    EXPECT_NUMBER(kn::range_reduce(0.3), 0.3);
+    EXPECT_NUMBER(kn::range_reduce(4.5), 4.5);
+    EXPECT_NUMBER(kn::range_reduce(8), 1.7168146928204135);
+    EXPECT_NUMBER(kn::range_reduce(inf), nan);
+    EXPECT_NUMBER(kn::range_reduce(nan), nan);
+}
+
+TEST(ScalarKernels, bits_are_those_of_whole_numbers) {
+    std::mt19937_64 random(11);
+    for (int k = 0; k < 500; ++k) {
+        uint64_t a = random() >> 11, b = random() >> 11;
+        double x = static_cast<double>(a), y = static_cast<double>(b);
+        EXPECT_EQ(kn::bit_logic(x, y, kn::Bits::and_), static_cast<double>(a & b));
+        EXPECT_EQ(kn::bit_logic(x, y, kn::Bits::or_), static_cast<double>(a | b));
+        EXPECT_EQ(kn::bit_logic(x, y, kn::Bits::xor_), static_cast<double>(a ^ b));
+        EXPECT_EQ(kn::bit_complement(x, 53), static_cast<double>(~a & ((uint64_t{1} << 53) - 1)));
+        unsigned n = 1 + static_cast<unsigned>(b % 53);
+        uint64_t bit = uint64_t{1} << (n - 1);
+        EXPECT_EQ(kn::bit_get(x, n), (a & bit) != 0);
+        EXPECT_EQ(kn::bit_set(x, n), static_cast<double>(a | bit));
+        EXPECT_EQ(kn::bit_reset(x, n), static_cast<double>(a & ~bit));
+        EXPECT_EQ(kn::bit_shift(x, -static_cast<double>(n)), static_cast<double>(a >> n));
+    }
+    EXPECT_EQ(kn::bit_shift(3, 4), 48);
+    EXPECT_EQ(kn::bit_logic(nan, 1, kn::Bits::or_), 1);
+}
+
+} // namespace
