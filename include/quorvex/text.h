@@ -17,10 +17,15 @@ QUORVEX_API Mm str2num(const Mm &s);
 
 QUORVEX_API Mm setstr(const Mm &m); // a copy with the string flag set
 
+// Without the trailing blanks (and other white space and NULs) that all rows have; of a cell, each element.
+// "deblank: input is not a string" for numbers.
+QUORVEX_API Mm deblank(const Mm &s);
+
 #define QUORVEX_TEXT_COUNTS(ROW) \
     ROW(strvcat, 1, 2, 3, 4)     \
     ROW(str2num, 1)              \
-    ROW(setstr, 1)
+    ROW(setstr, 1)               \
+    ROW(deblank, 1)
 QUORVEX_TEXT_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -59,6 +59,8 @@ struct i_o_t {};
 extern QUORVEX_API const i_o_t i_o;
 
 class Mm;
+class Mr;
+class Mc;
 namespace kn {
 struct Header; // the library's own access to the fields (core/header.h)
 }
@@ -84,6 +86,11 @@ class QUORVEX_API Mm {
     // the first non-singleton dimension); an imaginary plane as complex_result says; `extra` takes the
     // positions of max and min (l_M: not wanted). Failures leave an empty double or x_M.
     Mm(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim, Mm &extra);
+    // The value that an indexed expression reads. A read that is not strict reports nothing: what is missing
+    // gives a value of type kn_none.
+    Mm(const Mr &r, int strict = 1);
+    // [a, b; c] or {a, b; c}.
+    Mm(const Mc &list);
     ~Mm();
 
     // Shares the block of src. The target keeps its name, persistent and global; its type and shape are
@@ -176,6 +183,24 @@ class QUORVEX_API Mm {
 
     // A copy of element k of a cell, or of nop_M when there is no such element; never reports.
     Mm safebr(int k) const;
+
+    // -- Indexing: see indexing.h.
+
+    Mr operator()() const;
+    Mr operator()(const Mm &a) const;
+    Mr operator()(const Mm &a, const Mm &b) const;
+    Mr operator()(const Mm &a, const Mm &b, const Mm &c) const;
+    Mr operator()(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
+    Mr br(const Mm &a) const;
+    Mr br(const Mm &a, const Mm &b) const;
+    Mr br(const Mm &a, const Mm &b, const Mm &c) const;
+    Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
+    Mr member(const char *field) const;
+
+    void vwcopy1(const Mm &src, const Mm &i);              // this(i) = src
+    void vwcopy2(const Mm &src, const Mm &i, const Mm &j); // this(i,j) = src
+    void vwcopyn(const Mr &r, const Mm &src);              // this(...) = src with the subscripts of r
+    void vwcopy0(const Mr &r);                             // this(...) = []
 
     // -- Conversions in place.
 

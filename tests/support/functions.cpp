@@ -1,7 +1,10 @@
 #include "support/functions.h"
 
+#include <cstdio>
 #include <type_traits>
 #include <utility>
+
+#include "core/scratch.h"
 
 namespace test {
 namespace {
@@ -22,9 +25,8 @@ template <size_t... legal, class F> void add(std::vector<Function> &list, const 
         list.push_back({name, static_cast<int>(n), ((n == legal) || ...),
                         [](const Mm *x) { return call(F(), x, std::make_index_sequence<n>()); }});
     };
-    [&]<size_t... n>(std::index_sequence<n...>) {
-        (one(std::integral_constant<size_t, n>()), ...);
-    }(std::make_index_sequence<max_count + 1>());
+    [&]<size_t... n>(std::index_sequence<n...>) { (one(std::integral_constant<size_t, n>()), ...); }
+    (std::make_index_sequence<max_count + 1>());
 }
 
 std::vector<Function> make_list() {
@@ -40,6 +42,19 @@ std::vector<Function> make_list() {
 const std::vector<Function> &functions() {
     static const std::vector<Function> list = make_list();
     return list;
+}
+
+Unattended::Unattended()
+    : old_input_(kn_set_input_handler(
+          [](char *buf, int size) { std::snprintf(buf, static_cast<size_t>(size), "1 2 x"); })),
+      old_key_(kn_set_kbhit_handler([] { return 1; })) {
+    kn::alloc_probe.largest = 1 << 17;
+}
+
+Unattended::~Unattended() {
+    kn::alloc_probe.largest = 0;
+    kn_set_kbhit_handler(old_key_);
+    kn_set_input_handler(old_input_);
 }
 
 } // namespace test

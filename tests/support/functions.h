@@ -1,5 +1,5 @@
-// Every function of the language with every count of inputs from 0 to 6, made from the rows of the headers: for
-// tests that call them all.
+// Every function of the language with every count of inputs from 0 to 6, made from the rows of the headers:
+// for tests that call them all.
 #ifndef QUORVEX_TESTS_FUNCTIONS_H
 #define QUORVEX_TESTS_FUNCTIONS_H
 
@@ -19,6 +19,18 @@ struct Function {
 };
 
 const std::vector<Function> &functions();
+
+// For a scope: who waits for a line or a key finds one at once, and in builds with the allocation probe no
+// block has more than 128 KB, whatever sizes the functions make of the numbers they get.
+class Unattended {
+  public:
+    Unattended();
+    ~Unattended();
+
+  private:
+    kn_input_hook old_input_;
+    kn_kbhit_hook old_key_;
+};
 
 } // namespace test
 

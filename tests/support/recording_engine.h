@@ -1,4 +1,5 @@
-// A graphics engine that writes down what it is asked, answers from its fields, and keeps the hooks it is given.
+// A graphics engine that writes down what it is asked, answers from its fields, and keeps the hooks it is
+// given.
 #ifndef QUORVEX_TESTS_RECORDING_ENGINE_H
 #define QUORVEX_TESTS_RECORDING_ENGINE_H
 

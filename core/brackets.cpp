@@ -1,0 +1,198 @@
+// Bracket expressions and cell constructors: comma lists made into values.
+//
+// A bracket of plain double matrices, [a, b; c], is laid out in one pass into one block. Nothing is checked
+// there: a short row is filled with zeros, and an item taller than its row (the last item of a row decides
+// its height) runs on into the next column, as far as the block goes. Everything else is joined pairwise.
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+#include "core/concat.h"
+#include "core/constants.h"
+#include "core/header.h"
+#include "quorvex/indexing.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+namespace {
+
+bool is_row_end(const Mm &x) { return x.issamename(kn_semi_name); }
+bool is_content(const Mm &x) { return x.rows() != 0 && x.cols() != 0; }
+
+// What the items have in common, and the size of the plain result.
+struct Survey {
+    bool plain = true, complex = false, str = false, any_logical = false, all_logical = true;
+    bool even = true; // the items tile the result
+    long long rows = 0, cols = 0;
+
+    explicit Survey(const Mc &list) {
+        int n = list.count();
+        for (int k = 0; k < n; k++) {
+            const Mm &x = list.item(k);
+            bool end = is_row_end(x);
+            if (!end) look_at(x);
+            if (end || k == n - 1) end_row();
+        }
+        all_logical = all_logical && any_logical;
+    }
+
+  private:
+    long long height_ = 0, width_ = 0;
+
+    void look_at(const Mm &x) {
+        if (x.issparse() || x.gettype() != kn_double || x.getndims() > 2) plain = false;
+        complex = complex || x.isc();
+        str = str || x.isstr();
+        any_logical = any_logical || x.islogical();
+        all_logical = all_logical && x.islogical();
+        if (!is_content(x)) return;
+        if (width_ > 0 && height_ != x.rows()) even = false;
+        height_ = x.rows();
+        width_ += x.cols();
+    }
+
+    void end_row() {
+        if (width_ > 0 && cols > 0 && width_ != cols) even = false;
+        rows += height_;
+        cols = std::max(cols, width_);
+        height_ = width_ = 0;
+    }
+};
+
+// A plane of an item, by columns, with its first element at `to`; zeros for a plane that is not there.
+// Nothing is written at or behind `end`.
+void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, int cols) {
+    for (int c = 0; c < cols && to < end; c++, to += stride) {
+        ptrdiff_t n = std::min(rows, end - to);
+        if (from)
+            std::copy_n(from + c * rows, n, to);
+        else
+            std::fill_n(to, n, 0.0);
+        if (stride > end - to) break;
+    }
+}
+
+Mm tiled(const Mc &list, const Survey &s) {
+    int rows = static_cast<int>(std::min<long long>(s.rows, INT_MAX));
+    int cols = static_cast<int>(std::min<long long>(s.cols, INT_MAX));
+    Mm out(s.complex, 0, 0, rows, cols, kn_double);
+    int extents[] = {rows, cols}, n = product(2, extents);
+    if (n < 0 || lacks(out, n)) return x_M;
+
+    double *planes[] = {out.addr(), out.addi()};
+    for (double *plane : planes)
+        if (plane && !s.even) std::fill_n(plane, n, 0.0);
+    ptrdiff_t row = 0, col = 0;
+    int height = 0;
+    for (int k = 0; k < list.count(); k++) {
+        const Mm &x = list.item(k);
+        if (is_row_end(x)) {
+            row += height;
+            col = height = 0;
+        } else if (is_content(x)) {
+            const double *from[] = {x.addr(), x.addi()};
+            for (int p = 0; p < 2; p++)
+                if (planes[p])
+                    lay(planes[p] + row + col * rows, planes[p] + n, rows, from[p], x.rows(), x.cols());
+            col += x.cols();
+            height = x.rows();
+        }
+    }
+    check(out);
+    return out;
+}
+
+Mm joined(const Mc &list) {
+    Mm all, row;
+    bool begun = false; // the row has an item
+    auto end_row = [&] {
+        if (!begun) return;
+        if (all.size() > 0)
+            all = join(1, all, row);
+        else
+            all = row;
+        row = nothing_M;
+        begun = false;
+    };
+    for (int k = 0; k < list.count(); k++) {
+        const Mm &x = list.item(k);
+        if (is_row_end(x)) {
+            end_row();
+        } else {
+            if (row.size() > 0)
+                row = join(2, row, x);
+            else
+                row = x;
+            begun = true;
+        }
+    }
+    end_row();
+    return all;
+}
+
+Mm brackets(const Mc &list) {
+    Survey s(list);
+    Mm out = s.plain ? tiled(list, s) : joined(list);
+    out.setlogical(s.all_logical);
+    out.setstr(s.str);
+    return out;
+}
+
+// ---- Cells ----
+
+bool is_argument_list(const Mm &x) {
+    const char *name = x.getname();
+    return name && (std::strcmp(name, "varargin") == 0 || std::strcmp(name, "args") == 0);
+}
+
+// The list with the elements of item k in its place.
+Mm braces_with_spliced(const Mc &list, int k);
+
+Mm braces(const Mc &list) {
+    int n = list.count();
+    for (int k = 0; k < n; k++)
+        if (is_argument_list(list.item(k))) return braces_with_spliced(list, k);
+
+    int rows = 0, cols = 0, width = 0;
+    for (int k = 0; k < n; k++) {
+        bool end = is_row_end(list.item(k));
+        if (!end) width++;
+        if (!end && k < n - 1) continue;
+        rows++;
+        cols = std::max(cols, width);
+        width = 0;
+    }
+    Mm out(0, 0, 0, rows, cols, kn_Mm);
+    int extents[] = {rows, cols}, size = product(2, extents);
+    if (size < 0 || lacks(out, size)) return x_M;
+    int row = 1, col = 1;
+    for (int k = 0; k < n; k++) {
+        if (is_row_end(list.item(k))) {
+            row++;
+            col = 1;
+        } else {
+            out.mr(row, col++) = list.item(k);
+        }
+    }
+    check(out);
+    return out;
+}
+
+Mm braces_with_spliced(const Mc &list, int k) {
+    const Mm &args = list.item(k);
+    bool unset = args.gettype() == kn_none;
+    if (!unset && (args.gettype() != kn_Mm || args.isstruct())) {
+        error("%s must be cell array", "varargin");
+        return x_M;
+    }
+    Mc spliced;
+    for (int l = 0; l < k; l++) spliced, list.item(l);
+    for (int l = 1; !unset && l <= args.getnnz(); l++) spliced, args.mr(l);
+    for (int l = k + 1; l < list.count(); l++) spliced, list.item(l);
+    return braces(spliced);
+}
+
+} // namespace
+} // namespace kn
+
+Mm::Mm(const Mc &list) : Mm(list.is_cell() ? kn::braces(list) : kn::brackets(list)) {}

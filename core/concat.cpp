@@ -1,0 +1,212 @@
+// Joining two values: the checks and the choice of a way, then one way each for full elements (all three
+// element types), for sparse entries, and for structures.
+//
+// Seen from dimension `dim`, a full value is a sequence of runs: the elements up to and with that dimension
+// lie together. A joined value is a run of a, a run of b, and so on.
+#include "core/concat.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "core/extents.h"
+#include "core/header.h"
+#include "quorvex/builders.h"
+#include "quorvex/classes.h"
+#include "quorvex/concat.h"
+#include "quorvex/indexing.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+namespace {
+
+// The extents of a joined value. A sum that is no int is cut: no value has so many elements.
+Extents joined_extents(int dim, const Mm &a, const Mm &b) {
+    Extents e{std::max(a.getndims(), dim), {}};
+    std::copy_n(a.getdims(), 4, e.d);
+    long long sum = static_cast<long long>(a.getdims()[dim - 1]) + b.getdims()[dim - 1];
+    e.d[dim - 1] = static_cast<int>(std::min<long long>(sum, INT_MAX));
+    return e;
+}
+
+void join_flags(const Mm &out, const Mm &a, const Mm &b) {
+    out.getflags().str = a.isstr() || b.isstr();
+    out.getflags().logical = a.islogical() && b.islogical();
+}
+
+// ---- Full values ----
+
+// One run; of a plane that is not there, zeros.
+template <class T> T *copy_run(T *to, const T *from, ptrdiff_t n) {
+    if (from) return std::copy_n(from, n, to);
+    if constexpr (std::is_arithmetic_v<T>) std::fill_n(to, n, T());
+    return to + n;
+}
+
+template <class T> void interleave(void *to, void *a, ptrdiff_t na, void *b, ptrdiff_t nb, ptrdiff_t steps) {
+    T *t = static_cast<T *>(to);
+    const T *x = static_cast<const T *>(a), *y = static_cast<const T *>(b);
+    for (ptrdiff_t k = 0; k < steps; k++) {
+        t = copy_run(t, x ? x + k * na : x, na);
+        t = copy_run(t, y ? y + k * nb : y, nb);
+    }
+}
+
+template <class T> void interleave(const Mm &out, const Mm &a, const Mm &b, ptrdiff_t steps) {
+    ptrdiff_t na = a.getnnz() / steps, nb = b.getnnz() / steps;
+    interleave<T>(Header::pr(out), Header::pr(a), na, Header::pr(b), nb, steps);
+    if (out.isc()) interleave<T>(Header::pi(out), Header::pi(a), na, Header::pi(b), nb, steps);
+}
+
+// The extents agree but for `dim`, and neither is empty.
+Mm join_full(int dim, const Mm &a, const Mm &b) {
+    Extents e = joined_extents(dim, a, b);
+    int n = product(4, e.d);
+    Mm out(a.isc() || b.isc(), 0, 0, e.n, e.d, a.gettype());
+    if (n < 0 || lacks(out, n)) return x_M;
+
+    ptrdiff_t steps = product(4 - dim, e.d + dim);
+    switch (a.gettype()) {
+    case kn_none: break;
+    case kn_double: interleave<double>(out, a, b, steps); break;
+    case kn_uint8: interleave<unsigned char>(out, a, b, steps); break;
+    case kn_Mm: interleave<Mm>(out, a, b, steps); break;
+    }
+    join_flags(out, a, b);
+    check(out);
+    return out;
+}
+
+// ---- Sparse matrices ----
+
+struct Entries {
+    const double *re, *im;
+    const int *index;
+    int nnz, rows;
+    explicit Entries(const Mm &s)
+        : re(s.addr()), im(s.addi()), index(s.getindex()), nnz(s.getnnz()), rows(s.rows()) {}
+};
+
+struct Taker {
+    double *re, *im;
+    int *index, e = 0;
+    void take(const Entries &s, int k, int position) {
+        re[e] = s.re[k];
+        if (im) im[e] = s.im ? s.im[k] : 0;
+        index[e++] = position;
+    }
+};
+
+// Both are matrices that agree in rows (dim 2) or columns, and neither is empty.
+Mm join_sparse(int dim, const Mm &x, const Mm &y) {
+    Mm sx = sparse(x), sy = sparse(y);
+    Extents extents = joined_extents(dim, x, y);
+    int n = product(2, extents.d);
+    int nnz = sx.getnnz() > INT_MAX - sy.getnnz() ? INT_MAX : sx.getnnz() + sy.getnnz();
+    Mm out(sx.isc() || sy.isc(), 1, nnz, 2, extents.d, kn_double);
+    if (n < 0 || lacks(out, nnz) || !out.issparse()) return x_M;
+
+    Entries a(sx), b(sy);
+    Taker to{out.addr(), out.addi(), out.getindex()};
+    if (dim == 2) {
+        for (int k = 0; k < a.nnz; k++) to.take(a, k, a.index[k]);
+        for (int k = 0; k < b.nnz; k++) to.take(b, k, x.size() + b.index[k]);
+    } else { // column by column
+        int ka = 0, kb = 0, rows = a.rows + b.rows;
+        while (ka < a.nnz || kb < b.nnz) {
+            int ca = ka < a.nnz ? a.index[ka] / a.rows : INT_MAX;
+            int cb = kb < b.nnz ? b.index[kb] / b.rows : INT_MAX;
+            int c = std::min(ca, cb);
+            for (; ka < a.nnz && a.index[ka] / a.rows == c; ka++)
+                to.take(a, ka, c * rows + a.index[ka] % a.rows);
+            for (; kb < b.nnz && b.index[kb] / b.rows == c; kb++)
+                to.take(b, kb, c * rows + a.rows + b.index[kb] % b.rows);
+        }
+    }
+    join_flags(out, x, y);
+    check(out);
+    return out;
+}
+
+// ---- Structures ----
+
+// The assignment that stores b behind a matches the fields. It is the plain one: classes have no say.
+Mm join_structures(int dim, const Mm &a, const Mm &b) {
+    Mm out = a, tail = b;
+    out.setclassid(0);
+    tail.setclassid(0);
+    Mm range = colon(a.size(dim) + 1.0, static_cast<double>(a.size(dim)) + b.size(dim));
+    switch (dim) {
+    case 1: out(range, c_p) = tail; break;
+    case 2: out(c_p, range) = tail; break;
+    case 3: out(c_p, c_p, range) = tail; break;
+    default: out(c_p, c_p, c_p, range) = tail; break;
+    }
+    out.setclassid(a.isstruct() ? a.getclassid() : 0);
+    return out;
+}
+
+// ---- The choice ----
+
+Mm join_matrices(int dim, const Mm &a, const Mm &b) {
+    if (a.size() == 0) return b;
+    if (b.size() == 0) return a;
+    if (dim == 2 && a.rows() != b.rows()) {
+        error("horzcat: # of rows different");
+        return x_M;
+    }
+    if (dim != 2 && a.cols() != b.cols()) {
+        error("vertcat: # of cols different");
+        return x_M;
+    }
+    if (dim != 2) dim = 1;
+    if (a.isstruct() || b.isstruct()) return join_structures(dim, a, b);
+    if (a.issparse() || b.issparse()) return join_sparse(dim, a, b);
+    return join_full(dim, a, b);
+}
+
+Mm join_arrays(int dim, const Mm &x, const Mm &y) {
+    Mm a = full(x), b = full(y);
+    if (a.getndims() != b.getndims()) {
+        error("cat: arguments do not have the same number of dimensions");
+        return x_M;
+    }
+    if (dim < 1 || dim >= 5) {
+        error("cat: no such dimension");
+        return x_M;
+    }
+    for (int k = 1; k <= 4; k++)
+        if (k != dim && a.size(k) != b.size(k)) {
+            error("cat: arguments do not have compatible dimensions");
+            return x_M;
+        }
+    if (a.size() == 0) return b; // both are
+    if (a.isstruct() || b.isstruct()) return join_structures(dim, a, b);
+    return join_full(dim, a, b);
+}
+
+Mm join_same_type(int dim, const Mm &a, const Mm &b) {
+    bool matrices = dim <= 2 && a.getndims() == 2 && b.getndims() == 2;
+    return matrices ? join_matrices(dim, a, b) : join_arrays(dim, a, b);
+}
+
+} // namespace
+
+Mm join(int dim, const Mm &a, const Mm &b) {
+    a.warn_uninit();
+    b.warn_uninit();
+    if (a.gettype() == kn_none || b.gettype() == kn_none) return x_M;
+    if (a.gettype() == b.gettype()) return join_same_type(dim, a, b);
+    if (a.gettype() == kn_Mm || b.gettype() == kn_Mm) {
+        error("Operation can not be performed on mixed cell and numeric matrix");
+        return x_M;
+    }
+    return join_same_type(dim, muint8(a), muint8(b));
+}
+
+} // namespace kn
+
+Mm horzcat(const Mm &a, const Mm &b) { return kn::join(2, a, b); }
+Mm vertcat(const Mm &a, const Mm &b) { return kn::join(1, a, b); }
+Mm cat(const Mm &dim, Mm a, Mm b) { return kn::join(double_to_int(mdouble(dim).r()), a, b); }
+Mm cat(const Mm &dim, Mm a, Mm b, Mm c) { return cat(dim, cat(dim, a, b), c); }

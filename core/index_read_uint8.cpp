@@ -1,0 +1,4 @@
+#include "core/index_read.h"
+
+template Mm kn::select<unsigned char>(const Mm &, const Selection &, const int *);
+template Mm kn::read_selection<unsigned char>(const Mm &, const Subscripts &, int);

@@ -1,0 +1,4 @@
+#include "core/index_read.h"
+
+template Mm kn::select<Mm>(const Mm &, const Selection &, const int *);
+template Mm kn::read_selection<Mm>(const Mm &, const Subscripts &, int);

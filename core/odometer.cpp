@@ -1,0 +1,31 @@
+#include "core/odometer.h"
+
+namespace kn {
+
+Odometer::Odometer(const Selection &s, const int *extents) : s_(s), stride_{}, next_(0) {
+    ptrdiff_t stride = 1;
+    for (int k = 0; k < s.n(); ++k) {
+        stride_[k] = stride;
+        stride *= extents[k];
+        if (s[k].count() == 0)
+            next_ = -1;
+        else if (k > 0 && next_ >= 0)
+            next_ += s[k][0] * stride_[k];
+    }
+}
+
+ptrdiff_t Odometer::kn_next_index() {
+    ptrdiff_t line = next_;
+    if (line < 0) return line;
+    for (int k = 1; k < s_.n(); ++k) {
+        const Positions &p = s_[k];
+        next_ -= p[counter_[k]] * stride_[k];
+        if (++counter_[k] == p.count()) counter_[k] = 0;
+        next_ += p[counter_[k]] * stride_[k];
+        if (counter_[k] != 0) return line;
+    }
+    next_ = -1;
+    return line;
+}
+
+} // namespace kn

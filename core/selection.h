@@ -1,0 +1,117 @@
+// What subscripts select.
+//
+// Along its dimension a subscript selects positions, counted from 0: the colon (known by its name) all of
+// them, a logical value those of its nonzero elements (NaN is none), a sparse logical value those of its
+// entries, any other value trunc(v - 1) for each element v, so that fractions are cut and 0.5 is the first
+// position. Positions are worked out once, before anything moves: a run or a list, and the smallest and
+// largest of them. Reading, assignment and deletion all go by a Selection, the positions of one to four
+// subscripts.
+#ifndef QUORVEX_CORE_SELECTION_H
+#define QUORVEX_CORE_SELECTION_H
+
+#include <algorithm>
+#include <climits>
+#include <iterator>
+#include <optional>
+
+#include "core/header.h"
+#include "core/scratch.h"
+#include "quorvex/startup.h"
+
+namespace kn {
+
+// The subscripts of one reference. Each is a double.
+struct Subscripts {
+    int n = 0;
+    const Mm *at[4] = {};
+    const Mm &operator[](int k) const { return *at[k]; }
+};
+
+inline bool is_colon(const Mm &s) { return s.issamename(kn_colon_name); }
+inline bool selects(double mask) { return (mask > 0) | (mask < 0); }
+
+// Position of an index value. What no int holds gives one that is outside every extent: INT_MIN (NaN too) or
+// INT_MAX - 1. Adding 1 is safe.
+inline int position(double v) {
+    v = v <= 2147483647.0 ? v : v > 0 ? 2147483647.0 : -2147483647.0;
+    v = v >= -2147483647.0 ? v : -2147483647.0;
+    return static_cast<int>(v - 1.0);
+}
+
+// Full, and a matrix.
+inline bool is_plain(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
+// A full numeric scalar, which selects the one position(*s.addr()).
+inline bool is_scalar_subscript(const Mm &s) {
+    return s.getnnz() == 1 && is_plain(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
+}
+// Linear position in a full value that scalar subscripts select; -1 when they lie outside or are no scalars.
+int scalar_position(const Mm &base, const Subscripts &s);
+
+// The positions of one subscript.
+class Positions {
+  public:
+    Positions() = default;
+    Positions(const Positions &) = delete;
+    Positions &operator=(const Positions &) = delete;
+
+    // Each gives the positions anew; false when memory was exhausted. A colon selects `extent` positions, a
+    // full mask none at or beyond `mask_end`.
+    bool set(const Mm &s, int extent, int mask_end);
+    bool set_nonzero(const char *mask, int n);
+    void set_run(int first, int count);
+
+    int count() const { return count_; }
+    bool is_run() const { return list_ == nullptr; }
+    int first() const { return first_; }
+    const int *list() const { return list_; }
+    int operator[](int k) const { return list_ ? list_[k] : first_ + k; }
+    int largest() const { return largest_; } // -1 for none
+    // Which of them is the first outside [0, extent); -1 for none.
+    int first_outside(int extent) const;
+
+  private:
+    int count_ = 0, first_ = 0, least_ = 0, largest_ = -1;
+    const int *list_ = nullptr;
+    int near_[16];
+    std::optional<Scratch<int>> far_;
+
+    int *room(int n);
+    bool set_values(const double *v, int n);
+    void settle(int *list, int n);
+};
+
+class Selection {
+  public:
+    int n() const { return n_; }
+    const Positions &operator[](int k) const { return at_[k]; }
+    Positions &next() { return at_[n_++]; }
+    bool add(const Mm &s, int extent, int mask_end = INT_MAX) { return next().set(s, extent, mask_end); }
+    // Elements of the selection; -1 when no int holds the number.
+    int total() const;
+
+    // Tests every position as a walk through the selection would meet it: first those of the first element,
+    // from the last subscript down, then each subscript's others. False after reporting (when strict) the
+    // first one that is not positive or lies outside. Growing, only one subscript of a value that is no
+    // vector has an upper end.
+    enum Mode { reading, growing };
+    bool reaches(const Mm &base, const Subscripts &s, Mode mode, int strict) const;
+
+  private:
+    int n_ = 0;
+    Positions at_[4];
+};
+
+// How many positions each subscript selects, 1 beyond the last. Returns their product, or -1: for a sparse
+// numeric subscript with zeros, reported when strict, and after "Out of memory!" when no int holds it. A
+// colon counts the base's size when alone, else extents[k].
+int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int strict, int *dims);
+
+// The smallest and largest of rounded index values; a NaN counts as no positive number.
+struct RoundedSpan {
+    int least, largest;
+};
+RoundedSpan rounded_span(const Mm &s);
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,93 @@
+// Indexed expressions and comma lists: what generated code makes of x(i,j), s.a, c{k}, [a, b; c] and {a, b}.
+//
+// Mr remembers a base and its subscripts, and does nothing until it is converted to a value (a read) or
+// assigned to (a write). Mc is a list of pointers; both borrow what they refer to, so they live no longer
+// than the full expression that makes them.
+#ifndef QUORVEX_INDEXING_H
+#define QUORVEX_INDEXING_H
+
+#include "quorvex/values.h"
+
+// The kinds of brackets.
+enum Mr_idx_type { Mr_paren = 40, Mr_member = 46, Mr_none = 63, Mr_brace = 123 };
+
+namespace kn {
+struct RefAccess; // the library's own access to a reference (core/reference.cpp)
+}
+
+class QUORVEX_API Mr {
+  public:
+    Mr();
+    Mr(const Mm &base);                     // x()
+    Mr(const Mm &base, const char *member); // x.member
+    Mr(const Mr &src);                      // borrows the subscripts
+    ~Mr();
+    // n subscripts (0 to 4) on a value, or on another reference. A subscript that is no double is converted
+    // by subsindex; a cell as the only subscript of () stands for its elements. The colon is the object c_p
+    // itself.
+    Mr(const Mm &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
+    Mr(const Mr &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
+    Mr(const Mr &base, const char *member);
+
+    Mr operator()() const { return Mr(*this, Mr_paren, 0, nullptr); }
+    Mr operator()(const Mm &a) const;
+    Mr operator()(const Mm &a, const Mm &b) const;
+    Mr operator()(const Mm &a, const Mm &b, const Mm &c) const;
+    Mr operator()(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
+    Mr br(const Mm &a) const;
+    Mr br(const Mm &a, const Mm &b) const;
+    Mr br(const Mm &a, const Mm &b, const Mm &c) const;
+    Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
+    Mr member(const char *name) const { return Mr(*this, name); }
+
+    // Assignment through the reference: grows, converts and deletes as the language does. The target keeps
+    // its type and flags.
+    void operator=(const Mm &src);
+    void operator=(const Mr &src);
+
+    int size() const; // of the value read
+
+  private:
+    friend struct kn::RefAccess;
+
+    int nidx;
+    Mr_idx_type kind;
+    const char *member_name;
+    int chained;
+    Mm *base_m;
+    const Mr *base_r;
+    int owned[4];
+    const Mm *idx[4];
+
+    void set(Mr_idx_type k, int n, const Mm *const *subscripts);
+};
+
+// What x stands for as a subscript: characters and bytes become numbers, an object is asked by the method
+// subsindex of its class. A cell or structure is reported, and gives an empty value.
+QUORVEX_API Mm subsindex(const Mm &x);
+
+class QUORVEX_API Mc {
+  public:
+    Mc();
+    Mc(int cell, const Mm &x);
+    Mc(const Mc &src);
+    ~Mc();
+    Mc &operator,(const Mm &x);    // appends; "Out of memory!"
+    void operator=(const Mc &src); // "Mc=Mc called"
+
+    int count() const { return last + 1; }
+    int is_cell() const { return cell; }
+    const Mm &item(int k) const { return *items[k]; } // from 0
+
+  private:
+    const Mm *inline_items[16];
+    const Mm **items;
+    int capacity;
+    int last;
+    int cell;
+};
+
+QUORVEX_API Mc BR(const Mm &x); // begins [x, ...
+QUORVEX_API Mc CL(const Mm &x); // begins {x, ...
+
+#endif

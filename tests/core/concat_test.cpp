@@ -1,0 +1,284 @@
+// Brackets, braces and the functions that join values.
+#include <algorithm>
+#include <vector>
+
+#include "core/header.h"
+#include "core/scratch.h"
+#include "support/support.h"
+
+using test::cell_of;
+using test::logical_of;
+using test::M;
+using test::named;
+using test::nd;
+using test::row;
+using test::sparse_of;
+using test::struct_of;
+using test::U8;
+
+namespace {
+
+// ---- Brackets of plain matrices ----
+
+TEST(Brackets, shapes) {
+    EXPECT_SAME(Mm((BR(1.0), nop_M, 2.0)), row({1, 2}));
+    EXPECT_SAME(Mm((BR(1.0), 2.0, semi, 3.0)), M({{1, 2}, {3, 0}})) << "filled with zeros, no message";
+    EXPECT_SAME(Mm((BR(1.0), semi, 2.0, 3.0, semi)), M({{1, 0}, {2, 3}}));
+    EXPECT_SAME(Mm((BR(nop_M), nop_M, semi, nop_M)), Mm());
+    EXPECT_SAME(Mm(BR(M({{1, 2}}))), M({{1, 2}}));
+}
+
+TEST(Brackets, random_tilings) {
+    test::Random random(3);
+    for (int round = 0; round < 500; round++) {
+        // Rows of blocks that fit, some rows too short.
+        std::vector<std::vector<Mm>> blocks(1 + random.below(3));
+        int rows = 0, cols = 0;
+        for (auto &line : blocks) {
+            int height = 1 + random.below(4), width = 0, n = 1 + random.below(4);
+            for (int k = 0; k < n; k++) {
+                line.push_back(random.matrix(height, random.below(4), random.below(5) == 0));
+                width += line.back().cols();
+            }
+            if (width > 0) rows += height;
+            cols = std::max(cols, width);
+        }
+        Mc list(0, nop_M);
+        bool complex = false;
+        for (auto &line : blocks) {
+            for (Mm &block : line) list, block;
+            list, semi;
+            for (Mm &block : line) complex = complex || block.isc();
+        }
+        Mm got = list;
+
+        Mm wanted = czeros(complex, rows, cols);
+        int top = 0;
+        for (auto &line : blocks) {
+            int left = 0, height = 0;
+            for (Mm &b : line) {
+                for (int c = 1; c <= b.cols(); c++)
+                    for (int r = 1; r <= b.rows(); r++) {
+                        wanted.r(top + r, left + c) = b.r(r, c);
+                        if (b.isc()) wanted.i(top + r, left + c) = b.i(r, c);
+                    }
+                left += b.cols();
+                height = std::max(height, b.rows());
+            }
+            top += height;
+        }
+        ASSERT_TRUE(test::same(got, wanted));
+    }
+}
+
+TEST(Brackets, taller_item_runs_on_inside_the_block) {
+    Mm tall = test::col({1, 2, 3});
+    EXPECT_SAME(Mm((BR(tall), 9.0)), row({1, 9})) << "the last item decides the height";
+    EXPECT_SAME(Mm((BR(9.0), tall, 8.0)), row({9, 1, 8}));
+    EXPECT_SAME(Mm((BR(tall), M({{7, 8}, {7, 8}}))), M({{1, 7, 8}, {2, 7, 8}}));
+    EXPECT_SAME(Mm((BR(7.0), tall, 8.0, nop_M, semi, 1.0, 2.0)), M({{7, 1, 8}, {1, 2, 0}}));
+    Mm huge = zeros(5000, 3);
+    EXPECT_SAME(Mm((BR(huge), 1.0)), row({0, 0, 0, 1}));
+}
+
+TEST(Brackets, flags) {
+    Mm yes = logical_of(1.0), no = logical_of(0.0), text = TM("ab");
+    EXPECT_SAME(Mm((BR(yes), no)), logical_of(row({1, 0})));
+    EXPECT_SAME(Mm((BR(yes), 1.0)), row({1, 1}));
+    EXPECT_SAME(Mm((BR(yes), nop_M)), Mm(1.0)) << "[] is not logical";
+    EXPECT_SAME(Mm((BR(text), 65.0)), TM("abA"));
+    EXPECT_SAME(Mm((BR(text), semi, TM("cd"))), setstr(M({{97, 98}, {99, 100}})));
+    EXPECT_TRUE(Mm((BR(TM("")), TM(""))).isstr());
+}
+
+// ---- Joining ----
+
+TEST(Brackets, other_types_are_joined) {
+    Mm s = sparse_of(1, 2, {{1, 5}});
+    EXPECT_SAME(Mm((BR(row({1, 0})), semi, s)), sparse_of(2, 2, {{0, 1}, {3, 5}}));
+    EXPECT_SAME(Mm((BR(s), 7.0, semi, nop_M, semi)), sparse_of(1, 3, {{1, 5}, {2, 7}}));
+    EXPECT_RAISES(Mm((BR(row({1, 2, 3})), semi, s)), "vertcat: # of cols different");
+    EXPECT_RAISES(Mm((BR(s), test::col({1, 2}))), "horzcat: # of rows different");
+    EXPECT_SAME(Mm((BR(300.0), U8({{1, 2}}))), U8({{44, 1, 2}}));
+    EXPECT_SAME(Mm((BR(U8({{1}})), semi, 2.0)), U8({{1}, {2}}));
+
+    Mm c = cell_of(1, 1, {TM("x")});
+    EXPECT_SAME(Mm((BR(c), c, semi, c, c)), cell_of(2, 2, {TM("x"), TM("x"), TM("x"), TM("x")}));
+    EXPECT_SAME(Mm((BR(nop_M), c)), c);
+    EXPECT_RAISES(Mm((BR(c), 1.0)), "Operation can not be performed on mixed cell and numeric matrix");
+
+    Mm unset = Mm(i_o, "u", 0);
+    EXPECT_EQ(Mm(BR(unset)).gettype(), kn_none);
+    EXPECT_RAISES(Mm((BR(1.0), unset)), "variable 'u' was used without a value");
+    EXPECT_SAME(Mm((BR(ones(1, 2, 2)), ones(1, 1, 2))), ones(1, 3, 2));
+
+    Mm block = M({{1, 2}, {3, 4}});
+    EXPECT_SAME(Mm((BR(sparse(block)), semi, nop_M)), sparse(block));
+    Mm flagged = Mm((BR(sparse(logical_of(block))), sparse(logical_of(block))));
+    EXPECT_TRUE(flagged.islogical());
+}
+
+TEST(Concatenation, matches_a_model_along_every_dimension) {
+    test::Random random(11);
+    for (int round = 0; round < 2000; round++) {
+        int dim = 1 + random.below(4), ndims = 2 + random.below(3), extents[2][4] = {};
+        for (int k = 0; k < 4; k++) extents[0][k] = extents[1][k] = k < ndims ? 1 + random.below(3) : 1;
+        if (ndims > 2) extents[0][ndims - 1] = extents[1][ndims - 1] = 2; // both keep their dimensions
+        extents[1][dim - 1] = dim <= 2 ? 1 + random.below(3) : extents[0][dim - 1];
+        kn_matrix_types type = round % 3 == 0 ? kn_double : round % 3 == 1 ? kn_uint8 : kn_Mm;
+        bool complex[2] = {type == kn_double && random.below(2), type == kn_double && random.below(2)};
+        Mm x[2];
+        for (int p = 0; p < 2; p++) {
+            Mm m(complex[p], 0, 0, ndims, extents[p], type);
+            for (int k = 1; k <= m.getnnz(); k++) {
+                double v = 100 * p + k;
+                if (type == kn_double) *m.addr(k) = v;
+                if (type == kn_uint8) m.ur(k) = static_cast<unsigned char>(v);
+                if (type == kn_Mm) m.mr(k) = v;
+                if (complex[p]) *m.addi(k) = -v;
+            }
+            x[p] = m;
+        }
+        Mm got = cat(dim, x[0], x[1]);
+        kn::check(got);
+
+        int d[4];
+        std::copy_n(extents[0], 4, d);
+        d[dim - 1] += extents[1][dim - 1];
+        for (int k = 0; k < 4; k++) ASSERT_EQ(got.getdims()[k], d[k]);
+        int sub[4], element = 1;
+        for (sub[3] = 0; sub[3] < d[3]; sub[3]++)
+            for (sub[2] = 0; sub[2] < d[2]; sub[2]++)
+                for (sub[1] = 0; sub[1] < d[1]; sub[1]++)
+                    for (sub[0] = 0; sub[0] < d[0]; sub[0]++, element++) {
+                        int p = sub[dim - 1] >= extents[0][dim - 1], position = 0;
+                        for (int k = 3; k >= 0; k--) {
+                            int s = sub[k] - (p && k == dim - 1 ? extents[0][k] : 0);
+                            position = position * extents[p][k] + s;
+                        }
+                        double wanted = 100 * p + position + 1;
+                        if (type == kn_double) {
+                            ASSERT_EQ(*got.addr(element), wanted);
+                        }
+                        if (type == kn_uint8) {
+                            ASSERT_EQ(got.ur(element), static_cast<unsigned char>(wanted));
+                        }
+                        if (type == kn_Mm) {
+                            ASSERT_TRUE(test::same(got.mr(element), wanted));
+                        }
+                        if (got.isc()) {
+                            ASSERT_EQ(*got.addi(element), complex[p] ? -wanted : 0);
+                        }
+                    }
+        ASSERT_EQ(got.isc(), complex[0] || complex[1]);
+    }
+}
+
+TEST(Concatenation, sparse_matches_full) {
+    test::Random random(12);
+    for (int round = 0; round < 1000; round++) {
+        int dim = 1 + random.below(2), common = 1 + random.below(4);
+        Mm x[2];
+        for (Mm &m : x) {
+            int other = 1 + random.below(4);
+            m = random.matrix(dim == 1 ? other : common, dim == 1 ? common : other, random.below(3) == 0);
+            for (int k = 1; k <= m.getnnz(); k++)
+                if (random.below(2)) *m.addr(k) = 0;
+        }
+        Mm a = random.below(2) ? sparse(x[0]) : x[0],
+           b = a.issparse() && random.below(2) ? x[1] : sparse(x[1]);
+        Mm got = cat(dim, a, b);
+        ASSERT_TRUE(got.issparse());
+        kn::check(got);
+        ASSERT_TRUE(test::same(full(got), cat(dim, x[0], x[1])));
+    }
+}
+
+TEST(Concatenation, empty_sides) {
+    Mm x = logical_of(M({{1, 0}}));
+    EXPECT_SAME(horzcat(x, nop_M), x);
+    EXPECT_SAME(vertcat(nop_M, x), x);
+    EXPECT_SAME(cat(1.0, Mm(), Mm()), Mm());
+    EXPECT_RAISES(cat(3.0, nop_M, ones(2, 2)), "cat: arguments do not have compatible dimensions");
+}
+
+TEST(Concatenation, structures) {
+    Mm a = struct_of({{"x", 1.0}, {"y", 2.0}}), b = struct_of({{"x", 3.0}, {"y", 4.0}});
+    Mm s = Mm((BR(a), b, a));
+    ASSERT_EQ(s.cols(), 3);
+    EXPECT_SAME(Mm(s.member("y")), cell_of(1, 3, {2.0, 4.0, 2.0}));
+    EXPECT_EQ(vertcat(a, b).rows(), 2);
+    EXPECT_EQ(cat(3.0, a, b).size(3), 2);
+    Mm wider = struct_of({{"x", 3.0}, {"y", 4.0}, {"z", 5.0}});
+    EXPECT_SAME(Mm(horzcat(a, wider).member("z")), cell_of(1, 2, {Mm(), 5.0}));
+    EXPECT_RAISES(horzcat(a, struct_of({{"x", 1.0}})),
+                  "In the assignment x(...)=y, x and y (structures) must have identical members");
+    EXPECT_RAISES(horzcat(a, cell_of(1, 1, {1.0})),
+                  "In the assignment x(...)=y, x was a structure array but y was not a structure");
+    EXPECT_SAME(a, struct_of({{"x", 1.0}, {"y", 2.0}})) << "inputs stay";
+    Mm object = a;
+    object.setclassid(3);
+    EXPECT_EQ(horzcat(object, object).getclassid(), 3);
+}
+
+TEST(Concatenation, errors) {
+    Mm m = ones(2, 2);
+    EXPECT_SAME(cat(3.0, m, m), ones(2, 2, 2));
+    EXPECT_EQ(cat(4.0, m, m).getndims(), 4);
+    EXPECT_SAME(cat(2.0, m, m, m), ones(2, 6));
+    for (double dim : {5.0, 0.0, -1.0, 1e300})
+        EXPECT_RAISES(cat(dim, ones(2, 2, 2), ones(2, 2, 2)), "cat: no such dimension");
+    EXPECT_RAISES(cat(5.0, m, m), "cat: no such dimension");
+    EXPECT_RAISES(cat(3.0, m, ones(2, 3)), "cat: arguments do not have compatible dimensions");
+    EXPECT_RAISES(cat(1.0, m, ones(2, 2, 2)), "cat: arguments do not have the same number of dimensions");
+    EXPECT_RAISES(horzcat(1.0, test::col({1, 2})), "horzcat: # of rows different");
+    test::Returning returning;
+    EXPECT_EQ(vertcat(1.0, row({1, 2})).size(), 0);
+    EXPECT_EQ(Mm((BR(sparse(m)), row({1, 2}))).size(), 0);
+    EXPECT_EQ(returning.errors().size(), 2u);
+}
+
+// ---- Cells ----
+
+TEST(Braces, rows_and_short_rows) {
+    Mm text = TM("a"), c = Mm((CL(1.0), text, semi, 2.0));
+    EXPECT_SAME(c, cell_of(2, 2, {1.0, 2.0, text, Mm()}));
+    EXPECT_TRUE(kn::same_block(c.mr(1, 2), text)) << "elements are shared";
+    EXPECT_EQ(Mm(Mc()).gettype(), kn_Mm);
+    EXPECT_EQ(Mm(Mc()).size(), 0);
+    EXPECT_SAME(Mm(CL(nop_M)), cell_of(1, 1, {Mm()}));
+}
+
+TEST(Braces, argument_lists_are_spliced) {
+    Mm varargin = named("varargin", cell_of(1, 3, {1.0, TM("b"), 3.0})),
+       args = named("args", Mm(0, 0, 0, 0, 0, kn_Mm));
+    EXPECT_SAME(Mm((CL(varargin), 1.0)), cell_of(1, 4, {1.0, TM("b"), 3.0, 1.0}));
+    EXPECT_SAME(Mm((CL(0.0), varargin, semi, args, 7.0)),
+                cell_of(2, 4, {0.0, 7.0, 1.0, Mm(), TM("b"), Mm(), 3.0, Mm()}));
+    EXPECT_EQ(Mm(CL(args)).size(), 0);
+    EXPECT_EQ(Mm((CL(varargin), varargin)).cols(), 6);
+    EXPECT_EQ(Mm(CL(Mm(i_o, "varargin", 0))).size(), 0) << "without a value";
+    EXPECT_RAISES(Mm(CL(named("args", 5.0))), "varargin must be cell array");
+    EXPECT_SAME(Mm((BR(1.0), named("args", 5.0))), row({1, 5})) << "braces only";
+}
+
+TEST(Lists, any_length) {
+    long live = kn::alloc_probe.live;
+    {
+        std::vector<Mm> values;
+        for (int k = 0; k < 100; k++) values.push_back(k);
+        for (int n : {1, 15, 16, 17, 32, 33, 100}) {
+            Mc list(0, values[0]);
+            for (int k = 1; k < n; k++) list, values[k];
+            Mc copy = list;
+            for (const Mc *l : {&list, &copy}) {
+                ASSERT_EQ(l->count(), n);
+                for (int k = 0; k < n; k++) EXPECT_EQ(&l->item(k), &values[k]);
+            }
+            EXPECT_RAISES(copy = list, "Mc=Mc called");
+        }
+    }
+    EXPECT_EQ(kn::alloc_probe.live, live);
+}
+
+} // namespace

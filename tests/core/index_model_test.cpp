@@ -1,0 +1,616 @@
+// Indexing against a slow and obvious model: lists of positions, elements one by one, no fast path, no block.
+//
+// Random reads, assignments, growths and deletions of every type of value, with every kind of subscript. A
+// copy taken before a write stays untouched; after an error the value is whole.
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "core/header.h"
+#include "support/support.h"
+
+using test::Raised;
+using test::Random;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
+constexpr int rounds = 20000;
+#else
+constexpr int rounds = 200000;
+#endif
+
+using Extents = std::array<int, 4>;
+using Position = std::array<int, 4>;
+
+int volume(const Extents &d) { return d[0] * d[1] * d[2] * d[3]; }
+int above_one(const Extents &d) {
+    return static_cast<int>(4 - std::count_if(d.begin(), d.end(), [](int x) { return x <= 1; }));
+}
+bool flat(const Extents &d) { return d[2] <= 1 && d[3] <= 1; }
+int first_above_one(const Extents &d, int none) {
+    for (int k = 0; k < 4; ++k)
+        if (d[k] > 1) return k;
+    return none;
+}
+
+struct Element {
+    double re = 0, im = 0;
+    Mm value; // of cells and structures
+};
+
+struct Model {
+    Mm like; // type, flags, field names
+    bool complex = false;
+    Extents d = {0, 0, 0, 0};
+    std::vector<Element> e; // column-major
+
+    bool values() const { return like.gettype() == kn_Mm; }
+    bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
+    int place(const Position &p) const { return p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3])); }
+    Position split(int k) const {
+        return {k % d[0], k / d[0] % d[1], k / d[0] / d[1] % d[2], k / d[0] / d[1] / d[2]};
+    }
+    Element blank() const {
+        Element x;
+        if (like.isstruct()) x.value = Mm(0, 0, 0, 1, like.getnfields(), kn_Mm);
+        return x;
+    }
+    // New extents; elements stay at their places, or in their order.
+    void grow(const Extents &to, bool in_order) {
+        Model old = *this;
+        d = to;
+        e.assign(static_cast<size_t>(volume(d)), blank());
+        for (size_t k = 0; k < old.e.size(); ++k)
+            e[in_order ? k : static_cast<size_t>(place(old.split(static_cast<int>(k))))] = old.e[k];
+    }
+    void set_extents(const Extents &to) {
+        d = to;
+        if (volume(d) == 0) d = {0, 0, 0, 0};
+    }
+};
+
+Model model_of(const Mm &m) {
+    Model x;
+    x.like = Mm(0, m.issparse(), 0, 0, 0, m.gettype()); // no holder of the block
+    x.like.setstr(m.isstr());
+    x.like.setlogical(m.islogical());
+    for (int k = 0; k < m.getnfields(); ++k) x.like.addfield(m.getfields()[k], 0);
+    x.complex = m.isc();
+    std::copy_n(m.getdims(), 4, x.d.begin());
+    x.e.resize(static_cast<size_t>(m.size()));
+    for (int k = 0; k < m.getnnz(); ++k) {
+        Element &to = x.e[static_cast<size_t>(m.issparse() ? m.getindex()[k] : k)];
+        if (m.gettype() == kn_Mm)
+            to.value = m.mr(k + 1);
+        else if (m.gettype() == kn_uint8)
+            to.re = m.ur(k + 1);
+        else
+            to.re = m.addr()[k];
+        if (m.isc()) to.im = m.addi()[k];
+    }
+    return x;
+}
+
+Mm value_of(const Model &x) {
+    Mm m(x.complex, 0, 0, 4, x.d.data(), x.like.gettype());
+    for (int k = 0; k < x.like.getnfields(); ++k) m.addfield(x.like.getfields()[k], 0);
+    for (int k = 0; k < m.getnnz(); ++k) {
+        const Element &from = x.e[static_cast<size_t>(k)];
+        if (x.values())
+            m.mr(k + 1) = from.value;
+        else if (x.like.gettype() == kn_uint8)
+            m.ur(k + 1) = static_cast<unsigned char>(from.re);
+        else
+            m.addr()[k] = from.re;
+        if (x.complex) m.addi()[k] = from.im;
+    }
+    m.setstr(x.like.isstr());
+    m.setlogical(x.like.islogical());
+    return m;
+}
+
+// -- What a subscript selects.
+
+bool is_mask(const Mm &s) { return s.islogical(); }
+bool is_colon(const Mm &s) { return s.issamename(c_p.getname()); }
+
+std::vector<double> elements(const Mm &s) {
+    std::vector<double> v;
+    Mm all = full(s);
+    for (int k = 0; k < all.getnnz(); ++k)
+        v.push_back(all.gettype() == kn_uint8 ? all.ur(k + 1) : all.addr()[k]);
+    return v;
+}
+
+std::vector<int> positions(const Mm &s, int extent) {
+    std::vector<int> p;
+    std::vector<double> v = elements(s);
+    if (is_colon(s))
+        for (int k = 0; k < extent; ++k) p.push_back(k);
+    else if (is_mask(s)) {
+        for (size_t k = 0; k < v.size(); ++k)
+            if (v[k] > 0 || v[k] < 0) p.push_back(static_cast<int>(k));
+    } else
+        for (double x : v) p.push_back(static_cast<int>(std::trunc(x - 1)));
+    return p;
+}
+
+using Subscripts = std::vector<Mm>; // the colon is kept as c_p's name
+using Lists = std::vector<std::vector<int>>;
+
+// All positions of a selection, the first subscript fastest.
+std::vector<Position> walk(const Lists &lists) {
+    std::vector<Position> all = {{0, 0, 0, 0}};
+    for (size_t k = lists.size(); k-- > 0;) {
+        std::vector<Position> next;
+        for (const Position &p : all)
+            for (int at : lists[k]) {
+                next.push_back(p);
+                next.back()[k] = at;
+            }
+        all = next;
+    }
+    return all;
+}
+
+bool sparse_with_zeros(const Subscripts &s) {
+    for (const Mm &i : s)
+        if (i.issparse() && !is_mask(i) && i.getnnz() < i.size()) return true;
+    return false;
+}
+
+bool plain(const Model &x, const Subscripts &s) {
+    if (x.general() || s.size() > 2) return false;
+    for (const Mm &i : s)
+        if (i.getndims() > 2) return false;
+    return true;
+}
+
+// -- Reading: nothing for an error.
+
+Model narrowed(Model x) {
+    x.complex =
+        x.complex && std::any_of(x.e.begin(), x.e.end(), [](const Element &a) { return !(a.im == 0); });
+    return x;
+}
+
+std::optional<Model> read(const Model &x, const Subscripts &s) {
+    Model out = x;
+    Lists lists;
+    size_t n = s.size();
+    if (n == 2 && is_colon(s[0]) && is_colon(s[1])) return narrowed(x);
+    bool direct = plain(x, s);
+    if (!direct && sparse_with_zeros(s)) return std::nullopt;
+    size_t total = 1;
+    for (size_t k = 0; k < n; ++k) {
+        int extent = n == 1 ? volume(x.d) : x.d[k];
+        lists.push_back(positions(s[k], extent));
+        if (direct && is_mask(s[k])) std::erase_if(lists[k], [&](int p) { return p >= extent; });
+        total *= lists[k].size();
+    }
+    for (size_t k = 0; k < n; ++k)
+        for (int p : lists[k])
+            if ((direct || total > 0) && (p < 0 || p >= (n == 1 ? volume(x.d) : x.d[k]))) return std::nullopt;
+
+    Extents d = {1, 1, 1, 1};
+    if (n > 1) {
+        for (size_t k = 0; k < n; ++k) d[k] = static_cast<int>(lists[k].size());
+    } else {
+        const Mm &i = s[0];
+        Extents own = {i.size(1), i.size(2), i.size(3), i.size(4)};
+        int count = static_cast<int>(total);
+        int along = -1; // dimension of a result that is a vector
+        bool many = volume(x.d) > 1;
+        if (is_colon(i))
+            along = 0;
+        else if (direct && is_mask(i))
+            along = x.d[0] == 1 ? 1 : x.d[1] == 1 ? 0 : i.rows() == 1 ? 1 : 0;
+        else if (above_one(own) <= 1)
+            along = many && above_one(x.d) == 1 ? first_above_one(x.d, 1) : first_above_one(own, 1);
+        else if (is_mask(i))
+            along = 0;
+        if (along >= 0)
+            d[static_cast<size_t>(along)] = count;
+        else
+            d = own;
+    }
+    out.e.clear();
+    for (const Position &p : walk(lists))
+        out.e.push_back(x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))]);
+    out.set_extents(d);
+    return narrowed(out);
+}
+
+// -- Deletion: true when it went through.
+
+bool remove(Model &x, const Subscripts &s, bool direct) {
+    size_t n = s.size();
+    direct = direct && plain(x, s);
+    for (const Mm &i : s) direct = direct && !i.issparse();
+    std::vector<bool> colon;
+    for (const Mm &i : s) colon.push_back(is_colon(i));
+    size_t others = static_cast<size_t>(std::count(colon.begin(), colon.end(), false));
+    if (!direct && others > 1) return false;
+    if (others == 0) {
+        if (n == 2 && direct) return true;
+        Model none;
+        none.like = Mm(0, x.like.issparse(), 0, 0, 0, x.like.gettype());
+        none.like.setstr(x.like.isstr());
+        none.like.setlogical(x.like.islogical());
+        x = none;
+        return true;
+    }
+    if (!direct && sparse_with_zeros(s)) return false;
+    for (const Mm &i : s)
+        if (!is_colon(i) && positions(i, 0).empty()) return true;
+    if (!direct && volume(x.d) == 0 && n > 1) return true;
+    if (direct && n == 1 && x.e.empty()) return true;
+    Extents d = x.d;
+    if (n == 1) d = {static_cast<int>(x.e.size()), 1, 1, 1};
+    std::array<std::vector<bool>, 4> gone;
+    for (size_t k = 0; k < 4; ++k) gone[k].assign(static_cast<size_t>(d[k]), false);
+    bool any = false;
+    for (size_t k = 0; k < n; ++k) {
+        if (colon[k]) continue;
+        for (int p : positions(s[k], 0)) {
+            if (p < 0 && (n == 1 || !direct)) return false;
+            if (p >= d[k] && !direct && n == 1 && above_one(x.d) > 1) return false;
+            if (p < 0 || p >= d[k]) continue;
+            gone[k][static_cast<size_t>(p)] = true;
+            any = true;
+        }
+    }
+    if (!any) return true;
+    Extents left = d;
+    for (size_t k = 0; k < 4; ++k)
+        left[k] -= static_cast<int>(std::count(gone[k].begin(), gone[k].end(), true));
+    Model old = x;
+    old.d = d;
+    x.e.clear();
+    for (size_t k = 0; k < old.e.size(); ++k) {
+        Position p = old.split(static_cast<int>(k));
+        bool stays = true;
+        for (size_t l = 0; l < 4; ++l) stays = stays && !gone[l][static_cast<size_t>(p[l])];
+        if (stays) x.e.push_back(old.e[k]);
+    }
+    int count = static_cast<int>(x.e.size());
+    if (n == 1 && direct)
+        left = x.d[1] == 1 ? Extents{count, 1, 1, 1} : Extents{1, count, 1, 1};
+    else if (n == 1) {
+        int along = above_one(x.d) == 1 ? first_above_one(x.d, 1) : 1;
+        left = {1, 1, 1, 1};
+        left[static_cast<size_t>(along)] = count;
+    } else if (direct && others == 2)
+        left = {1, count, 1, 1};
+    x.set_extents(left);
+    return true;
+}
+
+// -- Assignment of a source of the target's type: true when it went through.
+
+double rounded(double v) { return v <= 0 ? std::ceil(v - 0.5) : std::floor(v + 0.5); }
+
+bool write(Model &x, const Subscripts &s, const Model &y, bool takes_block) {
+    size_t n = s.size();
+    int size = static_cast<int>(y.e.size()), old_size = static_cast<int>(x.e.size());
+    if (size == 0) return remove(x, s, !y.like.issparse());
+    bool direct = plain(x, s) && !y.like.issparse() && flat(y.d);
+    for (const Mm &i : s) direct = direct && !i.issparse();
+    if (!direct && sparse_with_zeros(s)) return false;
+
+    if (direct && n == 1 && is_colon(s[0])) {
+        if (!y.complex && x.complex) {
+            x.complex = false;
+            for (Element &a : x.e) a.im = 0;
+        }
+        if (old_size == 0) return true;
+        if (size != 1 && size != old_size) return false;
+        x.complex = y.complex;
+        for (int k = 0; k < old_size; ++k)
+            x.e[static_cast<size_t>(k)] = y.e[static_cast<size_t>(size == 1 ? 0 : k)];
+        if (size > 1 && takes_block) x.like = y.like;
+        return true;
+    }
+
+    Lists lists;
+    size_t total = 1;
+    for (size_t k = 0; k < n; ++k) {
+        int extent = n == 1 ? old_size : x.d[k];
+        if (n > 1 && (direct ? size != 1 || old_size == 0 : old_size == 0)) extent = y.d[k];
+        lists.push_back(positions(s[k], extent));
+        if (lists[k].empty() && !(direct && n == 1 && s[k].size() > 0)) return true;
+        total *= lists[k].size();
+    }
+    bool fits = size == 1 || static_cast<size_t>(size) == total;
+    if (!fits && !(direct && n == 1)) return false;
+
+    Extents d = x.d;
+    if (old_size == 0) d = {1, 1, 1, 1};
+    if (old_size == 0 && direct && n == 2) d = {0, 0, 1, 1};
+    for (size_t k = 0; k < n; ++k) {
+        int end = 0;
+        for (int p : lists[k]) {
+            if (p < 0) return false;
+            end = std::max(end, p + 1);
+        }
+        if (direct && !is_colon(s[k])) {
+            if (is_mask(s[k]))
+                end = n == 1 ? s[k].size() : end;
+            else
+                for (double v : elements(s[k])) {
+                    if (rounded(v) < 1) return false;
+                    end = std::max(end, static_cast<int>(rounded(v)));
+                }
+        }
+        if (n > 1)
+            d[k] = std::max(d[k], end);
+        else if (end <= old_size)
+            continue;
+        else if (direct)
+            d = x.d[0] > 1 ? Extents{end, 1, 1, 1} : Extents{1, end, 1, 1};
+        else if (above_one(x.d) > 1)
+            return false;
+        else
+            d[static_cast<size_t>(first_above_one(x.d, 1))] = end;
+    }
+    if (d != x.d) x.grow(d, n == 1);
+    if (!fits) return false;
+    x.complex = x.complex || y.complex;
+    size_t k = 0;
+    for (const Position &p : walk(lists)) {
+        x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))] = y.e[k];
+        if (size != 1) ++k;
+    }
+    return true;
+}
+
+// -- Random operands.
+
+enum Type { real, complex, text, logical, bytes, cell, structure, sparse_real, sparse_complex, types };
+
+Mm random_value(Random &random, Type type, std::vector<int> d) {
+    auto number = [&] { return double(random.below(90) + 1); };
+    Mm m(type == complex || type == sparse_complex, 0, 0, static_cast<int>(d.size()), d.data(),
+         type == bytes                       ? kn_uint8
+         : type == cell || type == structure ? kn_Mm
+                                             : kn_double);
+    if (type == structure) m.addfield("a", 0), m.addfield("b", 0);
+    bool thin = type == sparse_real || type == sparse_complex;
+    for (int k = 1; k <= m.getnnz(); ++k) {
+        if (type == structure)
+            m.mr(k) = test::cell_of(1, 2, {number(), number()});
+        else if (type == cell)
+            m.mr(k) = random.below(3) ? Mm(number()) : test::row({number(), number()});
+        else if (type == bytes)
+            m.ur(k) = static_cast<unsigned char>(number());
+        else
+            m.r(k) = thin && random.below(2) ? 0.0 : type == logical ? random.below(2) : number();
+        if (m.isc()) m.i(k) = random.below(2) ? number() : 0.0;
+    }
+    if (thin) return sparse(m);
+    m.setstr(type == text);
+    m.setlogical(type == logical);
+    return m;
+}
+
+std::vector<int> random_extents(Random &random) {
+    switch (random.below(8)) {
+    case 0: return {0, 0};
+    case 1: return {1, 1};
+    case 2: return {1, 1 + random.below(6)};
+    case 3: return {1 + random.below(6), 1};
+    case 4: return {1 + random.below(3), 1 + random.below(3), 1 + random.below(3)};
+    case 5: return {1, 1, 1 + random.below(4), 1 + random.below(2)};
+    default: return {1 + random.below(4), 1 + random.below(4)};
+    }
+}
+
+// A subscript for an extent, at times beyond it, seldom not positive.
+Mm random_subscript(Random &random, int extent, bool beyond) {
+    auto index = [&] {
+        if (random.below(60) == 0) return double(-random.below(2));
+        int limit = extent + (beyond && random.below(4) == 0 ? 3 : 0);
+        double v = limit > 0 ? 1 + random.below(limit) : 1;
+        return random.below(20) == 0 ? v + 0.25 * random.below(4) : v;
+    };
+    auto shape = [&]() -> std::vector<int> {
+        int m = 1 + random.below(4);
+        switch (random.below(6)) {
+        case 0: return {m, 1};
+        case 1: return {2, m};
+        case 2: return {1, random.below(2) + 1, 1 + random.below(2)};
+        default: return {1, m};
+        }
+    };
+    switch (random.below(10)) {
+    case 0: return Mm();
+    case 1:
+    case 2: return index();
+    case 3: { // a mask
+        int n = std::max(extent + (random.below(3) == 0 ? random.below(3) : 0), 1);
+        bool column = random.below(2);
+        Mm m(0, 0, 0, column ? n : 1, column ? 1 : n, kn_double);
+        bool thin = n > 1 && random.below(3) == 0;
+        for (int k = 1; k <= n; ++k)
+            m.r(k) = (k <= extent || beyond) && random.below(2) ? 1.0 : thin || random.below(9) ? 0.0 : NAN;
+        m.setlogical(1);
+        return thin ? sparse(m) : m;
+    }
+    case 4:
+    case 5: { // a run
+        int first = static_cast<int>(std::max(index(), 1.0)), n = 1 + random.below(3);
+        if (first + n > extent + (beyond ? 2 : 1)) n = 1;
+        return colon(double(first), double(first + n - 1));
+    }
+    default: {
+        std::vector<int> d = shape();
+        Mm m(0, 0, 0, static_cast<int>(d.size()), d.data(), kn_double);
+        for (int k = 1; k <= m.getnnz(); ++k) m.r(k) = index();
+        return random.below(12) == 0 ? sparse(m) : m;
+    }
+    }
+}
+
+// Subscripts, and how they read: the colon must come as the marker itself.
+struct Call {
+    Subscripts s;
+    std::vector<bool> colon;
+
+    const Mm &operator[](size_t k) const { return s[k]; }
+    const Mm &arg(size_t k) const { return colon[k] ? c_p : s[k]; }
+    Mr on(const Mm &x) const {
+        switch (s.size()) {
+        case 1: return x(arg(0));
+        case 2: return x(arg(0), arg(1));
+        case 3: return x(arg(0), arg(1), arg(2));
+        default: return x(arg(0), arg(1), arg(2), arg(3));
+        }
+    }
+};
+
+Call random_call(Random &random, const Mm &x, bool beyond) {
+    Call c;
+    int n = random.below(4) == 0 ? 1 + random.below(4) : 1 + random.below(2);
+    if (x.getndims() > 2 && random.below(2)) n = x.getndims();
+    c.s.reserve(4);
+    for (int k = 0; k < n; ++k) {
+        c.colon.push_back(random.below(5) == 0);
+        int extent = n == 1 ? x.size() : x.size(k + 1);
+        c.s.push_back(random_subscript(random, extent, beyond));
+    }
+    return c;
+}
+
+// What the model sees: sparse subscripts may have become full meanwhile, colons have their name.
+struct Seen {
+    std::vector<Mm> s;
+    explicit Seen(const Call &c) {
+        for (size_t k = 0; k < c.s.size(); ++k) {
+            s.push_back(c.s[k]);
+        }
+        for (size_t k = 0; k < c.s.size(); ++k)
+            if (c.colon[k]) {
+                s[k] = Mm();
+                kn::Header::name(s[k]) = c_p.getname();
+            }
+    }
+    ~Seen() {
+        for (Mm &m : s) kn::Header::name(m) = nullptr;
+    }
+};
+
+std::string describe(const Mm &x, const Call &c) {
+    std::string text = testing::PrintToString(x) + " (";
+    for (size_t k = 0; k < c.s.size(); ++k)
+        text += (k ? ", " : "") + (c.colon[k] ? std::string(":") : testing::PrintToString(c.s[k]));
+    return text + ")";
+}
+
+// Values with the sparse flag of the wanted one taken away: the model knows full values only.
+testing::AssertionResult agrees(const Mm &got, const Model &wanted) {
+    kn::check(got);
+    if (got.issparse() != wanted.like.issparse()) return testing::AssertionFailure() << "sparse or not";
+    Mm flat = got;
+    if (got.issparse()) {
+        flat = full(got);
+        flat.setlogical(got.islogical());
+        flat.setstr(got.isstr());
+    }
+    return test::same(flat, value_of(wanted));
+}
+
+template <class F> bool goes_through(F f) {
+    try {
+        f();
+        return true;
+    } catch (const Raised &) {
+        return false;
+    }
+}
+
+TEST(IndexModel, reads) {
+    Random random(41);
+    int errors = 0, results = 0;
+    for (int k = 0; k < rounds; ++k) {
+        Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
+        Call c = random_call(random, x, random.below(8) == 0);
+        Seen seen(c);
+        std::optional<Model> wanted = read(model_of(x), seen.s);
+        Mm before = x, got;
+        std::string what = describe(x, c);
+        bool through = goes_through([&] { got = c.on(x); });
+        ASSERT_EQ(through, wanted.has_value()) << what;
+        ASSERT_SAME(x, before);
+        (through ? results : errors)++;
+        if (!through) continue;
+        ASSERT_TRUE(agrees(got, *wanted)) << what;
+        // A tolerant read that finds it gives the same.
+        if (random.below(8) == 0) {
+            ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << what;
+        }
+    }
+    EXPECT_GT(results, rounds / 2);
+    EXPECT_GT(errors, rounds / 50);
+}
+
+TEST(IndexModel, writes) {
+    Random random(43);
+    int errors = 0, results = 0;
+    for (int k = 0; k < rounds; ++k) {
+        Type type = static_cast<Type>(random.below(types));
+        Mm x = random_value(random, type, random_extents(random));
+        for (int step = 0; step < 3; ++step) {
+            if (type == structure && !x.isstruct()) break; // x(:) = [] left a cell
+            Call c = random_call(random, x, true);
+            Seen seen(c);
+            Model target = model_of(x);
+
+            // A source that fits, mostly: one element, none, or as many as are selected.
+            Type source = type;
+            if (type <= logical && random.below(2)) source = static_cast<Type>(random.below(4));
+            if ((type == sparse_real || type == sparse_complex) && random.below(2))
+                source = random.below(2) ? real : complex;
+            if (type <= logical && random.below(6) == 0) source = sparse_real;
+            std::vector<int> d = {1, 1};
+            if (int kind = random.below(5); kind == 0) {
+                d = {0, 0};
+            } else if (kind > 2) {
+                d.clear();
+                int count = 1;
+                for (size_t l = 0; l < seen.s.size(); ++l) {
+                    int extent = seen.s.size() == 1 ? x.size() : x.size(static_cast<int>(l) + 1);
+                    d.push_back(static_cast<int>(positions(seen.s[l], extent).size()));
+                    count *= d.back();
+                }
+                if (random.below(10) == 0) d = {1, random.below(4) + 1};
+                if (d.size() == 1)
+                    d = random.below(2) ? std::vector<int>{d[0], 1} : std::vector<int>{1, d[0]};
+                if (count > 500) continue;
+            }
+            Mm y = random_value(random, source, d);
+            if (source == structure && y.size() == 0) y = Mm(0, 0, 0, 0, 0, kn_Mm);
+
+            std::optional<Mm> held;
+            Model old = target;
+            if (random.below(2)) held = x;
+            bool takes_block = !held && y.size() <= x.getp();
+            Model from = model_of(y);
+            std::string what = describe(x, c) + " = " + testing::PrintToString(y);
+            bool wanted = write(target, seen.s, from, takes_block);
+            bool through = goes_through([&] { c.on(x) = y; });
+            ASSERT_EQ(through, wanted) << what;
+            (through ? results : errors)++;
+            ASSERT_TRUE(agrees(x, target)) << what;
+            ASSERT_TRUE(agrees(y, from)) << what;
+            if (held) {
+                ASSERT_TRUE(agrees(*held, old)) << what;
+            }
+            if (x.size() > 2000) break;
+        }
+    }
+    EXPECT_GT(results, rounds / 2);
+    EXPECT_GT(errors, rounds / 50);
+}
+
+} // namespace

@@ -1,0 +1,447 @@
+// Sizes, shapes, parts, grids, positions and sums of arrays, against obvious models.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "core/header.h"
+#include "support/support.h"
+
+using test::C;
+using test::cell_of;
+using test::col;
+using test::complex_of;
+using test::logical_of;
+using test::M;
+using test::named;
+using test::nd;
+using test::row;
+using test::sparse_of;
+using test::U8;
+
+namespace {
+
+const Mm yes = logical_of(1.0), no = logical_of(0.0);
+
+// An array of one of the element types, whose elements tell their position.
+Mm numbered(test::Random &random, int ndims, kn_matrix_types type) {
+    int dims[4];
+    for (int k = 0; k < ndims; k++) dims[k] = 1 + random.below(4);
+    Mm m(type == kn_double, 0, 0, ndims, dims, type);
+    for (int k = 1; k <= m.getnnz(); k++) {
+        if (type == kn_Mm) m.mr(k) = k;
+        if (type == kn_uint8) m.ur(k) = static_cast<unsigned char>(k);
+        if (type == kn_double) *m.addr(k) = k, *m.addi(k) = -k;
+    }
+    return m;
+}
+
+int element(const Mm &m, int k) {
+    return static_cast<int>(m.gettype() == kn_Mm      ? m.mr(k).r()
+                            : m.gettype() == kn_uint8 ? m.ur(k)
+                                                      : *m.addr(k));
+}
+
+// f(position in m, its four subscripts from 0).
+template <class F> void each(const Mm &m, F f) {
+    const int *d = m.getdims();
+    int s[4], k = 0;
+    for (s[3] = 0; s[3] < d[3]; s[3]++)
+        for (s[2] = 0; s[2] < d[2]; s[2]++)
+            for (s[1] = 0; s[1] < d[1]; s[1]++)
+                for (s[0] = 0; s[0] < d[0]; s[0]++) f(++k, s);
+}
+
+int position(const Mm &m, const int *s) {
+    const int *d = m.getdims();
+    return 1 + s[0] + d[0] * (s[1] + d[1] * (s[2] + d[2] * s[3]));
+}
+
+Mm some_sparse(test::Random &random, int m, int n) {
+    Mm x = random.matrix(m, n, random.below(2));
+    for (int k = 1; k <= x.getnnz(); k++) {
+        if (std::isnan(*x.addr(k)) || random.below(2)) *x.addr(k) = 0;
+        if (x.isc()) *x.addi(k) = 1;
+    }
+    return x;
+}
+
+// ---- Questions and sizes ----
+
+TEST(ArrayHelpers, questions) {
+    Mm text = TM("a"), c = cell_of(1, 1, {1.0}), u = U8({{1}});
+    EXPECT_SAME(isreal(text), yes);
+    EXPECT_SAME(isreal(C(1, 0)), yes);
+    EXPECT_SAME(isreal(C(1, 2)), no);
+    EXPECT_SAME(isreal(c), no);
+    EXPECT_SAME(isnumeric(u), yes);
+    EXPECT_SAME(isnumeric(text), no);
+    EXPECT_SAME(ischar(text), yes);
+    EXPECT_SAME(ischar(u), no);
+    EXPECT_SAME(isempty(TM("")), yes);
+    EXPECT_SAME(isempty(0.0), no);
+    EXPECT_RAISES(isempty(Mm(i_o, "u", 0)), "variable 'u' was used without a value");
+}
+
+TEST(ArrayHelpers, sizes) {
+    Mm x = named("x", ones(2, 3, 4)), m, n, p, q;
+    EXPECT_SAME(size(x), row({2, 3, 4}));
+    EXPECT_SAME(size(x, 3.0), Mm(4.0));
+    EXPECT_SAME(size(x, 4.0), Mm(1.0));
+    EXPECT_SAME(size(x, 100.0), row({4, 3, 2}));
+    EXPECT_RAISES(size(x, 5.0), "x.size(dim): no such dimension=5");
+    size(x, i_o, m, n);
+    EXPECT_TRUE(m.r() == 2 && n.r() == 12);
+    size(x, i_o, m, n, p, q);
+    EXPECT_TRUE(m.r() == 2 && n.r() == 3 && p.r() == 4 && q.r() == 1);
+    size(x, i_o, x, n, p);
+    EXPECT_TRUE(x.r() == 2 && n.r() == 3 && p.r() == 4);
+    size(Mm(), i_o, m, n, p);
+    EXPECT_TRUE(m.r() == 0 && n.r() == 0 && p.r() == 0);
+    EXPECT_SAME(size(sparse_of(3, 5, {})), row({3, 5}));
+    EXPECT_SAME(length(ones(2, 7, 4)), Mm(7.0));
+    EXPECT_SAME(length(Mm()), Mm(0.0));
+    EXPECT_SAME(ndims(ones(2, 7, 4)), Mm(3.0));
+    EXPECT_SAME(numel(ones(2, 7, 4)), Mm(56.0));
+}
+
+TEST(ArrayHelpers, isequal_by_value) {
+    Mm x = M({{1, 0, 3}}), s = test::struct_of({{"a", x}, {"b", TM("t")}}),
+       turned = test::struct_of({{"b", TM("t")}, {"a", x}}), c = cell_of(1, 2, {x, s});
+    Mm stored_zero = sparse_of(1, 3, {{0, 1}, {1, 0}, {2, 3}});
+    std::vector<std::pair<Mm, Mm>> same = {
+        {x, U8({{1, 0, 3}})},  {x, sparse(x)}, {x, logical_of(x)},
+        {TM("a"), 97.0},       {C(1, 0), 1.0}, {sparse(x), stored_zero},
+        {Mm(), TM("")},        {s, turned},    {c, cell_of(1, 2, {sparse(x), turned})},
+        {cell(0.0), cell(0.0)}};
+    std::vector<std::pair<Mm, Mm>> different = {{x, transpose(x)},
+                                                {x, M({{1, 0, 4}})},
+                                                {Mm(NAN), Mm(NAN)},
+                                                {C(1, 2), 1.0},
+                                                {Mm(), cell(0.0)},
+                                                {s, c},
+                                                {s, test::struct_of({{"a", x}})},
+                                                {sparse(x), sparse(M({{1, 3, 0}}))},
+                                                {cell_of(1, 1, {s}), s}};
+    for (auto &[a, b] : same) {
+        EXPECT_SAME(isequal(a, b), yes) << testing::PrintToString(a) << testing::PrintToString(b);
+        EXPECT_SAME(isequal(b, a), yes);
+    }
+    for (auto &[a, b] : different) {
+        EXPECT_SAME(isequal(a, b), no) << testing::PrintToString(a) << testing::PrintToString(b);
+        EXPECT_SAME(isequal(b, a), no);
+    }
+    EXPECT_SAME(isequal(x, x, x, x), yes);
+    EXPECT_SAME(isequal(x, x, 1.0), no);
+    EXPECT_SAME(isequal(x, x, x, 1.0), no);
+}
+
+// ---- Shapes ----
+
+TEST(ArrayHelpers, reshape) {
+    Mm x = colon(1, 12);
+    EXPECT_SAME(size(reshape(x, 3.0, nop_M)), row({3, 4}));
+    EXPECT_SAME(size(reshape(x, nop_M, 2.0, 3.0)), row({2, 2, 3}));
+    EXPECT_SAME(size(reshape(x, row({2, 3, 2, 1}))), row({2, 3, 2}));
+    EXPECT_TRUE(kn::same_block(x, reshape(x, 4.0, 3.0)));
+    EXPECT_SAME(reshape(sparse_of(2, 3, {{4, 7}}), 3.0, 2.0), sparse_of(3, 2, {{4, 7}}));
+    EXPECT_SAME(reshape(Mm(), 0.0, nop_M), Mm());
+    EXPECT_RAISES(reshape(x, 5.0, 3.0), "reshape: size=12 is different than 5*3");
+    EXPECT_RAISES(reshape(x, row({5, 3, 1})),
+                  "reshape: size=12 is different than the product of new dimensions");
+    EXPECT_RAISES(reshape(x, 5.0, nop_M),
+                  "reshape: size=12 is no multiple of the product of the sizes given");
+    EXPECT_RAISES(reshape(x, nop_M, nop_M), "reshape: only one size may be []");
+    EXPECT_RAISES(reshape(x, 12.0), "reshape: size vector must have at least two elements");
+    EXPECT_SAME(size(squeeze(ones(1, 3, 1, 2))), row({3, 2}));
+    EXPECT_SAME(size(squeeze(ones(1, 1, 5))), row({5, 1}));
+    EXPECT_SAME(size(squeeze(ones(1, 5))), row({1, 5}));
+}
+
+TEST(ArrayHelpers, permute_moves_every_element) {
+    test::Random random(21);
+    for (int round = 0; round < 1500; round++) {
+        int ndims = 2 + random.below(3);
+        Mm x = numbered(random, ndims, std::array{kn_double, kn_uint8, kn_Mm}[round % 3]);
+        std::vector<double> order = {1, 2, 3, 4};
+        order.resize(static_cast<size_t>(std::max(ndims, 2 + random.below(3))));
+        for (size_t k = order.size(); k-- > 1;)
+            std::swap(order[k], order[static_cast<size_t>(random.below(static_cast<int>(k) + 1))]);
+        Mm y = permute(x, row(order));
+        kn::check(y);
+        each(y, [&](int k, const int *s) {
+            int source[4] = {};
+            for (size_t d = 0; d < order.size(); d++) source[static_cast<int>(order[d]) - 1] = s[d];
+            ASSERT_EQ(element(y, k), element(x, position(x, source)));
+            if (y.isc()) {
+                ASSERT_EQ(*y.addi(k), -*y.addr(k));
+            }
+        });
+        ASSERT_TRUE(test::same(ipermute(y, row(order)), x));
+    }
+    for (const Mm &wrong :
+         {row({1, 1}), row({1}), row({2, 3}), row({1, 2.5}), row({0, 1}), row({1, 2, 3, 4, 5})})
+        EXPECT_EQ(test::raised([&] { permute(ones(2, 2), wrong); }).substr(0, 23), "permute: order must nam");
+    EXPECT_RAISES(ipermute(ones(2, 2, 2), row({2, 1})),
+                  "ipermute: order must name each of the dimensions 1 to 3 once");
+}
+
+TEST(ArrayHelpers, transposes) {
+    Mm big = reshape(colon(1, 70 * 45), 70.0, 45.0), turned = transpose(big);
+    for (int r = 1; r <= 70; r++)
+        for (int c = 1; c <= 45; c++) ASSERT_EQ(turned.r(c, r), big.r(r, c));
+    Mm z = complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}}));
+    EXPECT_SAME(transpose(z), complex_of(M({{1, 3}, {2, 4}}), M({{5, 7}, {6, 8}})));
+    EXPECT_SAME(ctranspose(z), complex_of(M({{1, 3}, {2, 4}}), M({{-5, -7}, {-6, -8}})));
+    EXPECT_SAME(transpose(TM("ab")), setstr(col({97, 98})));
+    Mm s = test::struct_of({{"a", 1.0}});
+    EXPECT_SAME(transpose(horzcat(s, s)), vertcat(s, s));
+    EXPECT_SAME(transpose(Mm()), Mm());
+    EXPECT_RAISES(transpose(named("x", ones(2, 2, 2))),
+                  "transpose: 2-d matrix expected, but matrix x has 3 dimensions");
+    test::Random random(22);
+    for (int round = 0; round < 300; round++) {
+        Mm full_x = some_sparse(random, 1 + random.below(9), 1 + random.below(9)), x = sparse(full_x);
+        ASSERT_TRUE(test::same(full(transpose(x)), transpose(full_x)));
+        kn::check(transpose(x));
+        ASSERT_TRUE(test::same(full(permute(x, row({3, 2, 1}))), permute(full_x, row({3, 2, 1}))));
+    }
+    Mm wide = sparse_of(40000, 50000, {{7, 1}, {1999999999, 2}});
+    EXPECT_SAME(transpose(wide), sparse_of(50000, 40000, {{350000, 1}, {1999999999, 2}}))
+        << "few entries, many rows";
+}
+
+TEST(ArrayHelpers, turns_and_flips) {
+    Mm x = M({{1, 2, 3}, {4, 5, 6}});
+    EXPECT_SAME(fliplr(x), M({{3, 2, 1}, {6, 5, 4}}));
+    EXPECT_SAME(flipud(x), M({{4, 5, 6}, {1, 2, 3}}));
+    EXPECT_SAME(rot90(x), M({{3, 6}, {2, 5}, {1, 4}}));
+    EXPECT_SAME(rot90(x, -3.0), rot90(x));
+    EXPECT_SAME(rot90(x, 2.0), M({{6, 5, 4}, {3, 2, 1}}));
+    EXPECT_SAME(rot90(x, 7.0), M({{4, 1}, {5, 2}, {6, 3}}));
+    EXPECT_SAME(rot90(x, NAN), x);
+    EXPECT_SAME(fliplr(TM("abc")), TM("cba"));
+    EXPECT_SAME(flipud(cell_of(2, 1, {1.0, 2.0})), cell_of(2, 1, {2.0, 1.0}));
+    EXPECT_SAME(fliplr(Mm()), Mm());
+    EXPECT_SAME(full(flipud(sparse(x))), flipud(x));
+    EXPECT_RAISES(flipud(named("x", ones(2, 2, 2))),
+                  "flipud: 2-d matrix expected, but matrix x has 3 dimensions");
+}
+
+TEST(ArrayHelpers, repmat_repeats_every_element) {
+    test::Random random(23);
+    for (int round = 0; round < 1000; round++) {
+        Mm x = numbered(random, 2 + random.below(3), std::array{kn_double, kn_uint8, kn_Mm}[round % 3]);
+        double n[4];
+        for (double &count : n) count = 1 + random.below(3);
+        Mm y = round % 2 ? repmat(x, n[0], n[1], n[2], n[3]) : repmat(x, row({n[0], n[1], n[2], n[3]}));
+        kn::check(y);
+        for (int k = 1; k <= 4; k++) ASSERT_EQ(y.size(k), x.size(k) * n[k - 1]);
+        each(y, [&](int k, const int *s) {
+            int source[4];
+            for (int d = 0; d < 4; d++) source[d] = s[d] % x.size(d + 1);
+            ASSERT_EQ(element(y, k), element(x, position(x, source)));
+            if (y.isc()) {
+                ASSERT_EQ(*y.addi(k), -*y.addr(k));
+            }
+        });
+    }
+    EXPECT_SAME(repmat(TM("ab"), 2.0), setstr(M({{97, 98, 97, 98}, {97, 98, 97, 98}})));
+    EXPECT_SAME(repmat(logical_of(1.0), 1.0, 2.0), logical_of(row({1, 1})));
+    EXPECT_SAME(repmat(5.0, 0.0, 3.0), Mm());
+    EXPECT_TRUE(repmat(cell(1.0), 0.0).gettype() == kn_Mm);
+    Mm s = sparse_of(2, 3, {{1, 5}, {4, 6}});
+    EXPECT_TRUE(repmat(s, 2.0, 3.0).issparse());
+    EXPECT_SAME(full(repmat(s, 2.0, 3.0)), repmat(full(s), 2.0, 3.0));
+    EXPECT_RAISES(repmat(ones(2, 2), 1e5, 1e5), "Out of memory!");
+}
+
+// ---- Parts ----
+
+TEST(ArrayHelpers, diagonals_and_triangles) {
+    EXPECT_SAME(diag(row({1, 2})), M({{1, 0}, {0, 2}}));
+    EXPECT_SAME(diag(col({1, 2}), 1.0), M({{0, 1, 0}, {0, 0, 2}, {0, 0, 0}}));
+    EXPECT_SAME(diag(5.0, -1.0), M({{0, 0}, {5, 0}}));
+    EXPECT_SAME(diag(C(1, 2), 1.0), complex_of(M({{0, 1}, {0, 0}}), M({{0, 2}, {0, 0}})));
+    EXPECT_SAME(diag(U8({{7, 8}})), U8({{7, 0}, {0, 8}}));
+    EXPECT_SAME(diag(sparse_of(1, 3, {{1, 5}}), -1.0), sparse_of(4, 4, {{6, 5}}));
+    EXPECT_SAME(diag(Mm()), Mm());
+    EXPECT_SAME(diag(ones(2, 3), 3.0), Mm());
+    EXPECT_RAISES(diag(row({1, 2}), 1e9), "Out of memory!");
+    EXPECT_RAISES(tril(named("c", cell(2.0))), "tril: numeric data expected, but matrix c is not");
+
+    test::Random random(24);
+    for (int round = 0; round < 500; round++) {
+        int m = 2 + random.below(4), n = 2 + random.below(4), k = random.below(11) - 5;
+        Mm x = some_sparse(random, m, n), d = diag(x, k), low = tril(x, k), up = triu(x, k);
+        std::vector<double> wanted;
+        for (int r = 1; r <= m; r++)
+            for (int c = 1; c <= n; c++) {
+                if (c - r == k) wanted.push_back(x.r(r, c));
+                ASSERT_EQ(low.r(r, c), c - r <= k ? x.r(r, c) : 0);
+                ASSERT_EQ(up.r(r, c), c - r >= k ? x.r(r, c) : 0);
+            }
+        d.getreal(1);
+        ASSERT_TRUE(wanted.empty() ? d.size() == 0 : test::same(d, col(wanted)));
+        Mm s = sparse(x);
+        ASSERT_TRUE(test::same(full(tril(s, k)), low));
+        ASSERT_TRUE(test::same(full(triu(s, k)), up));
+        ASSERT_TRUE(wanted.empty() || test::same(full(diag(s, k)), diag(x, k)));
+    }
+    EXPECT_SAME(triu(U8({{1, 2}, {3, 4}})), U8({{1, 2}, {0, 4}}));
+    EXPECT_SAME(tril(M({{NAN, INFINITY}, {1, NAN}})), M({{NAN, 0}, {1, NAN}}));
+}
+
+// ---- Grids and positions ----
+
+TEST(ArrayHelpers, grids) {
+    Mm x, y, z;
+    meshgrid(row({1, 2, 3}), col({7, 8}), i_o, x, y);
+    EXPECT_SAME(x, M({{1, 2, 3}, {1, 2, 3}}));
+    EXPECT_SAME(y, M({{7, 7, 7}, {8, 8, 8}}));
+    EXPECT_SAME(meshgrid(row({1, 2})), M({{1, 2}, {1, 2}}));
+    ndgrid(row({1, 2}), row({7, 8, 9}), i_o, x, y);
+    EXPECT_SAME(x, M({{1, 1, 1}, {2, 2, 2}}));
+    EXPECT_SAME(y, M({{7, 8, 9}, {7, 8, 9}}));
+    Mm a = row({1, 2}), b = row({3, 4, 5}), c = row({6, 7, 8, 9});
+    ndgrid(a, b, c, i_o, x, y, z);
+    Mm mx, my, mz;
+    meshgrid(b, a, c, i_o, mx, my, mz);
+    EXPECT_SAME(mx, y);
+    EXPECT_SAME(my, x);
+    EXPECT_SAME(mz, z);
+    each(z, [&](int k, const int *s) {
+        EXPECT_EQ(x.r(k), s[0] + 1);
+        EXPECT_EQ(y.r(k), s[1] + 3);
+        EXPECT_EQ(z.r(k), s[2] + 6);
+    });
+    meshgrid(a, i_o, a, y); // an output that is an input
+    EXPECT_SAME(y, M({{1, 1}, {2, 2}}));
+}
+
+TEST(ArrayHelpers, positions_and_subscripts) {
+    Mm d = row({2, 3, 4}), i, j, k, all = colon(1, 24);
+    ind2sub(d, all, i_o, i, j, k);
+    EXPECT_SAME(sub2ind(d, i, j, k), all);
+    EXPECT_TRUE(i.r(10) == 2 && j.r(10) == 2 && k.r(10) == 2);
+    ind2sub(d, all, i_o, i, j);
+    EXPECT_EQ(j.r(24), 12);
+    EXPECT_SAME(sub2ind(d, i, j), all);
+    EXPECT_SAME(ind2sub(d, 24.0), Mm(24.0));
+    ind2sub(row({2, 3}), 5.0, i_o, i, j, k);
+    EXPECT_TRUE(i.r() == 1 && j.r() == 3 && k.r() == 1);
+    EXPECT_SAME(sub2ind(row({2, 3}), U8({{2}}), 3.0), Mm(6.0));
+    EXPECT_RAISES(ind2sub(d, 25.0), "ind2sub: index out of range");
+    EXPECT_RAISES(ind2sub(d, 0.0), "ind2sub: index out of range");
+    EXPECT_RAISES(sub2ind(d, 3.0, 1.0), "sub2ind: subscript out of range");
+    EXPECT_RAISES(sub2ind(d, 1.0, 1.0, 5.0), "sub2ind: subscript out of range");
+    EXPECT_RAISES(sub2ind(5.0, 1.0), "sub2ind: size vector must have at least two elements");
+}
+
+TEST(ArrayHelpers, find) {
+    EXPECT_SAME(find(row({0, 3, NAN, -0.0})), row({2, 3}));
+    EXPECT_SAME(find(col({0, 3, NAN})), col({2, 3}));
+    EXPECT_SAME(find(M({{1, 0}, {0, 2}})), col({1, 4}));
+    EXPECT_SAME(find(U8({{0, 9}})), Mm(2.0));
+    EXPECT_SAME(find(0.0), Mm());
+    EXPECT_SAME(find(complex_of(row({0, 0, 1}), row({0, 2, 0}))), row({2, 3}));
+    EXPECT_SAME(find(sparse_of(2, 3, {{1, 5}, {3, 0}, {4, 6}})), col({2, 5})) << "a stored zero is none";
+    EXPECT_SAME(find(sparse_of(1, 3, {{1, 5}, {2, 6}})), row({2, 3}));
+    EXPECT_RAISES(find(named("c", cell(1.0))), "find: numeric data expected, but matrix c is not");
+    EXPECT_RAISES(find(Mm(i_o, "u", 0)), "variable 'u' was used without a value");
+
+    Mm i, j, v, x = M({{0, 5, 0}, {7, 0, 0}});
+    for (const Mm &m : {x, sparse(x)}) {
+        find(m, i_o, i, j, v);
+        EXPECT_SAME(i, col({2, 1}));
+        EXPECT_SAME(j, col({1, 2}));
+        EXPECT_SAME(v, col({7, 5}));
+    }
+    find(x, i_o, i, j);
+    EXPECT_SAME(j, col({1, 2}));
+    find(sparse_of(1, 3, {{1, 5}, {2, 6}}), i_o, i, j, v);
+    EXPECT_SAME(i, row({1, 1}));
+    EXPECT_SAME(v, row({5, 6}));
+    find(ones(2, 2, 2), i_o, i, j);
+    EXPECT_EQ(j.r(8), 4);
+    find(Mm(), i_o, i, j, v);
+    EXPECT_TRUE(i.size() == 0 && j.size() == 0 && v.size() == 0);
+    test::Random random(25);
+    for (int round = 0; round < 300; round++) {
+        Mm m = some_sparse(random, 1 + random.below(6), 1 + random.below(6)), s = sparse(m);
+        Mm k = find(m);
+        ASSERT_TRUE(test::same(find(s), k));
+        find(s, i_o, i, j, v);
+        Mm rebuilt = zeros(m.rows(), m.cols());
+        rebuilt(k) = v;
+        ASSERT_TRUE(test::same(sub2ind(size(m), i, j), k));
+        ASSERT_TRUE(test::same(isequal(rebuilt, m), yes));
+    }
+}
+
+// ---- Sums ----
+
+TEST(ArrayHelpers, means_and_variances) {
+    Mm x = M({{1, 2}, {3, 8}});
+    EXPECT_SAME(mean(x), row({2, 5}));
+    EXPECT_SAME(mean(x, 2.0), col({1.5, 5.5}));
+    EXPECT_SAME(mean(U8({{200, 100}})), Mm(150.0));
+    EXPECT_SAME(var(x), row({2, 18}));
+    EXPECT_SAME(var(x, 1.0), row({1, 9}));
+    EXPECT_SAME(var(x, 0.0, 2.0), col({0.5, 12.5}));
+    EXPECT_SAME(mstd(x, 1.0), row({1, 3}));
+    EXPECT_SAME(mstd(x, nop_M, 1.0), sqrt(row({2, 18})));
+    EXPECT_SAME(var(complex_of(row({1, -1}), row({1, -1}))), Mm(4.0));
+    EXPECT_SAME(var(7.0), Mm(0.0));
+    EXPECT_SAME(var(ones(2, 3, 4), 0.0, 3.0), zeros(2, 3));
+    for (const Mm &none : {mean(Mm()), var(Mm()), mstd(Mm()), cov(Mm())}) EXPECT_SAME(none, Mm(NAN));
+    EXPECT_RAISES(var(x, 2.0), "var: flag must be 0 or 1");
+    EXPECT_RAISES(mstd(named("x", x), 0.0, 5.0), "std: dimension=5 does not exist for matrix x");
+
+    EXPECT_SAME(cov(row({1, 2, 3})), Mm(1.0));
+    EXPECT_SAME(cov(x), M({{2, 6}, {6, 18}}));
+    EXPECT_SAME(cov(x, 1.0), M({{1, 3}, {3, 9}}));
+    EXPECT_SAME(cov(row({1, 3}), col({2, 8})), M({{2, 6}, {6, 18}}));
+    EXPECT_SAME(cov(row({1, 3}), col({2, 8}), 1.0), M({{1, 3}, {3, 9}}));
+    EXPECT_SAME(cov(5.0), Mm(0.0));
+    EXPECT_RAISES(cov(row({1, 2}), row({1, 2, 3})), "cov: x and y must have the same number of elements");
+
+    Mm z = complex_of(M({{1, 2}, {3, 5}, {4, 4}}), M({{0, 1}, {2, 2}, {1, 0}})), s = cov(z);
+    EXPECT_SAME(isequal(s, ctranspose(s)), yes) << "Hermitian";
+    EXPECT_NEAR_ULP(real(diag(s)), transpose(var(z)), 4);
+}
+
+TEST(ArrayHelpers, products) {
+    EXPECT_SAME(dot(row({1, 2, 3}), col({4, 5, 6})), Mm(32.0));
+    EXPECT_SAME(dot(C(0, 1), C(0, 1)), C(1, 0));
+    EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}})), row({7, 10}));
+    EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}}), 2.0), col({3, 14}));
+    EXPECT_RAISES(dot(row({1, 2}), row({1, 2, 3})), "dot: a and b must be same size");
+    EXPECT_SAME(cross(row({1, 0, 0}), row({0, 1, 0})), row({0, 0, 1}));
+    EXPECT_SAME(cross(row({1, 2, 3}), col({4, 5, 6})), row({-3, 6, -3}));
+    Mm a = M({{1, 2, 3}, {0, 1, 0}}), b = M({{4, 5, 6}, {0, 0, 1}});
+    EXPECT_SAME(cross(a, b), M({{-3, 6, -3}, {1, 0, 0}}));
+    EXPECT_SAME(cross(transpose(a), transpose(b), 1.0), transpose(cross(a, b)));
+    EXPECT_RAISES(cross(ones(2, 2), ones(2, 2)), "cross: a and b must have 3 elements in the dimension");
+    EXPECT_RAISES(cross(ones(3, 2), ones(2, 3)), "cross: a and b must be same size");
+}
+
+TEST(ArrayHelpers, trapezoids) {
+    Mm y = M({{1, 2}, {3, 6}, {5, 4}}), x = row({0, 1, 3});
+    EXPECT_SAME(trapz(y), row({6, 9}));
+    EXPECT_SAME(trapz(x, y), row({10, 14}));
+    EXPECT_SAME(cumtrapz(y), M({{0, 0}, {2, 4}, {6, 9}}));
+    EXPECT_SAME(cumtrapz(x, y), M({{0, 0}, {2, 4}, {10, 14}}));
+    EXPECT_SAME(trapz(x, transpose(y), 2.0), col({10, 14}));
+    EXPECT_SAME(cumtrapz(nop_M, transpose(y), 2.0), transpose(cumtrapz(y)));
+    EXPECT_SAME(trapz(repmat(transpose(x), 1.0, 2.0), y), row({10, 14}));
+    Mm deep = permute(y, row({3, 2, 1}));
+    EXPECT_SAME(cumtrapz(x, deep, 3.0), permute(cumtrapz(x, y), row({3, 2, 1})));
+    EXPECT_SAME(trapz(U8({{200, 200}})), Mm(200.0));
+    EXPECT_SAME(trapz(C(1, 1)), Mm(0.0));
+    EXPECT_SAME(cumtrapz(complex_of(row({1, 3}), row({1, 1}))), complex_of(row({0, 2}), row({0, 1})));
+    EXPECT_SAME(trapz(Mm()), Mm(0.0));
+    EXPECT_RAISES(trapz(row({1, 2}), y), "trapz: length of x must equal the size of y in the dimension");
+}
+
+} // namespace
