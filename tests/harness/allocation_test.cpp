@@ -1,0 +1,360 @@
+// A workload over the public interface in which the n-th allocation fails, for every n, once or from there
+// on, with an error handler that throws and with one that returns. Each time "Out of memory!" is reported,
+// what comes back is a valid value, the inputs stay as they were, nothing leaks, and the next call works.
+//
+// All functions of the language take part by themselves; what is no such function has a line in `steps`.
+#include <functional>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "core/header.h"
+#include "core/scratch.h"
+#include "support/functions.h"
+#include "support/recording_engine.h"
+#include "support/support.h"
+
+#ifdef QUORVEX_ALLOC_PROBE
+
+using kn::alloc_probe;
+using test::M;
+
+namespace {
+
+struct Inputs {
+    Mm x = M({{3, 1, 2}, {6, 5, 4}}), z = test::complex_of(x, M({{1, 0, 2}, {0, 0, 1}})),
+       u = test::U8({{3, 1, 2}, {6, 5, 4}}), s = test::sparse_of(2, 3, {{1, 5}, {2, 6}, {5, 7}}),
+       unsorted = test::sparse_of(2, 3, {{5, 1}, {0, 2}}), empty,
+       c = test::cell_of(1, 2, {M({{1, 2}}), TM("text")}),
+       st = test::struct_of({{"a", 1.0}, {"b", TM("text")}}), text = TM("one 2"), two = 2.0;
+
+    std::vector<Mm> all() const { return {x, z, u, s, unsorted, empty, c, st, text, two}; }
+};
+
+struct Step {
+    std::string name;
+    std::function<Mm(const Inputs &)> work;
+};
+
+Mm extended(Mm m) {
+    int stored = m.getnnz();
+    m.extend_nnz(stored + 20);
+    m.getnnz() = stored; // the new entries have no positions of their own
+    return m;
+}
+
+// What functions of one to three inputs are called with.
+std::vector<std::vector<const Mm *>> argument_lists(const Inputs &in, int count) {
+    if (count == 0) return {{}};
+    std::vector<std::vector<const Mm *>> lists;
+    for (const Mm *first : {&in.x, &in.z, &in.u, &in.s, &in.c, &in.st, &in.text, &in.two}) {
+        lists.push_back(std::vector<const Mm *>(static_cast<size_t>(count), first));
+        lists.push_back(std::vector<const Mm *>(static_cast<size_t>(count), &in.two));
+        lists.back()[0] = first;
+    }
+    return lists;
+}
+
+std::vector<Step> steps(const Inputs &inputs) {
+    std::vector<Step> list = {
+        {"empty", [](const Inputs &) { return Mm(); }},
+        {"number", [](const Inputs &) { return Mm(3.0); }},
+        {"complex array", [](const Inputs &) { return czeros(1, 3, 4); }},
+        {"bytes",
+         [](const Inputs &in) {
+             Mm m;
+             m.deepcopy(1, in.u, kn_uint8);
+             return m;
+         }},
+        {"sparse array",
+         [](const Inputs &in) {
+             Mm m;
+             m.deepcopy(in.s, kn_none);
+             return m;
+         }},
+        {"cell", [](const Inputs &) { return Mm(0, 0, 0, 2, 2, kn_Mm); }},
+        {"nested cell",
+         [](const Inputs &in) {
+             return test::cell_of(1, 2, {in.c, test::cell_of(1, 1, {in.x})});
+         }},
+        {"named",
+         [](const Inputs &) {
+             Mm m("m", 2, 2);
+             return Mm(m.size());
+         }},
+        {"on the heap",
+         [](const Inputs &in) {
+             Mm *m = new Mm(in.x);
+             Mm out = *m;
+             delete m;
+             return out;
+         }},
+        {"numbers to a cell",
+         [](const Inputs &in) {
+             Mm m;
+             m.deepcopy(in.x, kn_Mm);
+             return m;
+         }},
+        {"bytes to doubles",
+         [](const Inputs &in) {
+             Mm m;
+             m.deepcopy(in.u, kn_double);
+             return m;
+         }},
+        {"getcomplex",
+         [](const Inputs &in) {
+             Mm m = in.x;
+             m.getcomplex();
+             return m;
+         }},
+        {"struct",
+         [](const Inputs &in) {
+             Mm m;
+             m.deepcopy(in.st, kn_none);
+             return m;
+         }},
+        {"addfield",
+         [](const Inputs &in) {
+             Mm m = in.st;
+             for (const char *f : {"c", "d", "e", "f", "g", "h", "i", "j"}) m.addfield(f, 0);
+             while (m.getnfields() > 2) m.rmfield(m.getfield(2));
+             return m;
+         }},
+        {"rmfield",
+         [](const Inputs &in) {
+             Mm m = in.st;
+             m.rmfield("a");
+             return m.getnfields() == 1 ? x_M : m;
+         }},
+        {"extend_nfields",
+         [](const Inputs &in) {
+             Mm m = in.st;
+             m.extend_nfields(30);
+             return m;
+         }},
+        {"sort",
+         [](const Inputs &in) {
+             Mm m = in.unsorted;
+             m.sort();
+             return m.getindex()[0] == 0 ? m : x_M;
+         }},
+        {"resparse",
+         [](const Inputs &in) {
+             Mm m = in.s;
+             m.resparse();
+             return m;
+         }},
+        {"extend_nnz", [](const Inputs &in) { return extended(in.s); }},
+        {"miniM", [](const Inputs &) { return Mm(miniM(miniM::Dims(3, 3)).count()); }},
+        {"callback",
+         [](const Inputs &) {
+             test::RecordingEngine engine;
+             kn_set_engine(&engine);
+             struct Back {
+                 ~Back() { kn_set_engine(nullptr); }
+             } back;
+             miniM text(miniM::Dims(1, 1), 1);
+             if (text.count()) text.r(1) = '1';
+             engine.eval(&text);
+             return x_M;
+         }},
+        {"constants",
+         [](const Inputs &) {
+             initM2(QUORVEX_VERSION, sizeof(Mm));
+             return x_M;
+         }},
+        {"argn",
+         [](const Inputs &) {
+             Mm a, b;
+             argn(i_o, a, b);
+             return b;
+         }},
+        {"max with positions",
+         [](const Inputs &in) {
+             Mm y, k;
+             max(in.x, i_o, y, k);
+             return k;
+         }},
+        {"operators", [](const Inputs &in) { return -in.x + in.x * 2.0 - (in.x == in.x) / 3.0; }},
+        {"sparse operators", [](const Inputs &in) { return in.s + in.s * 2.0; }},
+        {"log2 with parts",
+         [](const Inputs &in) {
+             Mm f, e;
+             log2(in.x, i_o, f, e);
+             return f;
+         }},
+        {"num2str with width",
+         [](const Inputs &in) {
+             Mm t, w;
+             num2str(in.x, i_o, t, w);
+             return t;
+         }},
+        {"colon", [](const Inputs &) { return colon(1, 2, 9); }},
+        {"read", [](const Inputs &in) { return Mm(in.x(in.two, c_p)); }},
+        {"read of a field", [](const Inputs &in) { return Mm(in.st.member("b")); }},
+        {"read of an element", [](const Inputs &in) { return Mm(in.c.br(in.two)); }},
+        {"write",
+         [](const Inputs &in) {
+             Mm m = in.x;
+             m(in.two) = in.two;
+             return m;
+         }},
+        {"growing write",
+         [](const Inputs &in) {
+             Mm m = in.x;
+             m(in.two, 9.0) = in.two;
+             return m;
+         }},
+        {"sparse write",
+         [](const Inputs &in) {
+             Mm m = in.s;
+             m(1.0, 1.0) = in.two;
+             return m;
+         }},
+        {"complex write",
+         [](const Inputs &in) {
+             Mm m = in.x;
+             m(1.0) = j;
+             return m;
+         }},
+        {"element write",
+         [](const Inputs &in) {
+             Mm m = in.c;
+             m.br(4.0) = in.x;
+             return m;
+         }},
+        {"field write",
+         [](const Inputs &in) {
+             Mm m = in.st;
+             m.member("new") = in.x;
+             return m;
+         }},
+        {"deletion",
+         [](const Inputs &in) {
+             Mm m = in.x;
+             m(c_p, in.two) = nop_M;
+             return m;
+         }},
+        {"brackets", [](const Inputs &in) { return Mm((BR(in.x), in.x, semi, in.x, in.x)); }},
+        {"braces", [](const Inputs &in) { return Mm((CL(in.x), in.text, in.c)); }},
+    };
+    for (const test::Function &f : test::functions()) {
+        // Their own state makes each call differ.
+        std::string name = f.name;
+        if (!f.legal || name == "randM" || name == "randn") continue;
+        for (const auto &arguments : argument_lists(inputs, f.count)) {
+            std::string kinds;
+            std::vector<Mm> values;
+            for (const Mm *x : arguments) {
+                values.push_back(*x);
+                kinds += std::string(" ") + kn_class_word(*x) + (x->isc() ? " complex" : "");
+            }
+            list.push_back({name + kinds, [f, values](const Inputs &) { return f.call(values.data()); }});
+        }
+    }
+    return list;
+}
+
+constexpr char no_memory[] = "Out of memory!";
+
+enum class Handler { throws, returns };
+
+// The n-th allocation of the work fails, and all later ones if `after` is set; n 0: none.
+struct Outcome {
+    long allocations;
+    bool reported;      // "Out of memory!"
+    bool foreign;       // an exception that no handler threw
+    std::string errors; // all texts
+    long live;          // blocks more than before, when the result is gone
+    std::string result; // as text, of a work that came to its end
+};
+
+std::vector<std::string> errors;
+void record(const char *text) { errors.push_back(text); }
+void record_and_throw(const char *text) {
+    record(text);
+    throw test::Raised{text};
+}
+
+Outcome run(const Step &step, const Inputs &inputs, Handler handler, long n, bool after) {
+    Outcome out = {};
+    errors.clear();
+    const long live = alloc_probe.live, start = alloc_probe.allocations;
+    kn_text_handler old = kn_set_error_handler(handler == Handler::throws ? record_and_throw : record);
+    test::printed([&] {
+        try {
+            alloc_probe.fail_at = n ? start + n : 0;
+            alloc_probe.fail_after = after;
+            Mm result = step.work(inputs);
+            alloc_probe.fail_at = 0;
+            kn::check(result);
+            out.result = testing::PrintToString(result);
+        } catch (const test::Raised &) {
+        } catch (const std::bad_alloc &) {
+            out.foreign = handler == Handler::throws; // else of a header on the heap, behind its report
+        } catch (const std::exception &) {
+            out.foreign = true;
+        }
+        alloc_probe.fail_at = 0;
+    });
+    kn_set_error_handler(old);
+    out.allocations = alloc_probe.allocations - start;
+    for (const std::string &text : errors) {
+        out.reported = out.reported || text == no_memory;
+        out.errors += text + "|";
+    }
+    out.live = alloc_probe.live - live;
+    return out;
+}
+
+TEST(Allocation, every_failure_is_reported_and_leaves_no_trace) {
+    const Inputs inputs, before;
+    const std::vector<Mm> now = inputs.all();
+    std::vector<Mm> deep;
+    for (const Mm &m : before.all()) {
+        Mm copy;
+        copy.deepcopy(m, kn_none);
+        deep.push_back(copy);
+    }
+    test::Warnings warnings;
+    test::Unattended unattended;
+    long failures = 0;
+    for (const Step &step : steps(inputs)) {
+        for (Handler handler : {Handler::throws, Handler::returns}) {
+            run(step, inputs, handler, 0, false); // builds what stays
+            const Outcome clean = run(step, inputs, handler, 0, false);
+            EXPECT_EQ(clean.live, 0) << step.name << ": leaks without any failure";
+            std::string fault;
+            for (long n = 1; n <= clean.allocations && fault.empty(); ++n) {
+                for (bool after : {false, true}) {
+                    Outcome out = run(step, inputs, handler, n, after);
+                    if (out.live != 0) out = run(step, inputs, handler, n, after);
+                    ++failures;
+                    if (out.live != 0) fault = "leaks " + std::to_string(out.live);
+                    if (!out.reported) fault = "reports " + out.errors;
+                    if (out.foreign) fault = "throws " + out.errors;
+                    for (size_t k = 0; k < now.size(); ++k)
+                        if (!test::same(now[k], deep[k])) fault = "changes input " + std::to_string(k);
+                    Outcome next = run(step, inputs, handler, 0, false);
+                    if (next.result != clean.result) fault = "the next call gives " + next.result;
+                    if (fault.empty()) continue;
+                    ADD_FAILURE() << step.name << (handler == Handler::throws ? ", throwing" : ", returning")
+                                  << ", allocation " << n << (after ? " and later: " : ": ") << fault;
+                    break;
+                }
+            }
+            if (!fault.empty()) break;
+        }
+    }
+    EXPECT_GT(failures, 5000);
+}
+
+} // namespace
+
+#else
+
+TEST(Allocation, every_failure_is_reported_and_leaves_no_trace) {
+    GTEST_SKIP() << "a build with QUORVEX_ALLOC_PROBE counts allocations";
+}
+
+#endif
