@@ -10,10 +10,20 @@
 
 namespace kn::kernel {
 
-#define KN_DIMENSION_KERNELS(K)                                                                     \
-    K(Diff)                                                                                         \
-    K(Del2) K(Gradient) K(All) K(Any) K(Cumprod) K(Cumsum) K(Max1) K(Median) K(Min1) K(Prod) K(Sum) \
-        K(Unwrap)
+#define KN_DIMENSION_KERNELS(ROW) \
+    ROW(Diff)                     \
+    ROW(Del2)                     \
+    ROW(Gradient)                 \
+    ROW(All)                      \
+    ROW(Any)                      \
+    ROW(Cumprod)                  \
+    ROW(Cumsum)                   \
+    ROW(Max1)                     \
+    ROW(Median)                   \
+    ROW(Min1)                     \
+    ROW(Prod)                     \
+    ROW(Sum)                      \
+    ROW(Unwrap)
 #define KN_KERNEL(Name)                                   \
     struct Name {                                         \
         static void along(const Slices<double> &);        \

@@ -3,8 +3,8 @@
 //     unary_zero               keeps zeros: computed on the stored values
 //     product                  zero where one operand is: on the stored values when the other is a non-zero
 //                              scalar, else by merge
-//     union_                   zero where both operands are: dense when one is a non-zero scalar, else by
-//     merge all others               dense
+//     union_                   zero where both are: dense with a non-zero scalar, else by merge
+//     all others               dense
 //
 // Stored values: the operand is seen as a full column of its entries. Merge: both operands are spread over
 // the union of their positions, as two full rows. Dense: both are made full, and the result sparse again.

@@ -9,8 +9,8 @@
 #include "quorvex/operations.h"
 #include "quorvex/startup.h"
 
-// The marker is recognised by its name, which a plain copy would lose.
-Mm colon() { return Mm(c_p, kn_colon_name); }
+// A copy has no name, and so is no marker.
+Mm colon() { return c_p; }
 
 Mm colon(double a, double b) {
     if (b < a) return nop_M;

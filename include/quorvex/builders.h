@@ -37,9 +37,9 @@ QUORVEX_API Mm czeros(int complex, int rows, int cols);
 QUORVEX_API Mm czeros(int complex, int ndims, const int *dims);
 QUORVEX_API Mm ceye(int complex, int rows, int cols);
 
-// The ranges a:b and a:s:b as rows. colon() is the value of the ":" marker. The second form is built from
-// both ends, symmetrical in its rounding, and never passes b; 0:0.1:1 has 11 elements. nop_M for an empty
-// operand or step 0.
+// The ranges a:b and a:s:b as rows. colon() is a plain copy of the ":" marker, and so no marker. The second
+// form is built from both ends, symmetrical in its rounding, and never passes b; 0:0.1:1 has 11 elements.
+// nop_M for an empty operand or step 0.
 QUORVEX_API Mm colon();
 QUORVEX_API Mm colon(double a, double b);
 QUORVEX_API Mm colon(double a, double s, double b);

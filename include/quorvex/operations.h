@@ -109,10 +109,17 @@ QUORVEX_API Mm beta(const Mm &a, const Mm &b);
 QUORVEX_API Mm beta(const Mm &x, const Mm &a, const Mm &b);
 QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);
 
-// -- Differences. diff(a, n, dim): n times, along dim. unwrap(a, tol, dim): jumps above tol (default pi)
-// become their complement to 2 pi. gradient(f) and gradient(f, x): slopes along the first non-singleton
-// dimension, x the coordinates (a scalar: the step); [gx, gy] = gradient(f, x, y) along columns and rows of a
-// matrix. del2: the discrete Laplacian, with x and y likewise.
+// -- Differences.
+//
+// diff(a, n, dim): differences of neighbours, n times (default 1; below 1 gives a itself), until nothing is
+// left. unwrap(a, tol, dim): each step reduced by 2 pi, and steps above tol (default pi) turned back.
+// gradient(f, x): slopes, central and one-sided at the ends; x the coordinates, or a scalar step (default 1).
+// With one output along the columns' direction, along the elements of a column vector; [gx, gy] = gradient(f,
+// x, y) across columns and down rows. del2(f, x, y): the sum of second derivatives over twice the number of
+// dimensions, from second differences over x across columns and y down rows, evenly spaced; the ends repeat
+// their neighbour, and a direction of fewer than 3 elements counts 0. gradient and del2 are for real values
+// (complex ones give zeros) and compute uint8 as double; "%s: incompatible dimensions of: %s, %s" when there
+// are too few coordinates.
 
 QUORVEX_API Mm diff(const Mm &a);
 QUORVEX_API Mm diff(const Mm &a, const Mm &n);
