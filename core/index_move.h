@@ -19,37 +19,47 @@ template <> inline Mm blank<Mm>(const Mm &m) {
 }
 
 // One line. `to` may lie at or before `from` in the same array when the positions ascend.
-template <class T> void gather(T *to, const T *from, const Positions &p) {
+template <class T> void gather(T *to, const T *from, const Positions &p, ptrdiff_t stride) {
     int n = p.count();
-    if (!p.is_run()) {
-        const int *at = p.list();
-        for (int k = 0; k < n; ++k) to[k] = from[at[k]];
-    } else if (n == 1) {
-        *to = from[p.first()];
+    if (p.is_run()) {
+        from += p.first() * stride;
+        if (n == 1)
+            *to = *from;
+        else if (stride == 1)
+            std::copy_n(from, n, to);
+        else
+            for (int k = 0; k < n; ++k) to[k] = from[k * stride];
+    } else if (stride == 1) {
+        for (int k = 0; k < n; ++k) to[k] = from[p.list()[k]];
     } else {
-        std::copy_n(from + p.first(), n, to);
+        for (int k = 0; k < n; ++k) to[k] = from[p.list()[k] * stride];
     }
 }
 
 // The next elements of `from` (step 1), or one element again and again (step 0).
-template <class T> void scatter(T *to, const Positions &p, const T *from, int step) {
+template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, const T *from, int step) {
     int n = p.count();
     if (!p.is_run()) {
-        const int *at = p.list();
-        for (int k = 0; k < n; ++k) to[at[k]] = from[k * step];
-    } else if (step == 0) {
-        std::fill_n(to + p.first(), n, *from);
-    } else {
-        std::copy_n(from, n, to + p.first());
+        for (int k = 0; k < n; ++k) to[p.list()[k] * stride] = from[k * step];
+        return;
     }
+    to += p.first() * stride;
+    if (n == 1)
+        *to = *from;
+    else if (stride == 1 && step == 1)
+        std::copy_n(from, n, to);
+    else if (stride == 1)
+        std::fill_n(to, n, *from);
+    else
+        for (int k = 0; k < n; ++k) to[k * stride] = from[k * step];
 }
 
 // A selection of `from` into the elements of `to` in order; an imaginary plane when `to` has one.
 template <class T> void gather(const Mm &to, const Mm &from, const Selection &s) {
     auto plane = [&](T *out, const T *in) {
         Odometer lines(s, from.getdims());
-        for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0; out += s[0].count())
-            gather(out, in + line, s[0]);
+        for (ptrdiff_t at; (at = lines.kn_next_index()) >= 0; out += lines.line().count())
+            gather(out, in + at, lines.line(), lines.stride());
     };
     plane(re<T>(to), re<T>(from));
     if (to.isc()) plane(im<T>(to), im<T>(from));
@@ -58,13 +68,13 @@ template <class T> void gather(const Mm &to, const Mm &from, const Selection &s)
 // The elements of `from` in order, or its only one, into a selection of `to`; real ones get the imaginary
 // part 0.
 template <class T> void scatter(const Mm &to, const Selection &s, const Mm &from) {
-    int step = from.getnnz() != 1;
-    auto plane = [&](T *out, const T *in, int go) {
+    auto plane = [&](T *out, const T *in, int step) {
         Odometer lines(s, to.getdims());
-        ptrdiff_t advance = static_cast<ptrdiff_t>(s[0].count()) * go;
-        for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0; in += advance)
-            scatter(out + line, s[0], in, go);
+        ptrdiff_t advance = static_cast<ptrdiff_t>(lines.line().count()) * step;
+        for (ptrdiff_t at; (at = lines.kn_next_index()) >= 0; in += advance)
+            scatter(out + at, lines.line(), lines.stride(), in, step);
     };
+    int step = from.getnnz() != 1;
     plane(re<T>(to), re<T>(from), step);
     if constexpr (!std::is_same_v<T, Mm>) {
         const T zero = 0;

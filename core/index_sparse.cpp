@@ -90,7 +90,7 @@ Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
         if (!*inverse) return nothing_M;
     }
     int place = 0; // of the line in the result
-    Odometer lines(s, base.getdims());
+    Odometer lines(s, base.getdims(), 0);
     for (ptrdiff_t next; (next = lines.kn_next_index()) >= 0 && !out.failed(); place += count) {
         int line = static_cast<int>(next);
         int least = line + (rows.is_run() ? rows.first() : 0);
@@ -142,7 +142,8 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
     int total = s.total(), step = src.getnnz() != 1;
     if (total == 1 && !grows && !t.dirty() && (t.isc() || !src.isc())) {
         Odometer one(s, dims);
-        int slot = t.search(static_cast<int>(one.kn_next_index()) + s[0][0]);
+        ptrdiff_t line = one.kn_next_index();
+        int slot = t.search(static_cast<int>(line + one.line()[0] * one.stride()));
         if (slot >= 0) {
             t.addr()[slot] = *src.addr();
             if (t.isc()) t.addi()[slot] = src.isc() ? *src.addi() : 0.0;
@@ -160,8 +161,8 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
     Odometer lines(s, dims);
     int k = 0;
     for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0;)
-        for (int row = 0; row < s[0].count(); ++row, k += step)
-            written.add(static_cast<int>(line) + s[0][row], src, k);
+        for (int l = 0; l < lines.line().count(); ++l, k += step)
+            written.add(static_cast<int>(line + lines.line()[l] * lines.stride()), src, k);
     if (!written.finish(dims)) return false;
     const Mm &fresh = written.value();
 

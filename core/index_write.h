@@ -214,7 +214,8 @@ template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, co
     if constexpr (std::is_same_v<T, Mm>) {
         if (whole) {
             Odometer lines(sel, t.getdims());
-            re<Mm>(t)[lines.kn_next_index() + sel[0][0]] = src;
+            ptrdiff_t line = lines.kn_next_index();
+            re<Mm>(t)[line + lines.line()[0] * lines.stride()] = src;
             check(t);
             return true;
         }

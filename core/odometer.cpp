@@ -2,22 +2,25 @@
 
 namespace kn {
 
-Odometer::Odometer(const Selection &s, const int *extents) : s_(s), stride_{}, next_(0) {
+Odometer::Odometer(const Selection &s, const int *extents, int axis) : s_(s), axis_(axis) {
+    if (axis < 0)
+        for (axis_ = 0; axis_ + 1 < s.n() && s[axis_].count() == 1;) ++axis_;
     ptrdiff_t stride = 1;
     for (int k = 0; k < s.n(); ++k) {
         stride_[k] = stride;
         stride *= extents[k];
-        if (s[k].count() == 0)
+        if (s[k].count() == 0) {
             next_ = -1;
-        else if (k > 0 && next_ >= 0)
-            next_ += s[k][0] * stride_[k];
+            return;
+        }
+        if (k != axis_) next_ += s[k][0] * stride_[k];
     }
 }
 
 ptrdiff_t Odometer::kn_next_index() {
     ptrdiff_t line = next_;
     if (line < 0) return line;
-    for (int k = 1; k < s_.n(); ++k) {
+    for (int k = axis_ + 1; k < s_.n(); ++k) {
         const Positions &p = s_[k];
         next_ -= p[counter_[k]] * stride_[k];
         if (++counter_[k] == p.count()) counter_[k] = 0;

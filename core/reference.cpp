@@ -115,6 +115,23 @@ const Mm *RefAccess::find(const Mr &r, const Mm *src) {
 
 // ---- Reading ----
 
+namespace {
+
+// One element of a real double value.
+Mm number(const Mm &base, int at) {
+    Mm out = base.addr()[at];
+    if (lacks(out, 1)) {
+        out = nothing_M;
+    } else {
+        M_types &flags = out.getflags();
+        flags = base.getflags();
+        flags.persistent = flags.global = 0;
+    }
+    return out;
+}
+
+} // namespace
+
 // What the methods subsref and subsasgn are told: the fields type and subs.
 Mm RefAccess::record(const Mr &r) {
     const char *type = r.kind == Mr_paren    ? "()"
@@ -194,14 +211,7 @@ Mm RefAccess::read(const Mr &r, int strict) {
     if (base) {
         if (r.kind == Mr_paren && base->gettype() == kn_double && !base->isc() && !base->getclassid()) {
             int at = scalar_position(*base, subscripts(r));
-            if (at >= 0) {
-                Mm out = base->addr()[at];
-                if (lacks(out, 1)) return nothing_M;
-                M_types flags = base->getflags();
-                flags.persistent = flags.global = 0;
-                out.getflags() = flags;
-                return out;
-            }
+            if (at >= 0) return number(*base, at);
         }
         return read(*base, r, strict);
     }

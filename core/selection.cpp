@@ -26,21 +26,21 @@ int count_selected(const Mm &s) {
 } // namespace
 
 int scalar_position(const Mm &base, const Subscripts &s) {
-    if (base.issparse()) return -1;
-    if (s.n == 1) {
-        if (!is_scalar_subscript(s[0])) return -1;
-        int at = position(*s[0].addr());
-        return at < base.getnnz() ? at : -1;
-    }
+    auto inside = [](const Mm &i, int extent) {
+        if (!is_scalar_subscript(i)) return -1;
+        double at = *i.addr() - 1.0;
+        return at > -1.0 && at < extent ? static_cast<int>(at) : -1;
+    };
+    if (base.issparse() || s.n == 0) return -1;
+    if (s.n == 1) return inside(s[0], base.getnnz());
     ptrdiff_t at = 0;
     const int *dims = base.getdims();
     for (int k = s.n; k-- > 0;) {
-        if (!is_scalar_subscript(s[k])) return -1;
-        int l = position(*s[k].addr());
-        if (l < 0 || l >= dims[k]) return -1;
+        int l = inside(s[k], dims[k]);
+        if (l < 0) return -1;
         at = at * dims[k] + l;
     }
-    return s.n > 0 ? static_cast<int>(at) : -1;
+    return static_cast<int>(at);
 }
 
 // -- Positions of one subscript.
@@ -74,20 +74,20 @@ void Positions::set_run(int first, int count) {
 }
 
 bool Positions::set_values(const double *v, int n) {
-    if (n == 1) {
-        set_run(position(*v), 1);
+    if (n <= 1) {
+        set_run(n == 1 ? position(*v) : 0, n);
         return true;
     }
     int *list = room(n);
     if (!list) return false;
-    least_ = INT_MAX;
-    largest_ = INT_MIN;
-    for (int k = 0; k < n; ++k) {
-        int at = position(v[k]);
-        list[k] = at;
-        least_ = std::min(least_, at);
-        largest_ = std::max(largest_, at);
+    for (int k = 0; k < n; ++k) list[k] = position(v[k]);
+    int least = list[0], largest = list[0];
+    for (int k = 1; k < n; ++k) {
+        least = std::min(least, list[k]);
+        largest = std::max(largest, list[k]);
     }
+    least_ = least;
+    largest_ = largest;
     settle(list, n);
     return true;
 }

@@ -33,8 +33,8 @@ inline bool selects(double mask) { return (mask > 0) | (mask < 0); }
 // Position of an index value. What no int holds gives one that is outside every extent: INT_MIN (NaN too) or
 // INT_MAX - 1. Adding 1 is safe.
 inline int position(double v) {
-    v = v <= 2147483647.0 ? v : v > 0 ? 2147483647.0 : -2147483647.0;
-    v = v >= -2147483647.0 ? v : -2147483647.0;
+    v = v > -2147483647.0 ? v : -2147483647.0;
+    v = v < 2147483647.0 ? v : 2147483647.0;
     return static_cast<int>(v - 1.0);
 }
 
