@@ -35,10 +35,11 @@ template <op_t op> constexpr bool is_logical = rule_of<op> == Rule::logical;
 
 // -- Scalars.
 
-bool is_plain_scalar(const Mm &a) {
+bool is_plain(const Mm &a) {
     const M_types &f = a.getflags();
-    return a.getnnz() == 1 && f.type == kn_double && !f.sparse && !a.isc();
+    return a.getnnz() > 0 && f.type == kn_double && !f.sparse && !a.isc();
 }
+bool is_plain_scalar(const Mm &a) { return a.getnnz() == 1 && is_plain(a); }
 
 // As the engine makes it.
 Mm scalar_result(double x, int logical) {
@@ -56,10 +57,36 @@ template <op_t op> Mm marked(int complex, const Mm &a, const Mm &b, const Mm &di
     return out;
 }
 
+// Whether one of n elements leaves the reals; computes meanwhile. One loop, so that memory is walked once.
+template <op_t op> bool compute_and_ask(double *__restrict out, const double *__restrict x, ptrdiff_t n) {
+    double found = 0;
+    for (ptrdiff_t k = 0; k < n; ++k) {
+        out[k] = Kernel<op>::r(x[k]);
+        found = is_outside<rule_of<op>>(x[k]) ? 1 : found;
+    }
+    return found != 0;
+}
+
+// By blocks, so that an early answer is taken. False when an element leaves the reals.
+template <op_t op> bool computed_real(const Mm &a, Mm &out) {
+    constexpr int block = 1024;
+    Mm result = fresh_like(a, 0, kn_double);
+    if (lacks(result, a.getnnz())) result = x_M;
+    int n = result.getnnz();
+    for (int k = 0; k < n; k += block)
+        if (compute_and_ask<op>(result.addr() + k, a.addr() + k, std::min(block, n - k))) return false;
+    out = result;
+    return true;
+}
+
 template <op_t op> Mm unary(const Mm &a) {
     if (is_plain_scalar(a)) {
         double x = *a.addr();
         if (!is_outside<rule_of<op>>(x)) return scalar_result(Kernel<op>::r(x), is_logical<op>);
+    }
+    if constexpr (looks_at_elements(rule_of<op>)) {
+        Mm out = nop_M;
+        if (is_plain(a) && computed_real<op>(a, out)) return out;
     }
     return marked<op>(complex_result(op, a), a, zero_M, nop_M, 0);
 }

@@ -23,6 +23,12 @@ template <Rule rule> constexpr bool is_outside(double x) {
     return false;
 }
 
+// Whether the rule looks at the elements of a real operand.
+constexpr bool looks_at_elements(Rule rule) {
+    return rule == Rule::negative || rule == Rule::outside_one || rule == Rule::outside_zero_one ||
+           rule == Rule::inside_one || rule == Rule::below_one;
+}
+
 // complex_result of the function with code `op`. Of two operands that is settled by both for arithmetic, and
 // by the values of `a` too for powers.
 int complex_result(op_t op, const Mm &a);
