@@ -1,3 +1,5 @@
+// The texts of index_messages.h, each once.
+
 #include "core/index_messages.h"
 
 #include "quorvex/messages.h"

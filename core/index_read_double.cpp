@@ -1,3 +1,5 @@
+// Reading of doubles, characters and logical values.
+
 #include "core/index_read.h"
 
 template Mm kn::select<double>(const Mm &, const Selection &, const int *);

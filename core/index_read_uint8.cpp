@@ -1,3 +1,5 @@
+// Reading of bytes.
+
 #include "core/index_read.h"
 
 template Mm kn::select<unsigned char>(const Mm &, const Selection &, const int *);

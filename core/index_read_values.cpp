@@ -1,3 +1,5 @@
+// Reading of cells and structures.
+
 #include "core/index_read.h"
 
 template Mm kn::select<Mm>(const Mm &, const Selection &, const int *);

@@ -93,8 +93,8 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
     if (s == 0) return delete1(t, i);
 
     // A mask makes the target as long as itself; numbers count rounded.
-    RoundedSpan span = i.islogical() ? RoundedSpan{1, i.getnnz()} : rounded_span(i);
-    if (span.least <= 0) {
+    int m = i.islogical() ? i.getnnz() : largest_rounded(i);
+    if (m <= 0) {
         error("%s(%s): index is non-positive", kn_display_name(t), kn_display_name(i));
         return false;
     }
@@ -103,7 +103,7 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
     int count = sel[0].count();
     bool fits = s == 1 || s == count;
 
-    int m = span.largest, dims[4] = {1, m, 1, 1};
+    int dims[4] = {1, m, 1, 1};
     if (m <= n)
         std::memcpy(dims, t.getdims(), sizeof dims);
     else if (t.rows() > 1)
@@ -152,9 +152,9 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
             dims[k] = std::max(dims[k], sel[k].largest() + 1);
             continue;
         }
-        RoundedSpan span = rounded_span(index);
-        if (span.least < 1) return report(texts[k]);
-        dims[k] = std::max(dims[k], span.largest);
+        int m = largest_rounded(index);
+        if (m < 1) return report(texts[k]);
+        dims[k] = std::max(dims[k], m);
     }
     if (!resize<T>(t, dims, src.isc(), false)) return false;
     scatter<T>(t, sel, src);

@@ -1,3 +1,5 @@
+// Assignment of doubles, characters and logical values.
+
 #include "core/index_write.h"
 
 template bool kn::vwcopy1<double>(Mm &, const Mm &, const Mm &);

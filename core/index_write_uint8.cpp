@@ -1,3 +1,5 @@
+// Assignment of bytes.
+
 #include "core/index_write.h"
 
 template bool kn::vwcopy1<unsigned char>(Mm &, const Mm &, const Mm &);

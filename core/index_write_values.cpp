@@ -1,3 +1,5 @@
+// Assignment of cells and structures.
+
 #include "core/index_write.h"
 
 template bool kn::vwcopy1<Mm>(Mm &, const Mm &, const Mm &);

@@ -12,10 +12,12 @@ namespace kn {
 
 class Odometer {
   public:
-    // Of a value with these four extents, inside which the selection lies. Lines along `axis` when it is given.
+    // Of a value with these four extents, inside which the selection lies. Lines along `axis` when it is
+    // given.
     Odometer(const Selection &s, const int *extents, int axis = -1);
 
-    // Linear position of the next line, -1 after the last. Its elements stand at position times stride behind.
+    // Linear position of the next line, -1 after the last. Its elements stand at position times stride
+    // behind.
     ptrdiff_t kn_next_index();
     const Positions &line() const { return s_[axis_]; }
     ptrdiff_t stride() const { return stride_[axis_]; }

@@ -224,17 +224,36 @@ Mm RefAccess::read(const Mr &r, int strict) {
 
 namespace {
 
-// One real number into one element that is there already.
+// The place behind the last element of a row or column that has room for one more. It becomes part of the
+// value, not set.
+int append(Mm &t, const Subscripts &s) {
+    int n = t.getnnz(), *dims = t.getdims();
+    if (s.n != 1 || n == t.getp() || !is_plain(t) || !is_scalar_subscript(s[0]) || *s[0].addr() != n + 1.0)
+        return -1;
+    if (n > 0 && dims[0] > 1 && dims[1] > 1) return -1;
+    if (n == 0)
+        std::fill_n(dims, 4, 1);
+    else
+        ++dims[dims[0] > 1 ? 0 : 1];
+    return t.getnnz()++;
+}
+
+// One real number into one element that is there already, or behind the last.
 bool assign_element(Mm &t, const Subscripts &s, const Mm &src) {
     if (t.gettype() != kn_double || t.dirty() || t.getclassid()) return false;
     if (src.gettype() != kn_double || src.getnnz() != 1 || src.isc() || !is_plain(src)) return false;
+    double x = *src.addr();
     int at = scalar_position(t, s);
-    if (at < 0) return false;
-    for (int k = 0; k < s.n; ++k) { // fractions grow the target by the rounded number
-        double v = *s[k].addr();
-        if (v != static_cast<int>(v)) return false;
+    if (at >= 0) {
+        for (int k = 0; k < s.n; ++k) { // fractions grow the target by the rounded number
+            double v = *s[k].addr();
+            if (v != static_cast<int>(v)) return false;
+        }
+    } else {
+        at = append(t, s);
+        if (at < 0) return false;
     }
-    t.addr()[at] = *src.addr();
+    t.addr()[at] = x;
     if (t.isc()) t.addi()[at] = 0.0;
     return true;
 }

@@ -206,18 +206,22 @@ int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int s
     return total;
 }
 
-RoundedSpan rounded_span(const Mm &s) {
+int largest_rounded(const Mm &s) {
     const double *v = s.addr();
-    int n = s.getnnz();
-    double least = v[0], largest = v[0];
-    bool nan = false;
-    for (int k = 0; k < n; ++k) {
-        least = v[k] < least ? v[k] : least;
-        largest = v[k] > largest ? v[k] : largest;
-        nan |= v[k] != v[k];
+    int n = s.getnnz(), k = 0;
+    constexpr int lanes = 4; // maxima that do not wait for each other
+    double largest[lanes] = {};
+    bool positive = true;
+    for (; k + lanes <= n; k += lanes)
+        for (int l = 0; l < lanes; ++l) {
+            positive &= v[k + l] >= 0.5;
+            largest[l] = v[k + l] > largest[l] ? v[k + l] : largest[l];
+        }
+    for (; k < n; ++k) {
+        positive &= v[k] >= 0.5;
+        largest[0] = std::max(largest[0], v[k]);
     }
-    if (nan) return {0, 0};
-    return {double_to_int(round_half_away(least)), double_to_int(round_half_away(largest))};
+    return positive ? double_to_int(round_half_away(*std::max_element(largest, largest + lanes))) : 0;
 }
 
 } // namespace kn

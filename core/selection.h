@@ -106,11 +106,9 @@ class Selection {
 // colon counts the base's size when alone, else extents[k].
 int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int strict, int *dims);
 
-// The smallest and largest of rounded index values; a NaN counts as no positive number.
-struct RoundedSpan {
-    int least, largest;
-};
-RoundedSpan rounded_span(const Mm &s);
+// The largest of index values rounded to the nearest whole number; 0 when one of them is not positive (NaN is
+// none).
+int largest_rounded(const Mm &s);
 
 } // namespace kn
 

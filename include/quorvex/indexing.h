@@ -3,6 +3,26 @@
 // Mr remembers a base and its subscripts, and does nothing until it is converted to a value (a read) or
 // assigned to (a write). Mc is a list of pointers; both borrow what they refer to, so they live no longer
 // than the full expression that makes them.
+//
+// Subscripts. A number v selects position trunc(v - 1) from 0, so that fractions are cut; a logical value
+// selects where it is not zero (NaN does not), the object c_p everything. x(i,j) of an array of more
+// dimensions sees its first page.
+//
+// Reading. x() and x(:,:) are x itself, x(:) its elements as a column: they share the block. One subscript
+// gives the direction of a vector base, else its own shape; a logical matrix gives a column. A complex
+// selection without imaginary parts is real; a sparse base gives a sparse value. c{k} is the first selected
+// element only, [] when there is none; s.a of several structures a row of cells. What lies outside is
+// reported, and gives a value of type kn_none, as every failed read does. A sparse subscript of a plain
+// matrix is made full in passing, and stays so.
+//
+// Writing. The target keeps its type and its flags (except that x(:) = y of equal size takes the block of y),
+// becomes complex when the source is, and grows to hold the positions: a vector along its direction, a matrix
+// with one subscript into a column, new places zero, [] or empty fields. A source of another type is
+// converted; an unset or empty target takes the type of the source. One element fills all positions,
+// otherwise the numbers must agree. An empty source deletes. c{k} = y stores y as it is, s.a = y in the first
+// structure, with a new field if need be. Structures that are assigned must have the same fields in the same
+// order, or one more in the source. Objects with methods subsref, subsasgn and subsindex answer for
+// themselves.
 #ifndef QUORVEX_INDEXING_H
 #define QUORVEX_INDEXING_H
 
