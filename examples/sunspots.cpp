@@ -1,12 +1,11 @@
 // Yearly sunspot numbers, 1700 to 2008: a program as the compiler of the language emits it.
 //
 // The hand-shake comes first. Every variable is a named Mm, every function of the program a C++ function of
-// values, every function of the language is called by its name. Each statement first stores its line of the
-// source file, whose text stands above it as a comment.
+// values, every function of the language is called by its name; subscripts, fields, brackets and braces are
+// calls on the values. Each statement first stores its line of the source file, whose text stands above it as
+// a comment.
 //
-// Two things wait for later parts of the library. The numbers stand in the program as an array, until file
-// streams can read examples/data/sunspots.txt. And single elements are reached through r(), i() and addr(),
-// until there are subscripts.
+// The numbers stand in the program as an array, until file streams can read examples/data/sunspots.txt.
 #include <quorvex.h>
 
 namespace {
@@ -55,140 +54,191 @@ void line(int n) { *kn_error_stack.line_ptr = n; }
 Mm sunspot_numbers() {
     Frame frame("sunspot_numbers.m");
     const int n = sizeof sunspot_data / sizeof *sunspot_data;
-    Mm x = zeros(n, 1.0);
-    for (int k = 0; k < x.rows(); ++k) x.addr()[k] = sunspot_data[k];
+    Mm x = zeros(n, 1);
+    for (int k = 0; k < n; ++k) x.addr()[k] = sunspot_data[k];
     return x;
-}
-
-// m = average(x)
-Mm average(Mm x) {
-    Frame frame("average.m");
-    x.setname("x");
-    Mm m(i_o, "m", 0);
-    // m = sum(x) / length(x)
-    line(2), m = sum(x) / length(x);
-    return m;
-}
-
-// s = deviation(x)
-Mm deviation(Mm x) {
-    Frame frame("deviation.m");
-    x.setname("x");
-    Mm d(i_o, "d", 0), s(i_o, "s", 0);
-    // d = x - average(x)
-    line(2), d = x - average(x);
-    // s = sqrt(sum(d .* d) / (length(x) - 1))
-    line(3), s = sqrt(sum(times(d, d)) / (length(x) - 1));
-    return s;
 }
 
 // w = windows(x, m, n): column k holds m elements of x from the k-th on, and zeros behind the last
 Mm windows(Mm x, Mm m, Mm n) {
     Frame frame("windows.m");
-    x.setname("x");
-    Mm w(i_o, "w", 0);
-    // w = zeros(m, n)
-    line(2), w = zeros(m, n);
-    // for k = 1:n, l = min(m, length(x) - k + 1); w(1:l, k) = x(k : k+l-1); end
-    line(3);
-    for (int k = 1; k <= w.cols(); ++k)
-        for (int l = 1; l <= w.rows() && k + l - 1 <= x.length(); ++l) w.r(l, k) = x.r(k + l - 1);
+    x.setname("x"), m.setname("m"), n.setname("n");
+    Mm i(i_o, "i", 0), j(i_o, "j", 0), w(i_o, "w", 0);
+    // x = [x; zeros(n, 1)];
+    line(2), x = (BR(x), semi, zeros(n, 1));
+    // [i, j] = ndgrid(1:m, 0:n-1);
+    line(3), ndgrid(colon(1, m), colon(0, n - 1), i_o, i, j);
+    // w = x(i + j);
+    line(4), w = x(i + j);
     return w;
+}
+
+// c = cycles(t, x): a structure for each cycle of x over the years t, which lasts from a minimum (the lowest
+// of seven years) to the next
+Mm cycles(Mm t, Mm x) {
+    Frame frame("cycles.m");
+    t.setname("t"), x.setname("x");
+    Mm k(i_o, "k", 0), first(i_o, "first", 0), low(i_o, "low", 0), at(i_o, "at", 0), lows(i_o, "lows", 0),
+        span(i_o, "span", 0), value(i_o, "value", 0), c(i_o, "c", 0);
+    // lows = [];
+    line(2), lows = nop_M;
+    // for k = 2:length(x)
+    line(3);
+    for (double k_ = 2, end = scalar(length(x)); k_ <= end; ++k_) {
+        k = k_;
+        // first = max(1, k - 3);
+        line(4), first = max(1, k - 3);
+        // [low, at] = min(x(first : min(k + 3, length(x))));
+        line(5), min(x(colon(first, min(k + 3, length(x)))), i_o, low, at);
+        // if first + at - 1 == k, lows(end + 1) = k; end
+        line(6);
+        if (scalar(first + at - 1 == k)) lows(numel(lows) + 1) = k;
+    }
+    // for k = 1 : length(lows) - 1
+    line(8);
+    for (double k_ = 1, end = scalar(length(lows)) - 1; k_ <= end; ++k_) {
+        k = k_;
+        // span = lows(k) : lows(k + 1) - 1;
+        line(9), span = colon(lows(k), lows(k + 1) - 1);
+        // [value, at] = max(x(span));
+        line(10), max(x(span), i_o, value, at);
+        // c(k).start = t(lows(k));
+        line(11), c(k).member("start") = t(lows(k));
+        // c(k).peak = t(span(at));
+        line(12), c(k).member("peak") = t(span(at));
+        // c(k).value = value;
+        line(13), c(k).member("value") = value;
+        // c(k).length = length(span);
+        line(14), c(k).member("length") = length(span);
+    }
+    return c;
 }
 
 void sunspots() {
     Frame frame("sunspots.m");
-    Mm x(i_o, "x", 0), n(i_o, "n", 0), title(i_o, "title", 0), mu(i_o, "mu", 0), middle(i_o, "middle", 0),
-        sigma(i_o, "sigma", 0), top(i_o, "top", 0), low(i_o, "low", 0), at(i_o, "at", 0),
-        year(i_o, "year", 0), spotless(i_o, "spotless", 0), decades(i_o, "decades", 0),
-        active(i_o, "active", 0), smooth(i_o, "smooth", 0), d(i_o, "d", 0), lag(i_o, "lag", 0),
-        r(i_o, "r", 0), level(i_o, "level", 0), chart(i_o, "chart", 0), ticks(i_o, "ticks", 0),
-        cycle(i_o, "cycle", 0), period(i_o, "period", 0), t(i_o, "t", 0), z(i_o, "z", 0), fit(i_o, "fit", 0),
-        square(i_o, "square", 0);
+    Mm x(i_o, "x", 0), t(i_o, "t", 0), title(i_o, "title", 0), lower(i_o, "lower", 0),
+        summary(i_o, "summary", 0), high(i_o, "high", 0), records(i_o, "records", 0),
+        spotless(i_o, "spotless", 0), decades(i_o, "decades", 0), c(i_o, "c", 0), m(i_o, "m", 0),
+        k(i_o, "k", 0), odd(i_o, "odd", 0), outlier(i_o, "outlier", 0), table(i_o, "table", 0),
+        s(i_o, "s", 0), correlation(i_o, "correlation", 0), top(i_o, "top", 0), at(i_o, "at", 0),
+        low(i_o, "low", 0), last(i_o, "last", 0), extremes(i_o, "extremes", 0), d(i_o, "d", 0),
+        lag(i_o, "lag", 0), r(i_o, "r", 0), level(i_o, "level", 0), chart(i_o, "chart", 0),
+        ticks(i_o, "ticks", 0), period(i_o, "period", 0), z(i_o, "z", 0);
 
     // x = sunspot_numbers;
     line(1), x = sunspot_numbers();
+    // t = (1700 : 1699 + length(x))';
+    line(2), t = ctranspose(colon(1700, 1699 + length(x)));
     // title = 'yearly sunspot numbers, 1700 to 2008';
-    line(2), title = TM("yearly sunspot numbers, 1700 to 2008");
-    // disp(setstr(title - 32 * (title >= 97)))
-    line(3), disp(setstr(title - 32 * (title >= 97)));
+    line(3), title = TM("yearly sunspot numbers, 1700 to 2008");
+    // lower = title >= 97;
+    line(4), lower = title >= 97;
+    // title(lower) = title(lower) - 32;
+    line(5), title(lower) = title(lower) - 32;
+    // disp(title)
+    line(6), disp(title);
 
-    // n = length(x)
-    line(5), n = length(x), display(n);
-    // mu = average(x)
-    line(6), mu = average(x), display(mu);
-    // middle = median(x)
-    line(7), middle = median(x), display(middle);
-    // sigma = deviation(x)
-    line(8), sigma = deviation(x), display(sigma);
-    // [top, at] = max(x)
-    line(9), max(x, i_o, top, at), display(top), display(at);
-    // year = 1699 + at
-    line(10), year = 1699 + at, display(year);
-    // [low, at] = min(x)
-    line(11), min(x, i_o, low, at), display(low), display(at);
-    // spotless = sum(x == 0)
-    line(12), spotless = sum(x == 0), display(spotless);
+    // summary = {'years', length(x); 'mean', mean(x); 'median', median(x); 'deviation', std(x)};
+    line(8), summary = (CL(TM("years")), length(x), semi, TM("mean"), mean(x), semi, TM("median"), median(x),
+                        semi, TM("deviation"), mstd(x));
+    // disp(summary)
+    line(9), disp(summary);
+    // high = x > 150;
+    line(10), high = x > 150;
+    // records = [t(high) x(high)]'
+    line(11), records = ctranspose((BR(t(high)), x(high))), display(records);
+    // spotless = t(x == 0)'
+    line(12), spotless = ctranspose(t(x == 0)), display(spotless);
 
     // disp('means of the decades; a column is a century')
     line(14), disp(TM("means of the decades; a column is a century"));
-    // decades = reshape(sum(reshape(x(1:300), 10, 30)) / 10, 10, 3)
-    line(15), decades = reshape(sum(reshape(windows(x, 300, 1), 10, 30)) / 10, 10, 3), display(decades);
-    // active = decades > mu
-    line(16), active = decades > mu, display(active);
+    // decades = reshape(mean(reshape(x(1:300), 10, 30)), 10, 3);
+    line(15), decades = reshape(mean(reshape(x(colon(1, 300)), 10, 30)), 10, 3);
+    // disp([0 1700:100:1900; (0:10:90)' decades])
+    line(16), disp((BR(0), colon(1700, 100, 1900), semi, ctranspose(colon(0, 10, 90)), decades));
 
-    // disp('means of eleven years in a row: the highest, the lowest, and their middle years')
-    line(18), disp(TM("means of eleven years in a row: the highest, the lowest, and their middle years"));
-    // smooth = windows(x, n - 10, 11) * ones(11, 1) / 11;
-    line(19), smooth = windows(x, n - 10, 11) * ones(11, 1) / 11;
-    // [top, at] = max(smooth), year = 1704 + at
-    line(20), max(smooth, i_o, top, at), display(top), display(at), year = 1704 + at, display(year);
-    // [low, at] = min(smooth), year = 1704 + at
-    line(21), min(smooth, i_o, low, at), display(low), display(at), year = 1704 + at, display(year);
+    // disp('the cycles, from minimum to minimum')
+    line(18), disp(TM("the cycles, from minimum to minimum"));
+    // c = cycles(t, x);
+    line(19), c = cycles(t, x);
+    // disp([fieldnames(c)'; squeeze(struct2cell(c))'])
+    line(20), disp((BR(ctranspose(fieldnames(c))), semi, ctranspose(squeeze(struct2cell(c)))));
+    // m = [];
+    line(21), m = nop_M;
+    // for k = 1:length(c), m = [m; c(k).peak - c(k).start, c(k).value, c(k).length]; end
+    line(22);
+    for (double k_ = 1, end = scalar(length(c)); k_ <= end; ++k_) {
+        k = k_;
+        m = (BR(m), semi, c(k).member("peak") - c(k).member("start"), c(k).member("value"),
+             c(k).member("length"));
+    }
+    // odd = abs(m(:,3) - mean(m(:,3))) > 2 * std(m(:,3));
+    line(23), odd = abs(m(c_p, 3) - mean(m(c_p, 3))) > 2 * mstd(m(c_p, 3));
+    // outlier = c(odd)
+    line(24), outlier = c(odd), display(outlier);
+    // c(odd) = [];
+    line(25), c(odd) = nop_M;
+    // m(odd,:) = [];
+    line(26), m(odd, c_p) = nop_M;
+
+    // disp('without the outlier: years of rise, height of the peak, years in all')
+    line(28), disp(TM("without the outlier: years of rise, height of the peak, years in all"));
+    // table = num2cell([mean(m); std(m)]);
+    line(29), table = num2cell((BR(mean(m)), semi, mstd(m)));
+    // disp([{'cycles', 'rise', 'height', 'length'}; {'mean'; 'deviation'} table])
+    line(30), disp((BR((CL(TM("cycles")), TM("rise"), TM("height"), TM("length"))), semi,
+                    (CL(TM("mean")), semi, TM("deviation")), table));
+    // s = cov(m(:,1), m(:,2));
+    line(31), s = cov(m(c_p, 1), m(c_p, 2));
+    // correlation = s(1,2) / sqrt(s(1,1) * s(2,2))
+    line(32), correlation = s(1, 2) / sqrt(s(1, 1) * s(2, 2)), display(correlation);
+    // [top, at] = max(m(:,2));
+    line(33), max(m(c_p, 2), i_o, top, at);
+    // [low, last] = min(m(:,2));
+    line(34), min(m(c_p, 2), i_o, low, last);
+    // extremes = {'strongest', c(at); 'weakest', c(last)};
+    line(35), extremes = (CL(TM("strongest")), c(at), semi, TM("weakest"), c(last));
+    // celldisp(extremes)
+    line(36), celldisp(extremes);
 
     // disp('autocorrelation at lags of 0 to 60 years, a tick every eleven')
-    line(23), disp(TM("autocorrelation at lags of 0 to 60 years, a tick every eleven"));
-    // d = x - mu;
-    line(24), d = x - mu;
+    line(38), disp(TM("autocorrelation at lags of 0 to 60 years, a tick every eleven"));
+    // d = x - mean(x);
+    line(39), d = x - mean(x);
     // lag = 0:60;
-    line(25), lag = colon(0, 60);
-    // r = d' * windows(d, n, 61) / (d' * d);
-    line(26), r = ctranspose(d) * windows(d, n, 61) / (ctranspose(d) * d);
-    // level = 1 - cumsum(ones(8, 1)) / 8;
-    line(27), level = 1 - cumsum(ones(8, 1)) / 8;
-    // chart = ones(8, 1) * r > level * ones(1, 61);
-    line(28), chart = ones(8, 1) * r > level * ones(1, 61);
+    line(40), lag = colon(0, 60);
+    // r = d' * windows(d, length(d), 61) / (d' * d);
+    line(41), r = ctranspose(d) * windows(d, length(d), 61) / (ctranspose(d) * d);
+    // level = (7:-1:0)' / 8;
+    line(42), level = ctranspose(colon(7, -1, 0)) / 8;
+    // chart = repmat(r, 8, 1) > repmat(level, 1, 61);
+    line(43), chart = repmat(r, 8, 1) > repmat(level, 1, 61);
     // ticks = mod(lag, 11) == 0;
-    line(29), ticks = mod(lag, 11) == 0;
-    // disp(strvcat(setstr(32 + 10 * chart), setstr(32 + 92 * ticks)))
-    line(30), disp(strvcat(setstr(32 + 10 * chart), setstr(32 + 92 * ticks)));
-    // [top, at] = max(r .* (lag > 5)), cycle = lag(at)
-    line(31), max(times(r, lag > 5), i_o, top, at), display(top), display(at);
-    line(31), cycle = lag.r(scalar(at)), display(cycle);
+    line(44), ticks = mod(lag, 11) == 0;
+    // disp(setstr([32 + 10 * chart; 32 + 92 * ticks]))
+    line(45), disp(setstr((BR(32 + 10 * chart), semi, 32 + 92 * ticks)));
+    // [top, at] = max(r(7:end));
+    line(46), max(r(colon(7, numel(r))), i_o, top, at);
+    // period = lag(at + 6)
+    line(47), period = lag(at + 6), display(period);
 
-    // disp('Fourier coefficients of periods of 10 to 12 years')
-    line(33), disp(TM("Fourier coefficients of periods of 10 to 12 years"));
-    // period = 10:0.5:12
-    line(34), period = colon(10, 0.5, 12), display(period);
-    // t = cumsum(ones(n, 1));
-    line(35), t = cumsum(ones(n, 1));
-    // z = 2 / n * d' * exp(-2 * pi * i * t * (1 ./ period))
-    line(36), z = 2 / n * ctranspose(d) * exp(-2 * pi * i * t * rdivide(1, period)), display(z);
+    // disp('Fourier coefficients of periods of 10 to 12 years, and the largest')
+    line(49), disp(TM("Fourier coefficients of periods of 10 to 12 years, and the largest"));
+    // period = 10:0.5:12;
+    line(50), period = colon(10, 0.5, 12);
+    // z = 2 / length(d) * d' * exp(-2 * pi * i * t * (1 ./ period));
+    line(51), z = 2 / length(d) * ctranspose(d) * exp(-2 * pi * i * t * rdivide(1, period));
     // [top, at] = max(abs(z));
-    line(37), max(abs(z), i_o, top, at);
-    // cycle = period(at)
-    line(38), cycle = period.r(scalar(at)), display(cycle);
-    // fit = z(at);
-    line(39), fit = z.r(scalar(at)) + z.i(scalar(at)) * i;
-    // format long, disp(fit), disp(abs(fit)), format short
-    line(40), format(TM("long")), disp(fit), disp(abs(fit)), format(TM("short"));
+    line(52), max(abs(z), i_o, top, at);
+    // disp([period; z]), disp([period(at) z(at)])
+    line(53), disp((BR(period), semi, z)), disp((BR(period(at)), z(at)));
 
-    // try, square = x * x; catch, disp(lasterr), end
-    line(42);
+    // try, x(end + 1), catch, disp(lasterr), end
+    line(55);
     kn_set_default_error_flags(16, 1);
     try {
-        square = x * x;
-    } catch (const char *) { // the frames that the error left have popped their entries
+        display(x(numel(x) + 1));
+    } catch (const char *) {
         disp(lasterr());
     }
     kn_set_default_error_flags(16, 0);

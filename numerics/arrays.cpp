@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "quorvex/classes.h"
+
 namespace {
 
 Mm answer(bool yes) {
@@ -31,4 +33,15 @@ Mm isempty(const Mm &m) {
 Mm isvector(const Mm &m) {
     const int *dims = m.getdims();
     return answer(m.size() != 0 && std::count_if(dims, dims + 4, [](int n) { return n > 1; }) <= 1);
+}
+
+int istrue(const Mm &x) {
+    x.warn_uninit();
+    if (x.gettype() == kn_none || error_numeric(x, "istrue") || x.size() < 1) return 0;
+    Mm v = mdouble(x);
+    const double *re = v.addr(), *im = v.addi();
+    int n = v.getnnz();
+    for (int k = 0; k < n; k++)
+        if (re[k] == 0 && (!im || im[k] == 0)) return 0;
+    return n > 0;
 }

@@ -17,6 +17,10 @@ QUORVEX_API Mm isvector(const Mm &m);  // not empty, and at most one extent abov
 QUORVEX_API Mm isreal(const Mm &m);    // numbers or text, and not complex
 QUORVEX_API Mm isnumeric(const Mm &m); // neither text nor cell nor structure; logical values count
 QUORVEX_API Mm ischar(const Mm &m);
+
+// What if and while take for true: not empty, and no element 0 (NaN is true; of a complex element either part
+// counts).
+QUORVEX_API int istrue(const Mm &x);
 QUORVEX_API Mm isempty(const Mm &m);
 
 // Whether all values have the same extents and contents. Numbers compare by value whatever their class and

@@ -426,6 +426,16 @@ TEST(ArrayHelpers, products) {
     EXPECT_RAISES(cross(ones(3, 2), ones(2, 3)), "cross: a and b must be same size");
 }
 
+TEST(Questions, truth_of_a_condition) {
+    for (const Mm &x :
+         {Mm(3.0), Mm(NAN), C(0, 1), M({{1, 2}, {3, 4}}), U8({{1}}), TM("a"), sparse_of(1, 1, {{0, 2}})})
+        EXPECT_TRUE(istrue(x));
+    for (const Mm &x : {Mm(0.0), Mm(), C(0, 0), M({{1, 0}}), U8({{0}}), sparse_of(2, 2, {{0, 2}})})
+        EXPECT_FALSE(istrue(x));
+    EXPECT_RAISES(istrue(cell_of(1, 1, {1.0})),
+                  "istrue: numeric data expected, but matrix (temporary) is not");
+}
+
 TEST(ArrayHelpers, trapezoids) {
     Mm y = M({{1, 2}, {3, 6}, {5, 4}}), x = row({0, 1, 3});
     EXPECT_SAME(trapz(y), row({6, 9}));
