@@ -4,6 +4,7 @@
 //     z(z), z(z, w)    on complex elements; gives a complex number, or a real one for tests and measures
 //     z(z, y), z(x, w) where one side has no imaginary plane, when that is not the same as an imaginary part
 //                      of 0
+//     of_real(x)       a complex result of a real element, when that is not z of x and an imaginary part of 0
 //
 // A kernel without z looks at the real planes only. An r that is a template computes in bytes by itself (and
 // wraps); every other one sees the value of a byte as a double.
@@ -172,6 +173,13 @@ struct Min2 {
     static Z z(Z a, Z b) { return squared_modulus(b) >= squared_modulus(a) ? a : b; }
 };
 
+// A real operand has its own way into the complex plane, without the modulus.
+struct Sqrt {
+    static double r(double x) { return std::sqrt(x); }
+    static Z z(Z z) { return complex_sqrt(z); }
+    static Z of_real(double x) { return x < 0 ? Z{0, std::sqrt(-x)} : Z{std::sqrt(x), 0}; }
+};
+
 // -- Elementary functions: the real one and the complex one.
 
 #define KN_FUNCTION(Name, real, complex)           \
@@ -179,7 +187,6 @@ struct Min2 {
         static double r(double x) { return real; } \
         static Z z(Z z) { return complex; }        \
     };
-KN_FUNCTION(Sqrt, std::sqrt(x), complex_sqrt(z))
 KN_FUNCTION(Exp, std::exp(x), complex_exp(z))
 KN_FUNCTION(Log, std::log(x), complex_log(z))
 KN_FUNCTION(Log2, std::log(x) / raw_ln2, complex_log(z) / raw_ln2)

@@ -50,6 +50,13 @@ template <class K> struct DoubleLoops {
             if (plane && n == 1) std::fill(plane + 1, plane + e.n, plane[0]);
     }
 
+    static Z complex_of_real(D x) {
+        if constexpr (requires { K::of_real(x); })
+            return K::of_real(x);
+        else
+            return K::z({x, 0});
+    }
+
     static void one(D *__restrict re, D *__restrict im, const D *__restrict x, const D *__restrict y,
                     ptrdiff_t n) {
         if constexpr (to_complex<K>) {
@@ -60,7 +67,7 @@ template <class K> struct DoubleLoops {
             if (y && im)
                 for (ptrdiff_t k = 0; k < n; ++k) store(k, K::z({x[k], y[k]}));
             else if (im)
-                for (ptrdiff_t k = 0; k < n; ++k) store(k, K::z({x[k], 0}));
+                for (ptrdiff_t k = 0; k < n; ++k) store(k, complex_of_real(x[k]));
             else if (y)
                 clear(re, im, n);
             else

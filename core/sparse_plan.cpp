@@ -53,7 +53,10 @@ struct Operation {
     }
 };
 
-Mm dense(const Operation &run, const Mm &a, const Mm &b) { return sparse(run(full(a), full(b))); }
+Mm dense(const Operation &run, const Mm &a, const Mm &b) {
+    Mm out = run(full(a), full(b));
+    return same_block(out, x_M) ? out : sparse(out); // after a report there is nothing to convert
+}
 
 // The operation on the entries of `matrix`; operand `a` or `b` is that matrix, the other is used as it is.
 Mm on_stored(const Operation &run, const Mm &a, const Mm &b, bool first) {

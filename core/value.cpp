@@ -5,6 +5,7 @@
 // returns, to one static block that is never freed and always counts as shared, so that nobody writes into
 // it.
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -88,33 +89,24 @@ using namespace kn;
 // Gives this header a block for nnz elements of flags.type (nnz -1: a count that does not fit). Without
 // memory it becomes an empty double on the static block.
 void Mm::allocate(int complex, int with_index) {
-    fields = nullptr;
-    nfields = 0;
-    classid = 0;
-    pi = nullptr;
-    index = nullptr;
-    bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
-    if (nnz < 1) {
+    auto make_empty = [this] {
         nnz = 0;
         ndims = 2;
         std::memset(dims, 0, sizeof dims);
-    }
-    pr = nullptr;
+    };
+    fields = nullptr;
+    nfields = 0;
+    classid = 0;
+    pr = pi = nullptr;
     refcount = nullptr;
+    index = nullptr;
+    bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
+    if (nnz < 1) make_empty();
+
     if (fits && flags.type == kn_Mm) {
         p = nnz + value_slack;
-        refcount = static_cast<unsigned *>(kn_block_alloc(sizeof *refcount));
-        struct Guard { // the count must not outlive an error thrown for one of the elements
-            unsigned *&count;
-            void *&array;
-            ~Guard() {
-                if (!array) {
-                    kn_block_free(count);
-                    count = nullptr;
-                }
-            }
-        } guard{refcount, pr};
-        if (refcount) pr = make_values(p);
+        pr = make_values(p);
+        if (pr) refcount = static_cast<unsigned *>(kn_block_alloc(sizeof *refcount));
     } else if (fits) {
         p = nnz + slack;
         size_t plane = static_cast<size_t>(p) * (flags.type == kn_uint8 ? 1 : sizeof(double));
@@ -127,25 +119,20 @@ void Mm::allocate(int complex, int with_index) {
             refcount = reinterpret_cast<unsigned *>(start + end);
         }
     }
-    if (pr && with_index) {
+    if (refcount && with_index)
         index = static_cast<int *>(kn_block_alloc(static_cast<size_t>(p) * sizeof(int)));
-        if (!index) {
-            if (flags.type == kn_Mm) {
-                free_values(static_cast<Mm *>(pr), p);
-                kn_block_free(refcount);
-            } else {
-                kn_block_free(pr);
-            }
-            pr = nullptr;
-        }
-    }
-    if (pr) {
+    if (refcount && (index || !with_index)) {
         *refcount = 1;
         return;
     }
-    nnz = 0;
-    ndims = 2;
-    std::memset(dims, 0, sizeof dims);
+
+    if (flags.type != kn_Mm) {
+        kn_block_free(pr);
+    } else if (pr) {
+        free_values(static_cast<Mm *>(pr), p);
+        kn_block_free(refcount);
+    }
+    make_empty();
     flags.type = kn_double;
     flags.sparse = 0;
     p = slack;
@@ -198,14 +185,19 @@ Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types
     int full = product(4, dims);
     if (!sparse || full < 0) {
         nnz = full;
-        if (sparse) nnz = -1;
         allocate(complex, sparse);
         return;
     }
+    // Room for all entries asked for, though no more than the size are stored.
+    if (full == 0) {
+        ndims = 2;
+        std::memset(dims, 0, sizeof dims);
+    }
     const int shape[] = {ndims, dims[0], dims[1], dims[2], dims[3]};
-    nnz = stored < 0 ? 0 : stored < full ? stored : full;
+    nnz = std::max(stored, 0);
     allocate(complex, 1);
-    if (!index || full == 0) return; // no memory, or empty
+    if (!index) return;
+    nnz = std::min(nnz, full);
     ndims = shape[0];
     std::memcpy(dims, shape + 1, sizeof dims);
 }

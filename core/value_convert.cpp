@@ -66,7 +66,8 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
 
     Mm copy(complex, sparse, src.nnz, src.ndims, src.dims, t);
     int n = sparse ? src.nnz : src.size();
-    if (lacks(copy, n) || copy.flags.type != t || (complex && !copy.pi)) return;
+    if (sparse ? !copy.index : lacks(copy, n) || copy.flags.type != t || (complex && !copy.pi)) return;
+    if (sparse) copy.nnz = n; // which extend_nnz may have made more than the extents have
     const int *scatter = src.index && !sparse ? src.index : nullptr;
     if (scatter && t != kn_Mm) {
         std::memset(copy.pr, 0, element_size(t) * static_cast<size_t>(n));

@@ -1,5 +1,6 @@
 // Sizes and shape of a value: the header only, never the elements.
 
+#include <algorithm>
 #include <cstring>
 
 #include "core/header.h"
@@ -55,12 +56,9 @@ void Mm::reshape(int r, int c) {
 }
 
 void Mm::reshape(int n, const int *d) {
-    if (n > 4) {
-        for (int k = 4; k < n; ++k)
-            if (d[k] != 1) n = -1;
-        if (n > 4) n = 4;
-    }
-    if (n < 1 || kn::product(n, d) != size()) {
+    bool fits = n <= 4 || std::all_of(d + 4, d + n, [](int extent) { return extent == 1; });
+    n = std::min(n, 4);
+    if (!fits || kn::product(n, d) != size()) {
         error("reshape: size=%d is different than the product of new dimensions", size());
         return;
     }

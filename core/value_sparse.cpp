@@ -59,9 +59,8 @@ void Mm::resparse() {
 
 void Mm::extend_nnz(int n) {
     if (error_sparse(*this, "::extend_nnz") || n <= nnz) return;
-    // Room first, shape afterwards: entries are asked for that the extents may not have.
-    Mm longer(isc(), 1, n, n, 1, kn_double);
-    if (lacks(longer, n)) return;
+    Mm longer(isc(), 1, n, ndims, dims, kn_double);
+    if (!longer.index) return;
     auto extend = [&](auto *to, const auto *from) {
         std::copy(from, from + nnz, to);
         std::fill(to + nnz, to + n, 0);
@@ -69,7 +68,6 @@ void Mm::extend_nnz(int n) {
     extend(longer.addr(), addr());
     if (pi) extend(longer.addi(), addi());
     extend(longer.index, index);
-    longer.ndims = ndims;
-    std::memcpy(longer.dims, dims, sizeof dims);
+    longer.nnz = n; // the extents may not have so many
     *this = longer;
 }

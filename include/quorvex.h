@@ -21,7 +21,4 @@
 #include "quorvex/text.h"
 #include "quorvex/values.h"
 
-// Version of the hand-shake: the first argument of initM2.
-#define QUORVEX_VERSION 4500
-
 #endif

@@ -55,28 +55,30 @@ Mm build(Fill fill, double m, double n) {
     return build(fill, 2, dims);
 }
 
-int scalar_size(const Mm &x) {
-    if (x.size() > 1) warning("eye01: expecting scalar argument");
-    return size_arg(kn::first(mdouble(x)));
-}
-
 Mm eye01(Fill fill, const Mm &a, const Mm &b, const Mm &c, const Mm &d) {
     const Mm *args[4] = {&a, &b, &c, &d};
     if (std::any_of(args, args + 4, [](const Mm *x) { return x->size() == 0; })) return nop_M;
 
+    Mm sizes[4];
+    for (int k = 0; k < 4; k++) {
+        sizes[k] = mdouble(*args[k]);
+        if (sizes[k].size() == 0) return x_M; // not numbers
+    }
+
     int dims[4];
-    if (a.size() == 1) {
-        for (int k = 0; k < 4; k++) dims[k] = scalar_size(*args[k]);
+    if (sizes[0].size() == 1) {
+        for (int k = 0; k < 4; k++) {
+            if (sizes[k].size() > 1) warning("eye01: expecting scalar argument");
+            dims[k] = size_arg(sizes[k].r());
+        }
         return build(fill, 4, dims);
     }
-    Mm sizes = mdouble(a);
-    int ndims = sizes.size();
-    if (ndims == 0) return x_M; // not numbers
+    int ndims = sizes[0].size();
     if (ndims > 4) {
         warning("eye01: too many dimensions");
         ndims = 4;
     }
-    for (int k = 0; k < ndims; k++) dims[k] = std::max(double_to_int(sizes.r(k + 1) + 0.5), 0);
+    for (int k = 0; k < ndims; k++) dims[k] = std::max(double_to_int(sizes[0].r(k + 1) + 0.5), 0);
     return build(fill, ndims, dims);
 }
 

@@ -86,5 +86,5 @@ Mm logspace(const Mm &a, const Mm &b) { return logspace(a, b, 50.0); }
 
 Mm logspace(const Mm &a, const Mm &b, const Mm &n) {
     Mm top = every(b == pi) ? log10(pi) : b;
-    return power(10.0, linspace(a, top, n));
+    return power(10.0, kn::first(n) >= 2 ? linspace(a, top, n) : top);
 }

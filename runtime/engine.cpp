@@ -63,15 +63,13 @@ NoEngine &no_engine() {
 
 constinit SeloEngine *current = nullptr;
 
-constexpr int engine_version = 4500;
-
 void run_callback(miniM *text) {
     if (!text || text->count() < 1) return;
     Mm statement(0, 0, 0, text->ndims(), text->dims(), kn_double);
     int n = text->count();
     if (statement.getnnz() < n) return;
     std::memcpy(statement.addr(), text->addr(), sizeof(double) * static_cast<size_t>(n));
-    statement.setstr(text->is_string());
+    statement.setstr(1);
     evaluate_guarded(statement);
 }
 
@@ -84,7 +82,7 @@ void release_value(Mm *value) { delete value; }
 SeloEngine &engine() { return current ? *current : no_engine(); }
 
 void start_engine() {
-    engine().selo_start(engine_version);
+    engine().selo_start(QUORVEX_VERSION);
     engine().selo_set_eval_hook(run_callback);
     engine().selo_set_error_hook(report);
     engine().selo_set_free_hook(release_value);

@@ -102,7 +102,7 @@ constinit kn_code_handler kn_debug_handler = kn_default_debug;
 
 constinit unsigned kn_default_error_flags = 7;
 constinit unsigned kn_default_warning_flags = 3;
-constinit kn_error_stack_t kn_error_stack = {{}, {}, 0, kn_error_stack.line};
+constinit kn_error_stack_t kn_error_stack;
 
 // -- Entry points.
 

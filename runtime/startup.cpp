@@ -122,8 +122,9 @@ KN_FIRST Startup startup;
 } // namespace kn
 
 void initM2(int version, int size_of_Mm) {
-    if (version != 4500)
-        error("Version mismatch - runtime version is %g but quorvex.h version is %g.", 4.5, version * 0.001);
+    if (version != QUORVEX_VERSION)
+        error("Version mismatch - runtime version is %g but quorvex.h version is %g.",
+              QUORVEX_VERSION * 0.001, version * 0.001);
     int own = static_cast<int>(sizeof(Mm));
     if (size_of_Mm != own)
         error("sizeof(Mm) mismatch - runtime size is %d but current size is %d", own, size_of_Mm);

@@ -62,11 +62,12 @@ double error_input(const char *name, int n) {
 
 namespace {
 
-// The rows of a text, joined by newlines and cut at size - 1 characters; nothing for what is no text or
-// number.
-void text_of(const Mm &x, char *buf, int size) {
+// The rows of a text, joined by newlines and cut at size - 1 characters. What is no text or number is
+// reported in the caller's name, and false.
+bool text_of(const char *caller, const Mm &x, char *buf, int size) {
+    if (error_numeric(x, caller)) return false;
     int n = 0;
-    Mm text = error_numeric(x, "message") ? nop_M : mdouble(x);
+    Mm text = mdouble(x);
     int rows = text.rows(), cols = rows ? text.getnnz() / rows : 0;
     for (int r = 0; r < rows; ++r)
         for (int c = r ? -1 : 0; c < cols && n < size - 1; ++c)
@@ -74,6 +75,7 @@ void text_of(const Mm &x, char *buf, int size) {
                 c < 0 ? '\n'
                       : static_cast<char>(double_to_int(text.addr()[r + static_cast<ptrdiff_t>(c) * rows]));
     buf[n] = '\0';
+    return true;
 }
 
 } // namespace
@@ -82,16 +84,13 @@ using kn::lasterr_buffer;
 
 Mm error(const Mm &msg) {
     char text[kn::text_size];
-    if (msg.size() > 0) {
-        text_of(msg, text, sizeof text);
-        error("%s", text);
-    }
+    if (msg.size() > 0 && text_of("error", msg, text, sizeof text)) error("%s", text);
     return x_M;
 }
 
 Mm warning(const Mm &msg) {
     char text[1025];
-    text_of(msg, text, sizeof text);
+    if (!text_of("warning", msg, text, sizeof text)) return x_M;
     if (std::strcmp(text, "on") != 0 && std::strcmp(text, "off") != 0) warning("%s", text);
     return x_M;
 }
@@ -105,7 +104,7 @@ Mm lasterr() {
 }
 
 Mm lasterr(const Mm &text) {
-    text_of(text, lasterr_buffer, sizeof lasterr_buffer);
+    text_of("lasterr", text, lasterr_buffer, sizeof lasterr_buffer);
     return x_M;
 }
 

@@ -112,7 +112,7 @@ template <class T> struct Fields {
         if (im)
             append_field(out, re[k], im[k], re_format, im_format);
         else
-            append_field(out, re[k], re_format);
+            append_number(out, re[k], re_format);
     }
 };
 
@@ -215,18 +215,16 @@ size_t Digits::write(char *out, double x) const {
                                out);
 }
 
-int precision_of(const Mm &digits) { return double_to_int(digits.r()); }
+int precision_of(const Mm &digits) {
+    return digits.gettype() == kn_uint8 ? digits.ur(1) : double_to_int(digits.r());
+}
 
 void append_number(TextBuffer &out, double x, const NumberFormat &f) {
     char text[Digits::room];
     size_t start = out.size(), n = f.digits.write(text, x);
-    out.append_blanks(f.lead + (n < f.width ? f.width - n : 0));
+    if (n < f.width) out.append_blanks(f.width - n);
     out.append({text, n});
     if (out && !std::isfinite(x)) respell(out, start, x);
-}
-
-void append_field(TextBuffer &out, double re, const NumberFormat &re_format) {
-    append_number(out, re, re_format);
 }
 
 void append_field(TextBuffer &out, double re, double im, const NumberFormat &re_format,

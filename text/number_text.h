@@ -27,18 +27,17 @@ class Digits {
 // The first element of `digits` as the P of Digits.
 int precision_of(const Mm &digits);
 
-// The format of a number: `lead` blanks, then %{width}.{P}g.
+// The format %{width}.{P}g.
 struct NumberFormat {
     Digits digits;
-    size_t width = 0, lead = 0;
+    size_t width = 0;
 };
 
 // Appends a number as it is shown: NaN, Inf and -Inf in the language's spelling, within the same width.
 void append_number(TextBuffer &out, double x, const NumberFormat &f);
 
-// Appends the field of an element. The imaginary part is a blank, its sign, its magnitude by im_format and
-// "i"; all blanks when it is 0.
-void append_field(TextBuffer &out, double re, const NumberFormat &re_format);
+// Appends the field of a complex element. The imaginary part is a blank, its sign, its magnitude by im_format
+// and "i"; all blanks when it is 0.
 void append_field(TextBuffer &out, double re, double im, const NumberFormat &re_format,
                   const NumberFormat &im_format);
 

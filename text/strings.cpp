@@ -48,8 +48,7 @@ Mm TM(const char *s) {
 }
 
 void Mstr(const double *data, int rows, int cols, char *buf, int size) {
-    if (size < 1) return;
-    *buf = '\0';
+    if (size > 0) *buf = '\0';
     if (rows < 1 || cols < 0) return;
     if ((static_cast<long long>(cols) + 1) * rows > size) {
         warning("Mstr: buffer too small - chopped");

@@ -24,15 +24,17 @@ QUORVEX_API Mm zeros();   // 0
 QUORVEX_API Mm eye();     // 1
 QUORVEX_API Mm cputime(); // always 0
 
-// One number, uniform on (0, 1) or standard normal. As functions of the language they also take a text first:
+// One number, uniform on [0, 1) or standard normal. As functions of the language they also take a text first:
 // randM("state"), randM("state", y) read and set the state (35 elements; 2 for randn); "seed" the seed of the
 // older generators. Setting selects the generator. Both streams are exact: a state gives the same numbers
-// everywhere. Sources: Marsaglia and Zaman (subtract with borrow), Marsaglia's xorshift, Park and Miller
-// (seed), Marsaglia and Tsang (RNOR).
+// everywhere. "%s('state',y): y must be scalar or %d-element state vector" for another count. Sources:
+// Marsaglia and Zaman (subtract with borrow), Marsaglia's xorshift, Park and Miller (seed), Marsaglia and
+// Tsang (RNOR).
 QUORVEX_API double randM();
 QUORVEX_API double randn();
 
-// A zero matrix, or an identity, with an imaginary plane of zeros when `complex` is set.
+// A zero matrix, or an identity, with an imaginary plane of zeros when `complex` is set. More than four
+// extents are cut ("czeros: too many dimensions").
 QUORVEX_API Mm czeros(int complex, int rows, int cols);
 QUORVEX_API Mm czeros(int complex, int ndims, const int *dims);
 QUORVEX_API Mm ceye(int complex, int rows, int cols);

@@ -3,8 +3,7 @@
 //     #define QUORVEX_..._COUNTS(ROW) ROW(lt, 2) ROW(max, 1, 2, 3)
 //
 // and QUORVEX_REPORT_OTHER_COUNTS makes, from each row, the overload that takes every other count of values
-// and reports
-// "%s does not accept %d input%s". The same rows make the list of all functions.
+// and reports "%s does not accept %d input%s". The same rows make the list of all functions.
 #ifndef QUORVEX_COUNTS_H
 #define QUORVEX_COUNTS_H
 

@@ -24,14 +24,18 @@ QUORVEX_API Mm disp_header(const Mm &m); // "x (2x2)=4 double elements real (32 
 QUORVEX_API Mm celldisp(const Mm &m); // each element of a cell with its subscripts; "%s is not a cell array."
 QUORVEX_API Mm dump(const Mm &m);     // the header's fields, for debugging
 
-QUORVEX_API void whos_line(const Mm &m);   // name and description
+// Name and description on one line; "whos: bad name pointer %08X" for a name that can't be read.
+QUORVEX_API void whos_line(const Mm &m);
 QUORVEX_API Mm get_whos_line(const Mm &m); // the description, " (2x2)=4 double elements real (32 bytes)"
 QUORVEX_API const char *
 kn_class_word(const Mm &m); // "char", "sparse", "struct", the class name, "cell", "uint8", "double"
 
-// A number as text, a line per row: with `digits` significant digits (default 4, leading blanks removed). The
-// form with outputs keeps the blanks and gives the width of the first field. "Can not convert %s into a
-// numerical matrix" for cells and structures.
+// Numbers as text, a line per row, a line per stored element of a sparse value. num2str(m) has 4 significant
+// digits and removes the columns of blanks in front; the other forms, with `digits` of them (default 4), keep
+// these blanks, and give the width of the first field. Text stays as it is (but for blanks in front and null
+// characters, which num2str(m) removes). Of an empty value "[]", of empty text "''", of a variable without a
+// value "(this variable has no value)". "Can not convert %s into a numerical matrix" for cells and
+// structures.
 QUORVEX_API Mm num2str(const Mm &m);
 QUORVEX_API Mm num2str(const Mm &m, const Mm &digits);
 QUORVEX_API Mm num2str(const Mm &m, i_o_t, Mm &text, Mm &width);
@@ -49,7 +53,8 @@ QUORVEX_API int Mstr_size(const Mm &m);                      // bytes that Mstr 
 
 // -- Console.
 
-// A line from the user as numbers (nop_M when empty; warns about text), or with a second input as text.
+// A line from the user as numbers, or, with any second input, as text up to the first newline. As numbers, an
+// empty line gives nop_M, and text the warning "input: text is non-numeric, use input(...,'s')". The line
 // "ctrl_c_event" is the error "Ctrl-C".
 QUORVEX_API Mm input(const Mm &prompt);
 QUORVEX_API Mm input(const Mm &prompt, const Mm &s);

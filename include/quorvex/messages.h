@@ -71,10 +71,10 @@ QUORVEX_API void kn_set_error_source(const char *file, const char *text);
 // to depth are live.
 
 struct kn_error_stack_t {
-    const char *file[513];
-    int line[513];
-    int depth;
-    int *line_ptr;
+    const char *file[513] = {};
+    int line[513] = {};
+    int depth = 0;
+    int *line_ptr = line;
 };
 extern QUORVEX_API kn_error_stack_t kn_error_stack;
 
@@ -90,6 +90,7 @@ QUORVEX_API int error_square(const Mm &x, const char *name);
 QUORVEX_API int error_sparse(const Mm &x, const char *name);
 QUORVEX_API int error_struct(const Mm &x, const char *name);
 QUORVEX_API int error_numeric(const Mm &x, const char *name);
+// Outputs first: "Too few (%d<%d) outputs for %s", "Too many (%d>%d) ...", then the same of inputs.
 QUORVEX_API void validate_narg(const char *name, int nargout, int nargin, int min_out, int max_out,
                                int min_in, int max_in);
 // "%s does not accept %d input%s"; returns 0.
@@ -97,6 +98,8 @@ QUORVEX_API double error_input(const char *name, int n);
 
 // -- Language functions.
 
+// A text's rows are joined by newlines; numbers are taken as character codes; for a cell or structure
+// error_numeric speaks.
 QUORVEX_API Mm error(const Mm &msg);   // nothing for an empty msg; at most 2047 characters
 QUORVEX_API Mm warning(const Mm &msg); // at most 1024 characters; "on" and "off" have no effect
 QUORVEX_API Mm warning();              // "on"

@@ -41,11 +41,10 @@
     ROW(mbitand, 2) ROW(mbitor, 2) ROW(minus, 2) ROW(mod, 2) ROW(mor, 2) ROW(mrdivide, 2) ROW(mtimes, 2)    \
     ROW(mxor, 2) ROW(ne, 2) ROW(plus, 2) ROW(power, 2) ROW(rdivide, 2) ROW(rem, 2) ROW(times, 2)
 
-// Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim ("%s: dim argument may not
-// be empty",
-// "%s: dimension=%d does not exist for matrix %s"). Results keep uint8 (wrapping at 256), but sum of uint8 is
-// double. Of an empty value, without dim: all and prod give 1, any and sum 0; everything else gives empty.
-// median is NaN when the slice holds one. sumabs is sum(abs(a)).
+// Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim. Reported are "%s: dim
+// argument may not be empty" and "%s: dimension=%d does not exist for matrix %s". Results keep uint8 (wrapping
+// at 256), but sum of uint8 is double. Of an empty value, without dim: all and prod give 1, any and sum 0;
+// everything else gives empty. median is NaN when the slice holds one. sumabs is sum(abs(a)).
 #define QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                                    \
     ROW(all, 1, 2) ROW(any, 1, 2) ROW(cumprod, 1, 2) ROW(cumsum, 1, 2) ROW(median, 1, 2) ROW(prod, 1, 2)    \
     ROW(sum, 1, 2) ROW(sumabs, 1, 2)

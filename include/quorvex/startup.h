@@ -4,6 +4,9 @@
 
 #include "quorvex/messages.h"
 
+// Version of the hand-shake: the first argument of initM2.
+#define QUORVEX_VERSION 4500
+
 // Constants. A program may overwrite them; initM2 restores them.
 extern QUORVEX_API Mm ans, i, j, pi, Inf, NaN, eps, TICTOC;
 extern QUORVEX_API Mm one_M, zero_M;
@@ -17,8 +20,9 @@ extern QUORVEX_API Mm x_M;   // no value to give
 extern QUORVEX_API Mm l_M;   // no further operand
 extern QUORVEX_API const char *kn_l_name, *kn_semi_name, *kn_colon_name;
 
-// First call of generated code: checks the version and the size of Mm it was built with, then resets the
-// floating-point state and the constants. May be called again.
+// First call of generated code: checks the version and the size of Mm it was built with ("Version mismatch -
+// ...", "sizeof(Mm) mismatch - ..."), then resets the floating-point state and the constants. May be called
+// again.
 QUORVEX_API void initM2(int version, int size_of_Mm);
 // Closes the graphics side; the process goes on.
 QUORVEX_API void exitM();

@@ -71,14 +71,15 @@ class QUORVEX_API Mm {
 
     Mm();         // 0 by 0 double
     Mm(double x); // 1 by 1
-    // rows by cols (a sparse value: room for nnz entries; else nnz is not used). A zero extent gives 0 by 0.
+    // rows by cols (a sparse value: room for nnz entries, of which at most rows * cols are stored; else nnz
+    // is not used). A zero extent gives 0 by 0.
     Mm(int complex, int sparse, int nnz, int rows, int cols, kn_matrix_types t);
     // ndims (at most 4) extents from dims; trailing extents of 1 above the second are dropped.
     Mm(int complex, int sparse, int nnz, int ndims, const int *dims, kn_matrix_types t);
     // A named variable without a value. Registered in the workspace when the library runs under an
     // interactive host.
     Mm(i_o_t, const char *name, int global);
-    Mm(const char *name, int rows, int cols);
+    Mm(const char *name, int rows, int cols); // a named double
     // Shares the block. The copy has no name and is neither persistent nor global.
     Mm(const Mm &src);
     Mm(const Mm &src, const char *name); // keeps `global`
@@ -115,6 +116,8 @@ class QUORVEX_API Mm {
     int vectordim() const;      // the only dimension above 1; 0 if there are several; 2 if there is none
     void collapse();            // drops trailing extents of at most 1 above the second
     void reshape(int r, int c); // this header only; error "reshape: size=%d is different than %d*%d"
+    // The same to n extents, of which those above the fourth must be 1: "reshape: size=%d is different than
+    // the product of new dimensions".
     void reshape(int n, const int *d);
 
     // -- Predicates.
@@ -130,7 +133,7 @@ class QUORVEX_API Mm {
     // -- Fields of the header.
 
     const char *getname() const { return name; }
-    void setname(const char *n);
+    void setname(const char *n); // registers the value as the constructor with a name does
     M_types &getflags() const { return const_cast<M_types &>(flags); }
     kn_matrix_types &gettype() const { return const_cast<kn_matrix_types &>(flags.type); }
     int &getndims() const { return const_cast<int &>(ndims); }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <optional>
 
+#include "core/header.h"
 #include "core/op_names.h"
 #include "core/scalar_kernels.h"
 #include "core/scratch.h"
@@ -790,3 +791,14 @@ TEST(ElementEngine, a_thrown_error_leaves_nothing_behind) {
 }
 
 } // namespace
+
+TEST(Elementary, square_root_of_reals_in_the_complex_plane) {
+    EXPECT_SAME(sqrt(row({-1, NAN, 1.7e308, 4})),
+                test::complex_of(row({0, NAN, std::sqrt(1.7e308), 2}), row({1, 0, 0, 0})));
+}
+
+TEST(SparsePlan, dense_plan_passes_a_report_on) {
+    test::Returning returning;
+    EXPECT_TRUE(kn::same_block(sum(sparse(test::M({{1, 2}, {3, 4}})), 7), x_M));
+    EXPECT_EQ(returning.errors().size(), 1u);
+}

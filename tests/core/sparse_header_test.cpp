@@ -108,6 +108,14 @@ TEST(SparseHeader, extend_nnz_makes_room_of_zeros) {
     none.extend_nnz(3);
     EXPECT_EQ(none.getnnz(), 3);
     EXPECT_EQ(none.size(), 0);
+
+    // More entries than the extents have, in a list that somebody else holds too.
+    Mm list = sparse_of(1, 2, {{1, 5}});
+    list.extend_nnz(5);
+    Mm other = list;
+    list.sort();
+    EXPECT_EQ(positions(list), (std::vector<int>{0, 0, 0, 0, 1}));
+    EXPECT_EQ(positions(other), (std::vector<int>{1, 0, 0, 0, 0}));
 }
 
 TEST(SparseHeader, other_holders_keep_their_entries) {

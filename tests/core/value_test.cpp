@@ -80,6 +80,8 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
     EXPECT_EQ(s.getp(), 11);
     EXPECT_TRUE(s.issparse() && s.getindex());
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getnnz(), 20);
+    EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getp(), 38) << "the room asked for stays";
+    EXPECT_SAME(Mm(0, 1, 30, 0, 5, kn_double), Mm(0, 1, 0, 0, 0, kn_double));
     EXPECT_EQ(Mm(0, 1, -3, 4, 5, kn_double).getnnz(), 0);
     Mm none(1, 1, 0, 4, 5, kn_double);
     EXPECT_EQ(dims(none), (std::vector<int>{4, 5, 1, 1})) << "no entries, but extents";

@@ -285,6 +285,22 @@ TEST_F(Messages, error_and_warning_of_values) {
     EXPECT_SAME(warning(), TM("on"));
 }
 
+TEST_F(Messages, what_has_no_text_is_reported_once) {
+    Mm cell = named("c", test::cell_of(1, 1, {1.0}));
+    lasterr(TM("mine"));
+    test::Returning errors;
+    test::Warnings warnings;
+    EXPECT_SAME(error(cell), x_M);
+    EXPECT_SAME(warning(cell), x_M);
+    EXPECT_SAME(lasterr(cell), x_M);
+    EXPECT_EQ(errors.errors(),
+              (std::vector<std::string>{"error: numeric data expected, but matrix c is not",
+                                        "warning: numeric data expected, but matrix c is not",
+                                        "lasterr: numeric data expected, but matrix c is not"}));
+    EXPECT_TRUE(warnings.texts().empty());
+    EXPECT_SAME(lasterr(), TM("mine"));
+}
+
 TEST_F(Messages, position_of_the_innermost_entry) {
     EXPECT_SAME(mfilename(), TM("unknown"));
     EXPECT_SAME(mfileline(), Mm(0.0));

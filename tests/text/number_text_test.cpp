@@ -88,6 +88,8 @@ TEST(NumberText, any_precision_prints_what_printf_prints) {
     }
     EXPECT_EQ(num2str(0.1, HUGE_VAL).cols(), 57 + 2) << "the precision saturates, the digits end";
     EXPECT_EQ(text_of(num2str(1234567.0, -3.0)), "  1.23457e+06");
+    EXPECT_EQ(text_of(num2str(M_PI, U8({{3}}))), "  3.14");
+    EXPECT_RAISES(num2str(1.0, cell_of(1, 1, {3.0})), ".r / .i : wrong matrix type");
 }
 
 TEST(NumberText, fields_follow_the_widest_number) {

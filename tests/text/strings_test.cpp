@@ -52,6 +52,7 @@ TEST(Strings, Mstr_leaves_an_empty_string_when_the_buffer_is_small) {
     char guard = '#';
     Mstr(TM("abc"), &guard, 0);
     EXPECT_EQ(guard, '#');
+    EXPECT_EQ(warnings.texts().size(), 2u);
     EXPECT_RAISES(Mstr(cell_of(1, 1, {1.0}), &guard, 1), "Can not convert (temporary) into a numeric matrix");
 }
 
