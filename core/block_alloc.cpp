@@ -23,9 +23,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/lock.h"
 #include "core/scratch.h"
 #include "platform/platform.h"
-#include "quorvex/startup.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define KN_ASAN 1
@@ -161,20 +161,7 @@ struct Buckets {
 
 constinit Buckets buckets;
 
-class BlockLock {
-  public:
-    BlockLock() : held_(kn_threads_flag != 0) {
-        if (held_) os::enter_lock(2);
-    }
-    ~BlockLock() {
-        if (held_) os::leave_lock(2);
-    }
-    BlockLock(const BlockLock &) = delete;
-    BlockLock &operator=(const BlockLock &) = delete;
-
-  private:
-    bool held_;
-};
+constexpr int block_lock = 2;
 
 } // namespace
 } // namespace kn
@@ -192,7 +179,7 @@ void *kn_block_alloc(size_t n) {
         p = start + distance;
         p[-1] = static_cast<byte>(distance);
     } else {
-        BlockLock lock;
+        Lock lock(block_lock);
         p = buckets.take(m);
         if (!p) return nullptr;
         p += front_size;
@@ -209,7 +196,7 @@ void kn_block_free(void *block) {
     if (p[-1]) {
         std::free(p - p[-1]);
     } else {
-        BlockLock lock;
+        Lock lock(block_lock);
         buckets.give(p - front_size);
     }
 }

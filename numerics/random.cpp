@@ -5,7 +5,7 @@
 #include <bit>
 #include <cmath>
 
-#include "platform/platform.h"
+#include "core/lock.h"
 #include "quorvex/startup.h"
 
 namespace kn {
@@ -28,21 +28,7 @@ std::uint32_t xorshift(std::uint32_t j) {
 
 double as_signed(std::uint32_t x) { return static_cast<std::int32_t>(x); }
 
-// Holds the lock of the generators while threads are on.
-class Guard {
-  public:
-    Guard() : on_(kn_threads_flag != 0) {
-        if (on_) os::enter_lock(1);
-    }
-    ~Guard() {
-        if (on_) os::leave_lock(1);
-    }
-    Guard(const Guard &) = delete;
-    Guard &operator=(const Guard &) = delete;
-
-  private:
-    bool on_;
-};
+constexpr int random_lock = 1;
 
 } // namespace
 
@@ -170,11 +156,11 @@ template <class Step> double NormalGenerator::from_seed(Step step) {
 
 template <class Generator> double RandomFunction<Generator>::draw() {
     auto uniform = [this] {
-        Guard guard;
+        Lock lock(random_lock);
         return old_.next();
     };
     if (!use_state_.load(std::memory_order_relaxed)) return Generator::from_seed(uniform);
-    Guard guard;
+    Lock lock(random_lock);
     return now_.next();
 }
 
@@ -193,7 +179,7 @@ template <class Generator> void RandomFunction<Generator>::fill(double *x, ptrdi
 }
 
 template <class Generator> bool RandomFunction<Generator>::set_state(const double *y, int n) {
-    Guard guard;
+    Lock lock(random_lock);
     use_state_ = true;
     if (n == 1)
         now_.reset(y[0]);
@@ -205,18 +191,18 @@ template <class Generator> bool RandomFunction<Generator>::set_state(const doubl
 }
 
 template <class Generator> void RandomFunction<Generator>::get_state(double *y) const {
-    Guard guard;
+    Lock lock(random_lock);
     now_.get(y);
 }
 
 template <class Generator> void RandomFunction<Generator>::set_seed(double y) {
-    Guard guard;
+    Lock lock(random_lock);
     use_state_ = false;
     old_.set(y);
 }
 
 template <class Generator> double RandomFunction<Generator>::get_seed() const {
-    Guard guard;
+    Lock lock(random_lock);
     return old_.get();
 }
 
