@@ -32,6 +32,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # copy relocation.)
     target_compile_options(quorvex_objects PRIVATE -fno-semantic-interposition)
 endif()
+# Headers of values are written field by field and copied right after that: a copy by wider moves would wait until
+# the fields are in the cache.
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    set_source_files_properties(core/value.cpp PROPERTIES COMPILE_OPTIONS -fno-tree-slp-vectorize)
+endif()
 target_link_libraries(quorvex_objects
     PUBLIC ${QUORVEX_PRIVATE_LIBRARIES}
     PRIVATE quorvex_warnings quorvex_kernels Boost::headers)

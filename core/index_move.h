@@ -40,7 +40,11 @@ template <class T> void gather(T *to, const T *from, const Positions &p, ptrdiff
 template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, const T *from, int step) {
     int n = p.count();
     if (!p.is_run()) {
-        for (int k = 0; k < n; ++k) to[p.list()[k] * stride] = from[k * step];
+        const int *at = p.list();
+        if (stride == 1 && step == 1)
+            for (int k = 0; k < n; ++k) to[at[k]] = from[k];
+        else
+            for (int k = 0; k < n; ++k) to[at[k] * stride] = from[k * step];
         return;
     }
     to += p.first() * stride;

@@ -92,14 +92,14 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
     if (i.getnnz() == 0) return true;
     if (s == 0) return delete1(t, i);
 
+    Selection sel;
+    if (!sel.add(i, n)) return false;
     // A mask makes the target as long as itself; numbers count rounded.
-    int m = i.islogical() ? i.getnnz() : largest_rounded(i);
+    int m = i.islogical() ? i.getnnz() : largest_rounded(i, sel[0]);
     if (m <= 0) {
         error("%s(%s): index is non-positive", kn_display_name(t), kn_display_name(i));
         return false;
     }
-    Selection sel;
-    if (!sel.add(i, n)) return false;
     int count = sel[0].count();
     bool fits = s == 1 || s == count;
 
@@ -152,7 +152,7 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
             dims[k] = std::max(dims[k], sel[k].largest() + 1);
             continue;
         }
-        int m = largest_rounded(index);
+        int m = largest_rounded(index, sel[k]);
         if (m < 1) return report(texts[k]);
         dims[k] = std::max(dims[k], m);
     }

@@ -98,14 +98,14 @@ const Mm *RefAccess::find(const Mr &r, const Mm *src) {
     };
     if (r.kind == Mr_brace) {
         const Mm *cell = container(r, src);
-        int k = open(cell) ? scalar_position(*cell, subscripts(r)) : -1;
+        int k = open(cell) ? scalar_position(*cell, r.nidx, r.idx) : -1;
         return k >= 0 ? re<Mm>(*cell) + k : nullptr;
     }
     if (r.kind != Mr_member) return nullptr;
     bool of_array = r.chained && r.base_r->kind == Mr_paren; // s(k).member
     const Mm *s = of_array ? container(*r.base_r, src) : container(r, src);
     if (!open(s) || !s->isstruct()) return nullptr;
-    int k = of_array ? scalar_position(*s, subscripts(*r.base_r)) : s->getnnz() == 1 ? 0 : -1;
+    int k = of_array ? scalar_position(*s, r.base_r->nidx, r.base_r->idx) : s->getnnz() == 1 ? 0 : -1;
     if (k < 0) return nullptr;
     const Mm *values = re<Mm>(*s) + k;
     int f = s->findfield(r.member_name, 0);
@@ -210,7 +210,7 @@ Mm RefAccess::read(const Mr &r, int strict) {
     const Mm *base = container(r, nullptr);
     if (base) {
         if (r.kind == Mr_paren && base->gettype() == kn_double && !base->isc() && !base->getclassid()) {
-            int at = scalar_position(*base, subscripts(r));
+            int at = scalar_position(*base, r.nidx, r.idx);
             if (at >= 0) return number(*base, at);
         }
         return read(*base, r, strict);
@@ -243,7 +243,7 @@ bool assign_element(Mm &t, const Subscripts &s, const Mm &src) {
     if (t.gettype() != kn_double || t.dirty() || t.getclassid()) return false;
     if (src.gettype() != kn_double || src.getnnz() != 1 || src.isc() || !is_plain(src)) return false;
     double x = *src.addr();
-    int at = scalar_position(t, s);
+    int at = scalar_position(t, s.n, s.at);
     if (at >= 0) {
         for (int k = 0; k < s.n; ++k) { // fractions grow the target by the rounded number
             double v = *s[k].addr();
@@ -417,7 +417,7 @@ Mr::Mr(const Mr &base, const char *member) : Mr(base, Mr_member, 0, nullptr) { m
 
 Mr::Mr(const Mm &base, Mr_idx_type k, int n, const Mm *const *subscripts) : Mr() {
     base_m = const_cast<Mm *>(&base);
-    base.getflags().scalar_only = 0;
+    if (base.getflags().scalar_only) base.getflags().scalar_only = 0;
     set(k, n, subscripts);
 }
 

@@ -2,7 +2,8 @@
 
 #include "core/selection.h"
 
-#include <numeric>
+#include <bit>
+#include <cstdint>
 
 #include "core/index_messages.h"
 #include "core/scalar_kernels.h"
@@ -23,20 +24,35 @@ int count_selected(const Mm &s) {
     return mask ? count_nonzero(s.addr(), s.getnnz()) : s.getnnz();
 }
 
+// Positions of index values that are all whole numbers from 1 on; false when one is not. Without a comparison
+// or a conversion, which would cost more than the move: beside 2^52 the last bits of a double count ones.
+bool count_positions(int *list, const double *v, int n) {
+    constexpr double shift = 0x1p52;
+    uint64_t odd = 0;
+    for (int k = 0; k < n; ++k) {
+        double x = v[k] - 1.0;
+        uint64_t bits = std::bit_cast<uint64_t>(x + shift);
+        list[k] = static_cast<int>(static_cast<uint32_t>(bits));
+        odd |= std::bit_cast<uint64_t>(std::bit_cast<double>(bits) - shift - x);
+        odd |= ((bits ^ std::bit_cast<uint64_t>(shift)) + 1) >> 31;
+    }
+    return odd == 0;
+}
+
 } // namespace
 
-int scalar_position(const Mm &base, const Subscripts &s) {
+int scalar_position(const Mm &base, int n, const Mm *const *s) {
     auto inside = [](const Mm &i, int extent) {
         if (!is_scalar_subscript(i)) return -1;
         double at = *i.addr() - 1.0;
         return at > -1.0 && at < extent ? static_cast<int>(at) : -1;
     };
-    if (base.issparse() || s.n == 0) return -1;
-    if (s.n == 1) return inside(s[0], base.getnnz());
+    if (base.issparse() || n <= 0) return -1;
+    if (n == 1) return inside(*s[0], base.getnnz());
     ptrdiff_t at = 0;
     const int *dims = base.getdims();
-    for (int k = s.n; k-- > 0;) {
-        int l = inside(s[k], dims[k]);
+    for (int k = n; k-- > 0;) {
+        int l = inside(*s[k], dims[k]);
         if (l < 0) return -1;
         at = at * dims[k] + l;
     }
@@ -59,7 +75,7 @@ void Positions::settle(int *list, int n) {
         set_run(0, 0);
         return;
     }
-    if (static_cast<long long>(largest_) - least_ != n - 1) return;
+    if (static_cast<long long>(largest_) - list[0] != n - 1) return;
     for (int k = 1; k < n; ++k)
         if (list[k] != list[0] + k) return;
     set_run(list[0], n);
@@ -80,11 +96,17 @@ bool Positions::set_values(const double *v, int n) {
     }
     int *list = room(n);
     if (!list) return false;
-    for (int k = 0; k < n; ++k) list[k] = position(v[k]);
-    int least = list[0], largest = list[0];
-    for (int k = 1; k < n; ++k) {
-        least = std::min(least, list[k]);
-        largest = std::max(largest, list[k]);
+    constexpr ptrdiff_t block = 1024; // stays in the cache for all loops
+    int least = 0, largest = INT_MIN;
+    counts_ = true;
+    for (ptrdiff_t start = 0; start < n; start += block) {
+        int *at = list + start, m = static_cast<int>(std::min(n - start, block));
+        if (!count_positions(at, v + start, m)) {
+            for (int k = 0; k < m; ++k) at[k] = position(v[start + k]);
+            for (int k = 0; k < m; ++k) least = std::min(least, at[k]);
+            counts_ = false;
+        }
+        for (int k = 0; k < m; ++k) largest = std::max(largest, at[k]);
     }
     least_ = least;
     largest_ = largest;
@@ -94,6 +116,7 @@ bool Positions::set_values(const double *v, int n) {
 
 bool Positions::set(const Mm &s, int extent, int mask_end) {
     int stored = s.getnnz();
+    counts_ = false;
     if (is_colon(s)) {
         set_run(0, extent);
     } else if (!s.islogical()) {
@@ -126,6 +149,7 @@ bool Positions::set(const Mm &s, int extent, int mask_end) {
 }
 
 bool Positions::set_nonzero(const char *mask, int n) {
+    counts_ = false;
     int count = static_cast<int>(n - std::count(mask, mask + n, 0));
     int *list = room(count + 1);
     if (!list) return false;
@@ -206,22 +230,16 @@ int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int s
     return total;
 }
 
-int largest_rounded(const Mm &s) {
+int largest_rounded(const Mm &s, const Positions &p) {
+    if (p.are_counts()) return p.largest() + 1;
     const double *v = s.addr();
-    int n = s.getnnz(), k = 0;
-    constexpr int lanes = 4; // maxima that do not wait for each other
-    double largest[lanes] = {};
-    bool positive = true;
-    for (; k + lanes <= n; k += lanes)
-        for (int l = 0; l < lanes; ++l) {
-            positive &= v[k + l] >= 0.5;
-            largest[l] = v[k + l] > largest[l] ? v[k + l] : largest[l];
-        }
-    for (; k < n; ++k) {
-        positive &= v[k] >= 0.5;
-        largest[0] = std::max(largest[0], v[k]);
+    int n = s.getnnz();
+    double largest = 0;
+    for (int k = 0; k < n; ++k) {
+        if (!(v[k] >= 0.5)) return 0;
+        largest = std::max(largest, v[k]);
     }
-    return positive ? double_to_int(round_half_away(*std::max_element(largest, largest + lanes))) : 0;
+    return double_to_int(round_half_away(largest));
 }
 
 } // namespace kn

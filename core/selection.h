@@ -44,8 +44,9 @@ inline bool is_plain(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
 inline bool is_scalar_subscript(const Mm &s) {
     return s.getnnz() == 1 && is_plain(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
 }
-// Linear position in a full value that scalar subscripts select; -1 when they lie outside or are no scalars.
-int scalar_position(const Mm &base, const Subscripts &s);
+// Linear position in a full value that n scalar subscripts select; -1 when they lie outside or are no
+// scalars.
+int scalar_position(const Mm &base, int n, const Mm *const *subscripts);
 
 // The positions of one subscript.
 class Positions {
@@ -66,11 +67,15 @@ class Positions {
     const int *list() const { return list_; }
     int operator[](int k) const { return list_ ? list_[k] : first_ + k; }
     int largest() const { return largest_; } // -1 for none
+    // Whether they are known to come from whole numbers, none below 1.
+    bool are_counts() const { return counts_; }
     // Which of them is the first outside [0, extent); -1 for none.
     int first_outside(int extent) const;
 
   private:
-    int count_ = 0, first_ = 0, least_ = 0, largest_ = -1;
+    int count_ = 0, first_ = 0, largest_ = -1;
+    int least_ = 0; // none is smaller
+    bool counts_ = false;
     const int *list_ = nullptr;
     int near_[16];
     std::optional<Scratch<int>> far_;
@@ -107,8 +112,8 @@ class Selection {
 int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int strict, int *dims);
 
 // The largest of index values rounded to the nearest whole number; 0 when one of them is not positive (NaN is
-// none).
-int largest_rounded(const Mm &s);
+// none). `p` holds their positions.
+int largest_rounded(const Mm &s, const Positions &p);
 
 } // namespace kn
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "core/header.h"
 #include "core/hooks.h"
@@ -89,11 +90,6 @@ using namespace kn;
 // Gives this header a block for nnz elements of flags.type (nnz -1: a count that does not fit). Without
 // memory it becomes an empty double on the static block.
 void Mm::allocate(int complex, int with_index) {
-    auto make_empty = [this] {
-        nnz = 0;
-        ndims = 2;
-        std::memset(dims, 0, sizeof dims);
-    };
     fields = nullptr;
     nfields = 0;
     classid = 0;
@@ -101,7 +97,11 @@ void Mm::allocate(int complex, int with_index) {
     refcount = nullptr;
     index = nullptr;
     bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
-    if (nnz < 1) make_empty();
+    if (nnz < 1) {
+        nnz = 0;
+        ndims = 2;
+        std::memset(dims, 0, sizeof dims);
+    }
 
     if (fits && flags.type == kn_Mm) {
         p = nnz + value_slack;
@@ -132,21 +132,28 @@ void Mm::allocate(int complex, int with_index) {
         free_values(static_cast<Mm *>(pr), p);
         kn_block_free(refcount);
     }
-    make_empty();
-    flags.type = kn_double;
-    flags.sparse = 0;
-    p = slack;
-    pr = no_memory_block.data;
-    pi = nullptr;
-    refcount = &no_memory_block.count;
-    ++*refcount;
+    hold_nothing();
     out_of_memory();
 }
 
-// Drops this header's hold on its block.
-void Mm::release() {
-    if (--*refcount == 0 && refcount != &no_memory_block.count) {
-        if (flags.type == kn_Mm) {
+// What it takes to give a block back.
+struct Mm::Block {
+    unsigned *refcount;
+    void *pr;
+    int *index;
+    const char **fields;
+    int p, nfields;
+    kn_matrix_types type;
+    const char *reported; // name of a scalar_only holder, for the debug handler
+
+    explicit Block(const Mm &m)
+        : refcount(m.refcount), pr(m.pr), index(m.index), fields(m.fields), p(m.p), nfields(m.nfields),
+          type(m.flags.type), reported(m.flags.scalar_only && m.nnz == 1 ? m.name : nullptr) {}
+
+    // Drops one hold on it.
+    void release() const {
+        if (--*refcount != 0 || refcount == &no_memory_block.count) return;
+        if (type == kn_Mm) {
             free_values(static_cast<Mm *>(pr), p);
             kn_block_free(refcount);
             for (int k = 0; k < nfields; ++k) heap_free(const_cast<char *>(fields[k]));
@@ -155,10 +162,54 @@ void Mm::release() {
             kn_block_free(pr);
         }
         kn_block_free(index);
-        if (flags.scalar_only && nnz == 1 && name && (kn_default_error_flags & 8))
-            kn_debug_handler('s', name);
+        if (reported && (kn_default_error_flags & 8)) kn_debug_handler('s', reported);
     }
-    pr = nullptr;
+};
+
+// Takes over the header of src, but not what belongs to this variable: name, shadow, persistent and global.
+// Field by field, as the fields were written: wider moves would wait for the writes (see
+// cmake/library.cmake).
+void Mm::hold(const Mm &src) {
+    ndims = src.ndims;
+    for (int k = 0; k < 4; ++k) dims[k] = src.dims[k];
+    p = src.p;
+    refcount = src.refcount;
+    pr = src.pr;
+    pi = src.pi;
+    nnz = src.nnz;
+    index = src.index;
+    fields = src.fields;
+    nfields = src.nfields;
+    classid = src.classid;
+    flags.str = src.flags.str;
+    flags.sparse = src.flags.sparse;
+    flags.logical = src.flags.logical;
+    flags.type = src.flags.type;
+}
+
+// A plain scalar in a block of its own, as a fresh one has it.
+bool Mm::is_number() const {
+    return is_plain_scalar() && *refcount == 1 && ndims == 2 && !index && p == 1 + slack;
+}
+
+bool Mm::is_plain_scalar() const { return flags.type == kn_double && !flags.sparse && !pi && nnz == 1; }
+
+// Makes this header, which holds no block, an empty double on the static block.
+void Mm::hold_nothing() {
+    nnz = 0;
+    ndims = 2;
+    std::memset(dims, 0, sizeof dims);
+    flags.type = kn_double;
+    flags.sparse = 0;
+    p = slack;
+    pr = no_memory_block.data;
+    pi = nullptr;
+    index = nullptr;
+    fields = nullptr;
+    nfields = 0;
+    classid = 0;
+    refcount = &no_memory_block.count;
+    ++*refcount;
 }
 
 Mm::Mm()
@@ -212,10 +263,9 @@ Mm::Mm(i_o_t, const char *n, int global) : Mm() {
 
 Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) { name = n; }
 
-Mm::Mm(const Mm &src) {
-    std::memcpy(static_cast<void *>(this), static_cast<const void *>(&src), sizeof(Mm));
-    name = nullptr;
-    shadow = nullptr;
+Mm::Mm(const Mm &src) : name(nullptr), shadow(nullptr) {
+    hold(src);
+    flags.scalar_only = src.flags.scalar_only;
     flags.persistent = 0;
     flags.global = 0;
     ++*refcount;
@@ -229,24 +279,43 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
 Mm::~Mm() {
     if (kn_interactive_flag && name && scope_hooks.detach) scope_hooks.detach(*this);
     ndims = -1;
-    release();
+    Block(*this).release();
 }
 
 Mm &Mm::operator=(const Mm &src) {
     if (this == &src) return *this;
     // The source may live inside the target's block: what this header held is dropped last.
-    alignas(Mm) char held[sizeof(Mm)];
-    std::memcpy(held, static_cast<void *>(this), sizeof(Mm));
-    const Mm &old = *reinterpret_cast<Mm *>(held);
+    Block old(*this);
     ++*src.refcount;
-    std::memcpy(static_cast<void *>(this), static_cast<const void *>(&src), sizeof(Mm));
-    name = old.name;
-    shadow = old.shadow;
-    flags.persistent = old.flags.persistent;
-    flags.global = old.flags.global;
-    bool plain = flags.type == kn_double && !flags.sparse && !pi && nnz == 1;
-    flags.scalar_only = plain && old.flags.scalar_only;
-    const_cast<Mm &>(old).release();
+    hold(src);
+    if (!is_plain_scalar()) flags.scalar_only = 0;
+    old.release();
+    return *this;
+}
+
+// A number takes the place of a number, unless its release is to be reported.
+Mm &Mm::operator=(double x) {
+    if (!is_number() || (kn_default_error_flags & 8)) return *this = Mm(x);
+    *addr() = x;
+    flags.str = flags.logical = 0;
+    return *this;
+}
+
+// A temporary's block changes hands without counting. Not for a target that holds values, among which the
+// temporary might live.
+Mm &Mm::operator=(Mm &&src) {
+    if (this == &src || flags.type == kn_Mm) return *this = src;
+    if (is_number() && src.is_number() && !(kn_default_error_flags & 8)) {
+        *addr() = *src.addr();
+        flags.str = src.flags.str;
+        flags.logical = src.flags.logical;
+        return *this;
+    }
+    Block old(*this);
+    hold(src);
+    if (!is_plain_scalar()) flags.scalar_only = 0;
+    src.hold_nothing();
+    old.release();
     return *this;
 }
 

@@ -97,6 +97,9 @@ class QUORVEX_API Mm {
     // Shares the block of src. The target keeps its name, persistent and global; its type and shape are
     // replaced.
     Mm &operator=(const Mm &src);
+    Mm &operator=(double x);
+    // The same for a temporary, which is left valid.
+    Mm &operator=(Mm &&src);
 
     // Heap headers come from the block allocator. "Out of memory!" is reported; std::bad_alloc when the
     // handler returns.
@@ -260,8 +263,12 @@ class QUORVEX_API Mm {
     M_types flags;
 
     ptrdiff_t at(int row, int col) const { return (row - 1) + static_cast<ptrdiff_t>(col - 1) * dims[0]; }
+    struct Block;
     void allocate(int complex, int with_index);
-    void release();
+    void hold(const Mm &src);
+    void hold_nothing();
+    bool is_plain_scalar() const;
+    bool is_number() const;
 };
 
 // The name of a value in messages: its name, "=%d" for an unnamed double scalar, "(temporary)" otherwise.

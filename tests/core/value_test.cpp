@@ -505,6 +505,32 @@ TEST(ValueNames, argument_counts) {
     nargin_val = nargout_val = 0;
 }
 
+TEST(Value, assignment_from_a_temporary_takes_its_block) {
+    Mm x(i_o, "x", 1), y = test::row({1, 2, 3});
+    double *elements = y.addr();
+    x = std::move(y);
+    EXPECT_EQ(x.addr(), elements);
+    EXPECT_EQ(x.dirty(), 0);
+    EXPECT_STREQ(x.getname(), "x");
+    EXPECT_EQ(x.isglobal(), 1);
+    EXPECT_EQ(x.getflags().scalar_only, 0);
+    EXPECT_EQ(y.getname(), nullptr);
+    EXPECT_EQ(y.isglobal(), 0);
+    Mm n(i_o, "n", 0), m = 3.0;
+    n = m;
+    n = Mm(4.0); // shared: a block of its own
+    EXPECT_SAME(m, Mm(3.0));
+    n = TM("a");
+    n = 5; // no longer text
+    EXPECT_SAME(n, Mm(5.0));
+    n = test::logical_of(1.0);
+    EXPECT_TRUE(n.islogical());
+    EXPECT_STREQ(n.getname(), "n");
+    Mm c = test::cell_of(1, 2, {test::row({4, 5}), Mm(6.0)});
+    c = std::move(c.mr(1)); // lives in the block that the target drops
+    EXPECT_SAME(c, test::row({4, 5}));
+}
+
 TEST(ValueNames, numbers_saturate_on_the_way_to_int) {
     EXPECT_EQ(double_to_int(-2.9), -2);
     for (double x : {2147483647.0, 1e300, inf}) EXPECT_EQ(double_to_int(x), 2147483647);
