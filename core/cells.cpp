@@ -37,6 +37,7 @@ Mm cell_from_array(int n, const Mm *const *a) {
 }
 
 Mm cellstr(const Mm &x) {
+    x.warn_uninit();
     if (x.gettype() == kn_Mm && !x.isstruct()) return x;
     int m = x.rows();
     Mm out(0, 0, 0, m, 1, kn_Mm);

@@ -82,13 +82,16 @@ bool make_elements(const Mm &s) {
     return true;
 }
 
+// The first step is taken from s itself, so that messages name it.
 Mm get(const Mm &s, std::initializer_list<const Mm *> steps) {
-    Mm x = s;
+    Mm reached;
+    const Mm *from = &s;
     for (const Mm *step : steps) {
+        const Mm &x = *from;
         if (step->isstr()) {
             FieldName name(*step, "getfield");
             Mm next = x.member(member_name(x, name));
-            x = next;
+            reached = next;
         } else if (is_cell(*step) && step->getnnz() >= 1 && step->getnnz() <= 4) {
             Mm subscripts[4];
             const Mm *list[4];
@@ -98,13 +101,14 @@ Mm get(const Mm &s, std::initializer_list<const Mm *> steps) {
                 list[k] = &subscripts[k];
             }
             Mm next = Mr(x, is_cell(x) ? Mr_brace : Mr_paren, n, list);
-            x = next;
+            reached = next;
         } else {
             error("getfield: index must be a string or cell array");
             return x_M;
         }
+        from = &reached;
     }
-    return x;
+    return reached;
 }
 
 } // namespace

@@ -53,7 +53,7 @@ struct Size {
 
 bool all_within(const Mm &x, double last) {
     Mm v = x(c_p);
-    return !any(mor(v<1.0, v> last)).r();
+    return all(mand(v >= 1.0, v <= last)).r() != 0; // NaN is not
 }
 
 Mm subscripts(const Mm &size, const Mm &position, std::initializer_list<Mm *> out) {

@@ -13,21 +13,29 @@ namespace {
 
 bool same_size(const Mm &a, const Mm &b) { return std::equal(a.getdims(), a.getdims() + 4, b.getdims()); }
 
-// b in the direction of a, when both are vectors of one length.
-Mm directed_as(const Mm &b, const Mm &a) {
+// b in the direction of a (in `turned`) when both are vectors of one length; else b itself.
+const Mm &directed_as(const Mm &b, const Mm &a, Mm &turned) {
     bool vectors = isvector(a).r() != 0 && isvector(b).r() != 0;
-    return vectors && a.size() == b.size() ? reshape(b, size(a)) : b;
+    if (!vectors || a.size() != b.size()) return b;
+    turned = reshape(b, size(a));
+    return turned;
 }
 
-Mm dot_along(const Mm &a, const Mm &b, const Mm &dim) {
+// Along *dim, or else the first dimension above 1.
+Mm dot_along(const Mm &a, const Mm &b, const Mm *dim) {
+    a.warn_uninit();
+    b.warn_uninit();
     if (!same_size(a, b)) {
         error("dot: a and b must be same size");
         return x_M;
     }
-    return sum(times(conj(a), b), dim);
+    Mm products = times(conj(a), b);
+    return dim ? sum(products, *dim) : sum(products);
 }
 
 Mm cross_along(const Mm &a, const Mm &b, int dim) {
+    a.warn_uninit();
+    b.warn_uninit();
     if (!same_size(a, b)) {
         error("cross: a and b must be same size");
         return x_M;
@@ -70,6 +78,8 @@ Mm zero_slice(const Mm &y, int dim) {
 }
 
 Mm integral(const Mm &abscissas, const Mm &ordinates, int dim) {
+    abscissas.warn_uninit();
+    ordinates.warn_uninit();
     if (error_numeric(abscissas, "trapz") || error_numeric(ordinates, "trapz")) return x_M;
     Mm x = mdouble(abscissas), y = mdouble(ordinates);
     if (y.size() == 0) return 0.0;
@@ -79,6 +89,8 @@ Mm integral(const Mm &abscissas, const Mm &ordinates, int dim) {
 }
 
 Mm running_integral(const Mm &abscissas, const Mm &ordinates, int dim) {
+    abscissas.warn_uninit();
+    ordinates.warn_uninit();
     if (error_numeric(abscissas, "cumtrapz") || error_numeric(ordinates, "cumtrapz")) return x_M;
     Mm x = mdouble(abscissas), y = mdouble(ordinates);
     if (y.size() == 0) return y;
@@ -98,12 +110,16 @@ Mm given_dimension(const char *name, const Mm &x, const Mm &y, const Mm &dim,
 
 } // namespace
 
-Mm dot(const Mm &a, const Mm &b) { return dot_along(a, directed_as(b, a), a.nsingleton()); }
-Mm dot(const Mm &a, const Mm &b, const Mm &dim) { return dot_along(a, b, dim); }
+Mm dot(const Mm &a, const Mm &b) {
+    Mm turned;
+    return dot_along(a, directed_as(b, a, turned), nullptr);
+}
+Mm dot(const Mm &a, const Mm &b, const Mm &dim) { return dot_along(a, b, &dim); }
 
 Mm cross(const Mm &a, const Mm &b) {
     const int *d = a.getdims(), *found = std::find(d, d + 4, 3);
-    return cross_along(a, directed_as(b, a), found == d + 4 ? 0 : static_cast<int>(found - d) + 1);
+    Mm turned;
+    return cross_along(a, directed_as(b, a, turned), found == d + 4 ? 0 : static_cast<int>(found - d) + 1);
 }
 Mm cross(const Mm &a, const Mm &b, const Mm &dim) {
     int d = kn::dimension("cross", a, dim);

@@ -17,6 +17,7 @@ int extent(double x) { return double_to_int(std::floor(x + 0.5)); }
 
 // The extents, of which one empty value is found from the others.
 Mm shaped(const Mm &x, std::initializer_list<const Mm *> sizes) {
+    x.warn_uninit();
     int dims[4], n = 0, unknown = -1;
     long long known = 1;
     for (const Mm *size : sizes) {
@@ -47,6 +48,7 @@ Mm shaped(const Mm &x, std::initializer_list<const Mm *> sizes) {
 }
 
 Mm reversed(const Mm &x, int dim) {
+    x.warn_uninit();
     if (x.size() == 0) return x;
     return kn::slice(x, dim, colon(x.size(dim), -1.0, 1.0));
 }
@@ -76,6 +78,7 @@ Mm reshape(const Mm &x, const Mm &m, const Mm &n, const Mm &p, const Mm &q) {
 }
 
 Mm squeeze(const Mm &x) {
+    x.warn_uninit();
     if (x.getndims() <= 2) return x;
     int dims[4] = {1, 1, 1, 1}, n = 0;
     for (int k = 1; k <= 4; k++)

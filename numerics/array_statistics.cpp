@@ -78,6 +78,8 @@ Mm cov(const Mm &x, const Mm &y_or_flag) {
 }
 
 Mm cov(const Mm &x, const Mm &y, const Mm &flag) {
+    x.warn_uninit();
+    y.warn_uninit();
     if (x.size() != y.size()) {
         error("cov: x and y must have the same number of elements");
         return x_M;

@@ -273,6 +273,44 @@ TEST(IndexWrite, braces_store_one_value_as_it_is) {
     EXPECT_SAME(c, cell_of(2, 1, {Mm(), cell_of(1, 1, {1.0})}));
 }
 
+// -- Objects.
+
+Mm told;
+Mm take_assignment(Mm base, Mm record, Mm value) {
+    told = record;
+    return mclass(struct_of({{"v", vertcat(base.member("v"), value)}}), TM("writer"));
+}
+
+TEST(IndexWrite, a_class_may_assign_by_itself) {
+    register_class_function("writer", "subsasgn", take_assignment);
+    Mm object = mclass(struct_of({{"v", 1.0}}), TM("writer")), plain = mclass(object, TM("plain"));
+    Mm copy = object, c, s;
+    object(2, 7) = 5.0;
+    EXPECT_SAME(object.member("v"), col({1, 5})) << "what the method gives is the new base";
+    EXPECT_SAME(copy.member("v"), Mm(1.0));
+    EXPECT_SAME(told.member("type"), TM("()"));
+    EXPECT_SAME(told.member("subs"), cell_of(1, 2, {2.0, 7.0}));
+    object.member("v")(2) = 6.0;
+    EXPECT_SAME(object.member("v"), col({1, 5, 1, 6})) << "the field as a whole is assigned";
+    EXPECT_SAME(told.member("type"), TM("."));
+    EXPECT_SAME(told.member("subs"), TM("v"));
+    c.br(2) = copy;
+    c.br(2).br(9) = 3.0;
+    EXPECT_SAME(c.br(2).member("v"), col({1, 3})) << "an element of a cell";
+    EXPECT_SAME(told.member("type"), TM("{}"));
+    s.member("o") = copy;
+    s.member("o").member("v") = 4.0;
+    EXPECT_SAME(s.member("o").member("v"), col({1, 4})) << "a field";
+    told = Mm();
+
+    plain.member("v") = 8.0;
+    EXPECT_TRUE(told.size() == 0) << "its class has no such method";
+    EXPECT_SAME(plain.member("v"), Mm(8.0));
+    plain(3) = plain;
+    EXPECT_EQ(Mm(plain(2)).getclassid(), plain.getclassid());
+    unregister_class_function("writer", "subsasgn");
+}
+
 // -- Deletion.
 
 TEST(IndexWrite, deletion) {

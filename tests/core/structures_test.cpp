@@ -122,7 +122,9 @@ TEST(Structures, fields_by_steps) {
     EXPECT_SAME(getfield(s, TM("m"), cell_of(1, 2, {2.0, 1.0})), Mm(3.0));
     EXPECT_SAME(getfield(three(), cell_of(1, 1, {2.0}), TM("a")), Mm(2.0));
     EXPECT_RAISES(getfield(s, TM("m"), 2.0), "getfield: index must be a string or cell array");
-    EXPECT_RAISES(getfield(named("s", s), TM("zz")), "(temporary).zz: structure field does not exist");
+    EXPECT_RAISES(getfield(named("s", s), TM("zz")), "s.zz: structure field does not exist");
+    EXPECT_RAISES(getfield(named("s", s), TM("m"), TM("zz")), "(temporary).zz: not a structure");
+    EXPECT_RAISES(getfield(Mm(i_o, "u", 0), TM("a")), "u(...): variable 'u' was used without value.");
     Mm t = setfield(s, TM("m"), 9.0);
     EXPECT_SAME(Mm(t.member("m")), Mm(9.0));
     EXPECT_SAME(Mm(s.member("m")), M({{1, 2}, {3, 4}}));

@@ -81,6 +81,15 @@ TEST(ArrayHelpers, questions) {
     EXPECT_SAME(isempty(TM("")), yes);
     EXPECT_SAME(isempty(0.0), no);
     EXPECT_RAISES(isempty(Mm(i_o, "u", 0)), "variable 'u' was used without a value");
+    Mm unset(i_o, "u", 0);
+    for (auto f : {+[](const Mm &u) { return reshape(u, 0.0, 0.0); }, +[](const Mm &u) { return squeeze(u); },
+                   +[](const Mm &u) { return fliplr(u); }, +[](const Mm &u) { return dot(u, 1.0); },
+                   +[](const Mm &u) {
+                       return cross(row({1, 2, 3}), u);
+                   },
+                   +[](const Mm &u) { return trapz(u); }, +[](const Mm &u) { return cumtrapz(1.0, u); },
+                   +[](const Mm &u) { return cov(u, 1.0, 0.0); }})
+        EXPECT_RAISES(f(unset), "variable 'u' was used without a value");
 }
 
 TEST(ArrayHelpers, sizes) {
@@ -334,6 +343,9 @@ TEST(ArrayHelpers, positions_and_subscripts) {
     EXPECT_RAISES(ind2sub(d, 25.0), "ind2sub: index out of range");
     EXPECT_RAISES(ind2sub(d, 0.0), "ind2sub: index out of range");
     EXPECT_RAISES(sub2ind(d, 3.0, 1.0), "sub2ind: subscript out of range");
+    Mm nan = Mm(0.0) / 0.0;
+    EXPECT_RAISES(ind2sub(d, nan), "ind2sub: index out of range");
+    EXPECT_RAISES(sub2ind(d, 1.0, nan), "sub2ind: subscript out of range");
     EXPECT_RAISES(sub2ind(d, 1.0, 1.0, 5.0), "sub2ind: subscript out of range");
     EXPECT_RAISES(sub2ind(5.0, 1.0), "sub2ind: size vector must have at least two elements");
 }
@@ -416,6 +428,7 @@ TEST(ArrayHelpers, products) {
     EXPECT_SAME(dot(C(0, 1), C(0, 1)), C(1, 0));
     EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}})), row({7, 10}));
     EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}}), 2.0), col({3, 14}));
+    EXPECT_SAME(dot(nop_M, nop_M), Mm(0.0));
     EXPECT_RAISES(dot(row({1, 2}), row({1, 2, 3})), "dot: a and b must be same size");
     EXPECT_SAME(cross(row({1, 0, 0}), row({0, 1, 0})), row({0, 0, 1}));
     EXPECT_SAME(cross(row({1, 2, 3}), col({4, 5, 6})), row({-3, 6, -3}));
