@@ -4,6 +4,7 @@
 //
 // All functions of the language take part by themselves; what is no such function has a line in `steps`.
 #include <functional>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -26,7 +27,8 @@ struct Inputs {
        u = test::U8({{3, 1, 2}, {6, 5, 4}}), s = test::sparse_of(2, 3, {{1, 5}, {2, 6}, {5, 7}}),
        unsorted = test::sparse_of(2, 3, {{5, 1}, {0, 2}}), empty,
        c = test::cell_of(1, 2, {M({{1, 2}}), TM("text")}),
-       st = test::struct_of({{"a", 1.0}, {"b", TM("text")}}), text = TM("one 2"), two = 2.0;
+       st = test::struct_of({{"a", 1.0}, {"b", TM("text")}}), text = TM("one 2"), two = 2.0,
+       long_rows = test::Random(3).matrix(2, 80, true);
 
     std::vector<Mm> all() const { return {x, z, u, s, unsorted, empty, c, st, text, two}; }
 };
@@ -36,11 +38,63 @@ struct Step {
     std::function<Mm(const Inputs &)> work;
 };
 
-Mm extended(Mm m) {
+Step copy(const char *name, Mm Inputs::*input, kn_matrix_types type = kn_none) {
+    return {name, [=](const Inputs &in) {
+                Mm m;
+                m.deepcopy(in.*input, type);
+                return m;
+            }};
+}
+
+// What the change makes of a shared copy of an input.
+Step changed(const char *name, Mm Inputs::*input, void (*change)(Mm &, const Inputs &)) {
+    return {name, [=](const Inputs &in) {
+                Mm m = in.*input;
+                change(m, in);
+                return m;
+            }};
+}
+
+// The second of two outputs.
+Step outputs(const char *name, void (*call)(const Inputs &, Mm &, Mm &)) {
+    return {name, [=](const Inputs &in) {
+                Mm first, second;
+                call(in, first, second);
+                return second;
+            }};
+}
+
+void extend(Mm &m, const Inputs &) {
     int stored = m.getnnz();
     m.extend_nnz(stored + 20);
     m.getnnz() = stored; // the new entries have no positions of their own
-    return m;
+}
+
+void add_and_remove_fields(Mm &m, const Inputs &) {
+    for (const char *f : {"c", "d", "e", "f", "g", "h", "i", "j"}) m.addfield(f, 0);
+    while (m.getnfields() > 2) m.rmfield(m.getfield(2));
+}
+
+void remove_field(Mm &m, const Inputs &) {
+    m.rmfield("a");
+    if (m.getnfields() == 1) m = x_M;
+}
+
+void sort_if_it_can(Mm &m, const Inputs &) {
+    m.sort();
+    if (m.getindex()[0] != 0) m = x_M; // without memory the positions stay as they are
+}
+
+Mm call_back(const Inputs &) {
+    test::RecordingEngine engine;
+    kn_set_engine(&engine);
+    struct Back {
+        ~Back() { kn_set_engine(nullptr); }
+    } back;
+    miniM text(miniM::Dims(1, 1), 1);
+    if (text.count()) text.r(1) = '1';
+    engine.eval(&text);
+    return x_M;
 }
 
 // What functions of one to three inputs are called with.
@@ -56,187 +110,56 @@ std::vector<std::vector<const Mm *>> argument_lists(const Inputs &in, int count)
 }
 
 std::vector<Step> steps(const Inputs &inputs) {
+    using In = const Inputs &;
     std::vector<Step> list = {
-        {"empty", [](const Inputs &) { return Mm(); }},
-        {"number", [](const Inputs &) { return Mm(3.0); }},
-        {"complex array", [](const Inputs &) { return czeros(1, 3, 4); }},
-        {"bytes",
-         [](const Inputs &in) {
-             Mm m;
-             m.deepcopy(1, in.u, kn_uint8);
-             return m;
-         }},
-        {"sparse array",
-         [](const Inputs &in) {
-             Mm m;
-             m.deepcopy(in.s, kn_none);
-             return m;
-         }},
-        {"cell", [](const Inputs &) { return Mm(0, 0, 0, 2, 2, kn_Mm); }},
+        {"empty", [](In) { return Mm(); }},
+        {"number", [](In) { return Mm(3.0); }},
+        {"complex array", [](In) { return czeros(1, 3, 4); }},
+        {"cell", [](In) { return Mm(0, 0, 0, 2, 2, kn_Mm); }},
         {"nested cell",
-         [](const Inputs &in) {
+         [](In in) {
              return test::cell_of(1, 2, {in.c, test::cell_of(1, 1, {in.x})});
          }},
-        {"named",
-         [](const Inputs &) {
-             Mm m("m", 2, 2);
-             return Mm(m.size());
-         }},
-        {"on the heap",
-         [](const Inputs &in) {
-             Mm *m = new Mm(in.x);
-             Mm out = *m;
-             delete m;
-             return out;
-         }},
-        {"numbers to a cell",
-         [](const Inputs &in) {
-             Mm m;
-             m.deepcopy(in.x, kn_Mm);
-             return m;
-         }},
-        {"bytes to doubles",
-         [](const Inputs &in) {
-             Mm m;
-             m.deepcopy(in.u, kn_double);
-             return m;
-         }},
-        {"getcomplex",
-         [](const Inputs &in) {
-             Mm m = in.x;
-             m.getcomplex();
-             return m;
-         }},
-        {"struct",
-         [](const Inputs &in) {
-             Mm m;
-             m.deepcopy(in.st, kn_none);
-             return m;
-         }},
-        {"addfield",
-         [](const Inputs &in) {
-             Mm m = in.st;
-             for (const char *f : {"c", "d", "e", "f", "g", "h", "i", "j"}) m.addfield(f, 0);
-             while (m.getnfields() > 2) m.rmfield(m.getfield(2));
-             return m;
-         }},
-        {"rmfield",
-         [](const Inputs &in) {
-             Mm m = in.st;
-             m.rmfield("a");
-             return m.getnfields() == 1 ? x_M : m;
-         }},
-        {"extend_nfields",
-         [](const Inputs &in) {
-             Mm m = in.st;
-             m.extend_nfields(30);
-             return m;
-         }},
-        {"sort",
-         [](const Inputs &in) {
-             Mm m = in.unsorted;
-             m.sort();
-             return m.getindex()[0] == 0 ? m : x_M;
-         }},
-        {"resparse",
-         [](const Inputs &in) {
-             Mm m = in.s;
-             m.resparse();
-             return m;
-         }},
-        {"extend_nnz", [](const Inputs &in) { return extended(in.s); }},
-        {"miniM", [](const Inputs &) { return Mm(miniM(miniM::Dims(3, 3)).count()); }},
-        {"callback",
-         [](const Inputs &) {
-             test::RecordingEngine engine;
-             kn_set_engine(&engine);
-             struct Back {
-                 ~Back() { kn_set_engine(nullptr); }
-             } back;
-             miniM text(miniM::Dims(1, 1), 1);
-             if (text.count()) text.r(1) = '1';
-             engine.eval(&text);
-             return x_M;
-         }},
-        {"constants",
-         [](const Inputs &) {
-             initM2(QUORVEX_VERSION, sizeof(Mm));
-             return x_M;
-         }},
-        {"argn",
-         [](const Inputs &) {
-             Mm a, b;
-             argn(i_o, a, b);
-             return b;
-         }},
-        {"max with positions",
-         [](const Inputs &in) {
-             Mm y, k;
-             max(in.x, i_o, y, k);
-             return k;
-         }},
-        {"operators", [](const Inputs &in) { return -in.x + in.x * 2.0 - (in.x == in.x) / 3.0; }},
-        {"sparse operators", [](const Inputs &in) { return in.s + in.s * 2.0; }},
-        {"log2 with parts",
-         [](const Inputs &in) {
-             Mm f, e;
-             log2(in.x, i_o, f, e);
-             return f;
-         }},
-        {"num2str with width",
-         [](const Inputs &in) {
-             Mm t, w;
-             num2str(in.x, i_o, t, w);
-             return t;
-         }},
-        {"colon", [](const Inputs &) { return colon(1, 2, 9); }},
-        {"read", [](const Inputs &in) { return Mm(in.x(in.two, c_p)); }},
-        {"read of a field", [](const Inputs &in) { return Mm(in.st.member("b")); }},
-        {"read of an element", [](const Inputs &in) { return Mm(in.c.br(in.two)); }},
-        {"write",
-         [](const Inputs &in) {
-             Mm m = in.x;
-             m(in.two) = in.two;
-             return m;
-         }},
-        {"growing write",
-         [](const Inputs &in) {
-             Mm m = in.x;
-             m(in.two, 9.0) = in.two;
-             return m;
-         }},
-        {"sparse write",
-         [](const Inputs &in) {
-             Mm m = in.s;
-             m(1.0, 1.0) = in.two;
-             return m;
-         }},
-        {"complex write",
-         [](const Inputs &in) {
-             Mm m = in.x;
-             m(1.0) = j;
-             return m;
-         }},
-        {"element write",
-         [](const Inputs &in) {
-             Mm m = in.c;
-             m.br(4.0) = in.x;
-             return m;
-         }},
-        {"field write",
-         [](const Inputs &in) {
-             Mm m = in.st;
-             m.member("new") = in.x;
-             return m;
-         }},
-        {"deletion",
-         [](const Inputs &in) {
-             Mm m = in.x;
-             m(c_p, in.two) = nop_M;
-             return m;
-         }},
-        {"brackets", [](const Inputs &in) { return Mm((BR(in.x), in.x, semi, in.x, in.x)); }},
-        {"braces", [](const Inputs &in) { return Mm((CL(in.x), in.text, in.c)); }},
+        {"named", [](In) { return Mm(Mm("m", 2, 2).size()); }},
+        {"on the heap", [](In in) { return *std::unique_ptr<Mm>(new Mm(in.x)); }},
+        changed("bytes", &Inputs::u, [](Mm &m, In in) { m.deepcopy(1, in.u, kn_uint8); }),
+        copy("bytes to doubles", &Inputs::u, kn_double),
+        copy("numbers to a cell", &Inputs::x, kn_Mm),
+        copy("sparse array", &Inputs::s),
+        copy("struct", &Inputs::st),
+        changed("getcomplex", &Inputs::x, [](Mm &m, In) { m.getcomplex(); }),
+        changed("addfield", &Inputs::st, add_and_remove_fields),
+        changed("rmfield", &Inputs::st, remove_field),
+        changed("extend_nfields", &Inputs::st, [](Mm &m, In) { m.extend_nfields(30); }),
+        changed("sort", &Inputs::unsorted, sort_if_it_can),
+        changed("resparse", &Inputs::s, [](Mm &m, In) { m.resparse(); }),
+        changed("extend_nnz", &Inputs::s, extend),
+        changed("write", &Inputs::x, [](Mm &m, In in) { m(in.two) = in.two; }),
+        changed("growing write", &Inputs::x, [](Mm &m, In in) { m(in.two, 9.0) = in.two; }),
+        changed("sparse write", &Inputs::s, [](Mm &m, In in) { m(1.0, 1.0) = in.two; }),
+        changed("complex write", &Inputs::x, [](Mm &m, In) { m(1.0) = j; }),
+        changed("element write", &Inputs::c, [](Mm &m, In in) { m.br(4.0) = in.x; }),
+        changed("field write", &Inputs::st, [](Mm &m, In in) { m.member("new") = in.x; }),
+        changed("deletion", &Inputs::x, [](Mm &m, In in) { m(c_p, in.two) = nop_M; }),
+        {"miniM", [](In) { return Mm(miniM(miniM::Dims(3, 3)).count()); }},
+        {"callback", call_back},
+        {"constants", [](In) { return initM2(QUORVEX_VERSION, sizeof(Mm)), x_M; }},
+        outputs("argn", [](In, Mm &a, Mm &b) { argn(i_o, a, b); }),
+        outputs("max with positions", [](In in, Mm &y, Mm &k) { max(in.x, i_o, y, k); }),
+        outputs("log2 with parts", [](In in, Mm &f, Mm &e) { log2(in.x, i_o, f, e); }),
+        outputs("num2str with width", [](In in, Mm &t, Mm &w) { num2str(in.x, i_o, t, w); }),
+        {"operators", [](In in) { return -in.x + in.x * 2.0 - (in.x == in.x) / 3.0; }},
+        {"sparse operators", [](In in) { return in.s + in.s * 2.0; }},
+        {"colon", [](In) { return colon(1, 2, 9); }},
+        {"read", [](In in) { return Mm(in.x(in.two, c_p)); }},
+        {"read of a field", [](In in) { return Mm(in.st.member("b")); }},
+        {"read of an element", [](In in) { return Mm(in.c.br(in.two)); }},
+        {"brackets", [](In in) { return Mm((BR(in.x), in.x, semi, in.x, in.x)); }},
+        {"braces", [](In in) { return Mm((CL(in.x), in.text, in.c)); }},
+        {"pages shown", [](In) { return display(zeros(2, 2, 2)); }},
+        {"long rows shown", [](In in) { return disp(in.long_rows); }},
+        {"numbers of text", [](In) { return str2num(TM("1 2 3+4i; 5 6e- 3 7; 8")); }},
+        {"stacked text", [](In in) { return strvcat(in.text, in.u, in.c); }},
     };
     for (const test::Function &f : test::functions()) {
         // Their own state makes each call differ.
@@ -262,11 +185,10 @@ enum class Handler { throws, returns };
 // The n-th allocation of the work fails, and all later ones if `after` is set; n 0: none.
 struct Outcome {
     long allocations;
-    bool reported;      // "Out of memory!"
-    bool foreign;       // an exception that no handler threw
-    std::string errors; // all texts
-    long live;          // blocks more than before, when the result is gone
-    std::string result; // as text, of a work that came to its end
+    bool reported, foreign; // "Out of memory!"; an exception that no handler threw
+    std::string errors;     // all texts
+    long live;              // blocks more than before, when the result is gone
+    std::string result;     // as text, of a work that came to its end
 };
 
 std::vector<std::string> errors;

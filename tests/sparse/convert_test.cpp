@@ -9,43 +9,20 @@ using test::sparse_of;
 namespace {
 
 TEST(SparseConversion, keeps_nonzeros_and_nan) {
-    Mm a = M({{0, 3, -0.0}, {NAN, 0, 5}});
+    Mm a = M({{0, 3, -0.0}, {NAN, 0, 5}}), z = test::complex_of(M({{0, 1, 0}}), M({{0, 0, 2}}));
     EXPECT_SAME(sparse(a), sparse_of(2, 3, {{1, NAN}, {2, 3}, {5, 5}}));
     EXPECT_SAME(full(sparse(a)), M({{0, 3, 0}, {NAN, 0, 5}}));
-    EXPECT_SAME(sparse(zeros(2, 3)), sparse_of(2, 3, {}));
-    EXPECT_SAME(full(sparse_of(2, 3, {})), zeros(2, 3));
+    EXPECT_EQ(sparse(z).getnnz(), 2) << "a part that is not zero is enough";
     EXPECT_SAME(sparse(sparse(a)), sparse(a));
     EXPECT_SAME(full(a), a);
-    EXPECT_EQ(sparse(Mm()).size(), 0);
     EXPECT_TRUE(sparse(Mm()).issparse());
-    EXPECT_SAME(full(sparse(Mm())), Mm());
-}
-
-TEST(SparseConversion, complex_elements) {
-    Mm a = test::complex_of(M({{0, 1, 0}}), M({{0, 0, 2}}));
-    Mm s = sparse(a);
-    EXPECT_EQ(s.getnnz(), 2);
-    EXPECT_TRUE(s.isc());
-    EXPECT_SAME(full(s), a);
 }
 
 TEST(SparseConversion, flags) {
-    Mm text = M({{72, 0, 105}});
-    text.setstr(1);
-    EXPECT_FALSE(sparse(text).isstr());
-    EXPECT_SAME(full(sparse(text)), M({{72, 0, 105}}));
+    EXPECT_SAME(full(sparse(TM("Hi"))), M({{72, 105}}));
     Mm truth = test::logical_of(M({{0, 1}}));
-    EXPECT_TRUE(sparse(truth).islogical());
-    EXPECT_FALSE(full(sparse(truth)).islogical());
+    EXPECT_TRUE(sparse(truth).islogical() && !full(sparse(truth)).islogical());
     EXPECT_SAME(sparse(test::U8({{0, 200}})), sparse_of(1, 2, {{1, 200}}));
-}
-
-TEST(SparseConversion, all_dimensions) {
-    Mm a = test::nd({2, 2, 2}, {0, 0, 1, 0, 0, 0, 0, 9});
-    Mm s = sparse(a);
-    EXPECT_EQ(s.getndims(), 3);
-    EXPECT_EQ(s.getnnz(), 2);
-    EXPECT_SAME(full(s), a);
 }
 
 TEST(SparseConversion, random_round_trips) {
@@ -60,13 +37,9 @@ TEST(SparseConversion, random_round_trips) {
 }
 
 TEST(SparseConversion, errors) {
-    Mm cell = test::named("c", test::cell_of(1, 1, {1.0}));
-    EXPECT_RAISES(sparse(cell), "sparse: numeric data expected, but matrix c is not");
+    EXPECT_RAISES(sparse(test::named("c", test::cell_of(1, 1, {1.0}))),
+                  "sparse: numeric data expected, but matrix c is not");
     EXPECT_RAISES(full(sparse_of(10000, 10000, {{7, 1}})), "full: matrix too large");
-    test::Returning returning;
-    EXPECT_EQ(sparse(cell).size(), 0);
-    EXPECT_EQ(full(sparse_of(10000, 10000, {{7, 1}})).size(), 0);
-    EXPECT_EQ(returning.errors().size(), 2u);
 }
 
 } // namespace

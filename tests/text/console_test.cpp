@@ -33,17 +33,16 @@ TEST_F(Console, input_shows_the_prompt_and_reads_numbers) {
     EXPECT_PRINTS(x = input(TM("x? ")), "x? \n\n");
     EXPECT_SAME(x, M({{1, 25}}));
     EXPECT_EQ(asked_size, 2048);
-    EXPECT_TRUE(warnings.texts().empty());
-    reply = "";
-    EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
-    EXPECT_SAME(x, nop_M);
-}
-
-TEST_F(Console, input_warns_once_about_text) {
+    reply = "5";
+    EXPECT_PRINTS(x = input(TM(std::string(2048, 'p').c_str())), "\n\n") << "too long a prompt is left out";
+    EXPECT_SAME(x, Mm(5.0));
     reply = "yes no";
     EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
     EXPECT_SAME(x, M({{0, 0}}));
-    EXPECT_EQ(warnings.texts(), std::vector<std::string>{"input: text is non-numeric, use input(...,'s')"});
+    EXPECT_EQ(warnings.texts(), (std::vector<std::string>{"Mstr: buffer too small - chopped",
+                                                          "input: text is non-numeric, use input(...,'s')"}));
+    reply = "ctrl_c_event";
+    test::printed([] { EXPECT_RAISES(input(TM("?")), "Ctrl-C"); });
 }
 
 TEST_F(Console, input_of_text_ends_at_the_newline) {
@@ -55,51 +54,25 @@ TEST_F(Console, input_of_text_ends_at_the_newline) {
     EXPECT_SAME(x, TM(""));
 }
 
-TEST_F(Console, a_break_is_an_error) {
-    reply = "ctrl_c_event";
-    for (bool text : {false, true}) {
-        std::string raised;
-        test::printed([&] { raised = test::raised([&] { text ? input(TM("?"), 1.0) : input(TM("?")); }); });
-        EXPECT_EQ(raised, "Ctrl-C");
-    }
-}
-
-TEST_F(Console, a_prompt_too_long_is_left_out) {
-    reply = "5";
-    EXPECT_PRINTS(x = input(TM(std::string(2048, 'p').c_str())), "\n\n");
-    EXPECT_SAME(x, Mm(5.0));
-    EXPECT_EQ(warnings.texts(), std::vector<std::string>{"Mstr: buffer too small - chopped"});
-}
-
-TEST_F(Console, pause_ends_when_a_key_waits) {
-    polls = 0;
-    kn_set_kbhit_handler([] { return static_cast<int>(++polls == 3); });
-    EXPECT_PRINTS(pauseM(), "\n");
-    EXPECT_EQ(polls, 3);
-}
-
-TEST_F(Console, setters_return_the_old_hook_and_null_restores_the_default) {
+TEST_F(Console, hooks_are_called_until_null_restores_the_default) {
     kn_clc_hook standard = kn_clc_handler, mine = [] { ++cleared; };
     EXPECT_EQ(kn_set_clc_handler(mine), standard);
     clc();
     EXPECT_EQ(cleared, 1);
     EXPECT_EQ(kn_set_clc_handler(nullptr), mine);
     EXPECT_EQ(kn_clc_handler, standard);
+    kn_set_kbhit_handler([] { return static_cast<int>(++polls == 3); });
+    EXPECT_PRINTS(pauseM(), "\n");
+    EXPECT_EQ(polls, 3);
 }
 
-TEST_F(Console, small_words) {
-    EXPECT_PRINTS(usage(TM("f(x)")), "Usage: f(x)\n");
-    EXPECT_PRINTS(x = smiley(), "8-)\n");
-    EXPECT_SAME(x, nop_M);
-}
-
-TEST_F(Console, printf_is_one_bounded_text) {
-    int n = 0;
-    EXPECT_PRINTS(n = kn_printf("%d-%s", 7, "x"), "7-x");
-    EXPECT_EQ(n, 3);
+TEST_F(Console, printed_words) {
     std::string longer(20000, 'y');
+    int n = 0;
     EXPECT_PRINTS(n = kn_printf("%s", longer.c_str()), longer.substr(0, 2 + 16381));
     EXPECT_EQ(n, 2 + 16381);
+    EXPECT_PRINTS(usage(TM("f(x)")), "Usage: f(x)\n");
+    EXPECT_PRINTS(smiley(), "8-)\n");
 }
 
 } // namespace
