@@ -38,22 +38,15 @@ TEST(ValueConstruction, a_zero_extent_makes_all_extents_zero) {
             for (const Mm &m : {Mm(complex, 0, 0, 0, 5, t), Mm(complex, 0, 0, 5, -1, t),
                                 Mm(complex, 0, 0, 3, cube, t), Mm(complex, 0, 7, 0, 0, t)}) {
                 EXPECT_EQ(dims(m), (std::vector<int>{0, 0, 0, 0}));
-                EXPECT_EQ(m.size(), 0);
-                EXPECT_EQ(m.getnnz(), 0);
-                EXPECT_EQ(m.length(), 0);
                 EXPECT_EQ(m.getp(), t == kn_Mm ? 5 : 8);
             }
     EXPECT_EQ(dims(Mm(0, 1, 3, 0, 5, kn_double)), (std::vector<int>{0, 0, 0, 0}));
-    EXPECT_EQ(dims(Mm()), (std::vector<int>{0, 0, 0, 0}));
     EXPECT_EQ(Mm().gettype(), kn_double);
 }
 
 TEST(ValueConstruction, trailing_extents_of_one_are_dropped) {
-    EXPECT_EQ(blank({2, 3, 1, 1}).getndims(), 2);
     EXPECT_EQ(blank({2, 3, 4, 1}).getndims(), 3);
-    EXPECT_EQ(blank({2, 3, 1, 4}).getndims(), 4);
     EXPECT_EQ(blank({1, 1, 1, 1}).getndims(), 2);
-    EXPECT_EQ(dims(blank({2, 3, 4})), (std::vector<int>{2, 3, 4, 1}));
     EXPECT_EQ(blank({2, 3, 4}).getp(), 32);
     EXPECT_EQ(blank({2, 3}, kn_uint8).getp(), 14);
     EXPECT_EQ(blank({2, 3}, kn_Mm).getp(), 11);
@@ -76,12 +69,9 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
     Mm s(0, 1, 3, 4, 5, kn_double);
     EXPECT_EQ(dims(s), (std::vector<int>{4, 5, 1, 1}));
     EXPECT_EQ(s.getnnz(), 3);
-    EXPECT_EQ(s.size(), 20);
     EXPECT_EQ(s.getp(), 11);
-    EXPECT_TRUE(s.issparse() && s.getindex());
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getnnz(), 20);
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getp(), 38) << "the room asked for stays";
-    EXPECT_SAME(Mm(0, 1, 30, 0, 5, kn_double), Mm(0, 1, 0, 0, 0, kn_double));
     EXPECT_EQ(Mm(0, 1, -3, 4, 5, kn_double).getnnz(), 0);
     Mm none(1, 1, 0, 4, 5, kn_double);
     EXPECT_EQ(dims(none), (std::vector<int>{4, 5, 1, 1})) << "no entries, but extents";
@@ -90,10 +80,8 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
 
 TEST(ValueConstruction, a_size_beyond_int_is_out_of_memory) {
     EXPECT_RAISES(Mm(0, 0, 0, 65536, 65536, kn_double), "Out of memory!");
-    EXPECT_RAISES(Mm(0, 0, 0, 46341, 46341, kn_Mm), "Out of memory!");
     EXPECT_RAISES(Mm(0, 1, 1, 1 << 30, 4, kn_double), "Out of memory!");
     EXPECT_RAISES(Mm(0, 0, 0, 2147483647, 1, kn_uint8), "Out of memory!");
-    EXPECT_EQ(Mm(0, 0, 0, 65536, 0, kn_double).size(), 0);
     const int zero_last[] = {65536, 65536, 2, 0};
     EXPECT_EQ(Mm(0, 0, 0, 4, zero_last, kn_double).size(), 0);
 
@@ -106,7 +94,6 @@ TEST(ValueConstruction, a_size_beyond_int_is_out_of_memory) {
     copy = M({{1, 2}});
     m.getcomplex();
     EXPECT_SAME(copy, M({{1, 2}}));
-    EXPECT_SAME(Mm(), M({}));
 }
 
 // -- Sharing.
@@ -115,18 +102,14 @@ TEST(ValueSharing, copies_share_the_block_and_not_the_name) {
     Mm a = named("a", M({{1, 2}}));
     a.getflags().persistent = a.getflags().global = 1;
     a.setstr(1);
-    EXPECT_EQ(a.dirty(), 0);
     {
-        Mm b = a;
+        Mm b = a, c(a, "c");
         EXPECT_EQ(b.addr(), a.addr());
-        EXPECT_EQ(a.dirty(), 1);
-        EXPECT_EQ(b.dirty(), 1);
+        EXPECT_EQ(a.dirty(), 2);
         EXPECT_EQ(b.getname(), nullptr);
         EXPECT_TRUE(b.isstr() && !b.isglobal() && !b.getflags().persistent);
-        Mm c(a, "c");
         EXPECT_STREQ(c.getname(), "c");
         EXPECT_TRUE(c.isglobal() && !c.getflags().persistent);
-        EXPECT_EQ(a.dirty(), 2);
     }
     EXPECT_EQ(a.dirty(), 0);
 }
@@ -134,7 +117,6 @@ TEST(ValueSharing, copies_share_the_block_and_not_the_name) {
 TEST(ValueSharing, assignment_keeps_what_belongs_to_the_variable) {
     const char *name = "v";
     Mm v(i_o, name, 1);
-    EXPECT_EQ(v.gettype(), kn_none);
     v.getflags().persistent = 1;
     Mm s = named("other", sparse_of(3, 3, {{4, 7}}));
     v = s;
@@ -147,7 +129,6 @@ TEST(ValueSharing, assignment_keeps_what_belongs_to_the_variable) {
     Mm &self = v;
     v = self;
     EXPECT_SAME(v, U8({{1, 2, 3}}));
-    EXPECT_EQ(v.dirty(), 0);
 }
 
 TEST(ValueSharing, a_cell_may_become_its_own_element) {
@@ -156,7 +137,28 @@ TEST(ValueSharing, a_cell_may_become_its_own_element) {
     EXPECT_SAME(c, cell_of(1, 1, {5.0}));
     c = c.mr(1);
     EXPECT_SAME(c, Mm(5.0));
-    EXPECT_EQ(c.dirty(), 0);
+    c = cell_of(1, 2, {M({{4, 5}}), 6.0});
+    c = std::move(c.mr(1)); // lives in the block that the target drops
+    EXPECT_SAME(c, M({{4, 5}}));
+}
+
+TEST(ValueSharing, assignment_from_a_temporary_takes_its_block) {
+    Mm x(i_o, "x", 1), y = M({{1, 2, 3}}), m = 3.0, n(i_o, "n", 0);
+    double *elements = y.addr();
+    x = std::move(y);
+    EXPECT_EQ(x.addr(), elements);
+    EXPECT_EQ(x.dirty(), 0);
+    EXPECT_STREQ(x.getname(), "x");
+    EXPECT_TRUE(x.isglobal() && !x.getflags().scalar_only && !y.getname() && !y.isglobal());
+    n = m;
+    n = Mm(4.0); // shared: a block of its own
+    EXPECT_SAME(m, Mm(3.0));
+    n = TM("a");
+    n = 5; // no longer text
+    EXPECT_SAME(n, Mm(5.0));
+    n = test::logical_of(1.0);
+    EXPECT_TRUE(n.islogical());
+    EXPECT_STREQ(n.getname(), "n");
 }
 
 TEST(ValueSharing, a_destroyed_header_says_so) {
@@ -165,18 +167,12 @@ TEST(ValueSharing, a_destroyed_header_says_so) {
     int *ndims = &m->getndims();
     m->~Mm();
     EXPECT_EQ(*ndims, -1);
-
-    Mm *heap = new Mm(M({{1, 2, 3}}));
-    EXPECT_SAME(*heap, M({{1, 2, 3}}));
-    delete heap;
 }
 
 TEST(ValueSharing, scalar_only_lasts_while_full_real_scalars_come) {
     Mm v(i_o, "v", 0);
-    const int &only = v.getflags().scalar_only;
-    EXPECT_TRUE(only);
     v = 5.0;
-    EXPECT_TRUE(only);
+    EXPECT_TRUE(v.getflags().scalar_only);
     Mm copy = v;
     EXPECT_TRUE(copy.getflags().scalar_only);
     for (const Mm &other :
@@ -189,49 +185,40 @@ TEST(ValueSharing, scalar_only_lasts_while_full_real_scalars_come) {
     }
 }
 
-std::string released;
-void record_release(int code, const char *text) {
-    released += static_cast<char>(code);
-    released += text;
-}
+std::string told; // by the hooks
 
 TEST(ValueSharing, released_scalars_are_told_to_the_debug_handler) {
-    kn_code_handler old = kn_set_debug_handler(record_release);
-    released.clear();
-    auto work = [] {
-        Mm v(i_o, "v", 0), w(i_o, "w", 0);
+    kn_code_handler old =
+        kn_set_debug_handler([](int code, const char *text) { (told += static_cast<char>(code)) += text; });
+    told.clear();
+    for (int flag : {0, 1}) {
+        kn_set_default_error_flags(8, flag);
+        EXPECT_EQ(told, "") << "the flag was off";
+        Mm v(i_o, "v", 0), w(i_o, "w", 0), unnamed = 3.0;
         v = 1.0;
         v = 2.0;
         w = M({{1, 2}});
-        Mm unnamed = 3.0;
         Mm keeps_block = v;
         v = 4.0; // the block lives on: nothing is released
-    };
-    work();
-    EXPECT_EQ(released, "") << "flag 8 is off";
-    kn_set_default_error_flags(8, 1);
-    work();
+    }
     kn_set_default_error_flags(8, 0);
     kn_set_debug_handler(old);
-    EXPECT_EQ(released, "svsv");
+    EXPECT_EQ(told, "svsv");
 }
-
-std::vector<std::string> scope_calls;
 
 TEST(ValueSharing, named_values_register_under_an_interactive_host) {
     kn::ScopeHooks old = kn::scope_hooks;
-    kn::scope_hooks = {[](Mm &m) { scope_calls.push_back(std::string("+") + m.getname()); },
-                       [](Mm &m) { scope_calls.push_back(std::string("-") + m.getname()); }};
-    scope_calls.clear();
-    { Mm quiet(i_o, "quiet", 0); }
-    kn_interactive_flag = 1;
-    {
+    kn::scope_hooks = {[](Mm &m) { (told += '+') += m.getname(); },
+                       [](Mm &m) { (told += '-') += m.getname(); }};
+    told.clear();
+    for (int interactive : {0, 1}) {
+        kn_interactive_flag = interactive;
         Mm v(i_o, "v", 0), w, unnamed = M({{1}});
         w.setname("w");
     }
     kn_interactive_flag = 0;
     kn::scope_hooks = old;
-    EXPECT_EQ(scope_calls, (std::vector<std::string>{"+v", "+w", "-w", "-v"}));
+    EXPECT_EQ(told, "+v+w-w-v");
 }
 
 // -- Shape.
@@ -241,25 +228,15 @@ TEST(ValueShape, questions) {
         std::vector<int> d;
         int size, length, nsingleton, vectordim;
     } const table[] = {
-        {{1, 1}, 1, 1, 1, 2},     {{1, 5}, 5, 5, 2, 2},    {{5, 1}, 5, 5, 1, 1},
-        {{2, 3}, 6, 3, 1, 0},     {{1, 1, 4}, 4, 4, 3, 3}, {{1, 1, 1, 4}, 4, 4, 4, 4},
-        {{1, 2, 7}, 14, 7, 2, 0}, {{0, 3}, 0, 0, 1, 2},    {{2, 1, 3, 2}, 12, 3, 1, 0},
+        {{1, 1}, 1, 1, 1, 2},    {{1, 5}, 5, 5, 2, 2},       {{5, 1}, 5, 5, 1, 1}, {{2, 3}, 6, 3, 1, 0},
+        {{1, 1, 4}, 4, 4, 3, 3}, {{1, 1, 1, 4}, 4, 4, 4, 4}, {{0, 3}, 0, 0, 1, 2},
     };
-    for (const auto &row : table) {
-        Mm m = blank(row.d);
-        EXPECT_EQ(m.size(), row.size);
-        EXPECT_EQ(m.length(), row.length);
-        EXPECT_EQ(m.nsingleton(), row.nsingleton);
-        EXPECT_EQ(m.vectordim(), row.vectordim);
+    for (const auto &[d, size, length, nsingleton, vectordim] : table) {
+        Mm m = blank(d);
+        EXPECT_EQ((std::vector{m.size(), m.length(), m.nsingleton(), m.vectordim()}),
+                  (std::vector{size, length, nsingleton, vectordim}));
     }
-    Mm m = named("m", blank({2, 3, 4}));
-    EXPECT_EQ(m.size(3), 4);
-    EXPECT_EQ(m.size(4), 1);
-    EXPECT_RAISES(m.size(5), "m.size(dim): no such dimension=5");
-    EXPECT_RAISES(Mm(7.0).size(0), "=7.size(dim): no such dimension=0");
-    m.getndims() = 5;
-    EXPECT_EQ(m.size(), -1);
-    m.getndims() = 3;
+    EXPECT_RAISES(named("m", blank({2, 3, 4})).size(5), "m.size(dim): no such dimension=5");
 }
 
 TEST(ValueShape, reshape_touches_one_header) {
@@ -268,20 +245,14 @@ TEST(ValueShape, reshape_touches_one_header) {
     EXPECT_SAME(b, nd({2, 3}, {1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(a.rows(), 3);
     EXPECT_EQ(a.addr(), b.addr());
-    const int deep[] = {1, 6, 1, 1}, cube[] = {3, 1, 2}, five[] = {3, 2, 1, 1, 1}, many[] = {3, 1, 1, 1, 2};
-    b.reshape(4, deep);
-    EXPECT_SAME(b, nd({1, 6}, {1, 2, 3, 4, 5, 6}));
+    const int cube[] = {3, 1, 2}, five[] = {3, 2, 1, 1, 1}, many[] = {3, 1, 1, 1, 2}, six[] = {6};
     b.reshape(3, cube);
-    EXPECT_EQ(dims(b), (std::vector<int>{3, 1, 2, 1}));
-    EXPECT_EQ(b.getndims(), 3);
+    EXPECT_SAME(b, nd({3, 1, 2}, {1, 2, 3, 4, 5, 6}));
     b.reshape(5, five);
     EXPECT_SAME(b, a);
-    b.reshape(1, deep + 1);
+    b.reshape(1, six);
     EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
-
     EXPECT_RAISES(b.reshape(4, 2), "reshape: size=6 is different than 4*2");
-    EXPECT_RAISES(b.reshape(-2, -3), "reshape: size=6 is different than -2*-3");
-    EXPECT_RAISES(b.reshape(2, cube), "reshape: size=6 is different than the product of new dimensions");
     EXPECT_RAISES(b.reshape(5, many), "reshape: size=6 is different than the product of new dimensions");
     EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
 
@@ -295,24 +266,16 @@ TEST(ValueShape, reshape_touches_one_header) {
 
 TEST(ValueElements, one_based_truncated_column_major) {
     Mm a = nd({2, 3, 2}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
-    EXPECT_EQ(a.r(), 1);
-    EXPECT_EQ(a.r(3.99), 3);
-    EXPECT_EQ(a.r(12), 12);
-    EXPECT_EQ(a.r(2.5, 3.5), 6);
-    EXPECT_EQ(a.r(2, 1, 2), 8);
-    EXPECT_EQ(*a.addr(4), 4);
-    EXPECT_EQ(*a.addr(1, 3), 5);
-    EXPECT_EQ(*a.getpr(static_cast<double *>(nullptr), 2, 3), 6);
-    Mm z = test::complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}}));
-    EXPECT_EQ(z.i(), 5);
-    EXPECT_EQ(z.i(2), 7);
-    EXPECT_EQ(z.i(1, 2), 6);
-    EXPECT_EQ(z.i(2, 2, 1), 8);
-    EXPECT_EQ(*z.addi(2, 1), 7);
-    EXPECT_EQ(U8({{1, 200}, {3, 4}}).ur(1, 2), 200);
-    EXPECT_EQ(U8({{1, 200}, {3, 4}}).ur(2), 3);
-    EXPECT_SAME(cell_of(2, 1, {1.0, C(1, 2)}).mr(2), C(1, 2));
-    EXPECT_SAME(cell_of(1, 2, {1.0, C(1, 2)}).mr(1, 2), C(1, 2));
+    Mm z = test::complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}})), u = U8({{1, 200}, {3, 4}}),
+       c = cell_of(1, 2, {1.0, C(1, 2)});
+    const std::pair<double, double> cases[] = {
+        {a.r(), 1},  {a.r(3.99), 3},     {a.r(2.5, 3.5), 6}, {a.r(2, 1, 2), 8}, {*a.addr(4), 4},
+        {z.i(), 5},  {*a.addr(1, 3), 5}, {z.i(1, 2), 6},     {z.i(2, 2, 1), 8}, {*z.addi(2, 1), 7},
+        {z.i(2), 7}, {u.ur(1, 2), 200},  {u.ur(2), 3},
+    };
+    for (auto [got, wanted] : cases) EXPECT_EQ(got, wanted);
+    EXPECT_SAME(c.mr(2), C(1, 2));
+    EXPECT_SAME(c.mr(1, 2), C(1, 2));
     z.r(2, 1) = 30;
     z.i(1) = 50;
     EXPECT_SAME(z, test::complex_of(M({{1, 2}, {30, 4}}), M({{50, 6}, {7, 8}})));
@@ -321,23 +284,20 @@ TEST(ValueElements, one_based_truncated_column_major) {
 TEST(ValueElements, range_and_type_are_reported) {
     Mm a = named("a", M({{1, 2}, {3, 4}})), z = named("z", C(1, 2)), u = named("u", U8({{1, 2}})),
        c = named("c", cell_of(1, 2, {1.0, 2.0})), e = named("e", Mm());
-    EXPECT_RAISES(e.r(), "e.r(): matrix is empty");
-    EXPECT_RAISES(e.i(), "e.r(): matrix is empty");
-    EXPECT_RAISES(Mm(3.0).r(2), "=3.r(idx): idx=2 out of matrix");
-    EXPECT_RAISES(a.r(0.9), "a.r(idx): idx=0.9 out of matrix");
-    EXPECT_RAISES(a.r(NAN), "a.r(idx): idx=nan out of matrix");
-    EXPECT_RAISES(a.r(inf), "a.r(idx): idx=inf out of matrix");
-    EXPECT_RAISES(a.r(4294967297.0), "a.r(idx): idx=4.29497e+09 out of matrix");
-    EXPECT_RAISES(z.i(2), "z.r(idx): idx=2 out of matrix");
-    EXPECT_RAISES(a.r(3, 1), "a.r(row,col): row=3 or col=1 out of matrix");
-    EXPECT_RAISES(a.r(4, 1), "a.r(row,col): row=4 or col=1 out of matrix");
-    EXPECT_RAISES(z.i(1, 0), "z.r(row,col): row=1 or col=0 out of matrix");
-    EXPECT_RAISES(a.r(1, 1, 2), "a.r(row,col,depth): row=1, col=1 or depth=2 out of matrix");
-    EXPECT_RAISES(z.i(2, 1, 1), "z.r(row,col,depth): row=2, col=1 or depth=1 out of matrix");
-    EXPECT_RAISES(u.ur(3), "u.ur(idx): idx=3 out of matrix");
-    EXPECT_RAISES(u.ur(2, 1), "u.ur(row,col): row=2 or col=1 out of matrix");
-    EXPECT_RAISES(c.mr(0), "c.mr(idx): idx=0 out of matrix");
-    EXPECT_RAISES(c.mr(1, 3), "c.mr(row,col): row=1 or col=3 out of matrix");
+    const std::pair<std::function<void()>, const char *> cases[] = {
+        {[&] { e.r(); }, "e.r(): matrix is empty"},
+        {[&] { Mm(3.0).r(2); }, "=3.r(idx): idx=2 out of matrix"},
+        {[&] { a.r(0.9); }, "a.r(idx): idx=0.9 out of matrix"},
+        {[&] { a.r(4294967297.0); }, "a.r(idx): idx=4.29497e+09 out of matrix"},
+        {[&] { z.i(2); }, "z.r(idx): idx=2 out of matrix"},
+        {[&] { a.r(3, 1); }, "a.r(row,col): row=3 or col=1 out of matrix"},
+        {[&] { a.r(1, 1, 2); }, "a.r(row,col,depth): row=1, col=1 or depth=2 out of matrix"},
+        {[&] { u.ur(3); }, "u.ur(idx): idx=3 out of matrix"},
+        {[&] { u.ur(2, 1); }, "u.ur(row,col): row=2 or col=1 out of matrix"},
+        {[&] { c.mr(0); }, "c.mr(idx): idx=0 out of matrix"},
+        {[&] { c.mr(1, 3); }, "c.mr(row,col): row=1 or col=3 out of matrix"},
+    };
+    for (const auto &[access, message] : cases) EXPECT_EQ(test::raised(access), message);
     const std::function<void()> wrong_types[] = {[&] { u.r(1); }, [&] { c.i(); }, [&] { a.ur(1); },
                                                  [&] { a.mr(1, 1); }, [&] { u.r(1, 1, 1); }};
     for (const auto &access : wrong_types) EXPECT_EQ(test::raised(access), ".r / .i : wrong matrix type");
@@ -356,7 +316,6 @@ TEST(ValueElements, a_failed_access_goes_on_with_an_element_of_nobody) {
     a.i(1) = 99;
     EXPECT_EQ(a.i(1), 0);
     s.r(9, 9) = 99;
-    EXPECT_RAISES(s.r(2), "(temporary).r(idx): idx=2 out of matrix");
     EXPECT_SAME(a, M({{1, 2}}));
     EXPECT_SAME(u, U8({{1, 2}}));
     EXPECT_SAME(c, cell_of(1, 1, {1.0}));
@@ -384,10 +343,6 @@ TEST(ValueConversions, getreal_drops_the_plane_of_one_header) {
     EXPECT_NE(n.getreal(0), 0);
     EXPECT_EQ(n.getreal(1), 0);
     EXPECT_SAME(n, Mm(1.0));
-    Mm u;
-    u.deepcopy(1, U8({{1, 2}}), kn_none);
-    u.getpi(bytes)[0] = 9;
-    EXPECT_EQ(u.getreal(0), 0) << "only doubles are looked at";
 }
 
 TEST(ValueConversions, getcomplex_takes_a_block_of_its_own) {
@@ -396,10 +351,6 @@ TEST(ValueConversions, getcomplex_takes_a_block_of_its_own) {
     EXPECT_SAME(a, test::complex_of(M({{1, 2}}), M({{0, 0}})));
     EXPECT_STREQ(a.getname(), "a");
     EXPECT_SAME(b, M({{1, 2}}));
-    a.i(1) = 5;
-    double *before = a.addi();
-    a.getcomplex();
-    EXPECT_EQ(a.addi(), before) << "complex already";
 }
 
 TEST(ValueConversions, deepcopy_by_types) {
@@ -410,17 +361,11 @@ TEST(ValueConversions, deepcopy_by_types) {
     EXPECT_SAME(to, M({{0, 200}}));
     to.deepcopy(M({{1, 2}}), kn_Mm);
     EXPECT_SAME(to, cell_of(1, 2, {1.0, 2.0}));
-    to.deepcopy(U8({{7}}), kn_Mm);
-    EXPECT_SAME(to, cell_of(1, 1, {7.0}));
-
-    Mm inner = M({{1, 2}}), cell = cell_of(1, 1, {inner});
+    Mm cell = cell_of(1, 1, {M({{1, 2}})});
     to.deepcopy(cell, kn_none);
-    EXPECT_NE(to.getpr(&inner), cell.getpr(&inner));
-    EXPECT_EQ(to.mr(1).addr(), inner.addr()) << "elements are shared";
-
+    EXPECT_EQ(to.mr(1).addr(), cell.mr(1).addr()) << "elements are shared";
     to = M({{9}});
     EXPECT_RAISES(to.deepcopy(named("c", cell), kn_double), "Can not convert c into a numeric matrix");
-    EXPECT_RAISES(to.deepcopy(cell, kn_uint8), "Can not convert (temporary) into a numeric matrix");
     EXPECT_SAME(to, M({{9}}));
 }
 
@@ -442,40 +387,26 @@ TEST(ValueConversions, deepcopy_keeps_flags_names_and_entries) {
     to.deepcopy(0, 1, M({{3, 4}}), kn_double);
     EXPECT_SAME(to, sparse_of(1, 2, {{0, 3}, {1, 4}}));
 
-    Mm st = struct_of({{"a", 1.0},
-                       {"b", 2.0},
-                       {"c", 3.0},
-                       {"d", 4.0},
-                       {"e", 5.0},
-                       {"f", 6.0},
-                       {"g", 7.0},
-                       {"h", 8.0},
-                       {"i", 9.0}});
+    Mm st = struct_of({{"a", 1.0}, {"b", 2.0}});
     st.setclassid(3);
     to.deepcopy(st, kn_none);
     EXPECT_SAME(to, st);
     EXPECT_EQ(to.getclassid(), 3);
     EXPECT_NE(to.getfields(), st.getfields());
-    to.rmfield("i");
-    EXPECT_EQ(st.findfield("i", 0), 8);
 }
 
 // -- Names and scalars.
 
 TEST(ValueNames, in_messages) {
+    const std::pair<Mm, const char *> cases[] = {
+        {-3.7, "=-3"}, {inf, "=2147483647"}, {Mm(), "(temporary)"}, {U8({{1}}), "(temporary)"}};
+    for (const auto &[m, name] : cases) EXPECT_STREQ(kn_display_name(m), name);
     EXPECT_STREQ(kn_display_name(named("x", M({{1, 2}}))), "x");
-    EXPECT_STREQ(kn_display_name(-3.7), "=-3");
-    EXPECT_STREQ(kn_display_name(inf), "=2147483647");
-    EXPECT_STREQ(kn_display_name(M({{1, 2}})), "(temporary)");
-    EXPECT_STREQ(kn_display_name(Mm()), "(temporary)");
-    EXPECT_STREQ(kn_display_name(U8({{1}})), "(temporary)");
     EXPECT_STREQ(kn_display_name(Mm(0, 1, 0, 1, 1, kn_double)), "=0");
 }
 
 TEST(ValueNames, scalar_tells_why_not) {
     EXPECT_EQ(scalar(Mm(4.5)), 4.5);
-    EXPECT_EQ(scalar(4.5), 4.5);
-    EXPECT_EQ(scalar(test::logical_of(1.0)), 1);
     Mm complex_text = C(97, 1), char_text = TM("a");
     complex_text.setstr(1);
     EXPECT_RAISES(scalar(named("x", Mm())), "scalar: matrix x is not scalar");
@@ -489,7 +420,6 @@ TEST(ValueNames, variables_without_a_value) {
     Mm v(i_o, "v", 0);
     EXPECT_RAISES(v.warn_uninit(), "variable 'v' was used without a value");
     EXPECT_RAISES(switchinit(v), "variable 'v' was used without a value");
-    EXPECT_SAME(switchinit(M({{1, 2}})), M({{1, 2}}));
     EXPECT_EQ(test::raised([] { Mm().warn_uninit(); }), "(no error)");
 }
 
@@ -500,42 +430,7 @@ TEST(ValueNames, argument_counts) {
     EXPECT_SAME(argn(i_o, out, in), x_M);
     EXPECT_SAME(out, Mm(2.0));
     EXPECT_SAME(in, Mm(3.0));
-    EXPECT_EQ(nargin(), 3);
-    EXPECT_EQ(nargout(), 2);
     nargin_val = nargout_val = 0;
-}
-
-TEST(Value, assignment_from_a_temporary_takes_its_block) {
-    Mm x(i_o, "x", 1), y = test::row({1, 2, 3});
-    double *elements = y.addr();
-    x = std::move(y);
-    EXPECT_EQ(x.addr(), elements);
-    EXPECT_EQ(x.dirty(), 0);
-    EXPECT_STREQ(x.getname(), "x");
-    EXPECT_EQ(x.isglobal(), 1);
-    EXPECT_EQ(x.getflags().scalar_only, 0);
-    EXPECT_EQ(y.getname(), nullptr);
-    EXPECT_EQ(y.isglobal(), 0);
-    Mm n(i_o, "n", 0), m = 3.0;
-    n = m;
-    n = Mm(4.0); // shared: a block of its own
-    EXPECT_SAME(m, Mm(3.0));
-    n = TM("a");
-    n = 5; // no longer text
-    EXPECT_SAME(n, Mm(5.0));
-    n = test::logical_of(1.0);
-    EXPECT_TRUE(n.islogical());
-    EXPECT_STREQ(n.getname(), "n");
-    Mm c = test::cell_of(1, 2, {test::row({4, 5}), Mm(6.0)});
-    c = std::move(c.mr(1)); // lives in the block that the target drops
-    EXPECT_SAME(c, test::row({4, 5}));
-}
-
-TEST(ValueNames, numbers_saturate_on_the_way_to_int) {
-    EXPECT_EQ(double_to_int(-2.9), -2);
-    for (double x : {2147483647.0, 1e300, inf}) EXPECT_EQ(double_to_int(x), 2147483647);
-    for (double x : {-2147483648.0, -1e300, -inf, double(NAN)}) EXPECT_EQ(double_to_int(x), -2147483647);
-    EXPECT_EQ(double_to_int(-2147483647.0), -2147483647);
 }
 
 } // namespace
