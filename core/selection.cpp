@@ -41,6 +41,21 @@ bool count_positions(int *list, const double *v, int n) {
 
 } // namespace
 
+bool all_inside(const Mm &s, int extent) {
+    constexpr double shift = 0x1p52;
+    if (s.gettype() != kn_double || s.issparse() || s.islogical()) return false;
+    const double *v = s.addr();
+    const uint64_t last = static_cast<uint64_t>(extent) - 1;
+    uint64_t odd = 0, outside = 0; // as in count_positions
+    for (int k = 0, n = s.getnnz(); k < n; ++k) {
+        double x = v[k] - 1.0;
+        uint64_t bits = std::bit_cast<uint64_t>(x + shift), at = bits ^ std::bit_cast<uint64_t>(shift);
+        odd |= std::bit_cast<uint64_t>(std::bit_cast<double>(bits) - shift - x);
+        outside |= at | (last - at);
+    }
+    return odd == 0 && outside >> 63 == 0;
+}
+
 int scalar_position(const Mm &base, int n, const Mm *const *s) {
     auto inside = [](const Mm &i, int extent) {
         if (!is_scalar_subscript(i)) return -1;

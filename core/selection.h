@@ -44,6 +44,8 @@ inline bool is_plain(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
 inline bool is_scalar_subscript(const Mm &s) {
     return s.getnnz() == 1 && is_plain(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
 }
+// Whether the subscript's values are all whole numbers from 1 to extent.
+bool all_inside(const Mm &s, int extent);
 // Linear position in a full value that n scalar subscripts select; -1 when they lie outside or are no
 // scalars.
 int scalar_position(const Mm &base, int n, const Mm *const *subscripts);
