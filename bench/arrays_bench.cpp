@@ -13,16 +13,7 @@ namespace {
 
 std::vector<double> elements(const Mm &x) { return {x.addr(), x.addr() + x.size()}; }
 
-// f writes n doubles into a fresh block, which nobody has cleared.
-template <class F> auto into_fresh(size_t n, F f) {
-    return [=] {
-        double *out = static_cast<double *>(std::malloc(sizeof(double) * n));
-        f(out);
-        benchmark::DoNotOptimize(out);
-        benchmark::ClobberMemory();
-        std::free(out);
-    };
-}
+using bench::into_fresh;
 
 void concatenation_cases() {
     constexpr int m = 500;

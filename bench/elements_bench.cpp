@@ -73,15 +73,7 @@ void accumulate_rows(const double *__restrict x, double *__restrict out) {
         for (int k = 0; k < m; ++k) out[j * m + k] = out[(j - 1) * m + k] + x[j * m + k];
 }
 
-template <class F> auto into_fresh(size_t n, F f) {
-    return [=] {
-        double *out = static_cast<double *>(std::malloc(sizeof(double) * n));
-        f(out);
-        benchmark::DoNotOptimize(out);
-        benchmark::ClobberMemory();
-        std::free(out);
-    };
-}
+using bench::into_fresh;
 
 void reduction_cases() {
     static const Mm a = randn(m, m);

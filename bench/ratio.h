@@ -4,6 +4,7 @@
 #ifndef QUORVEX_BENCH_RATIO_H
 #define QUORVEX_BENCH_RATIO_H
 
+#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -25,6 +26,17 @@ struct Group {
 };
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
+
+// f writes n doubles into a fresh block, which nobody has cleared.
+template <class F> auto into_fresh(size_t n, F f) {
+    return [=] {
+        double *out = static_cast<double *>(std::malloc(sizeof(double) * n));
+        f(out);
+        benchmark::DoNotOptimize(out);
+        benchmark::ClobberMemory();
+        std::free(out);
+    };
+}
 
 } // namespace bench
 

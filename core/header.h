@@ -13,13 +13,9 @@ namespace kn {
 struct Header {
     static void *&pr(const Mm &m) { return const_cast<Mm &>(m).pr; }
     static void *&pi(const Mm &m) { return const_cast<Mm &>(m).pi; }
-    static int &p(const Mm &m) { return const_cast<Mm &>(m).p; }
     static int *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
     static unsigned *refcount(const Mm &m) { return m.refcount; }
     static const char *&name(const Mm &m) { return const_cast<Mm &>(m).name; }
-    static const char **&fields(const Mm &m) { return const_cast<Mm &>(m).fields; }
-    static int &nfields(const Mm &m) { return const_cast<Mm &>(m).nfields; }
-    static Mm *&shadow(const Mm &m) { return const_cast<Mm &>(m).shadow; }
 };
 
 // Whether the value has no room for the n stored elements it was made for.

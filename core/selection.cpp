@@ -24,34 +24,41 @@ int count_selected(const Mm &s) {
     return mask ? count_nonzero(s.addr(), s.getnnz()) : s.getnnz();
 }
 
-// Positions of index values that are all whole numbers from 1 on; false when one is not. Without a comparison
-// or a conversion, which would cost more than the move: beside 2^52 the last bits of a double count ones.
-bool count_positions(int *list, const double *v, int n) {
-    constexpr double shift = 0x1p52;
-    uint64_t odd = 0;
-    for (int k = 0; k < n; ++k) {
-        double x = v[k] - 1.0;
-        uint64_t bits = std::bit_cast<uint64_t>(x + shift);
-        list[k] = static_cast<int>(static_cast<uint32_t>(bits));
-        odd |= std::bit_cast<uint64_t>(std::bit_cast<double>(bits) - shift - x);
-        odd |= ((bits ^ std::bit_cast<uint64_t>(shift)) + 1) >> 31;
+// The place, from 0, of an index value. Without a comparison or a conversion, which would cost more than the
+// move: beside 2^52 the last bits of a double count ones. `odd` is 0 for a whole number; a value below 1 has
+// a place beyond every extent.
+struct Place {
+    uint64_t at, odd;
+    explicit Place(double v) {
+        constexpr double shift = 0x1p52;
+        double x = v - 1.0, shifted = x + shift;
+        at = std::bit_cast<uint64_t>(shifted) ^ std::bit_cast<uint64_t>(shift);
+        odd = std::bit_cast<uint64_t>(shifted - shift - x);
     }
-    return odd == 0;
+};
+
+// Positions of index values that are all whole numbers from 1 on; false when one is not.
+bool count_positions(int *list, const double *v, int n) {
+    uint64_t fault = 0;
+    for (int k = 0; k < n; ++k) {
+        Place p(v[k]);
+        list[k] = static_cast<int>(static_cast<uint32_t>(p.at));
+        fault |= p.odd | (p.at + 1) >> 31;
+    }
+    return fault == 0;
 }
 
 } // namespace
 
 bool all_inside(const Mm &s, int extent) {
-    constexpr double shift = 0x1p52;
     if (s.gettype() != kn_double || s.issparse() || s.islogical()) return false;
     const double *v = s.addr();
     const uint64_t last = static_cast<uint64_t>(extent) - 1;
-    uint64_t odd = 0, outside = 0; // as in count_positions
+    uint64_t odd = 0, outside = 0;
     for (int k = 0, n = s.getnnz(); k < n; ++k) {
-        double x = v[k] - 1.0;
-        uint64_t bits = std::bit_cast<uint64_t>(x + shift), at = bits ^ std::bit_cast<uint64_t>(shift);
-        odd |= std::bit_cast<uint64_t>(std::bit_cast<double>(bits) - shift - x);
-        outside |= at | (last - at);
+        Place p(v[k]);
+        odd |= p.odd;
+        outside |= p.at | (last - p.at);
     }
     return odd == 0 && outside >> 63 == 0;
 }

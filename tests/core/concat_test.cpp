@@ -6,15 +6,7 @@
 #include "core/scratch.h"
 #include "support/support.h"
 
-using test::cell_of;
-using test::logical_of;
-using test::M;
-using test::named;
-using test::nd;
-using test::row;
-using test::sparse_of;
-using test::struct_of;
-using test::U8;
+using namespace test;
 
 namespace {
 

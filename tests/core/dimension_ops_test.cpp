@@ -10,10 +10,7 @@
 #include "core/scalar_kernels.h"
 #include "support/support.h"
 
-using test::C;
-using test::M;
-using test::row;
-using test::U8;
+using namespace test;
 
 namespace {
 

@@ -13,11 +13,7 @@
 #include "core/special_functions.h"
 #include "support/support.h"
 
-using test::C;
-using test::complex_of;
-using test::M;
-using test::row;
-using test::U8;
+using namespace test;
 
 namespace {
 

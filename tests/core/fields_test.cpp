@@ -4,9 +4,7 @@
 
 #include "support/support.h"
 
-using test::M;
-using test::named;
-using test::struct_of;
+using namespace test;
 
 namespace {
 

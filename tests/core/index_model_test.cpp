@@ -9,8 +9,7 @@
 #include "core/header.h"
 #include "support/support.h"
 
-using test::Raised;
-using test::Random;
+using namespace test;
 
 namespace {
 

@@ -6,19 +6,7 @@
 #include "core/header.h"
 #include "support/support.h"
 
-using test::C;
-using test::cell_of;
-using test::col;
-using test::complex_of;
-using test::logical_of;
-using test::M;
-using test::named;
-using test::nd;
-using test::Returning;
-using test::row;
-using test::sparse_of;
-using test::struct_of;
-using test::U8;
+using namespace test;
 
 namespace {
 

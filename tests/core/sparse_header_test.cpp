@@ -9,9 +9,7 @@
 #include "core/header.h"
 #include "support/support.h"
 
-using test::M;
-using test::named;
-using test::sparse_of;
+using namespace test;
 
 namespace {
 

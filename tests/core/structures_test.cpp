@@ -5,12 +5,7 @@
 #include "core/header.h"
 #include "support/support.h"
 
-using test::cell_of;
-using test::col;
-using test::M;
-using test::named;
-using test::row;
-using test::struct_of;
+using namespace test;
 
 namespace {
 

@@ -8,15 +8,7 @@
 #include "core/hooks.h"
 #include "support/support.h"
 
-using test::C;
-using test::cell_of;
-using test::M;
-using test::named;
-using test::nd;
-using test::Returning;
-using test::sparse_of;
-using test::struct_of;
-using test::U8;
+using namespace test;
 
 namespace {
 

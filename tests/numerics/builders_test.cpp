@@ -3,8 +3,7 @@
 
 #include "support/support.h"
 
-using test::M;
-using test::row;
+using namespace test;
 
 namespace {
 

@@ -10,10 +10,7 @@
 #include "platform/platform.h"
 #include "support/support.h"
 
-using test::M;
-using test::named;
-using test::nd;
-using test::printed;
+using namespace test;
 
 namespace {
 

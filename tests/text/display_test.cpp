@@ -10,15 +10,7 @@
 #include "text/text_of.h"
 #include "text/value_display.h"
 
-using test::C;
-using test::cell_of;
-using test::M;
-using test::named;
-using test::nd;
-using test::row;
-using test::sparse_of;
-using test::struct_of;
-using test::U8;
+using namespace test;
 
 namespace {
 

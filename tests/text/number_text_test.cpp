@@ -9,13 +9,7 @@
 #include "text/number_text.h"
 #include "text/text_of.h"
 
-using test::C;
-using test::cell_of;
-using test::M;
-using test::row;
-using test::sparse_of;
-using test::text_of;
-using test::U8;
+using namespace test;
 
 namespace {
 

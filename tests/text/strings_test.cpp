@@ -5,12 +5,7 @@
 #include "support/support.h"
 #include "text/text_of.h"
 
-using test::C;
-using test::cell_of;
-using test::M;
-using test::row;
-using test::text_of;
-using test::U8;
+using namespace test;
 
 namespace {
 
