@@ -1,94 +1,115 @@
 #include "bench/ratio.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <cstdio>
-#include <map>
-#include <string>
-#include <vector>
+#include <cstring>
+#include <limits>
 
 #include <quorvex.h>
 
 namespace {
 
-struct Pair {
-    std::string name;
-    double limit;
-    int steps; // 0: the limit is one on the ratio
-    double ours = 0, plain = 0;
-};
+using Work = std::function<void()>;
 
-std::vector<Pair> &pairs() {
-    static std::vector<Pair> all;
-    return all;
+const char *pattern = ""; // rows without this text are left out
+const char *title = nullptr;
+int rows = 0, over = 0;
+
+// Of a row, in ns. A batch is long enough for the clock and the caches; there are as many as the budget
+// allows.
+constexpr double batch = 4e6, budget = 5e8, warm_up = 3e7;
+constexpr int fewest_batches = 3;
+
+double now() {
+    using namespace std::chrono;
+    return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
-std::vector<void (*)()> &groups() {
-    static std::vector<void (*)()> all;
-    return all;
+double timed(const Work &work, int calls = 1) {
+    double start = now();
+    for (int k = 0; k < calls; ++k) work();
+    return (now() - start) / calls;
 }
 
-// Keeps the smallest of the repetitions, which the machine's other work disturbs least.
-class Ratios : public benchmark::BenchmarkReporter {
-  public:
-    bool ReportContext(const Context &) override { return true; }
-    void ReportRuns(const std::vector<Run> &runs) override {
-        for (const Run &run : runs) {
-            if (run.run_type != Run::RT_Iteration) continue;
-            double ns = run.GetAdjustedRealTime();
-            std::string name = run.run_name.function_name;
-            for (Pair &p : pairs()) {
-                double *time = name == p.name + "/ours"    ? &p.ours
-                               : name == p.name + "/plain" ? &p.plain
-                                                           : nullptr;
-                if (time && (*time == 0 || ns < *time)) *time = ns;
-            }
+// One side of a row.
+struct Side {
+    const Work &work;
+    int calls = 1; // of a batch
+    double best = std::numeric_limits<double>::infinity();
+
+    explicit Side(const Work &w) : work(w) {
+        double call = timed(work); // fresh memory is slow for a while
+        for (double spent = call; spent < warm_up;) {
+            double next = timed(work);
+            spent += next;
+            call = std::min(call, next);
         }
+        calls = static_cast<int>(std::clamp(std::ceil(batch / std::max(call, 1.0)), 1.0, 1e7));
     }
-    void Finalize() override {
-        std::printf("%-44s %14s %14s %8s %8s %9s\n", "case", "ours ns", "plain ns", "ratio", "ns/step",
-                    "limit");
-        for (const Pair &p : pairs()) {
-            if (p.ours == 0 || p.plain == 0) continue;
-            double ratio = p.ours / p.plain, judged = p.steps ? p.ours / p.steps : ratio;
-            std::printf("%-44s %14.1f %14.1f %8.2f", p.name.c_str(), p.ours, p.plain, ratio);
-            if (p.steps)
-                std::printf(" %8.1f %6.0f ns", judged, p.limit);
-            else
-                std::printf(" %8s %9.2f", "", p.limit);
-            std::printf("%s\n", judged > p.limit ? "  over" : "");
-        }
+    void run() {
+        if (calls > 1) work(); // the other side has filled the caches
+        best = std::min(best, timed(work, calls));
     }
 };
+
+std::string time_text(double ns) {
+    const char *unit = ns < 1e3 ? "ns" : ns < 1e6 ? "us" : "ms";
+    double shown = ns < 1e3 ? ns : ns < 1e6 ? ns / 1e3 : ns / 1e6;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.*f %s", shown < 10 ? 2 : shown < 100 ? 1 : 0, shown, unit);
+    return text;
+}
+
+void print(const char *work, const char *ours, const char *native, const char *judged, const char *limit,
+           const char *mark) {
+    std::printf("%-42s %9s %9s %9s %9s%s\n", work, ours, native, judged, limit, mark);
+    std::fflush(stdout);
+}
 
 } // namespace
 
-bench::Group::Group(void (*add_cases)()) { groups().push_back(add_cases); }
+void bench::heading(const char *text) { title = text; }
 
-void bench::compare(const std::string &name, double limit, std::function<void()> ours,
-                    std::function<void()> plain) {
-    compare_steps(name, limit, 0, std::move(ours), std::move(plain));
+void bench::row(const std::string &work, Limit limit, const Work &ours, const Work &native) {
+    if (work.find(pattern) == std::string::npos) return;
+    Side a(ours), b(native);
+    double start = now();
+    for (int k = 0; k < fewest_batches || now() - start < budget; ++k) a.run(), b.run();
+
+    double judged = limit.kind == Limit::ratio  ? a.best / b.best
+                    : limit.kind == Limit::step ? a.best / limit.steps
+                                                : a.best / 1e6;
+    const char *form = limit.kind == Limit::ratio  ? "%.2f x"
+                       : limit.kind == Limit::step ? "%.1f ns"
+                                                   : "%.2f ms";
+    char judged_text[32], limit_text[32];
+    std::snprintf(judged_text, sizeof judged_text, form, judged);
+    std::snprintf(limit_text, sizeof limit_text, form, limit.most);
+    if (title) std::printf("\n%s\n", title);
+    title = nullptr;
+    print(work.c_str(), time_text(a.best).c_str(), time_text(b.best).c_str(), judged_text, limit_text,
+          judged > limit.most ? "  over" : "");
+    ++rows, over += judged > limit.most;
 }
 
-void bench::compare_steps(const std::string &name, double limit, int steps, std::function<void()> ours,
-                          std::function<void()> plain) {
-    pairs().push_back({name, limit, steps});
-    auto add = [&](const char *side, std::function<void()> work) {
-        benchmark::RegisterBenchmark((name + side).c_str(),
-                                     [work](benchmark::State &state) {
-                                         for (auto _ : state) work();
-                                     })
-            ->Repetitions(5)
-            ->MinWarmUpTime(0.2) // fresh memory is slow for a while
-            ->MinTime(0.02);
-    };
-    add("/ours", std::move(ours));
-    add("/plain", std::move(plain));
-}
-
+// quorvex_bench [--strict] [text]: the rows whose names hold the text. With --strict a row over its limit is
+// a failure.
 int main(int argc, char **argv) {
+    bool strict = false;
+    for (int k = 1; k < argc; ++k) {
+        if (std::strcmp(argv[k], "--strict") == 0)
+            strict = true;
+        else
+            pattern = argv[k];
+    }
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    for (auto add_cases : groups()) add_cases();
-    benchmark::Initialize(&argc, argv);
-    Ratios ratios;
-    benchmark::RunSpecifiedBenchmarks(&ratios);
-    benchmark::Shutdown();
+    print("work", "ours", "native", "judged", "limit", "");
+    for (auto group : {bench::scalar_rows, bench::subscript_rows, bench::element_rows, bench::reduction_rows,
+                       bench::selection_rows, bench::array_rows, bench::structure_rows, bench::value_rows,
+                       bench::product_rows})
+        group();
+    std::printf("\n%d of %d rows over their limit\n", over, rows);
+    return rows == 0 || (strict && over > 0);
 }

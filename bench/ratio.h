@@ -1,10 +1,8 @@
-// Benchmarks as ratios: each case runs the library's call and the plain C++ (or BLAS) version of the same
-// work in one process, and the table at the end shows their times and the ratio beside the limit that the
-// project sets itself. A limit in nanoseconds is one on the time of a single step.
+// Rows of the benchmark table. Each runs the library's call and the native version of the same work in one
+// process and is judged by a limit on their ratio or on the library's time alone.
 #ifndef QUORVEX_BENCH_RATIO_H
 #define QUORVEX_BENCH_RATIO_H
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -12,30 +10,41 @@
 
 namespace bench {
 
-// `ours` and `plain` do the work once; `limit` is the largest ratio aimed at.
-void compare(const std::string &name, double limit, std::function<void()> ours, std::function<void()> plain);
-
-// The same for work of `steps` steps, of which `ours` may take `limit_ns` nanoseconds each, whatever the
-// ratio.
-void compare_steps(const std::string &name, double limit_ns, int steps, std::function<void()> ours,
-                   std::function<void()> plain);
-
-// A group of cases: its registration runs before the benchmarks do.
-struct Group {
-    explicit Group(void (*add_cases)());
+// The most that the library's call may take.
+struct Limit {
+    enum Kind { ratio, step, total } kind;
+    double most;   // as often as long as native; ns a step; ms in all
+    int steps = 1; // of one call
 };
+inline Limit times_native(double most) { return {Limit::ratio, most}; }
+inline Limit ns_each(double most, int steps) { return {Limit::step, most, steps}; }
+inline Limit ms(double most) { return {Limit::total, most}; }
+
+// Measures and prints one row, unless the pattern of the command line leaves it out. Both sides do the work
+// once a call. They take turns, so that other work on the machine disturbs both, and the shortest time counts.
+void row(const std::string &work, Limit limit, const std::function<void()> &ours,
+         const std::function<void()> &native);
+
+// The title of the rows that follow; printed with the first of them.
+void heading(const char *title);
+
+// The groups of rows, in the order of the table.
+void scalar_rows();
+void subscript_rows();
+void element_rows();
+void reduction_rows();
+void selection_rows();
+void array_rows();
+void structure_rows();
+void value_rows();
+void product_rows();
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
 
-// f writes n doubles into a fresh block, which nobody has cleared.
-template <class F> auto into_fresh(size_t n, F f) {
-    return [=] {
-        double *out = static_cast<double *>(std::malloc(sizeof(double) * n));
-        f(out);
-        benchmark::DoNotOptimize(out);
-        benchmark::ClobberMemory();
-        std::free(out);
-    };
+inline std::string size_text(int n) { // 1e6 for 1000000
+    int zeros = 0;
+    for (; n % 10 == 0; n /= 10) ++zeros;
+    return n == 1 && zeros > 2 ? "1e" + std::to_string(zeros) : std::to_string(n) + std::string(zeros, '0');
 }
 
 } // namespace bench

@@ -16,30 +16,56 @@ else()
     list(FILTER sources EXCLUDE REGEX "/win32[^/]*\\.cpp$")
 endif()
 
-add_library(quorvex_objects OBJECT ${sources})
-set_target_properties(quorvex_objects PROPERTIES
-    POSITION_INDEPENDENT_CODE ON
-    CXX_VISIBILITY_PRESET hidden
-    VISIBILITY_INLINES_HIDDEN ON)
-target_include_directories(quorvex_objects PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
-target_compile_definitions(quorvex_objects
-    PUBLIC $<$<BOOL:${QUORVEX_ALLOC_PROBE}>:QUORVEX_ALLOC_PROBE=1>
-    PRIVATE QUORVEX_BUILDING
-    INTERFACE QUORVEX_STATIC_DEFINE)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # No program replaces a function of the library by one of the same name, so calls inside it may be direct.
-    # (Not for Clang, whose form of the option would bind the exported constants too, which a program may own by
-    # copy relocation.)
-    target_compile_options(quorvex_objects PRIVATE -fno-semantic-interposition)
+# quorvex_library_sources(<target>): how sources of the library are compiled.
+function(quorvex_library_sources target)
+    set_target_properties(${target} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
+    target_compile_definitions(${target}
+        PUBLIC $<$<BOOL:${QUORVEX_ALLOC_PROBE}>:QUORVEX_ALLOC_PROBE=1>
+        PRIVATE QUORVEX_BUILDING)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # No program replaces a function of the library by one of the same name, so calls inside it may be direct.
+        # (Not for Clang, whose form of the option would bind the exported constants too, which a program may own
+        # by copy relocation.)
+        target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+    endif()
+    target_link_libraries(${target}
+        PUBLIC ${QUORVEX_PRIVATE_LIBRARIES}
+        PRIVATE quorvex_warnings quorvex_kernels Boost::headers)
+endfunction()
+
+# The kernels are compiled once more for each instruction set that the processor may turn out to have
+# (core/kernels/isa.h).
+file(GLOB kernel_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/core/kernels/*.cpp)
+set(QUORVEX_OBJECT_LIBRARIES quorvex_objects) # all of them: what a test program links
+set(has_x86_kernels FALSE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64"
+        AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(has_x86_kernels TRUE)
+    set(flags_of_avx2 -mavx2 -mfma)
+    set(flags_of_avx512 -mavx512f -mavx512vl -mavx512dq -mavx512bw -mavx2 -mfma -mprefer-vector-width=512)
+    foreach(isa avx2 avx512)
+        add_library(quorvex_kernels_${isa} OBJECT ${kernel_sources})
+        target_compile_definitions(quorvex_kernels_${isa} PRIVATE KN_ISA=${isa})
+        target_compile_options(quorvex_kernels_${isa} PRIVATE ${flags_of_${isa}})
+        quorvex_library_sources(quorvex_kernels_${isa})
+        list(APPEND QUORVEX_OBJECT_LIBRARIES quorvex_kernels_${isa})
+    endforeach()
 endif()
+
+add_library(quorvex_objects OBJECT ${sources} ${kernel_sources})
+quorvex_library_sources(quorvex_objects)
+target_compile_definitions(quorvex_objects
+    PRIVATE $<$<BOOL:${has_x86_kernels}>:KN_X86_KERNELS>
+    INTERFACE QUORVEX_STATIC_DEFINE)
 # Headers of values are written field by field and copied right after that: a copy by wider moves would wait until
 # the fields are in the cache.
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     set_source_files_properties(core/value.cpp PROPERTIES COMPILE_OPTIONS -fno-tree-slp-vectorize)
 endif()
-target_link_libraries(quorvex_objects
-    PUBLIC ${QUORVEX_PRIVATE_LIBRARIES}
-    PRIVATE quorvex_warnings quorvex_kernels Boost::headers)
 
 # quorvex_finish(<target>): what the shared and the static library have in common.
 function(quorvex_finish target)
@@ -50,7 +76,8 @@ function(quorvex_finish target)
     add_library(quorvex::${target} ALIAS ${target})
 endfunction()
 
-add_library(quorvex SHARED $<TARGET_OBJECTS:quorvex_objects>)
+list(TRANSFORM QUORVEX_OBJECT_LIBRARIES REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE objects)
+add_library(quorvex SHARED ${objects})
 set_target_properties(quorvex PROPERTIES
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
@@ -61,7 +88,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32 AND NOT QUORVEX_SANIT
 endif()
 
 if(QUORVEX_STATIC)
-    add_library(quorvex_static STATIC $<TARGET_OBJECTS:quorvex_objects>)
+    add_library(quorvex_static STATIC ${objects})
     target_compile_definitions(quorvex_static INTERFACE QUORVEX_STATIC_DEFINE)
     if(NOT WIN32) # there libquorvex.lib is the shared library's import library
         set_target_properties(quorvex_static PROPERTIES OUTPUT_NAME quorvex)

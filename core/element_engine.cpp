@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "core/header.h"
+#include "core/kernel_table.h"
 #include "core/op_core.h"
 #include "core/op_names.h"
 #include "core/sparse_plan.h"

@@ -1,5 +1,5 @@
-// The loops of the operations, by element type: one table for doubles, one for bytes, with a row for each
-// code.
+// What the loops of the operations take: the kernel tables (core/kernel_table.h) have a row of loops for each
+// code, by element type.
 //
 // A loop is chosen once for an array; what it finds there is described by Elements (element by element) or
 // Slices (along a dimension). Results are written completely: where an operation has nothing to write, as
@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "core/kernels/isa.h"
 #include "quorvex/op_list.h"
 
 namespace kn {
@@ -44,17 +45,12 @@ template <class T> struct Loops {
     void (*along)(const Slices<T> &);
 };
 
-extern const Loops<double> double_loops[op_count_];
-extern const Loops<unsigned char> byte_loops[op_count_];
-
-template <class T> const Loops<T> *loops_of();
-template <> inline const Loops<double> *loops_of<double>() { return double_loops; }
-template <> inline const Loops<unsigned char> *loops_of<unsigned char>() { return byte_loops; }
-
+inline namespace KN_ISA {
 template <class T> void clear(T *re, T *im, ptrdiff_t n) {
     if (re) std::fill(re, re + n, T(0));
     if (im) std::fill(im, im + n, T(0));
 }
+} // namespace KN_ISA
 
 } // namespace kn
 

@@ -6,9 +6,9 @@
 
 #include <algorithm>
 
-#include "core/dimension_ops.h"
+#include "core/kernels/dimension_ops.h"
 #include "core/element_engine.h"
-#include "core/element_kernels.h"
+#include "core/kernels/element_kernels.h"
 #include "core/header.h"
 #include "core/multiply.h"
 #include "core/result_rules.h"

@@ -10,12 +10,39 @@
 #include <cstdint>
 
 #include "core/constants.h"
+#include "core/kernels/isa.h"
 
 namespace kn {
 
 inline constexpr double raw_pi = 3.141592653589793;
 inline constexpr double raw_ln2 = 0.6931471805599453;
 inline constexpr double raw_ln10 = 2.302585092994046;
+
+// The remainder of x / y with the sign of x (rem) or y (mod). NaN when y is 0 or either is not finite. A
+// quotient within rounding error of the next whole number counts as that number, and the remainder is 0; in
+// rem not for negative quotients.
+double rem_real(double x, double y);
+double mod_real(double x, double y);
+
+// f times 2 to the e. For an infinite e: Inf when e > 0, else -Inf, whatever f is.
+double pow2_2(double f, double e);
+
+// x minus a multiple of 2 pi, for large x: the sum of (2^k mod 2 pi) over the bits of x. Not finite: NaN.
+double range_reduce(double x);
+inline constexpr double reduce_beyond = 1e9;
+
+// Bit operations on whole numbers, as two words of 32 bits each. Bits are counted from 1.
+enum class Bits { and_, or_, xor_ };
+double bit_logic(double a, double b, Bits kind);
+double bit_complement(double a, double n);
+double bit_get(double a, double k);
+double bit_set(double a, double k);
+double bit_reset(double a, double k);
+double bit_shift(double a, double n);
+
+// -- What loops inline.
+
+inline namespace KN_ISA {
 
 // Truncation, low byte kept; 0 for what does not fit 64 bits.
 inline unsigned char to_byte(double x) {
@@ -37,31 +64,10 @@ inline double min2_real(double x, double y) { return x < y || y != y ? x : y; }
 // x to the y; an exponent of exactly 2 is a product.
 inline double real_pow(double x, double y) { return y == 2 ? x * x : std::pow(x, y); }
 
-// The remainder of x / y with the sign of x (rem) or y (mod). NaN when y is 0 or either is not finite. A
-// quotient within rounding error of the next whole number counts as that number, and the remainder is 0; in
-// rem not for negative quotients.
-double rem_real(double x, double y);
-double mod_real(double x, double y);
-
-// f times 2 to the e. For an infinite e: Inf when e > 0, else -Inf, whatever f is.
-double pow2_2(double f, double e);
-
-// x minus a multiple of 2 pi, for large x: the sum of (2^k mod 2 pi) over the bits of x. Not finite: NaN.
-double range_reduce(double x);
-inline constexpr double reduce_beyond = 1e9;
-
 // The argument as sin, cos and tan take it.
 inline double reduced(double x) { return std::fabs(x) <= reduce_beyond ? x : range_reduce(x); }
 
-// Bit operations on whole numbers, as two words of 32 bits each. Bits are counted from 1.
-enum class Bits { and_, or_, xor_ };
-double bit_logic(double a, double b, Bits kind);
-double bit_complement(double a, double n);
-double bit_get(double a, double k);
-double bit_set(double a, double k);
-double bit_reset(double a, double k);
-double bit_shift(double a, double n);
-
+} // namespace KN_ISA
 } // namespace kn
 
 #endif

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "core/complex_math.h"
+#include "core/kernels/complex_math.h"
 #include "core/header.h"
 #include "core/scratch.h"
 #include "quorvex/startup.h"

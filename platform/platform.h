@@ -29,6 +29,22 @@ void *reserve(void *at, std::size_t bytes);
 // Makes whole pages within one reservation readable and writable. They read as zeros at first.
 bool commit(void *at, std::size_t bytes);
 
+// A mapping of its own for a large block, readable and writable, which reads as zeros at first. From
+// `huge_page` bytes on it starts at a multiple of that and is kept in pages of that size where the system has
+// them; a smaller one has its memory at once, without a fault at each page.
+constexpr std::size_t huge_page = std::size_t{1} << 21;
+void *map(std::size_t bytes);
+
+// Gives a mapping back.
+void unmap(void *p, std::size_t bytes);
+
+// The contents of a mapping are of no use any more: the system may take its pages when it needs memory. Who
+// writes has them again; until then it reads as zeros or as before.
+void offer(void *p, std::size_t bytes);
+
+// Bytes of memory in the machine.
+std::size_t physical_memory();
+
 // Whether the `n` bytes at `p` can be read without a fault.
 // An answer for this moment only, at one system call a page.
 bool readable(const void *p, std::size_t n);
@@ -46,6 +62,21 @@ void enter_lock(int n);
 
 // Leaves lock `n`; does nothing while the locks don't exist.
 void leave_lock(int n);
+
+// ---- Threads ----
+
+using Thread = struct ThreadHandle *;
+
+// Runs `run` in a thread of its own with the floating-point state of `reset_floating_point`; null when there
+// is none to be had. No signal is delivered there, but for those of its own faults. The module that holds
+// this code stays loaded on Windows from now on; elsewhere the thread must be joined before it goes.
+Thread start_thread(void (*run)());
+
+// Waits until the thread has ended and lets go of it.
+void join_thread(Thread thread);
+
+// Calls `hook` in the child of each fork, which has one thread only.
+void after_fork(void (*hook)());
 
 // ---- Modules ----
 
@@ -88,6 +119,12 @@ bool environment(const char *name, char *out, std::size_t size);
 
 // Sets a variable; a null value removes it, and on Windows an empty one too.
 bool set_environment(const char *name, const char *value);
+
+// ---- Processor ----
+
+// Whether processor and system support AVX2 with fused multiply-add; AVX-512 with its F, VL, DQ and BW parts.
+bool has_avx2();
+bool has_avx512();
 
 // ---- Floating point ----
 

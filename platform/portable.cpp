@@ -84,4 +84,16 @@ bool is_directory(const char *name) {
     return file_status(name, s) && s.is_directory;
 }
 
+#if defined(__x86_64__) && defined(__GNUC__)
+bool has_avx2() { return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"); }
+
+bool has_avx512() {
+    return has_avx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
+           __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw");
+}
+#else
+bool has_avx2() { return false; }
+bool has_avx512() { return false; }
+#endif
+
 } // namespace kn::os

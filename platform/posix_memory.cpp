@@ -13,13 +13,16 @@ namespace kn::os {
 
 namespace {
 
-// The first hole to look for, and what its use is aligned to: a huge page, so that the system may use them.
+// The first hole to look for. Its use is aligned to a huge page, so that the system may use them.
 constexpr std::size_t largest_hole = std::size_t{1} << (sizeof(void *) == 8 ? 40 : 30);
-constexpr std::size_t huge_page = std::size_t{1} << 21;
+
+void *map_anonymous(void *at, std::size_t bytes, int access, int flags) {
+    void *p = mmap(at, bytes, access, MAP_PRIVATE | MAP_ANONYMOUS | flags, -1, 0);
+    return p == MAP_FAILED ? nullptr : p;
+}
 
 void *map_without_access(void *at, std::size_t bytes, int flags) {
-    void *p = mmap(at, bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | flags, -1, 0);
-    return p == MAP_FAILED ? nullptr : p;
+    return map_anonymous(at, bytes, PROT_NONE, flags);
 }
 
 void *map_exactly(void *at, std::size_t bytes) {
@@ -55,6 +58,29 @@ void *reserve(void *at, std::size_t bytes) {
 }
 
 bool commit(void *at, std::size_t bytes) { return mprotect(at, bytes, PROT_READ | PROT_WRITE) == 0; }
+
+// A mapping can't be asked for by its alignment: one that is larger by a huge page is cut to the right place.
+void *map(std::size_t bytes) {
+    constexpr int access = PROT_READ | PROT_WRITE;
+    if (bytes < huge_page) return map_anonymous(nullptr, bytes, access, MAP_POPULATE);
+    if (bytes > SIZE_MAX - huge_page) return nullptr;
+    char *wide = static_cast<char *>(map_anonymous(nullptr, bytes + huge_page, access, 0));
+    if (!wide) return nullptr;
+    const std::size_t before = -reinterpret_cast<std::uintptr_t>(wide) & (huge_page - 1);
+    if (before > 0) munmap(wide, before);
+    munmap(wide + before + bytes, huge_page - before);
+    madvise(wide + before, bytes, MADV_HUGEPAGE);
+    return wide + before;
+}
+
+// A process that has all the mappings it may have can't cut one in two; then at least the memory goes back.
+void unmap(void *p, std::size_t bytes) {
+    if (munmap(p, bytes) != 0) madvise(p, bytes, MADV_DONTNEED);
+}
+
+void offer(void *p, std::size_t bytes) { madvise(p, bytes, MADV_FREE); }
+
+std::size_t physical_memory() { return static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) * page_size(); }
 
 // Setting the signal mask in no valid way changes nothing, but the kernel fetches the new mask first and says
 // EFAULT when it can't: a read of eight bytes that never faults here.

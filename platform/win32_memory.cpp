@@ -2,6 +2,8 @@
 #include "platform/platform.h"
 #include "platform/win32_common.h"
 
+#include <cstdint>
+
 namespace kn::os {
 
 namespace {
@@ -32,6 +34,22 @@ void *reserve(void *at, std::size_t bytes) {
 
 bool commit(void *at, std::size_t bytes) {
     return VirtualAlloc(at, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
+}
+
+// Huge pages need a privilege here and are not asked for.
+void *map(std::size_t bytes) {
+    return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+void unmap(void *p, std::size_t) { VirtualFree(p, 0, MEM_RELEASE); }
+
+void offer(void *p, std::size_t bytes) { VirtualAlloc(p, bytes, MEM_RESET, PAGE_READWRITE); }
+
+std::size_t physical_memory() {
+    MEMORYSTATUSEX status = {};
+    status.dwLength = sizeof status;
+    if (!GlobalMemoryStatusEx(&status)) return 0;
+    return static_cast<std::size_t>(status.ullTotalPhys < SIZE_MAX ? status.ullTotalPhys : SIZE_MAX);
 }
 
 bool readable(const void *p, std::size_t n) {

@@ -1,9 +1,10 @@
 // The loops for bytes: one row for each operation.
 
-#include "core/element_kernels.h"
-#include "core/op_loops.h"
+#include "core/kernels/element_kernels.h"
+#include "core/kernels/op_loops.h"
+#include "core/kernels/tables.h"
 
-namespace kn {
+namespace kn::inline KN_ISA {
 
 const Loops<unsigned char> byte_loops[op_count_] = {
 #define KN_ROW(name, group, rule, K) loops_for<unsigned char, ByteLoops, kernel::K>(),
@@ -11,4 +12,4 @@ const Loops<unsigned char> byte_loops[op_count_] = {
 #undef KN_ROW
 };
 
-} // namespace kn
+} // namespace kn::inline KN_ISA

@@ -4,15 +4,15 @@
 // A complex result that was not asked for, and every complex array of bytes, gives zeros. A result plane that
 // was asked for a real array is cleared.
 
-#include "core/dimension_ops.h"
+#include "core/kernels/dimension_ops.h"
 
 #include <algorithm>
 
-#include "core/complex_math.h"
-#include "core/element_kernels.h"
+#include "core/kernels/complex_math.h"
+#include "core/kernels/element_kernels.h"
 #include "core/scalar_kernels.h"
 
-namespace kn::kernel {
+namespace kn::inline KN_ISA::kernel {
 
 namespace {
 
@@ -404,4 +404,4 @@ KN_ALONG(Sum, sum)
 KN_ALONG(Unwrap, unwrap)
 #undef KN_ALONG
 
-} // namespace kn::kernel
+} // namespace kn::inline KN_ISA::kernel

@@ -8,7 +8,7 @@
 
 #include "core/op_core.h"
 
-namespace kn::kernel {
+namespace kn::inline KN_ISA::kernel {
 
 #define KN_DIMENSION_KERNELS(ROW) \
     ROW(Diff)                     \
@@ -32,6 +32,6 @@ namespace kn::kernel {
 KN_DIMENSION_KERNELS(KN_KERNEL)
 #undef KN_KERNEL
 
-} // namespace kn::kernel
+} // namespace kn::inline KN_ISA::kernel
 
 #endif

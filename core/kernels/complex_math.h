@@ -8,9 +8,10 @@
 
 #include <cmath>
 
+#include "core/kernels/isa.h"
 #include "core/scalar_kernels.h"
 
-namespace kn {
+namespace kn::inline KN_ISA {
 
 struct Z {
     double re, im;
@@ -167,6 +168,6 @@ inline Z complex_pow(Z a, Z b) {
     return complex_exp(p);
 }
 
-} // namespace kn
+} // namespace kn::inline KN_ISA
 
 #endif

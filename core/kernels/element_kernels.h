@@ -11,12 +11,12 @@
 #ifndef QUORVEX_CORE_ELEMENT_KERNELS_H
 #define QUORVEX_CORE_ELEMENT_KERNELS_H
 
-#include "core/complex_math.h"
+#include "core/kernels/complex_math.h"
 #include "core/scalar_kernels.h"
 #include "core/special_functions.h"
 #include "quorvex/operations.h"
 
-namespace kn::kernel {
+namespace kn::inline KN_ISA::kernel {
 
 using byte = unsigned char;
 
@@ -277,6 +277,6 @@ KN_REAL(Bitreset, bit_reset(x, y))
 KN_REAL(Bitshift, bit_shift(x, y))
 #undef KN_REAL
 
-} // namespace kn::kernel
+} // namespace kn::inline KN_ISA::kernel
 
 #endif

@@ -6,11 +6,12 @@
 #include <algorithm>
 #include <concepts>
 
-#include "core/complex_math.h"
-#include "core/dimension_ops.h"
+#include "core/kernels/complex_math.h"
+#include "core/kernels/dimension_ops.h"
+#include "core/kernels/isa.h"
 #include "core/op_core.h"
 
-namespace kn {
+namespace kn::inline KN_ISA {
 
 template <class K>
 concept along_dimension = requires(const Slices<double> &s) {
@@ -251,6 +252,6 @@ template <class T, template <class> class Family, class K> constexpr Loops<T> lo
         return {Family<K>::binary, nullptr};
 }
 
-} // namespace kn
+} // namespace kn::inline KN_ISA
 
 #endif

@@ -1,0 +1,71 @@
+// The plain C++ that the library is compared with: loops as an expert writes them, on double arrays, into
+// results that exist already, compiled for the machine they run on. Subscripts, index lists and masks are
+// doubles, as the language has them; subscripts count from 1.
+#ifndef QUORVEX_BENCH_NATIVE_H
+#define QUORVEX_BENCH_NATIVE_H
+
+namespace native {
+
+// -- scalars.cpp
+
+double add_twice(int n); // s = s + k * 2 for k = 1 to n
+double fib(double n);
+
+// -- subscripts.cpp
+
+double read_each(int n, const double *x); // the last of n reads, none of which is left out
+void write_each(int n, double *x, double v);
+void append(int n);          // to an empty vector
+void append_records(int n);  // of one field
+struct Record {
+    double a;
+};
+double read_records(int n, const Record *s);
+
+// -- elements.cpp
+
+using Unary = void(int n, const double *a, double *out);
+using Binary = void(int n, const double *a, const double *b, double *out);
+Unary square_root, exponential, logarithm, sine, square, power_three_halves;
+Binary add, multiply, divide, less;
+void multiply_add(int n, const double *a, const double *b, const double *c, double *out);
+
+struct Planes { // of a complex array
+    double *re, *im;
+};
+void complex_multiply(int n, Planes a, Planes b, Planes out);
+void complex_abs(int n, Planes a, double *out);
+
+// -- reductions.cpp: of an m by m matrix along dimension 1 or 2
+
+using Reduction = void(int dim, int m, const double *a, double *out);
+Reduction sum, cumsum, max, mean, any, all;
+
+// -- selections.cpp
+
+void rows(int m, int n, const double *a, int first, int last, double *out); // a(first:last,:), a is m by n
+void columns(int m, int n, const double *a, const double *idx, double *out); // a(:,idx) of n columns
+int pick(int n, const double *x, const double *mask, double *out);           // room for one more in out
+void fill_where(int n, double *x, const double *mask, double v);
+void put_where(int n, double *x, const double *mask, const double *v); // v has one element more than is taken
+void put_at(int n, double *x, const double *idx, const double *v);     // x(idx) = v of n elements
+// x(idx) = [] and a(:,idx) = [] for n indices, into out; marks is a work array of as many bytes as x has
+// elements, or a columns. The number of elements, or columns, that are left.
+int erase(int size, const double *x, int n, const double *idx, char *marks, double *out);
+int erase_columns(int m, int cols, const double *a, int n, const double *idx, char *marks, double *out);
+
+// -- arrays.cpp
+
+void transpose(int m, const double *a, double *out);                    // m by m
+void join(int m, const double *const blocks[2][2], double *out);        // [A B; C D] of m by m
+void repeat(int rows, int cols, const double *tile, int m, double *out); // to m by m
+
+// -- products.cpp: by BLAS, n by n
+
+void product(int n, const double *a, const double *b, double *out);
+void complex_product(int n, Planes a, Planes b, Planes out); // three real products of sums; fewest flops
+void complex_product_exact(int n, Planes a, Planes b, Planes out); // four: exact as the definition
+
+} // namespace native
+
+#endif

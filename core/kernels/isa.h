@@ -1,0 +1,14 @@
+// The instruction set that a source is compiled for.
+//
+// The sources of this folder are compiled once for each instruction set, with that set's compiler flags and
+// its name as KN_ISA. What they define stands in the inline namespace kn::KN_ISA, headers included, so that
+// no function built for one processor is taken by the linker where another one runs. For the same reason they
+// use nothing of the standard library that is not inlined. Everywhere else KN_ISA is `baseline`.
+#ifndef QUORVEX_CORE_KERNELS_ISA_H
+#define QUORVEX_CORE_KERNELS_ISA_H
+
+#ifndef KN_ISA
+#define KN_ISA baseline
+#endif
+
+#endif

@@ -1,0 +1,32 @@
+// Threads of the library's own on POSIX systems.
+#include "platform/platform.h"
+
+#include <csignal>
+#include <pthread.h>
+
+namespace kn::os {
+
+static_assert(sizeof(pthread_t) == sizeof(Thread));
+
+// A new thread has the signal mask of the one that starts it.
+Thread start_thread(void (*run)()) {
+    sigset_t all, before;
+    sigfillset(&all);
+    for (int fault : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGTRAP, SIGABRT}) sigdelset(&all, fault);
+    auto body = [](void *work) -> void * {
+        reset_floating_point();
+        reinterpret_cast<void (*)()>(work)();
+        return nullptr;
+    };
+    if (pthread_sigmask(SIG_SETMASK, &all, &before) != 0) return nullptr;
+    pthread_t thread;
+    const bool started = pthread_create(&thread, nullptr, body, reinterpret_cast<void *>(run)) == 0;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return started ? (Thread)thread : nullptr;
+}
+
+void join_thread(Thread thread) { pthread_join((pthread_t)thread, nullptr); }
+
+void after_fork(void (*hook)()) { pthread_atfork(nullptr, nullptr, hook); }
+
+} // namespace kn::os
