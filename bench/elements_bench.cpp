@@ -1,111 +1,114 @@
-// Element operations and reductions against plain loops that write into an array of their own.
+// Element operations on arrays, with fresh results.
 
-#include <cmath>
-#include <cstdlib>
+#include <vector>
 
 #include <quorvex.h>
 
+#include "bench/native.h"
 #include "bench/ratio.h"
 
 namespace {
 
-// What a careful programmer writes: a fresh array, one loop that vectorises.
-template <class F> auto plain(int n, const double *__restrict a, const double *__restrict b, F f) {
-    return [=] {
-        double *__restrict out = static_cast<double *>(std::malloc(sizeof(double) * static_cast<size_t>(n)));
-        for (int k = 0; k < n; ++k) out[k] = f(a[k], b[k]);
-        benchmark::DoNotOptimize(out);
-        benchmark::ClobberMemory();
-        std::free(out);
+using bench::keep;
+using bench::Limit;
+using bench::row;
+using bench::times_native;
+using Doubles = std::vector<double>;
+
+// From 0.1 to 10.1.
+Mm numbers(int n) { return randM(1.0, n) * 10.0 + 0.1; }
+
+native::Planes planes(const Mm &z) { return {z.addr(), z.addi()}; }
+
+struct Limits {
+    Limit usual, plus, exp, sin, times;
+};
+
+void real_rows(int n, const Limits &limits) {
+    Mm a = numbers(n), b = numbers(n);
+    Doubles out(n);
+    std::string of = " of " + bench::size_text(n);
+    auto binary = [&](const char *work, Limit limit, auto ours, native::Binary *loop) {
+        row(
+            work + of, limit, [&] { keep(ours(a, b)); }, [&] { loop(n, a.addr(), b.addr(), out.data()); });
     };
-}
-
-void element_cases(int n, double limit) {
-    const Mm &a = *new Mm(randM(1.0, n) + 0.5), &b = *new Mm(randM(1.0, n) + 0.5);
-    std::string of = " of " + std::to_string(n);
-    auto add = [&](const char *name, auto ours, auto f) {
-        bench::compare(
-            name + of, limit, [=, &a, &b] { bench::keep(ours(a, b)); }, plain(n, a.addr(), b.addr(), f));
+    auto unary = [&](const char *work, Limit limit, auto ours, native::Unary *loop) {
+        row(
+            work + of, limit, [&] { keep(ours(a)); }, [&] { loop(n, a.addr(), out.data()); });
     };
-    add(
-        "a + b", [](auto &x, auto &y) { return x + y; }, [](double x, double y) { return x + y; });
-    add(
-        "a - b", [](auto &x, auto &y) { return x - y; }, [](double x, double y) { return x - y; });
-    add(
-        "a .* b", [](auto &x, auto &y) { return times(x, y); }, [](double x, double y) { return x * y; });
-    add(
-        "a ./ b", [](auto &x, auto &y) { return rdivide(x, y); }, [](double x, double y) { return x / y; });
-    add(
-        "a < b", [](auto &x, auto &y) { return x < y; }, [](double x, double y) { return double(x < y); });
-    add(
-        "a == b", [](auto &x, auto &y) { return x == y; }, [](double x, double y) { return double(x == y); });
-    add(
-        "sqrt(a)", [](auto &x, auto &) { return sqrt(x); }, [](double x, double) { return std::sqrt(x); });
+    using X = const Mm &;
+    const Limit usual = limits.usual;
+    binary(
+        "a + b", limits.plus, [](X x, X y) { return x + y; }, native::add);
+    binary(
+        "a .* b", usual, [](X x, X y) { return times(x, y); }, native::multiply);
+    binary(
+        "a ./ b", usual, [](X x, X y) { return rdivide(x, y); }, native::divide);
+    binary(
+        "a < b", usual, [](X x, X y) { return x < y; }, native::less);
+    unary(
+        "sqrt(a)", usual, [](X x) { return sqrt(x); }, native::square_root);
+    unary(
+        "exp(a)", limits.exp, [](X x) { return exp(x); }, native::exponential);
+    unary(
+        "log(a)", usual, [](X x) { return log(x); }, native::logarithm);
+    unary(
+        "sin(a)", limits.sin, [](X x) { return sin(x); }, native::sine);
+    unary(
+        "a.^2", usual, [](X x) { return power(x, 2.0); }, native::square);
+    unary(
+        "a.^1.5", usual, [](X x) { return power(x, 1.5); }, native::power_three_halves);
 }
 
-constexpr int m = 2000;
-
-// Loop nests that walk memory in order, whatever the dimension.
-template <class F> void columns(const double *x, double *out, F f) {
-    for (int j = 0; j < m; ++j) {
-        double best = x[j * m];
-        for (int k = 1; k < m; ++k) best = f(best, x[j * m + k]);
-        out[j] = best;
-    }
+void complex_rows(int n, const Limits &limits) {
+    Mm a = numbers(n) + i * numbers(n), b = numbers(n) + i * numbers(n);
+    Doubles re(n), im(n);
+    std::string of = " of " + bench::size_text(n);
+    row(
+        "complex a .* b" + of, limits.times, [&] { keep(times(a, b)); },
+        [&] {
+            native::complex_multiply(n, planes(a), planes(b), {re.data(), im.data()});
+        });
+    row(
+        "complex abs(a)" + of, limits.usual, [&] { keep(abs(a)); },
+        [&] { native::complex_abs(n, planes(a), re.data()); });
 }
 
-template <class F> void rows(const double *__restrict x, double *__restrict out, F f) {
-    for (int k = 0; k < m; ++k) out[k] = x[k];
-    for (int j = 1; j < m; ++j)
-        for (int k = 0; k < m; ++k) out[k] = f(out[k], x[j * m + k]);
+void fused_row() {
+    constexpr int n = 1000000;
+    Mm a = numbers(n), b = numbers(n), c = numbers(n);
+    Doubles out(n);
+    row(
+        "a .* b + c of 1e6", times_native(1.3), [&] { keep(times(a, b) + c); },
+        [&] { native::multiply_add(n, a.addr(), b.addr(), c.addr(), out.data()); });
 }
 
-void accumulate_columns(const double *__restrict x, double *__restrict out) {
-    for (int j = 0; j < m; ++j) {
-        double s = 0;
-        for (int k = 0; k < m; ++k) out[j * m + k] = s += x[j * m + k];
-    }
+// Long enough to be timed.
+void short_row() {
+    constexpr int n = 100, steps = 1000;
+    Mm a = numbers(n), b = numbers(n);
+    Doubles out(n);
+    auto many = [](auto step) {
+        return [step] {
+            for (int k = 0; k < steps; ++k) step();
+        };
+    };
+    row("a + b of 100", bench::ns_each(45, steps), many([&] { keep(a + b); }),
+        many([&] { native::add(n, a.addr(), b.addr(), out.data()); }));
 }
-
-void accumulate_rows(const double *__restrict x, double *__restrict out) {
-    for (int k = 0; k < m; ++k) out[k] = x[k];
-    for (int j = 1; j < m; ++j)
-        for (int k = 0; k < m; ++k) out[j * m + k] = out[(j - 1) * m + k] + x[j * m + k];
-}
-
-using bench::into_fresh;
-
-void reduction_cases() {
-    static const Mm a = randn(m, m);
-    const double *x = a.addr();
-    auto add = [](double s, double v) { return s + v; };
-    auto larger = [](double s, double v) { return v > s ? v : s; };
-    bench::compare(
-        "sum(a,1) of 2000x2000", 1.3, [] { bench::keep(sum(a, 1)); },
-        into_fresh(m, [=](double *out) { columns(x, out, add); }));
-    bench::compare(
-        "sum(a,2)", 1.3, [] { bench::keep(sum(a, 2)); },
-        into_fresh(m, [=](double *out) { rows(x, out, add); }));
-    bench::compare(
-        "max(a,[],1)", 1.3, [] { bench::keep(max(a, nop_M, 1)); },
-        into_fresh(m, [=](double *out) { columns(x, out, larger); }));
-    bench::compare(
-        "max(a,[],2)", 1.3, [] { bench::keep(max(a, nop_M, 2)); },
-        into_fresh(m, [=](double *out) { rows(x, out, larger); }));
-    bench::compare(
-        "cumsum(a,1)", 1.3, [] { bench::keep(cumsum(a, 1)); },
-        into_fresh(size_t(m) * m, [=](double *out) { accumulate_columns(x, out); }));
-    bench::compare(
-        "cumsum(a,2)", 1.3, [] { bench::keep(cumsum(a, 2)); },
-        into_fresh(size_t(m) * m, [=](double *out) { accumulate_rows(x, out); }));
-}
-
-void add_cases() {
-    element_cases(1000000, 1.3);
-    element_cases(100, 3);
-    reduction_cases();
-}
-
-bench::Group group(add_cases);
 
 } // namespace
+
+void bench::element_rows() {
+    const Limit usual = times_native(1.2);
+    const Limits ratios{usual, usual, usual, usual, usual};
+    const Limits largest{usual, ms(6.9), ms(7.7), ms(8.3), ms(23)};
+    const std::pair<int, Limits> sizes[] = {{10000, ratios}, {1000000, ratios}, {10000000, largest}};
+    heading("Element operations");
+    short_row();
+    for (auto &[n, limits] : sizes) {
+        real_rows(n, limits);
+        complex_rows(n, limits);
+    }
+    fused_row();
+}

@@ -15,8 +15,8 @@ double fib(double n);
 
 double read_each(int n, const double *x); // the last of n reads, none of which is left out
 void write_each(int n, double *x, double v);
-void append(int n);          // to an empty vector
-void append_records(int n);  // of one field
+void append(int n);         // to an empty vector
+void append_records(int n); // of one field
 struct Record {
     double a;
 };
@@ -43,7 +43,7 @@ Reduction sum, cumsum, max, mean, any, all;
 
 // -- selections.cpp
 
-void rows(int m, int n, const double *a, int first, int last, double *out); // a(first:last,:), a is m by n
+void rows(int m, int n, const double *a, int first, int last, double *out);  // a(first:last,:), a is m by n
 void columns(int m, int n, const double *a, const double *idx, double *out); // a(:,idx) of n columns
 int pick(int n, const double *x, const double *mask, double *out);           // room for one more in out
 void fill_where(int n, double *x, const double *mask, double v);
@@ -56,8 +56,8 @@ int erase_columns(int m, int cols, const double *a, int n, const double *idx, ch
 
 // -- arrays.cpp
 
-void transpose(int m, const double *a, double *out);                    // m by m
-void join(int m, const double *const blocks[2][2], double *out);        // [A B; C D] of m by m
+void transpose(int m, const double *a, double *out);                     // m by m, a multiple of 8
+void join(int m, const double *const blocks[2][2], double *out);         // [A B; C D] of m by m
 void repeat(int rows, int cols, const double *tile, int m, double *out); // to m by m
 
 // -- products.cpp: by BLAS, n by n

@@ -19,7 +19,7 @@ int rows = 0, over = 0;
 
 // Of a row, in ns. A batch is long enough for the clock and the caches; there are as many as the budget
 // allows.
-constexpr double batch = 4e6, budget = 5e8, warm_up = 3e7;
+constexpr double batch = 2e6, budget = 5e8, warm_up = 3e7;
 constexpr int fewest_batches = 3;
 
 double now() {
@@ -55,8 +55,8 @@ struct Side {
 };
 
 std::string time_text(double ns) {
-    const char *unit = ns < 1e3 ? "ns" : ns < 1e6 ? "us" : "ms";
-    double shown = ns < 1e3 ? ns : ns < 1e6 ? ns / 1e3 : ns / 1e6;
+    const char *unit = ns < 999.5 ? "ns" : ns < 999.5e3 ? "us" : "ms";
+    double shown = ns < 999.5 ? ns : ns < 999.5e3 ? ns / 1e3 : ns / 1e6;
     char text[32];
     std::snprintf(text, sizeof text, "%.*f %s", shown < 10 ? 2 : shown < 100 ? 1 : 0, shown, unit);
     return text;

@@ -21,7 +21,8 @@ inline Limit ns_each(double most, int steps) { return {Limit::step, most, steps}
 inline Limit ms(double most) { return {Limit::total, most}; }
 
 // Measures and prints one row, unless the pattern of the command line leaves it out. Both sides do the work
-// once a call. They take turns, so that other work on the machine disturbs both, and the shortest time counts.
+// once a call. They take turns, so that other work on the machine disturbs both, and the shortest time
+// counts.
 void row(const std::string &work, Limit limit, const std::function<void()> &ours,
          const std::function<void()> &native);
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Many steps per call, so that the call of the case itself does not count.
+// Many steps per call, so that the call itself does not count.
 constexpr int steps = 1000;
 
 template <class F> auto many(F f) {
@@ -23,18 +23,15 @@ void allocate_pair() {
     std::free(p);
 }
 
-void add_cases() {
-    static Mm a(3.0), b(4.0);
-    static Mm big = randn(100.0, 100.0);
-    bench::compare("Mm(double) and destruction / malloc+free", 3, many([] { bench::keep(Mm(1.0)); }),
-                   many(allocate_pair));
-    bench::compare("scalar a + b / malloc+free", 3, many([] { bench::keep(a + b); }), many(allocate_pair));
-    bench::compare("scalar a < b / malloc+free", 3, many([] { bench::keep(a < b); }), many(allocate_pair));
-    // 10 ns are asked for; a malloc and free pair of 64 bytes takes about as long.
-    bench::compare("copy of a value / malloc+free", 1, many([] { bench::keep(Mm(big)); }),
-                   many(allocate_pair));
-}
-
-bench::Group group(add_cases);
-
 } // namespace
+
+void bench::value_rows() {
+    Mm a(3.0), b(4.0), big = randn(100.0, 100.0);
+    heading("Values / malloc and free");
+    auto heap = many(allocate_pair);
+    row("Mm(double) and destruction", times_native(3), many([] { keep(Mm(1.0)); }), heap);
+    row("scalar a + b", times_native(3), many([&] { keep(a + b); }), heap);
+    row("scalar a < b", times_native(3), many([&] { keep(a < b); }), heap);
+    // 10 ns are asked for; a malloc and free pair of 64 bytes takes about as long.
+    row("copy of a value", times_native(1), many([&] { keep(Mm(big)); }), heap);
+}

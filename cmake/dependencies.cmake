@@ -31,6 +31,20 @@ set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads QUIET)
 quorvex_need("${Threads_FOUND}" "a thread library" libc6-dev)
 
+# Elementary functions of vectors, for the instruction sets of x86-64 beyond the baseline.
+option(QUORVEX_SLEEF "Elementary functions by SLEEF where the processor has AVX2 or AVX-512" ON)
+set(QUORVEX_SLEEF_LIBRARY) # stays empty without
+if(QUORVEX_SLEEF AND CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SIZEOF_VOID_P EQUAL 8
+        AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    find_library(SLEEF_LIBRARY sleef)
+    find_path(SLEEF_INCLUDE_DIR sleef.h)
+    mark_as_advanced(SLEEF_LIBRARY SLEEF_INCLUDE_DIR)
+    if(NOT SLEEF_LIBRARY OR NOT SLEEF_INCLUDE_DIR)
+        quorvex_need(FALSE "SLEEF, 3.5 or later (or set QUORVEX_SLEEF=OFF)" libsleef-dev)
+    endif()
+    set(QUORVEX_SLEEF_LIBRARY ${SLEEF_LIBRARY})
+endif()
+
 if(QUORVEX_TESTS)
     find_package(GTest QUIET)
     quorvex_need("${GTest_FOUND}" "GoogleTest (or set QUORVEX_TESTS=OFF)" "libgtest-dev libgmock-dev")
@@ -43,4 +57,5 @@ if(QUORVEX_BENCH)
     quorvex_need("${benchmark_FOUND}" "Google Benchmark (or set QUORVEX_BENCH=OFF)" libbenchmark-dev)
 endif()
 
-set(QUORVEX_PRIVATE_LIBRARIES LAPACK::LAPACK BLAS::BLAS Threads::Threads ${CMAKE_DL_LIBS})
+set(QUORVEX_PRIVATE_LIBRARIES LAPACK::LAPACK BLAS::BLAS ${QUORVEX_SLEEF_LIBRARY} Threads::Threads
+    ${CMAKE_DL_LIBS})

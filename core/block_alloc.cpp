@@ -1,15 +1,14 @@
-// The block allocator: a front layer over power-of-two buckets over a private heap, and the C heap above 128
-// KB.
+// The block allocator: a front layer over power-of-two buckets over a private heap, and above 128 KB the
+// layer of large blocks.
 //
 // A block from the buckets, of 2^(b+3) bytes in bucket b, starts 4 bytes before an 8-byte boundary:
 //
 //     | 0xEF, b, -, - | 8 bytes of the front layer, the last of them 0 | data ... |
 //       header          (while free: the next free block)
 //
-// A block from the C heap has in the byte before the data the distance, 1 to 8, to the address that malloc
-// gave. So that byte tells where to give a block back. Blocks of a bucket are cut from pieces of the page
-// unit (8 system pages); they return to their bucket, last in, first out, and never to the system. Nothing is
-// searched, split or merged.
+// In a large block the byte before the data isn't 0 (core/large_blocks.h). So that byte tells where to give a
+// block back. Blocks of a bucket are cut from pieces of the page unit (8 system pages); they return to their
+// bucket, last in, first out, and never to the system. Nothing is searched, split or merged.
 //
 // The private heap is contiguous: chunks of 128 MB are reserved one behind the other and committed as they
 // are used.
@@ -23,17 +22,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/block_alloc.h"
+#include "core/large_blocks.h"
 #include "core/lock.h"
 #include "core/scratch.h"
 #include "platform/platform.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define KN_ASAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KN_ASAN 1
-#endif
-#endif
 
 #ifdef KN_ASAN
 #include <sanitizer/asan_interface.h>
@@ -44,15 +37,17 @@
 #endif
 
 namespace kn {
-namespace {
 
 using byte = unsigned char;
 
-constexpr size_t front_size = 8;        // before the data, inside what the bucket layer hands out
-constexpr size_t header_size = 4;       // before that
+constinit byte *bucket_heads[bucket_count] = {};
+
+namespace {
+
+using namespace block_format;
+
 constexpr size_t small_limit = 0x20000; // front layer included
 constexpr size_t chunk_size = 0x8000000;
-constexpr byte magic = 0xEF;
 
 struct PrivateHeap {
     byte *commit_end = nullptr;
@@ -91,14 +86,11 @@ struct PrivateHeap {
 };
 
 struct Buckets {
-    static constexpr int count = 32;
+    static constexpr auto &heads = bucket_heads;
 
-    byte *heads[count] = {};
     size_t page_unit = 0;
     int page_bucket = 0;
     PrivateHeap heap;
-
-    static byte *&next(byte *block) { return *reinterpret_cast<byte **>(block + header_size); }
 
     bool start() {
         page_unit = os::page_size() * 8;
@@ -173,11 +165,8 @@ void *kn_block_alloc(size_t n) {
     size_t m = n + front_size;
     byte *p;
     if (m > small_limit) {
-        byte *start = static_cast<byte *>(std::malloc(m));
-        if (!start) return nullptr;
-        size_t distance = 8 - (reinterpret_cast<uintptr_t>(start) & 7);
-        p = start + distance;
-        p[-1] = static_cast<byte>(distance);
+        p = static_cast<byte *>(large_alloc(n));
+        if (!p) return nullptr;
     } else {
         Lock lock(block_lock);
         p = buckets.take(m);
@@ -194,7 +183,7 @@ void kn_block_free(void *block) {
     count_live(-1);
     byte *p = static_cast<byte *>(block);
     if (p[-1]) {
-        std::free(p - p[-1]);
+        large_free(p);
     } else {
         Lock lock(block_lock);
         buckets.give(p - front_size);

@@ -10,6 +10,7 @@
 #include "core/concat.h"
 #include "core/constants.h"
 #include "core/header.h"
+#include "core/planes.h"
 #include "quorvex/indexing.h"
 #include "quorvex/startup.h"
 
@@ -22,7 +23,8 @@ bool is_content(const Mm &x) { return x.rows() != 0 && x.cols() != 0; }
 // What the items have in common, and the size of the plain result.
 struct Survey {
     bool plain = true, complex = false, str = false, any_logical = false, all_logical = true;
-    bool even = true; // the items tile the result
+    bool even = true;    // the items tile the result
+    bool stacked = true; // each row is one item
     long long rows = 0, cols = 0;
 
     explicit Survey(const Mc &list) {
@@ -40,15 +42,28 @@ struct Survey {
     long long height_ = 0, width_ = 0;
 
     void look_at(const Mm &x) {
+        const M_types &f = x.getflags();
+        if (x.getnnz() == 1 && x.getndims() == 2 && x.rows() == 1 && f.type == kn_double &&
+            !(f.str | f.sparse | f.logical) && !x.isc()) { // a number
+            all_logical = false;
+            take(1, 1);
+            return;
+        }
         if (x.issparse() || x.gettype() != kn_double || x.getndims() > 2) plain = false;
         complex = complex || x.isc();
         str = str || x.isstr();
         any_logical = any_logical || x.islogical();
         all_logical = all_logical && x.islogical();
-        if (!is_content(x)) return;
-        if (width_ > 0 && height_ != x.rows()) even = false;
-        height_ = x.rows();
-        width_ += x.cols();
+        if (is_content(x)) take(x.rows(), x.cols());
+    }
+
+    void take(int r, int c) {
+        if (width_ > 0) {
+            stacked = false;
+            if (height_ != r) even = false;
+        }
+        height_ = r;
+        width_ += c;
     }
 
     void end_row() {
@@ -59,16 +74,41 @@ struct Survey {
     }
 };
 
-// A plane of an item, by columns, with its first element at `to`; zeros for a plane that is not there.
-// Nothing is written at or behind `end`.
+// Columns of a plane of an item, with the first element at `to`; zeros for a plane that is not there. Nothing
+// is written at or behind `end`.
 void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, int cols) {
+    if (rows <= 4 && from && (cols - 1) * stride + rows <= end - to) {
+        for (ptrdiff_t r = 0; r < rows; r++)
+            for (int c = 0; c < cols; c++) to[r + c * stride] = from[r + c * rows];
+        return;
+    }
     for (int c = 0; c < cols && to < end; c++, to += stride) {
         ptrdiff_t n = std::min(rows, end - to);
         if (from)
-            std::copy_n(from + c * rows, n, to);
+            copy_run(to, from + c * rows, n);
         else
             std::fill_n(to, n, 0.0);
         if (stride > end - to) break;
+    }
+}
+
+// A plane of the result (imaginary: 1) from the columns [first, first + most) of each item.
+void lay_items(const Mc &list, double *plane, int imaginary, int rows, ptrdiff_t n, int first, int most) {
+    ptrdiff_t row = 0, col = 0;
+    int height = 0;
+    for (int k = 0; k < list.count(); k++) {
+        const Mm &x = list.item(k);
+        if (is_row_end(x)) {
+            row += height;
+            col = height = 0;
+        } else if (is_content(x)) {
+            const double *from = imaginary ? x.addi() : x.addr();
+            if (from) from += static_cast<ptrdiff_t>(first) * x.rows();
+            lay(plane + row + (col + first) * rows, plane + n, rows, from, x.rows(),
+                std::min(x.cols() - first, most));
+            col += x.cols();
+            height = x.rows();
+        }
     }
 }
 
@@ -79,24 +119,15 @@ Mm tiled(const Mc &list, const Survey &s) {
     int extents[] = {rows, cols}, n = product(2, extents);
     if (n < 0 || lacks(out, n)) return x_M;
 
+    // Low items on top of each other are laid some columns at a time, so that the lines of the result that
+    // they share are still in the cache.
+    int most = s.stacked && s.even && rows > 0 ? std::max(4096 / rows, 1) : cols;
     double *planes[] = {out.addr(), out.addi()};
-    for (double *plane : planes)
-        if (plane && !s.even) std::fill_n(plane, n, 0.0);
-    ptrdiff_t row = 0, col = 0;
-    int height = 0;
-    for (int k = 0; k < list.count(); k++) {
-        const Mm &x = list.item(k);
-        if (is_row_end(x)) {
-            row += height;
-            col = height = 0;
-        } else if (is_content(x)) {
-            const double *from[] = {x.addr(), x.addi()};
-            for (int p = 0; p < 2; p++)
-                if (planes[p])
-                    lay(planes[p] + row + col * rows, planes[p] + n, rows, from[p], x.rows(), x.cols());
-            col += x.cols();
-            height = x.rows();
-        }
+    for (int p = 0; p < 2; p++) {
+        if (!planes[p]) continue;
+        if (!s.even) std::fill_n(planes[p], n, 0.0);
+        for (int c = 0; c < cols; c += std::min(most, cols - c))
+            lay_items(list, planes[p], p, rows, n, c, most);
     }
     check(out);
     return out;

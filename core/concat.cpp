@@ -9,7 +9,7 @@
 #include <climits>
 
 #include "core/extents.h"
-#include "core/header.h"
+#include "core/planes.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
 #include "quorvex/concat.h"
@@ -36,19 +36,28 @@ void join_flags(const Mm &out, const Mm &a, const Mm &b) {
 
 // ---- Full values ----
 
-// One run; of a plane that is not there, zeros.
-template <class T> T *copy_run(T *to, const T *from, ptrdiff_t n) {
-    if (from) return std::copy_n(from, n, to);
-    if constexpr (std::is_arithmetic_v<T>) std::fill_n(to, n, T());
-    return to + n;
+// The runs of one of the two, `steps` of them, each `step` behind the last; of a plane that is not there,
+// zeros.
+template <class T> void lay_runs(T *to, ptrdiff_t step, const T *from, ptrdiff_t n, ptrdiff_t steps) {
+    if (!from) {
+        if constexpr (std::is_arithmetic_v<T>)
+            for (ptrdiff_t k = 0; k < steps; k++) std::fill_n(to + k * step, n, T());
+    } else if (n <= 4) { // a row after the other
+        for (ptrdiff_t r = 0; r < n; r++)
+            for (ptrdiff_t k = 0; k < steps; k++) to[k * step + r] = from[k * n + r];
+    } else {
+        for (ptrdiff_t k = 0; k < steps; k++) copy_run(to + k * step, from + k * n, n);
+    }
 }
 
 template <class T> void interleave(void *to, void *a, ptrdiff_t na, void *b, ptrdiff_t nb, ptrdiff_t steps) {
     T *t = static_cast<T *>(to);
     const T *x = static_cast<const T *>(a), *y = static_cast<const T *>(b);
-    for (ptrdiff_t k = 0; k < steps; k++) {
-        t = copy_run(t, x ? x + k * na : x, na);
-        t = copy_run(t, y ? y + k * nb : y, nb);
+    const ptrdiff_t step = na + nb, most = 4096 / step + 1; // what is laid together stays in the cache
+    for (ptrdiff_t k = 0; k < steps; k += most) {
+        ptrdiff_t m = std::min(most, steps - k);
+        lay_runs(t + k * step, step, x ? x + k * na : x, na, m);
+        lay_runs(t + k * step + na, step, y ? y + k * nb : y, nb, m);
     }
 }
 

@@ -8,11 +8,13 @@
 #include "core/element_engine.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "core/header.h"
 #include "core/kernel_table.h"
 #include "core/op_core.h"
 #include "core/op_names.h"
+#include "core/parallel.h"
 #include "core/sparse_plan.h"
 #include "quorvex/classes.h"
 #include "quorvex/sparse.h"
@@ -117,6 +119,37 @@ template <class T> Operand<T> operand(const Mm &m) {
     return {m.getpr(tag), m.getpi(tag), m.getnnz() == 1 ? 0 : 1};
 }
 
+// Work of an element-wise loop is shared among threads from `shared_from` on, by pieces of about `grain`;
+// both in the unit of Loops::cost. A helper that has to be woken needs the time of 1.2e5 units.
+constexpr ptrdiff_t shared_from = 300000, grain = 50000;
+
+bool is_shared(ptrdiff_t n, ptrdiff_t cost) { return n >= shared_from / cost; }
+
+// f(begin, end) on ranges of n elements.
+template <class F> void by_ranges(ptrdiff_t n, ptrdiff_t cost, F f) {
+    if (is_shared(n, cost))
+        parallel_for(n, std::max<ptrdiff_t>(grain / cost, 64) / 64 * 64, f);
+    else
+        f(ptrdiff_t(0), n);
+}
+
+// A scalar operand moved to `first`.
+template <class T> void settle(Operand<T> &o, T (&first)[2]) {
+    if (o.step || !o.re) return;
+    first[0] = *o.re;
+    if (o.im) first[1] = *o.im;
+    o = {first, o.im ? first + 1 : nullptr, 0};
+}
+
+template <class T> void run_elements(const Loops<T> &loops, Elements<T> e) {
+    const int cost = loops.cost[e.im || e.a.im || e.b.im];
+    if (!is_shared(e.n, cost)) return loops.elements(e);
+    T a[2], b[2]; // no range may find a scalar overwritten by another one's results
+    settle(e.a, a);
+    settle(e.b, b);
+    by_ranges(e.n, cost, [&](ptrdiff_t begin, ptrdiff_t end) { loops.elements(part(e, begin, end)); });
+}
+
 template <class T>
 void run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
     T *tag = nullptr;
@@ -129,7 +162,7 @@ void run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, doubl
     }
     const Loops<T> &loops = loops_of<T>()[op];
     if (loops.elements) {
-        loops.elements({re, im, n, operand<T>(a), operand<T>(b)});
+        run_elements(loops, {re, im, n, operand<T>(a), operand<T>(b)});
         return;
     }
     // Without a dimension one element is looked at; the others are zero.
@@ -201,6 +234,27 @@ Mm operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t o
 }
 
 } // namespace
+
+void element_loops(Mm &out, const Mm &a, const Mm &b, op_t op) { run(out, a, b, op, Shape(), nullptr); }
+
+bool real_elements(op_t op, double *out, const double *x, ptrdiff_t n) {
+    const KernelTable &table = kernels();
+    const Loops<double> &loops = table.doubles[op];
+    const Rule rule = op_rows[op].rule;
+    std::atomic<bool> left = false;
+    by_ranges(n, loops.cost[0], [&](ptrdiff_t begin, ptrdiff_t end) {
+        constexpr ptrdiff_t block = 1024; // stays in the first-level cache
+        for (; begin < end && !left.load(std::memory_order_relaxed); begin += block) {
+            const ptrdiff_t m = std::min(block, end - begin);
+            const Operand<double> a = {x + begin, nullptr, 1};
+            if (table.any_outside(rule, a.re, m))
+                left.store(true, std::memory_order_relaxed);
+            else
+                loops.elements({out + begin, nullptr, m, a, a});
+        }
+    });
+    return !left;
+}
 
 Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,
                      Mm &extra) {

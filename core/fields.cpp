@@ -4,7 +4,7 @@
 // slot that ends the array: the slot at nfields is null when the array is full. The list belongs to the
 // block, so a shared value takes its own first.
 
-#include <cstring>
+#include "core/fields.h"
 
 #include "core/header.h"
 #include "core/scratch.h"
@@ -25,12 +25,11 @@ bool takes_fields(const Mm &m, const char *field) {
 using namespace kn;
 
 int Mm::findfield(const char *field, int strict) const {
-    for (int k = 0; k < nfields; ++k)
-        if (std::strcmp(fields[k], field) == 0) return k;
-    if (strict)
+    int f = find_field(*this, field);
+    if (f < 0 && strict)
         error(fields ? "%s.%s: structure field does not exist" : "%s.%s: not a structure",
               kn_display_name(*this), field);
-    return -1;
+    return f;
 }
 
 const char *Mm::getfield(int k) const {

@@ -16,6 +16,15 @@ struct Header {
     static int *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
     static unsigned *refcount(const Mm &m) { return m.refcount; }
     static const char *&name(const Mm &m) { return const_cast<Mm &>(m).name; }
+
+    // A real full double with the extents of `like`; empty without memory.
+    static Mm real_like(const Mm &like);
+
+    // Of numbers: core/numbers.h.
+    static bool has_number_block(const Mm &m);
+    static Mm number(double x, bool logical);
+    static Mm number_slowly(double x, bool logical, bool scalar_only);
+    static Mm number_in(Mm &temporary, double x, bool logical);
 };
 
 // Whether the value has no room for the n stored elements it was made for.

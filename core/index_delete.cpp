@@ -12,26 +12,33 @@ namespace {
 // Which positions of an extent stay.
 class Keep {
   public:
-    explicit Keep(int extent) : extent_(extent), kept_(extent), mask_(extent) {
-        if (mask_) std::fill_n(mask_.get(), extent, char{1});
+    explicit Keep(int extent) : extent_(extent), mask_(extent) {
+        if (mask_) std::fill_n(mask_.get(), extent, static_cast<unsigned char>(1));
     }
     explicit operator bool() const { return bool(mask_); }
     // Those that a subscript selects go.
     void remove(const Positions &p) {
-        for (int k = 0; k < p.count(); ++k) {
-            int at = p[k];
-            if (at < 0 || at >= extent_) continue;
-            kept_ -= mask_[at];
-            mask_[at] = 0;
-        }
+        auto drop = [this](int at) {
+            if (at >= 0 && at < extent_) mask_[at] = 0;
+        };
+        if (p.is_run() && p.inside(extent_))
+            std::fill_n(mask_.get() + p.first(), p.count(), static_cast<unsigned char>(0));
+        else if (p.kind() == Positions::valued && p.inside(extent_))
+            by_blocks(p, 0, p.count(), [this](ptrdiff_t, const int *at, ptrdiff_t n) {
+                unsigned char *mask = mask_.get();
+                for (ptrdiff_t k = 0; k < n; ++k) mask[at[k]] = 0;
+            });
+        else
+            for (int k = 0; k < p.count(); ++k) drop(p[k]);
     }
-    int kept() const { return kept_; }
-    bool removes() const { return kept_ < extent_; }
-    bool positions(Positions &p) const { return p.set_nonzero(mask_.get(), extent_); }
+    // Those that stay, `alone` as in Positions.
+    bool positions(Positions &p, bool alone = false) const {
+        return p.set_nonzero(mask_.get(), extent_, alone);
+    }
 
   private:
-    int extent_, kept_;
-    Scratch<char> mask_;
+    int extent_;
+    Scratch<unsigned char> mask_;
 };
 
 // What stays becomes the target, in the given extents.
@@ -43,26 +50,31 @@ bool retain(Mm &t, const Selection &kept, const int *dims) {
     return true;
 }
 
+// Those of n positions that stay when others go.
+bool stay(Positions &kept, const Positions &gone, int n) {
+    if (gone.kind() == Positions::masked) return kept.set_others(gone, n);
+    Keep keep(n);
+    if (!keep) return false;
+    keep.remove(gone);
+    return keep.positions(kept, true);
+}
+
 } // namespace
 
 bool delete1(Mm &t, const Mm &i) {
     int n = t.getnnz();
     if (n == 0) return true;
     Selection gone;
-    if (!gone.add(i, n, n)) return false;
+    if (!gone.add_alone(i, n, n)) return false;
     if (int k = gone[0].first_outside(INT_MAX); k >= 0) {
         error("%s(%d): index is non-positive", kn_display_name(t), gone[0][k] + 1);
         return false;
     }
-    Keep keep(n);
-    if (!keep) return false;
-    keep.remove(gone[0]);
-    if (!keep.removes()) return true;
-
-    int m = keep.kept(), dims[4] = {1, m, 1, 1};
-    if (t.cols() == 1) std::swap(dims[0], dims[1]);
     Selection kept;
-    if (!keep.positions(kept.next())) return false;
+    if (!stay(kept.next(), gone[0], n)) return false;
+    int m = kept[0].count(), dims[4] = {1, m, 1, 1};
+    if (m == n) return true;
+    if (t.cols() == 1) std::swap(dims[0], dims[1]);
     if (t.dirty() && m > 0) return retain(t, kept, dims);
     if (!t.dirty()) by_type(t, [&](auto type) { compact<typename decltype(type)::type>(t, kept); });
     set_extents(t, dims);
@@ -83,8 +95,8 @@ bool delete2(Mm &t, const Mm &i, const Mm &j) {
         keep[k]->remove(gone[0]);
         if (!keep[k]->positions(kept.next())) return false;
     }
-    int newr = keep_rows.kept(), newc = keep_cols.kept();
-    if (!keep_rows.removes() && !keep_cols.removes()) return true;
+    int newr = kept[0].count(), newc = kept[1].count();
+    if (newr == rows && newc == cols) return true;
     int dims[4] = {newr, newc, 1, 1};
     if (!is_colon(i) && !is_colon(j)) {
         dims[0] = 1;
@@ -121,20 +133,21 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
     Keep keep(extent);
     if (!keep) return false;
     keep.remove(gone[d]);
-    if (!keep.removes()) return true;
-    if (one) {
-        int along = t.vectordim();
-        std::fill_n(dims, 4, 1);
-        dims[along ? along - 1 : 1] = keep.kept();
-    } else {
-        dims[d] = keep.kept();
-    }
     for (int k = 0; k < (one ? 1 : 4); ++k) {
         Positions &p = kept.next();
         if (k != d)
             p.set_run(0, t.getdims()[k]);
         else if (!keep.positions(p))
             return false;
+    }
+    int left = kept[d].count();
+    if (left == extent) return true;
+    if (one) {
+        int along = t.vectordim();
+        std::fill_n(dims, 4, 1);
+        dims[along ? along - 1 : 1] = left;
+    } else {
+        dims[d] = left;
     }
     return retain(t, kept, dims);
 }

@@ -45,7 +45,7 @@ bool select_plain(Selection &sel, const Mm &base, const Subscripts &s, int stric
 
     const Mm &i = s[0];
     int n = base.size();
-    if (!sel.add(i, n, n)) return false;
+    if (!sel.add_alone(i, n, n)) return false;
     if (int k = outside(0, n); k >= 0) {
         if (strict) report_outside(base, i, sel[0][k]);
         return false;

@@ -86,31 +86,14 @@ template <class T> bool assign_all(Mm &t, const Mm &src) {
     return true;
 }
 
-// x(i) = src where numbers go to places that stand already: asked for in one walk over i, written in a
-// second. False, and nothing written, where that is not so.
-inline bool assigned_in_place(Mm &t, const Mm &src, const Mm &i) {
-    int m = i.getnnz(), s = src.getnnz();
-    bool plain = !t.dirty() && !t.isc() && !src.isc() && !src.issparse() && src.gettype() == kn_double;
-    if (!plain || is_colon(i) || m < 1 || (s != 1 && s != m) || !all_inside(i, t.getnnz())) return false;
-    double *to = t.addr();
-    const double *at = i.addr(), *from = src.addr();
-    if (s == 1)
-        for (int k = 0; k < m; ++k) to[static_cast<int>(at[k] - 1.0)] = *from;
-    else
-        for (int k = 0; k < m; ++k) to[static_cast<int>(at[k] - 1.0)] = from[k];
-    check(t);
-    return true;
-}
-
 template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
-    if (std::is_same_v<T, double> && assigned_in_place(t, src, i)) return true;
     int n = t.getnnz(), s = src.getnnz();
     if (is_colon(i)) return assign_all<T>(t, src);
     if (i.getnnz() == 0) return true;
     if (s == 0) return delete1(t, i);
 
     Selection sel;
-    if (!sel.add(i, n)) return false;
+    if (!sel.add_alone(i, n)) return false;
     // A mask makes the target as long as itself; numbers count rounded.
     int m = i.islogical() ? i.getnnz() : largest_rounded(i, sel[0]);
     if (m <= 0) {

@@ -2,15 +2,18 @@
 // runs the element engine, and marks logical results.
 //
 // Real full scalars, which are most of what programs compute with, do not enter the engine: the same kernel
-// is applied at once, and the result has the same flags.
+// is applied at once, and the result has the same flags. An operand that is a temporary, and that nobody
+// shares, gives its block to a result of the same type and shape.
 
 #include <algorithm>
+#include <utility>
 
-#include "core/kernels/dimension_ops.h"
 #include "core/element_engine.h"
-#include "core/kernels/element_kernels.h"
 #include "core/header.h"
+#include "core/kernels/dimension_ops.h"
+#include "core/kernels/element_kernels.h"
 #include "core/multiply.h"
+#include "core/numbers.h"
 #include "core/result_rules.h"
 #include "core/sorted.h"
 #include "core/sparse_plan.h"
@@ -33,82 +36,184 @@ template <op_t op> using Kernel = typename KernelOf<op>::type;
 template <op_t op> constexpr Rule rule_of = op_rows[op].rule;
 template <op_t op> constexpr bool is_logical = rule_of<op> == Rule::logical;
 
-// -- Scalars.
+// The operation on numbers. What is exact in every instruction set is done at once, all else by the kernels
+// in use, so that a number and an element have the same result.
+constexpr bool is_exact(op_t op) {
+    switch (op) {
+    case op_plus:
+    case op_minus:
+    case op_times:
+    case op_mtimes:
+    case op_rdivide:
+    case op_ldivide:
+    case op_uminus:
+    case op_lt:
+    case op_gt:
+    case op_le:
+    case op_ge:
+    case op_eq:
+    case op_ne:
+    case op_and:
+    case op_or:
+    case op_not:
+    case op_abs:
+    case op_ceil:
+    case op_fix:
+    case op_floor:
+    case op_round:
+    case op_sqrt: return true;
+    default: return false;
+    }
+}
+template <op_t op> double of_number(double x) {
+    if constexpr (is_exact(op))
+        return Kernel<op>::r(x);
+    else
+        return real_number(op, x);
+}
+template <op_t op> double of_numbers(double x, double y) {
+    if constexpr (is_exact(op))
+        return Kernel<op>::r(x, y);
+    else
+        return real_number(op, x, y);
+}
+
+// -- Operands. A temporary binds to Mm &&; its address is passed on as a place for the result.
 
 bool is_plain(const Mm &a) {
     const M_types &f = a.getflags();
     return a.getnnz() > 0 && f.type == kn_double && !f.sparse && !a.isc();
 }
-bool is_plain_scalar(const Mm &a) { return a.getnnz() == 1 && is_plain(a); }
 
-// As the engine makes it.
-Mm scalar_result(double x, int logical) {
-    Mm out(x);
-    out.getflags().scalar_only = 0;
+Mm *place(const Mm &) { return nullptr; }
+Mm *place(Mm &&a) { return &a; }
+
+// The number x in the block of the first temporary that has one to give.
+Mm scalar_in(const Mm &, double x, bool logical) { return Header::number(x, logical); }
+Mm scalar_in(Mm &&a, double x, bool logical) { return Header::number_in(a, x, logical); }
+
+// Whether the elements of a result can be written into the place: a full value of the result's type with its
+// extents, which nobody shares.
+bool can_take(const Mm *t, int complex_result) {
+    return t && t->getnnz() > 0 && !t->dirty() && !t->getindex() && t->isc() == (complex_result != 0) &&
+           (t->gettype() == kn_double || t->gettype() == kn_uint8);
+}
+bool can_take(const Mm *t, const Mm &other, int complex_result) {
+    return can_take(t, complex_result) && other.gettype() == t->gettype() && !other.issparse() &&
+           (other.getnnz() == 1 || std::equal(t->getdims(), t->getdims() + 4, other.getdims()));
+}
+
+// The engine's result, made in the place.
+Mm taken(Mm &t, const Mm &a, const Mm &b, op_t op, bool logical) {
+    element_loops(t, a, b, op);
+    t.getflags() = {0, 0, logical, 0, 0, 0, t.gettype()};
+    return std::move(t);
+}
+
+// The engine's result.
+Mm marked(int complex, const Mm &a, const Mm &b, const Mm &dim, int do_dim, op_t op, bool logical) {
+    Mm out = element_operation(complex, a, b, dim, op, do_dim, l_M);
+    if (logical) out.setlogical(1);
+    return out;
+}
+
+// The same where the operands are real and full and fit, and so is the result, which looks like `like`.
+Mm computed(const Mm &like, const Mm &a, const Mm &b, op_t op, bool logical) {
+    Mm out = Header::real_like(like);
+    if (lacks(out, like.getnnz()))
+        out = x_M;
+    else
+        element_loops(out, a, b, op);
     out.getflags().logical = logical;
     return out;
 }
 
+bool fit(const Mm &a, const Mm &b) {
+    return a.getnnz() == 1 || b.getnnz() == 1 || std::equal(a.getdims(), a.getdims() + 4, b.getdims());
+}
+
+// In the place of a temporary, in a fresh value, or by the engine.
+Mm elements(int complex, const Mm &a, const Mm &b, Mm *ta, Mm *tb, op_t op, bool logical) {
+    if (can_take(ta, b, complex)) return taken(*ta, a, b, op, logical);
+    if (can_take(tb, a, complex)) return taken(*tb, a, b, op, logical);
+    if (!complex && is_plain(a) && is_plain(b) && fit(a, b))
+        return computed(b.getnnz() == 1 ? a : b, a, b, op, logical);
+    return marked(complex, a, b, nop_M, 0, op, logical);
+}
+Mm elements(int complex, const Mm &a, Mm *t, op_t op, bool logical) {
+    if (can_take(t, complex)) return taken(*t, a, zero_M, op, logical);
+    if (!complex && is_plain(a)) return computed(a, a, zero_M, op, logical);
+    return marked(complex, a, zero_M, nop_M, 0, op, logical);
+}
+
 // -- The families.
 
-template <op_t op> Mm marked(int complex, const Mm &a, const Mm &b, const Mm &dim, int do_dim) {
-    Mm out = element_operation(complex, a, b, dim, op, do_dim, l_M);
-    if (is_logical<op>) out.setlogical(1);
-    return out;
-}
-
-// Whether one of n elements leaves the reals; computes meanwhile. One loop, so that memory is walked once.
-template <op_t op> bool compute_and_ask(double *__restrict out, const double *__restrict x, ptrdiff_t n) {
-    double found = 0;
-    for (ptrdiff_t k = 0; k < n; ++k) {
-        out[k] = Kernel<op>::r(x[k]);
-        found = is_outside<rule_of<op>>(x[k]) ? 1 : found;
+template <op_t op> [[gnu::noinline]] Mm of_values(const Mm &a, Mm *t) {
+    if (looks_at_elements(rule_of<op>) && !t && is_plain(a)) { // computes while it asks
+        Mm out = Header::real_like(a);
+        if (lacks(out, a.getnnz())) return x_M;
+        if (real_elements(op, out.addr(), a.addr(), a.getnnz())) return out;
     }
-    return found != 0;
+    return elements(complex_result(op, a), a, t, op, is_logical<op>);
 }
 
-// By blocks, so that an early answer is taken. False when an element leaves the reals.
-template <op_t op> bool computed_real(const Mm &a, Mm &out) {
-    constexpr int block = 1024;
-    Mm result = fresh_like(a, 0, kn_double);
-    if (lacks(result, a.getnnz())) result = x_M;
-    int n = result.getnnz();
-    for (int k = 0; k < n; k += block)
-        if (compute_and_ask<op>(result.addr() + k, a.addr() + k, std::min(block, n - k))) return false;
-    out = result;
-    return true;
-}
-
-template <op_t op> Mm unary(const Mm &a) {
-    if (is_plain_scalar(a)) {
+template <op_t op, class A> Mm unary(A &&a) {
+    if (is_real_scalar(a)) {
         double x = *a.addr();
-        if (!is_outside<rule_of<op>>(x)) return scalar_result(Kernel<op>::r(x), is_logical<op>);
+        if (!is_outside<rule_of<op>>(x))
+            return scalar_in(std::forward<A>(a), of_number<op>(x), is_logical<op>);
     }
-    if constexpr (looks_at_elements(rule_of<op>)) {
-        Mm out = nop_M;
-        if (is_plain(a) && computed_real<op>(a, out)) return out;
-    }
-    return marked<op>(complex_result(op, a), a, zero_M, nop_M, 0);
+    return of_values<op>(a, place(std::forward<A>(a)));
 }
 
 template <op_t op>
 constexpr bool compares =
     op == op_lt || op == op_gt || op == op_le || op == op_ge || op == op_eq || op == op_ne;
 
-template <op_t op> Mm binary(const Mm &a, const Mm &b) {
-    if (is_plain_scalar(a) && is_plain_scalar(b)) {
-        double x = *a.addr(), y = *b.addr();
-        if (op != op_power || !(x < 0) || y == 2) return scalar_result(Kernel<op>::r(x, y), is_logical<op>);
-    }
+template <op_t op> [[gnu::noinline]] Mm of_values(const Mm &a, const Mm &b, Mm *ta, Mm *tb) {
     if (compares<op>) { // a comparison forgets imaginary planes of zeros first
         a.getreal(0);
         b.getreal(0);
     }
-    return marked<op>(complex_result(op, a, b), a, b, nop_M, 0);
+    return elements(complex_result(op, a, b), a, b, ta, tb, op, is_logical<op>);
+}
+
+template <op_t op> constexpr bool stays_real(double x, double y) {
+    return op != op_power || !(x < 0) || y == 2;
+}
+
+template <op_t op, class A, class B> Mm binary(A &&a, B &&b) {
+    if (is_real_scalar(a) && is_real_scalar(b)) {
+        double x = *a.addr(), y = *b.addr();
+        if (stays_real<op>(x, y)) {
+            double v = of_numbers<op>(x, y);
+            if constexpr (std::is_same_v<A, Mm>) return Header::number_in(a, v, is_logical<op>);
+            return scalar_in(std::forward<B>(b), v, is_logical<op>);
+        }
+    }
+    return of_values<op>(a, b, place(std::forward<A>(a)), place(std::forward<B>(b)));
+}
+
+// One operand is a plain number.
+template <op_t op> [[gnu::noinline]] Mm of_values(const Mm &a, double y, Mm *ta) {
+    return of_values<op>(a, Mm(y), ta, nullptr);
+}
+template <op_t op> [[gnu::noinline]] Mm of_values(double x, const Mm &b, Mm *tb) {
+    return of_values<op>(Mm(x), b, nullptr, tb);
+}
+template <op_t op, class A> Mm with_number(A &&a, double y) {
+    if (is_real_scalar(a) && stays_real<op>(*a.addr(), y))
+        return scalar_in(std::forward<A>(a), of_numbers<op>(*a.addr(), y), is_logical<op>);
+    return of_values<op>(a, y, place(std::forward<A>(a)));
+}
+template <op_t op, class B> Mm number_with(double x, B &&b) {
+    if (is_real_scalar(b) && stays_real<op>(x, *b.addr()))
+        return scalar_in(std::forward<B>(b), of_numbers<op>(x, *b.addr()), is_logical<op>);
+    return of_values<op>(x, b, place(std::forward<B>(b)));
 }
 
 template <op_t op> Mm along(const Mm &a, const Mm &dim) {
-    return marked<op>(complex_result(op, a), a, zero_M, dim, 1);
+    return marked(complex_result(op, a), a, zero_M, dim, 1, op, is_logical<op>);
 }
 
 // Largest or smallest; `extra` takes the positions.
@@ -148,8 +253,9 @@ using namespace kn;
 
 // -- One operand.
 
-#define KN_UNARY(name, op) \
-    Mm name(const Mm &a) { return unary<op>(a); }
+#define KN_UNARY(name, op)                        \
+    Mm name(const Mm &a) { return unary<op>(a); } \
+    Mm name(Mm &&a) { return unary<op>(std::move(a)); }
 KN_UNARY(abs, op_abs)
 KN_UNARY(acos, op_acos)
 KN_UNARY(acosh, op_acosh)
@@ -210,22 +316,30 @@ KN_UNARY(uminus, op_uminus)
 
 // These leave a real value as it is.
 Mm operator+(const Mm &a) { return a; }
+Mm operator+(Mm &&a) { return std::move(a); }
 Mm uplus(const Mm &a) { return a; }
-Mm conj(const Mm &a) { return a.isc() ? element_operation(1, a, zero_M, nop_M, op_conj, 0, l_M) : a; }
+Mm uplus(Mm &&a) { return std::move(a); }
+Mm conj(const Mm &a) { return a.isc() ? of_values<op_conj>(a, nullptr) : a; }
+Mm conj(Mm &&a) { return a.isc() ? of_values<op_conj>(a, &a) : std::move(a); }
 Mm real(const Mm &a) {
     if (!a.isc()) return a;
     Mm out;
     out.deepcopy(0, a, kn_none);
     return out;
 }
+Mm real(Mm &&a) { return a.isc() ? real(std::as_const(a)) : std::move(a); }
 
 // These stay real below 0.
-Mm reallog(const Mm &a) { return element_operation(0, a, zero_M, nop_M, op_log, 0, l_M); }
-Mm realsqrt(const Mm &a) { return element_operation(0, a, zero_M, nop_M, op_sqrt, 0, l_M); }
+#define KN_REAL(name, op)                                                               \
+    Mm name(const Mm &a) { return element_operation(0, a, zero_M, nop_M, op, 0, l_M); } \
+    Mm name(Mm &&a) { return can_take(&a, 0) ? taken(a, a, zero_M, op, 0) : name(std::as_const(a)); }
+KN_REAL(reallog, op_log)
+KN_REAL(realsqrt, op_sqrt)
+#undef KN_REAL
 
 // The kernel gives the real part; below 0 the imaginary part is -pi.
 Mm expint(const Mm &a) {
-    if (is_plain_scalar(a) && !(*a.addr() < 0)) return scalar_result(expint_real(*a.addr()), 0);
+    if (is_real_scalar(a) && !(*a.addr() < 0)) return Header::number(expint_real(*a.addr()), 0);
     if (a.issparse()) return sparse(expint(full(a)));
     Mm out = element_operation(0, a, zero_M, nop_M, op_expint, 0, l_M);
     if (out.gettype() != kn_double || out.getnnz() != a.getnnz() || a.gettype() != kn_double) return out;
@@ -239,20 +353,31 @@ Mm expint(const Mm &a) {
     return out;
 }
 
+Mm expint(Mm &&a) { return expint(std::as_const(a)); }
+
 // -- Two operands.
 
-#define KN_BINARY(name, op) \
-    Mm name(const Mm &a, const Mm &b) { return binary<op>(a, b); }
-KN_BINARY(operator+, op_plus)
-KN_BINARY(operator-, op_minus)
-KN_BINARY(operator<, op_lt)
-KN_BINARY(operator>, op_gt)
-KN_BINARY(operator<=, op_le)
-KN_BINARY(operator>=, op_ge)
-KN_BINARY(operator==, op_eq)
-KN_BINARY(operator!=, op_ne)
-KN_BINARY(operator&&, op_and)
-KN_BINARY(operator||, op_or)
+#define KN_BINARY(name, op)                                              \
+    Mm name(const Mm &a, const Mm &b) { return binary<op>(a, b); }       \
+    Mm name(Mm &&a, const Mm &b) { return binary<op>(std::move(a), b); } \
+    Mm name(const Mm &a, Mm &&b) { return binary<op>(a, std::move(b)); } \
+    Mm name(Mm &&a, Mm &&b) { return binary<op>(std::move(a), std::move(b)); }
+#define KN_NUMBER(name, op)                                                \
+    Mm name(const Mm &a, double b) { return with_number<op>(a, b); }       \
+    Mm name(Mm &&a, double b) { return with_number<op>(std::move(a), b); } \
+    Mm name(double a, const Mm &b) { return number_with<op>(a, b); }       \
+    Mm name(double a, Mm &&b) { return number_with<op>(a, std::move(b)); }
+#define KN_OPERATOR(name, op) KN_BINARY(name, op) KN_NUMBER(name, op)
+KN_OPERATOR(operator+, op_plus)
+KN_OPERATOR(operator-, op_minus)
+KN_OPERATOR(operator<, op_lt)
+KN_OPERATOR(operator>, op_gt)
+KN_OPERATOR(operator<=, op_le)
+KN_OPERATOR(operator>=, op_ge)
+KN_OPERATOR(operator==, op_eq)
+KN_OPERATOR(operator!=, op_ne)
+KN_OPERATOR(operator&&, op_and)
+KN_OPERATOR(operator||, op_or)
 KN_BINARY(atan2, op_atan2)
 KN_BINARY(beta, op_beta)
 KN_BINARY(betaln, op_betaln)
@@ -289,21 +414,51 @@ KN_BINARY(power, op_power)
 KN_BINARY(rdivide, op_rdivide)
 KN_BINARY(rem, op_rem)
 KN_BINARY(times, op_times)
-#undef KN_BINARY
-
 // Matrices of numbers have the matrix product; scalars, and what the engine reports or passes on, the
 // elements'.
-Mm operator*(const Mm &a, const Mm &b) {
-    bool matrices = a.size() > 1 && b.size() > 1 && a.gettype() != kn_Mm && b.gettype() != kn_Mm;
-    return matrices ? matrix_product(a, b) : binary<op_mtimes>(a, b);
-}
-Mm mtimes(const Mm &a, const Mm &b) { return a * b; }
+namespace kn {
+namespace {
 
-Mm operator/(const Mm &a, const Mm &b) {
-    if (a.isstruct() || b.isstruct()) return call_class_function("mrdivide", a, b);
-    return b.size() == 1 ? binary<op_rdivide>(a, b) : matrix_right_division(a, b);
+template <class A, class B> Mm product_of(A &&a, B &&b) {
+    bool matrices = a.size() > 1 && b.size() > 1 && a.gettype() != kn_Mm && b.gettype() != kn_Mm;
+    return matrices ? matrix_product(a, b) : binary<op_mtimes>(std::forward<A>(a), std::forward<B>(b));
 }
-Mm mrdivide(const Mm &a, const Mm &b) { return a / b; }
+
+template <class A, class B> Mm quotient_of(A &&a, B &&b) {
+    if (a.isstruct() || b.isstruct()) return call_class_function("mrdivide", a, b);
+    return b.size() == 1 ? binary<op_rdivide>(std::forward<A>(a), std::forward<B>(b))
+                         : matrix_right_division(a, b);
+}
+
+} // namespace
+} // namespace kn
+
+#define KN_MATRIX(name, f)                                      \
+    Mm name(const Mm &a, const Mm &b) { return f(a, b); }       \
+    Mm name(Mm &&a, const Mm &b) { return f(std::move(a), b); } \
+    Mm name(const Mm &a, Mm &&b) { return f(a, std::move(b)); } \
+    Mm name(Mm &&a, Mm &&b) { return f(std::move(a), std::move(b)); }
+KN_MATRIX(operator*, product_of)
+KN_MATRIX(mtimes, product_of)
+KN_MATRIX(operator/, quotient_of)
+KN_MATRIX(mrdivide, quotient_of)
+KN_NUMBER(operator*, op_mtimes)
+Mm operator/(const Mm &a, double b) {
+    return a.isstruct() ? quotient_of(a, Mm(b)) : with_number<op_rdivide>(a, b);
+}
+Mm operator/(Mm &&a, double b) {
+    return a.isstruct() ? quotient_of(a, Mm(b)) : with_number<op_rdivide>(std::move(a), b);
+}
+Mm operator/(double a, const Mm &b) {
+    return is_real_scalar(b) ? number_with<op_rdivide>(a, b) : quotient_of(Mm(a), b);
+}
+Mm operator/(double a, Mm &&b) {
+    return is_real_scalar(b) ? number_with<op_rdivide>(a, std::move(b)) : quotient_of(Mm(a), std::move(b));
+}
+#undef KN_MATRIX
+#undef KN_NUMBER
+#undef KN_OPERATOR
+#undef KN_BINARY
 
 // [f, e] = log2(x)
 Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e) {

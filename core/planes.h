@@ -2,15 +2,36 @@
 #ifndef QUORVEX_CORE_PLANES_H
 #define QUORVEX_CORE_PLANES_H
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
 #include "core/header.h"
+#include "core/kernel_table.h"
+#include "core/moves.h"
 
 namespace kn {
 
 // Makes `out` a full value of x's kind (element type, imaginary plane, flags, field names, class) with other
 // extents; its elements are not cleared. False when there is no memory for it: `out` is then not to be used.
 bool make_like(Mm &out, const Mm &x, int ndims, const int *dims);
+
+// Elements that stand together, few enough to be moved for less than a call would take.
+template <class T> void copy_few(T *to, const T *from, ptrdiff_t n) {
+    for (ptrdiff_t k = 0; k < n; ++k) to[k] = from[k];
+}
+
+// Elements that stand together; `to` may lie before `from` in the same array.
+template <class T> void copy_run(T *to, const T *from, ptrdiff_t n) {
+    if (n <= 8) return copy_few(to, from, n);
+    if constexpr (!std::is_same_v<T, Mm>) {
+        const size_t bytes = static_cast<size_t>(n) * sizeof(T);
+        const size_t ahead = reinterpret_cast<uintptr_t>(from) - reinterpret_cast<uintptr_t>(to);
+        if (bytes >= 2048 && ahead >= bytes) return kernels().moves->copy(to, from, bytes);
+    }
+    std::copy_n(from, n, to);
+}
 
 template <class T, class F> void planes_of(const Mm &to, const Mm &from, F f) {
     T *tag = nullptr;

@@ -2,36 +2,17 @@
 //
 // A chain such as s(2).a{3}(4) = y is resolved from its end: what the last bracket indexes is read from the
 // reference before it (tolerantly, so that what is missing can come into being), changed, and assigned to
-// that reference in turn. Where every step leads to one element that stands there already, the element
-// itself is read or replaced; nothing but the time differs.
+// that reference in turn. Where that is an element which stands there already and nobody shares, it is
+// changed in its place instead: what the change doesn't touch is not copied.
 
-#include "quorvex/indexing.h"
+#include "core/reference.h"
 
 #include "core/constants.h"
-#include "core/index_move.h"
 #include "quorvex/classes.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 
 namespace kn {
-
-struct RefAccess {
-    static Subscripts subscripts(const Mr &r) {
-        return {r.nidx > 0 ? r.nidx : 0, {r.idx[0], r.idx[1], r.idx[2], r.idx[3]}};
-    }
-    static Mr_idx_type kind(const Mr &r) { return r.kind; }
-
-    static const Mm *container(const Mr &r, const Mm *src);
-    static const Mm *find(const Mr &r, const Mm *src);
-
-    static Mm record(const Mr &r);
-    static Mm read(const Mr &r, int strict);
-    static Mm read(const Mm &base, const Mr &r, int strict);
-    static Mm read_member(const Mm &base, const char *member, int strict);
-
-    static void assign(const Mr &r, const Mm &src);
-    static bool modify(Mm &base, const Mr &r, const Mm &src);
-};
 
 namespace {
 
@@ -81,56 +62,7 @@ void report_unset(const Mm &base) {
 
 } // namespace
 
-// ---- The elements that stand in their place ----
-
-// What a reference indexes, when it stands there already; see find.
-const Mm *RefAccess::container(const Mr &r, const Mm *src) {
-    return r.chained ? find(*r.base_r, src) : r.base_m;
-}
-
-// The value that a reference denotes, when it is an element of a cell or a field of a structure, reached
-// through such elements only, and no class takes part. Null otherwise. To be replaced by `src`, or in a part
-// of it, nobody else may hold the values on the way, and `src` must not be one of them.
-const Mm *RefAccess::find(const Mr &r, const Mm *src) {
-    auto open = [src](const Mm *m) {
-        return m && m->gettype() == kn_Mm && !m->getclassid() &&
-               (!src || (!m->dirty() && !same_block(*m, *src)));
-    };
-    if (r.kind == Mr_brace) {
-        const Mm *cell = container(r, src);
-        int k = open(cell) ? scalar_position(*cell, r.nidx, r.idx) : -1;
-        return k >= 0 ? re<Mm>(*cell) + k : nullptr;
-    }
-    if (r.kind != Mr_member) return nullptr;
-    bool of_array = r.chained && r.base_r->kind == Mr_paren; // s(k).member
-    const Mm *s = of_array ? container(*r.base_r, src) : container(r, src);
-    if (!open(s) || !s->isstruct()) return nullptr;
-    int k = of_array ? scalar_position(*s, r.base_r->nidx, r.base_r->idx) : s->getnnz() == 1 ? 0 : -1;
-    if (k < 0) return nullptr;
-    const Mm *values = re<Mm>(*s) + k;
-    int f = s->findfield(r.member_name, 0);
-    if (f < 0 || !open(values) || values->getnnz() != s->getnfields()) return nullptr;
-    return re<Mm>(*values) + f;
-}
-
 // ---- Reading ----
-
-namespace {
-
-// One element of a real double value.
-Mm number(const Mm &base, int at) {
-    Mm out = base.addr()[at];
-    if (lacks(out, 1)) {
-        out = nothing_M;
-    } else {
-        M_types &flags = out.getflags();
-        flags = base.getflags();
-        flags.persistent = flags.global = 0;
-    }
-    return out;
-}
-
-} // namespace
 
 // What the methods subsref and subsasgn are told: the fields type and subs.
 Mm RefAccess::record(const Mr &r) {
@@ -205,17 +137,10 @@ Mm RefAccess::read(const Mm &base, const Mr &r, int strict) {
     return read_selection(base, s, strict);
 }
 
-Mm RefAccess::read(const Mr &r, int strict) {
-    if (const Mm *element = find(r, nullptr)) return *element;
-    const Mm *base = container(r, nullptr);
-    if (base) {
-        if (r.kind == Mr_paren && base->gettype() == kn_double && !base->isc() && !base->getclassid()) {
-            int at = scalar_position(*base, r.nidx, r.idx);
-            if (at >= 0) return number(*base, at);
-        }
-        return read(*base, r, strict);
-    }
-    if (r.chained) return read(Mm(*r.base_r, strict), r, strict);
+// What is no single element that stands there.
+Mm RefAccess::read_any(const Mr &r, int strict) {
+    if (const Mm *base = container(r, to_read)) return read(*base, r, strict);
+    if (r.base_r) return read(Mm(*r.base_r, strict), r, strict);
     if (strict) report_unset(nothing_M);
     return nothing_M;
 }
@@ -223,40 +148,6 @@ Mm RefAccess::read(const Mr &r, int strict) {
 // ---- Assignment ----
 
 namespace {
-
-// The place behind the last element of a row or column that has room for one more. It becomes part of the
-// value, not set.
-int append(Mm &t, const Subscripts &s) {
-    int n = t.getnnz(), *dims = t.getdims();
-    if (s.n != 1 || n == t.getp() || !is_plain(t) || !is_scalar_subscript(s[0]) || *s[0].addr() != n + 1.0)
-        return -1;
-    if (n > 0 && dims[0] > 1 && dims[1] > 1) return -1;
-    if (n == 0)
-        std::fill_n(dims, 4, 1);
-    else
-        ++dims[dims[0] > 1 ? 0 : 1];
-    return t.getnnz()++;
-}
-
-// One real number into one element that is there already, or behind the last.
-bool assign_element(Mm &t, const Subscripts &s, const Mm &src) {
-    if (t.gettype() != kn_double || t.dirty() || t.getclassid()) return false;
-    if (src.gettype() != kn_double || src.getnnz() != 1 || src.isc() || !is_plain(src)) return false;
-    double x = *src.addr();
-    int at = scalar_position(t, s.n, s.at);
-    if (at >= 0) {
-        for (int k = 0; k < s.n; ++k) { // fractions grow the target by the rounded number
-            double v = *s[k].addr();
-            if (v != static_cast<int>(v)) return false;
-        }
-    } else {
-        at = append(t, s);
-        if (at < 0) return false;
-    }
-    t.addr()[at] = x;
-    if (t.isc()) t.addi()[at] = 0.0;
-    return true;
-}
 
 // The target of x(...) = src gets the type of the source, or the source that of the target.
 bool settle_type(Mm &t, const Mm &src, const Mm *&settled, std::optional<Mm> &converted) {
@@ -350,7 +241,7 @@ bool store_member(Mm &t, const char *member, const Mm &source) {
     if (f < 0) return false;
     Mm place = f + 1.0;
     wider.br(first).br(place) = *src;
-    if (wider.getnnz() < 1 || re<Mm>(wider)->getnnz() <= f) return false;
+    if (wider.getnnz() < 1 || re<Mm>(wider)->gettype() != kn_Mm || re<Mm>(wider)->getnnz() <= f) return false;
     t = wider;
     return true;
 }
@@ -381,19 +272,68 @@ bool RefAccess::modify(Mm &base, const Mr &r, const Mm &src) {
     return false;
 }
 
-void RefAccess::assign(const Mr &r, const Mm &src) {
-    if (r.kind == Mr_paren) {
-        const Mm *t = container(r, &src);
-        if (t && assign_element(const_cast<Mm &>(*t), subscripts(r), src)) return;
-    } else if (const Mm *element = find(r, &src)) {
-        const_cast<Mm &>(*element) = src;
-        return;
+namespace {
+
+// Gives a value its shape back unless the change that was under way came to its end. Until then the engines
+// change no element that the shape shows.
+class Undo {
+  public:
+    explicit Undo(Mm &t)
+        : t_(t), block_(Header::refcount(t)), pi_(Header::pi(t)), ndims_(t.getndims()), nnz_(t.getnnz()) {
+        std::copy_n(t.getdims(), 4, dims_);
     }
-    if (r.chained) {
+    Undo(const Undo &) = delete;
+    Undo &operator=(const Undo &) = delete;
+    ~Undo() {
+        if (done_) return;
+        std::copy_n(dims_, 4, t_.getdims());
+        t_.getndims() = ndims_;
+        t_.getnnz() = nnz_;
+        if (Header::refcount(t_) == block_) Header::pi(t_) = pi_;
+    }
+    void done() { done_ = true; }
+
+  private:
+    Mm &t_;
+    const unsigned *block_;
+    void *pi_;
+    int ndims_, nnz_, dims_[4];
+    bool done_ = false;
+};
+
+// Whether t(...) = src, or with another bracket, gives an unshared value what it gives a shared one, and
+// either comes to its end or touches nothing but the shape.
+bool can_be_undone(const Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &src) {
+    if (t.getclassid()) return false;
+    if (kind != Mr_paren) return t.gettype() == kn_Mm;
+    bool empty = t.gettype() == kn_none || t.size() == 0;
+    if (t.issparse() || (empty && t.gettype() != src.gettype())) return false;
+    if (s.n == 1 && is_colon(s[0]) && src.size() > 1) return false; // takes the block of the source
+    return !t.isstruct() ? !src.isstruct() : src.size() > 0 && src.getnfields() == t.getnfields();
+}
+
+} // namespace
+
+// The last step of a chain on an element that stands there already and nobody shares.
+bool RefAccess::modify_in_place(const Mr &r, const Mm &src) {
+    const Mm *element = r.base_r ? find(*r.base_r, to_assign(src)) : nullptr;
+    if (!element || !can_be_undone(*element, r.kind, subscripts(r), src)) return false;
+    const Mr *first = &r;
+    while (first->base_r) first = first->base_r;
+    Mm holder = *first->base_m; // should an error handler assign to the variable
+    Mm &t = const_cast<Mm &>(*element);
+    Undo undo(t);
+    if (modify(t, r, src)) undo.done();
+    return true;
+}
+
+void RefAccess::assign(const Mr &r, const Mm &src) {
+    if (assign_element(r, src) || modify_in_place(r, src)) return;
+    if (r.base_r) {
         Mm base(*r.base_r, 0);
         if (modify(base, r, src)) assign(*r.base_r, base);
     } else if (r.base_m) {
-        modify(*r.base_m, r, src);
+        modify(const_cast<Mm &>(*r.base_m), r, src);
     } else {
         report_unset(nothing_M);
     }
@@ -405,55 +345,43 @@ using namespace kn;
 
 // ---- Building ----
 
-Mr::Mr()
-    : nidx(-1), kind(Mr_none), member_name(nullptr), chained(0), base_m(nullptr),
-      base_r(nullptr), owned{}, idx{} {}
-
-Mr::Mr(const Mm &base) : Mr(base, Mr_paren, 0, nullptr) {}
-
-Mr::Mr(const Mm &base, const char *member) : Mr(base, Mr_member, 0, nullptr) { member_name = member; }
-
-Mr::Mr(const Mr &base, const char *member) : Mr(base, Mr_member, 0, nullptr) { member_name = member; }
-
-Mr::Mr(const Mm &base, Mr_idx_type k, int n, const Mm *const *subscripts) : Mr() {
-    base_m = const_cast<Mm *>(&base);
-    if (base.getflags().scalar_only) base.getflags().scalar_only = 0;
-    set(k, n, subscripts);
+Mr::Mr(const Mm &base, Mr_idx_type k, int n, const Mm *const *subscripts) : Mr(k, &base, nullptr, n) {
+    std::copy_n(subscripts, n, idx);
+    convert();
 }
 
-Mr::Mr(const Mr &base, Mr_idx_type k, int n, const Mm *const *subscripts) : Mr() {
-    chained = 1;
-    base_r = &base;
-    set(k, n, subscripts);
+Mr::Mr(const Mr &base, Mr_idx_type k, int n, const Mm *const *subscripts) : Mr(k, nullptr, &base, n) {
+    std::copy_n(subscripts, n, idx);
+    convert();
 }
 
 Mr::Mr(const Mr &src)
-    : nidx(src.nidx), kind(src.kind), member_name(src.member_name), chained(src.chained), base_m(src.base_m),
-      base_r(src.base_r), owned{}, idx{src.idx[0], src.idx[1], src.idx[2], src.idx[3]} {}
-
-Mr::~Mr() {
-    for (int k = 0; k < 4; ++k)
-        if (owned[k]) delete idx[k];
+    : kind(src.kind), nidx(src.nidx), owned(0), base_m(src.base_m), base_r(src.base_r),
+      member_name(src.kind == Mr_member ? src.member_name : nullptr) {
+    if (nidx > 0) std::copy_n(src.idx, nidx, idx);
 }
 
-void Mr::set(Mr_idx_type k, int n, const Mm *const *subscripts) {
-    kind = k;
-    nidx = 0;
+void Mr::drop() {
+    for (int k = 0; k < nidx; ++k)
+        if (owned >> k & 1) delete idx[k];
+}
+
+void Mr::convert() {
+    int n = nidx;
     // A cell as the only subscript stands for its elements.
-    const Mm *list =
-        n == 1 && k == Mr_paren && subscripts[0]->gettype() == kn_Mm && !subscripts[0]->isstruct()
-            ? subscripts[0]
-            : nullptr;
-    if (list) n = list->getnnz() <= 4 ? list->getnnz() : 0;
-    for (int l = 0; l < n; ++l) {
-        const Mm &s = list ? re<Mm>(*list)[l] : *subscripts[l];
+    const Mm *list = nullptr;
+    if (n == 1 && kind == Mr_paren && idx[0]->gettype() == kn_Mm && !idx[0]->isstruct()) {
+        list = re<Mm>(*idx[0]);
+        n = idx[0]->getnnz() <= 4 ? idx[0]->getnnz() : 0;
+    }
+    nidx = 0;
+    for (int k = 0; k < n; ++k) {
+        const Mm &s = list ? list[k] : *idx[k];
         if (list || s.gettype() != kn_double) {
-            idx[l] = new Mm(s.gettype() == kn_double ? s : subsindex(s));
-            owned[l] = 1;
-        } else {
-            idx[l] = &s;
+            idx[k] = new Mm(s.gettype() == kn_double ? s : subsindex(s));
+            owned = static_cast<short>(owned | 1 << k);
         }
-        nidx = l + 1;
+        nidx = static_cast<short>(k + 1);
     }
 }
 
@@ -468,14 +396,6 @@ Mm subsindex(const Mm &x) {
 }
 
 #define ON(owner)                                                                    \
-    Mr owner::operator()(const Mm &a) const {                                        \
-        const Mm *s[] = {&a};                                                        \
-        return Mr(*this, Mr_paren, 1, s);                                            \
-    }                                                                                \
-    Mr owner::operator()(const Mm &a, const Mm &b) const {                           \
-        const Mm *s[] = {&a, &b};                                                    \
-        return Mr(*this, Mr_paren, 2, s);                                            \
-    }                                                                                \
     Mr owner::operator()(const Mm &a, const Mm &b, const Mm &c) const {              \
         const Mm *s[] = {&a, &b, &c};                                                \
         return Mr(*this, Mr_paren, 3, s);                                            \
@@ -483,14 +403,6 @@ Mm subsindex(const Mm &x) {
     Mr owner::operator()(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const { \
         const Mm *s[] = {&a, &b, &c, &d};                                            \
         return Mr(*this, Mr_paren, 4, s);                                            \
-    }                                                                                \
-    Mr owner::br(const Mm &a) const {                                                \
-        const Mm *s[] = {&a};                                                        \
-        return Mr(*this, Mr_brace, 1, s);                                            \
-    }                                                                                \
-    Mr owner::br(const Mm &a, const Mm &b) const {                                   \
-        const Mm *s[] = {&a, &b};                                                    \
-        return Mr(*this, Mr_brace, 2, s);                                            \
     }                                                                                \
     Mr owner::br(const Mm &a, const Mm &b, const Mm &c) const {                      \
         const Mm *s[] = {&a, &b, &c};                                                \
@@ -503,18 +415,6 @@ Mm subsindex(const Mm &x) {
 ON(Mm)
 ON(Mr)
 #undef ON
-
-Mr Mm::operator()() const { return Mr(*this, Mr_paren, 0, nullptr); }
-Mr Mm::member(const char *field) const { return Mr(*this, field); }
-
-// ---- Reading and writing ----
-
-Mm::Mm(const Mr &r, int strict) : Mm(RefAccess::read(r, strict)) {
-    if (pi && flags.type == kn_double) getreal(0);
-}
-
-void Mr::operator=(const Mm &src) { RefAccess::assign(*this, src); }
-void Mr::operator=(const Mr &src) { RefAccess::assign(*this, Mm(src, 1)); }
 
 int Mr::size() const { return Mm(*this, 1).size(); }
 

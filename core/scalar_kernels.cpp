@@ -6,6 +6,7 @@
 #include <bit>
 #include <limits>
 
+#include "core/kernel_table.h"
 #include "quorvex/operations.h"
 
 namespace kn {
@@ -178,7 +179,7 @@ double bit_reset(double a, double k) { return bit_get(a, k) != 0 ? bit_logic(a, 
 double bit_shift(double a, double n) { return std::floor(pow2_2(a, n)); }
 
 double round_real(double x) { return round_half_away(x); }
-double log2_real(double x) { return std::log(x) / raw_ln2; }
+double log2_real(double x) { return kernels().numbers[op_log2].unary(x); }
 
 } // namespace kn
 
@@ -194,4 +195,4 @@ double max2(double x, double y) { return kn::max2_real(x, y); }
 double min2(double x, double y) { return kn::min2_real(x, y); }
 double mod(double x, double y) { return kn::mod_real(x, y); }
 double rem(double x, double y) { return kn::rem_real(x, y); }
-double power(double x, double y) { return kn::real_pow(x, y); }
+double power(double x, double y) { return kn::kernels().numbers[op_power].binary(x, y); }

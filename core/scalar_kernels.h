@@ -61,12 +61,6 @@ inline double sign_real(double x) { return static_cast<double>(x > 0) - static_c
 inline double max2_real(double x, double y) { return x > y || y != y ? x : y; }
 inline double min2_real(double x, double y) { return x < y || y != y ? x : y; }
 
-// x to the y; an exponent of exactly 2 is a product.
-inline double real_pow(double x, double y) { return y == 2 ? x * x : std::pow(x, y); }
-
-// The argument as sin, cos and tan take it.
-inline double reduced(double x) { return std::fabs(x) <= reduce_beyond ? x : range_reduce(x); }
-
 } // namespace KN_ISA
 } // namespace kn
 

@@ -3,9 +3,9 @@
 #include "core/selection.h"
 
 #include <bit>
-#include <cstdint>
 
 #include "core/index_messages.h"
+#include "core/kernel_table.h"
 #include "core/scalar_kernels.h"
 
 namespace kn {
@@ -24,172 +24,193 @@ int count_selected(const Mm &s) {
     return mask ? count_nonzero(s.addr(), s.getnnz()) : s.getnnz();
 }
 
-// The place, from 0, of an index value. Without a comparison or a conversion, which would cost more than the
-// move: beside 2^52 the last bits of a double count ones. `odd` is 0 for a whole number; a value below 1 has
-// a place beyond every extent.
-struct Place {
-    uint64_t at, odd;
-    explicit Place(double v) {
-        constexpr double shift = 0x1p52;
-        double x = v - 1.0, shifted = x + shift;
-        at = std::bit_cast<uint64_t>(shifted) ^ std::bit_cast<uint64_t>(shift);
-        odd = std::bit_cast<uint64_t>(shifted - shift - x);
-    }
-};
-
-// Positions of index values that are all whole numbers from 1 on; false when one is not.
-bool count_positions(int *list, const double *v, int n) {
-    uint64_t fault = 0;
-    for (int k = 0; k < n; ++k) {
-        Place p(v[k]);
-        list[k] = static_cast<int>(static_cast<uint32_t>(p.at));
-        fault |= p.odd | (p.at + 1) >> 31;
-    }
-    return fault == 0;
-}
-
 } // namespace
-
-bool all_inside(const Mm &s, int extent) {
-    if (s.gettype() != kn_double || s.issparse() || s.islogical()) return false;
-    const double *v = s.addr();
-    const uint64_t last = static_cast<uint64_t>(extent) - 1;
-    uint64_t odd = 0, outside = 0;
-    for (int k = 0, n = s.getnnz(); k < n; ++k) {
-        Place p(v[k]);
-        odd |= p.odd;
-        outside |= p.at | (last - p.at);
-    }
-    return odd == 0 && outside >> 63 == 0;
-}
-
-int scalar_position(const Mm &base, int n, const Mm *const *s) {
-    auto inside = [](const Mm &i, int extent) {
-        if (!is_scalar_subscript(i)) return -1;
-        double at = *i.addr() - 1.0;
-        return at > -1.0 && at < extent ? static_cast<int>(at) : -1;
-    };
-    if (base.issparse() || n <= 0) return -1;
-    if (n == 1) return inside(*s[0], base.getnnz());
-    ptrdiff_t at = 0;
-    const int *dims = base.getdims();
-    for (int k = n; k-- > 0;) {
-        int l = inside(*s[k], dims[k]);
-        if (l < 0) return -1;
-        at = at * dims[k] + l;
-    }
-    return static_cast<int>(at);
-}
 
 // -- Positions of one subscript.
 
-int *Positions::room(int n) {
-    if (n <= static_cast<int>(std::size(near_))) return near_;
-    far_.emplace(n);
+int *Positions::list_of(int n) {
+    if (n <= static_cast<int>(std::size(near_.list))) return near_.list;
+    far_.emplace(n / 2 + 1);
+    return static_cast<int *>(static_cast<void *>(far_->get()));
+}
+
+MaskWord *Positions::bits_of(int n) {
+    ptrdiff_t words = words_of(n);
+    if (words <= static_cast<ptrdiff_t>(std::size(near_.bits))) return near_.bits;
+    far_.emplace(words);
     return far_->get();
 }
 
-// Ascending without gaps: a run.
-void Positions::settle(int *list, int n) {
-    count_ = n;
-    list_ = list;
-    if (n == 0) {
-        set_run(0, 0);
-        return;
-    }
-    if (static_cast<long long>(largest_) - list[0] != n - 1) return;
-    for (int k = 1; k < n; ++k)
-        if (list[k] != list[0] + k) return;
-    set_run(list[0], n);
-}
-
 void Positions::set_run(int first, int count) {
-    list_ = nullptr;
+    kind_ = run;
     first_ = first;
     count_ = count;
     least_ = first;
     largest_ = count > 0 ? first + (count - 1) : -1;
 }
 
-bool Positions::set_values(const double *v, int n) {
+// Ascending without gaps: a run.
+bool Positions::settle(int *list, int n) {
+    if (n == 0) {
+        set_run(0, 0);
+        return true;
+    }
+    kind_ = listed;
+    count_ = n;
+    list_ = list;
+    if (static_cast<long long>(list[n - 1]) - list[0] != n - 1) return true;
+    for (int k = 1; k < n; ++k)
+        if (list[k] != list[0] + k) return true;
+    set_run(list[0], n);
+    return true;
+}
+
+bool Positions::settle(MaskWord *bits, ptrdiff_t n, ptrdiff_t count) {
+    ptrdiff_t first = 0, last = words_of(n) - 1;
+    if (count == 0) {
+        set_run(0, 0);
+        return true;
+    }
+    while (bits[first] == 0) ++first;
+    while (bits[last] == 0) --last;
+    kind_ = masked;
+    count_ = static_cast<int>(count);
+    bits_ = bits;
+    least_ = static_cast<int>(64 * first + std::countr_zero(bits[first]));
+    largest_ = static_cast<int>(64 * last + 63 - std::countl_zero(bits[last]));
+    if (largest_ - least_ == count_ - 1) set_run(least_, count_);
+    return true;
+}
+
+bool Positions::set_values(const double *v, int n, bool alone) {
     if (n <= 1) {
         set_run(n == 1 ? position(*v) : 0, n);
         return true;
     }
-    int *list = room(n);
-    if (!list) return false;
-    constexpr ptrdiff_t block = 1024; // stays in the cache for all loops
-    int least = 0, largest = INT_MIN;
-    counts_ = true;
-    for (ptrdiff_t start = 0; start < n; start += block) {
-        int *at = list + start, m = static_cast<int>(std::min(n - start, block));
-        if (!count_positions(at, v + start, m)) {
-            for (int k = 0; k < m; ++k) at[k] = position(v[start + k]);
-            for (int k = 0; k < m; ++k) least = std::min(least, at[k]);
-            counts_ = false;
+    bool near = n <= static_cast<int>(std::size(near_.list));
+    if (near) { // quicker than a call
+        counts_ = true;
+        least_ = INT_MAX;
+        largest_ = INT_MIN;
+        for (int k = 0; k < n; ++k) {
+            int at = near_.list[k] = position(v[k]);
+            counts_ = counts_ && at >= 0 && at == v[k] - 1.0;
+            least_ = std::min(least_, at);
+            largest_ = std::max(largest_, at);
         }
-        for (int k = 0; k < m; ++k) largest = std::max(largest, at[k]);
+        return settle(near_.list, n);
     }
-    least_ = least;
-    largest_ = largest;
-    settle(list, n);
+    bool wanted = !alone || n <= 1 << 15; // a longer list doesn't stay in the cache
+    int *list = wanted ? list_of(n) : nullptr;
+    if (wanted && !list) return false;
+    PositionRange range = kernels().moves->positions(list, v, n);
+    counts_ = range.counts;
+    least_ = range.least;
+    largest_ = range.largest;
+    if (list) return settle(list, n);
+    kind_ = valued;
+    count_ = n;
+    values_ = v;
     return true;
 }
 
-bool Positions::set(const Mm &s, int extent, int mask_end) {
+bool Positions::set(const Mm &s, int extent, int mask_end, bool alone) {
     int stored = s.getnnz();
     counts_ = false;
     if (is_colon(s)) {
         set_run(0, extent);
-    } else if (!s.islogical()) {
-        return set_values(s.addr(), stored);
-    } else if (s.issparse()) {
-        const int *index = s.getindex();
+        return true;
+    }
+    if (!s.islogical()) return set_values(s.addr(), stored, alone);
+    if (s.issparse()) {
         set_run(0, 0);
         if (stored == 0) return true;
+        kind_ = listed;
         count_ = stored;
-        list_ = index;
-        least_ = index[0];
-        largest_ = index[stored - 1];
-    } else {
-        const double *mask = s.addr();
-        int end = std::min(stored, mask_end);
-        int *list = room(count_nonzero(mask, end) + 1); // one more: the last write of the loop below
-        if (!list) return false;
-        int count = 0;
-        for (int k = 0; k < end; ++k) {
-            list[count] = k;
-            count += selects(mask[k]);
-        }
-        if (count > 0) {
-            least_ = list[0];
-            largest_ = list[count - 1];
-        }
-        settle(list, count);
+        list_ = s.getindex();
+        least_ = list_[0];
+        largest_ = list_[stored - 1];
+        return true;
     }
-    return true;
-}
-
-bool Positions::set_nonzero(const char *mask, int n) {
-    counts_ = false;
-    int count = static_cast<int>(n - std::count(mask, mask + n, 0));
-    int *list = room(count + 1);
+    const double *mask = s.addr();
+    int end = std::min(stored, mask_end);
+    if (alone) {
+        MaskWord *bits = bits_of(end);
+        return bits && settle(bits, end, kernels().moves->mask_bits(bits, mask, end));
+    }
+    int *list = list_of(count_nonzero(mask, end) + 1); // one more: the last write of the loop below
     if (!list) return false;
-    count = 0;
-    for (int k = 0; k < n; ++k) {
+    int count = 0;
+    for (int k = 0; k < end; ++k) {
         list[count] = k;
-        count += mask[k] != 0;
+        count += selects(mask[k]);
     }
     if (count > 0) {
         least_ = list[0];
         largest_ = list[count - 1];
     }
-    settle(list, count);
-    return true;
+    return settle(list, count);
+}
+
+bool Positions::set_nonzero(const unsigned char *x, int n, bool alone) {
+    counts_ = false;
+    if (alone) {
+        MaskWord *bits = bits_of(n);
+        return bits && settle(bits, n, kernels().moves->byte_bits(bits, x, n));
+    }
+    int *list = list_of(static_cast<int>(n - std::count(x, x + n, 0)) + 1);
+    if (!list) return false;
+    int count = 0;
+    for (int k = 0; k < n; ++k) {
+        list[count] = k;
+        count += x[k] != 0;
+    }
+    if (count > 0) {
+        least_ = list[0];
+        largest_ = list[count - 1];
+    }
+    return settle(list, count);
+}
+
+bool Positions::set_nonzero(const Mm &x) {
+    int n = x.getnnz();
+    counts_ = false;
+    MaskWord *bits = bits_of(n);
+    if (!bits) return false;
+    ptrdiff_t count = kernels().moves->nonzero_bits(bits, x.addr(), n);
+    if (x.isc()) {
+        Scratch<MaskWord> imaginary(words_of(n));
+        if (!imaginary) return false;
+        kernels().moves->nonzero_bits(imaginary.get(), x.addi(), n);
+        count = 0;
+        for (ptrdiff_t k = 0; k < words_of(n); ++k) count += std::popcount(bits[k] |= imaginary[k]);
+    }
+    return settle(bits, n, count);
+}
+
+bool Positions::set_others(const Positions &mask, int n) {
+    counts_ = false;
+    MaskWord *bits = bits_of(n);
+    if (!bits) return false;
+    ptrdiff_t words = words_of(n), given = std::min(words, words_of(ptrdiff_t{mask.largest_} + 1));
+    for (ptrdiff_t k = 0; k < words; ++k) bits[k] = ~(k < given ? mask.bits_[k] : 0);
+    if (n % 64 != 0) bits[words - 1] &= (MaskWord{1} << n % 64) - 1;
+    ptrdiff_t count = 0;
+    for (ptrdiff_t k = 0; k < words; ++k) count += std::popcount(bits[k]);
+    return settle(bits, n, count);
+}
+
+int Positions::found(int k) const {
+    if (kind_ == valued) return position(values_[k]);
+    const MaskWord *word = bits_;
+    for (int in_word; k >= (in_word = std::popcount(*word)); ++word) k -= in_word;
+    MaskWord left = *word;
+    while (k-- > 0) left &= left - 1;
+    return static_cast<int>(64 * (word - bits_) + std::countr_zero(left));
 }
 
 int Positions::first_outside(int extent) const {
-    if (count_ == 0 || (least_ >= 0 && largest_ < extent)) return -1;
+    if (inside(extent)) return -1;
     int k = 0;
     while ((*this)[k] >= 0 && (*this)[k] < extent) ++k;
     return k;

@@ -15,6 +15,7 @@
 #include <optional>
 
 #include "core/header.h"
+#include "core/moves.h"
 #include "core/scratch.h"
 #include "quorvex/startup.h"
 
@@ -44,47 +45,64 @@ inline bool is_plain(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
 inline bool is_scalar_subscript(const Mm &s) {
     return s.getnnz() == 1 && is_plain(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
 }
-// Whether the subscript's values are all whole numbers from 1 to extent.
-bool all_inside(const Mm &s, int extent);
-// Linear position in a full value that n scalar subscripts select; -1 when they lie outside or are no
-// scalars.
-int scalar_position(const Mm &base, int n, const Mm *const *subscripts);
 
-// The positions of one subscript.
+// The positions of one subscript: a run, a list, or, of the only subscript of a reference, what the list
+// would be made from: index values, or the bits of a mask.
 class Positions {
   public:
+    enum Kind { run, listed, valued, masked };
+
     Positions() = default;
     Positions(const Positions &) = delete;
     Positions &operator=(const Positions &) = delete;
 
     // Each gives the positions anew; false when memory was exhausted. A colon selects `extent` positions, a
-    // full mask none at or beyond `mask_end`.
-    bool set(const Mm &s, int extent, int mask_end);
-    bool set_nonzero(const char *mask, int n);
+    // full mask none at or beyond `mask_end`. `alone` allows all kinds; the subscript must then stand as long
+    // as the positions.
+    bool set(const Mm &s, int extent, int mask_end, bool alone = false);
     void set_run(int first, int count);
+    // Those of the bytes that are not 0; of the elements of a full double that are not 0; of the n positions
+    // those that a mask does not select.
+    bool set_nonzero(const unsigned char *x, int n, bool alone);
+    bool set_nonzero(const Mm &x);
+    bool set_others(const Positions &mask, int n);
 
+    Kind kind() const { return kind_; }
     int count() const { return count_; }
-    bool is_run() const { return list_ == nullptr; }
+    bool is_run() const { return kind_ == run; }
     int first() const { return first_; }
     const int *list() const { return list_; }
-    int operator[](int k) const { return list_ ? list_[k] : first_ + k; }
+    const double *values() const { return values_; }
+    const MaskWord *bits() const { return bits_; } // as many as reach the largest
+    int operator[](int k) const { return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k); }
     int largest() const { return largest_; } // -1 for none
+    // None of them lies outside.
+    bool inside(int extent) const { return count_ == 0 || (least_ >= 0 && largest_ < extent); }
     // Whether they are known to come from whole numbers, none below 1.
     bool are_counts() const { return counts_; }
     // Which of them is the first outside [0, extent); -1 for none.
     int first_outside(int extent) const;
 
   private:
+    Kind kind_ = run;
+    bool counts_ = false;
     int count_ = 0, first_ = 0, largest_ = -1;
     int least_ = 0; // none is smaller
-    bool counts_ = false;
     const int *list_ = nullptr;
-    int near_[16];
-    std::optional<Scratch<int>> far_;
+    const double *values_ = nullptr;
+    MaskWord *bits_ = nullptr;
+    union {
+        int list[16];
+        MaskWord bits[8];
+    } near_;
+    std::optional<Scratch<MaskWord>> far_;
 
-    int *room(int n);
-    bool set_values(const double *v, int n);
-    void settle(int *list, int n);
+    int *list_of(int n);
+    MaskWord *bits_of(int n);
+    int found(int k) const;
+    bool set_values(const double *v, int n, bool alone);
+    bool settle(int *list, int n);
+    bool settle(MaskWord *bits, ptrdiff_t n, ptrdiff_t count);
 };
 
 class Selection {
@@ -93,6 +111,10 @@ class Selection {
     const Positions &operator[](int k) const { return at_[k]; }
     Positions &next() { return at_[n_++]; }
     bool add(const Mm &s, int extent, int mask_end = INT_MAX) { return next().set(s, extent, mask_end); }
+    // The only subscript.
+    bool add_alone(const Mm &s, int extent, int mask_end = INT_MAX) {
+        return next().set(s, extent, mask_end, true);
+    }
     // Elements of the selection; -1 when no int holds the number.
     int total() const;
 

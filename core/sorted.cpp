@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-#include "core/kernels/complex_math.h"
 #include "core/header.h"
+#include "core/kernels/complex_math.h"
 #include "core/scratch.h"
 #include "quorvex/startup.h"
 

@@ -1,9 +1,12 @@
 // Construction, sharing and destruction of values: who makes a block, who counts it, who frees it.
 //
 // Every path that stores a block pointer in a header counts it, every path that drops one gives it back, and
-// the last one frees. A header always refers to a block: when memory is exhausted and the error handler
-// returns, to one static block that is never freed and always counts as shared, so that nobody writes into
-// it.
+// the last one frees. A header always refers to a block. That of a value without content, be it a default
+// one, one that was moved from or one that got no memory, is a static block that nobody counts or frees, and
+// that always counts as shared, so that nobody writes into it.
+//
+// Numbers, real full doubles of size 1, take a short way throughout: their header is written as a whole,
+// their block comes from the list of its size and goes back there.
 
 #include <algorithm>
 #include <climits>
@@ -14,6 +17,7 @@
 
 #include "core/header.h"
 #include "core/hooks.h"
+#include "core/numbers.h"
 #include "core/scratch.h"
 #include "quorvex/memory.h"
 #include "quorvex/startup.h"
@@ -21,17 +25,14 @@
 namespace kn {
 
 constinit ScopeHooks scope_hooks = {nullptr, nullptr};
+constinit EmptyBlock empty_block = {{}, 2};
 
 namespace {
 
-struct EmptyBlock {
-    double data[8];
-    unsigned count;
-};
-constinit EmptyBlock no_memory_block = {{}, 1};
-
-constexpr int slack = 8;       // spare elements of a numeric block
+constexpr int slack = block_slack;
 constexpr int value_slack = 5; // of a block of values
+
+bool is_counted(const unsigned *count) { return count != &empty_block.count; }
 
 struct Extents {
     int d[2];
@@ -39,33 +40,32 @@ struct Extents {
 
 size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 
-// A value array: the number of its elements stands before it.
-constexpr size_t array_header = 16;
+// An array of values. Before it stand the number of its elements and the count of its holders.
+struct ValueArray {
+    int n;
+    unsigned count;
+    double aligned[1];
 
-void free_values(Mm *array, int n) {
-    for (int k = n; k-- > 0;) array[k].~Mm();
-    heap_free(reinterpret_cast<char *>(array) - array_header);
-}
-
-// n default values, or null. Nothing is left behind when the error handler throws for one of them.
-Mm *make_values(int n) {
-    struct Building {
-        Mm *array = nullptr;
-        int made = 0;
-        ~Building() {
-            if (array) free_values(array, made);
-        }
-    } building;
-    if (static_cast<size_t>(n) > (SIZE_MAX - array_header) / sizeof(Mm)) return nullptr;
-    char *start = static_cast<char *>(heap_alloc(array_header + static_cast<size_t>(n) * sizeof(Mm)));
-    if (!start) return nullptr;
-    std::memcpy(start, &n, sizeof n);
-    building.array = reinterpret_cast<Mm *>(start + array_header);
-    for (; building.made < n; ++building.made) new (building.array + building.made) Mm();
-    Mm *array = building.array;
-    building.array = nullptr;
-    return array;
-}
+    Mm *values() { return reinterpret_cast<Mm *>(this + 1); }
+    static ValueArray *of(unsigned *count) {
+        return reinterpret_cast<ValueArray *>(reinterpret_cast<char *>(count) - offsetof(ValueArray, count));
+    }
+    // n default values and a count of 1, or null.
+    static ValueArray *make(int n) {
+        if (static_cast<size_t>(n) > (SIZE_MAX - sizeof(ValueArray)) / sizeof(Mm)) return nullptr;
+        size_t bytes = sizeof(ValueArray) + static_cast<size_t>(n) * sizeof(Mm);
+        auto *array = static_cast<ValueArray *>(kn_block_alloc(bytes));
+        if (!array) return nullptr;
+        array->n = n;
+        array->count = 1;
+        for (int k = 0; k < n; ++k) new (array->values() + k) Mm();
+        return array;
+    }
+    void free() {
+        for (int k = n; k-- > 0;) values()[k].~Mm();
+        kn_block_free(this);
+    }
+};
 
 } // namespace
 
@@ -105,8 +105,10 @@ void Mm::allocate(int complex, int with_index) {
 
     if (fits && flags.type == kn_Mm) {
         p = nnz + value_slack;
-        pr = make_values(p);
-        if (pr) refcount = static_cast<unsigned *>(kn_block_alloc(sizeof *refcount));
+        if (ValueArray *array = ValueArray::make(p)) {
+            pr = array->values();
+            refcount = &array->count;
+        }
     } else if (fits) {
         p = nnz + slack;
         size_t plane = static_cast<size_t>(p) * (flags.type == kn_uint8 ? 1 : sizeof(double));
@@ -117,21 +119,17 @@ void Mm::allocate(int complex, int with_index) {
             pr = start;
             if (complex) pi = start + imaginary;
             refcount = reinterpret_cast<unsigned *>(start + end);
+            *refcount = 1;
         }
     }
     if (refcount && with_index)
         index = static_cast<int *>(kn_block_alloc(static_cast<size_t>(p) * sizeof(int)));
-    if (refcount && (index || !with_index)) {
-        *refcount = 1;
-        return;
-    }
+    if (refcount && (index || !with_index)) return;
 
-    if (flags.type != kn_Mm) {
+    if (refcount && flags.type == kn_Mm)
+        ValueArray::of(refcount)->free();
+    else
         kn_block_free(pr);
-    } else if (pr) {
-        free_values(static_cast<Mm *>(pr), p);
-        kn_block_free(refcount);
-    }
     hold_nothing();
     out_of_memory();
 }
@@ -142,20 +140,20 @@ struct Mm::Block {
     void *pr;
     int *index;
     const char **fields;
-    int p, nfields;
+    int nfields;
     kn_matrix_types type;
     const char *reported; // name of a scalar_only holder, for the debug handler
 
     explicit Block(const Mm &m)
-        : refcount(m.refcount), pr(m.pr), index(m.index), fields(m.fields), p(m.p), nfields(m.nfields),
+        : refcount(m.refcount), pr(m.pr), index(m.index), fields(m.fields), nfields(m.nfields),
           type(m.flags.type), reported(m.flags.scalar_only && m.nnz == 1 ? m.name : nullptr) {}
 
-    // Drops one hold on it.
-    void release() const {
-        if (--*refcount != 0 || refcount == &no_memory_block.count) return;
+    void drop() const {
+        if (is_counted(refcount) && --*refcount == 0) free();
+    }
+    void free() const {
         if (type == kn_Mm) {
-            free_values(static_cast<Mm *>(pr), p);
-            kn_block_free(refcount);
+            ValueArray::of(refcount)->free();
             for (int k = 0; k < nfields; ++k) heap_free(const_cast<char *>(fields[k]));
             heap_free(fields);
         } else {
@@ -165,6 +163,28 @@ struct Mm::Block {
         if (reported && (kn_default_error_flags & 8)) kn_debug_handler('s', reported);
     }
 };
+
+// The long ways are functions of their own, so that the short ones need no frame.
+[[gnu::noinline]] void Mm::free_block() const { Block(*this).free(); }
+
+[[gnu::noinline]] void Mm::leave_scope() {
+    if (scope_hooks.detach) scope_hooks.detach(*this);
+    ndims = -1;
+    Block(*this).drop();
+}
+
+void Mm::share() const {
+    if (is_counted(refcount)) ++*refcount;
+}
+
+Mm Header::real_like(const Mm &like) {
+    Mm out;
+    out.ndims = like.ndims;
+    for (int k = 0; k < 4; ++k) out.dims[k] = like.dims[k];
+    out.nnz = like.nnz;
+    out.allocate(0, 0);
+    return out;
+}
 
 // Takes over the header of src, but not what belongs to this variable: name, shadow, persistent and global.
 // Field by field, as the fields were written: wider moves would wait for the writes (see
@@ -187,40 +207,20 @@ void Mm::hold(const Mm &src) {
     flags.type = src.flags.type;
 }
 
-// A plain scalar in a block of its own, as a fresh one has it.
-bool Mm::is_number() const {
-    return is_plain_scalar() && *refcount == 1 && ndims == 2 && !index && p == 1 + slack;
+// With a block by call. Without memory an empty value.
+Mm Header::number_slowly(double x, bool logical, bool scalar_only) {
+    if (void *block = kn_block_alloc(number_bytes)) return Mm(Mm::Number{block, x, logical, scalar_only});
+    out_of_memory();
+    return Mm();
 }
 
-bool Mm::is_plain_scalar() const { return flags.type == kn_double && !flags.sparse && !pi && nnz == 1; }
+Mm::Mm() : flags{0, 0, 0, 0, 0, 0, kn_double}, name(nullptr), shadow(nullptr) { hold_nothing(); }
 
-// Makes this header, which holds no block, an empty double on the static block.
-void Mm::hold_nothing() {
-    nnz = 0;
-    ndims = 2;
-    std::memset(dims, 0, sizeof dims);
-    flags.type = kn_double;
-    flags.sparse = 0;
-    p = slack;
-    pr = no_memory_block.data;
-    pi = nullptr;
-    index = nullptr;
-    fields = nullptr;
-    nfields = 0;
-    classid = 0;
-    refcount = &no_memory_block.count;
-    ++*refcount;
-}
-
-Mm::Mm()
-    : ndims(2), dims{0, 0, 0, 0}, nnz(0), name(nullptr), shadow(nullptr), flags{0, 0, 0, 0, 0, 0, kn_double} {
-    allocate(0, 0);
-}
-
-Mm::Mm(double x)
-    : ndims(2), dims{1, 1, 1, 1}, nnz(1), name(nullptr), shadow(nullptr), flags{0, 0, 0, 1, 0, 0, kn_double} {
-    allocate(0, 0);
-    if (nnz == 1) *addr() = x;
+Mm::Mm(double x) {
+    if (void *block = quick_alloc<number_bytes>())
+        new (this) Mm(Number{block, x, false, true});
+    else
+        new (this) Mm(Header::number_slowly(x, false, true));
 }
 
 Mm::Mm(int complex, int sparse, int stored, int rows, int cols, kn_matrix_types t)
@@ -230,7 +230,7 @@ Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types
     : ndims(n < 2   ? 2
             : n > 4 ? 4
                     : n),
-      dims{1, 1, 1, 1}, name(nullptr), shadow(nullptr), flags{0, sparse, 0, 0, 0, 0, t} {
+      dims{1, 1, 1, 1}, flags{0, sparse != 0, 0, 0, 0, 0, t}, name(nullptr), shadow(nullptr) {
     for (int k = 0; k < n && k < 4; ++k) dims[k] = d[k] > 0 ? d[k] : 0;
     while (ndims > 2 && dims[ndims - 1] == 1) --ndims;
     int full = product(4, dims);
@@ -257,7 +257,7 @@ Mm::Mm(i_o_t, const char *n, int global) : Mm() {
     name = n;
     flags.type = kn_none;
     flags.scalar_only = 1;
-    flags.global = global;
+    flags.global = global != 0;
     if (kn_interactive_flag && scope_hooks.add) scope_hooks.add(*this);
 }
 
@@ -268,7 +268,15 @@ Mm::Mm(const Mm &src) : name(nullptr), shadow(nullptr) {
     flags.scalar_only = src.flags.scalar_only;
     flags.persistent = 0;
     flags.global = 0;
-    ++*refcount;
+    share();
+}
+
+Mm::Mm(Mm &&src) noexcept : name(nullptr), shadow(nullptr) {
+    hold(src);
+    flags.scalar_only = src.flags.scalar_only;
+    flags.persistent = 0;
+    flags.global = 0;
+    src.hold_nothing();
 }
 
 Mm::Mm(const Mm &src, const char *n) : Mm(src) {
@@ -277,45 +285,58 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
 }
 
 Mm::~Mm() {
-    if (kn_interactive_flag && name && scope_hooks.detach) scope_hooks.detach(*this);
+    if (name && kn_interactive_flag) {
+        leave_scope();
+        return;
+    }
     ndims = -1;
-    Block(*this).release();
+    if (!is_counted(refcount) || --*refcount != 0) return;
+    bool plain = flags.type != kn_Mm && Header::has_number_block(*this);
+    if (plain && !(name && (kn_default_error_flags & 8)) && quick_free<number_bytes>(pr)) return;
+    free_block();
 }
 
 Mm &Mm::operator=(const Mm &src) {
     if (this == &src) return *this;
-    // The source may live inside the target's block: what this header held is dropped last.
     Block old(*this);
-    ++*src.refcount;
+    src.share();
     hold(src);
-    if (!is_plain_scalar()) flags.scalar_only = 0;
-    old.release();
+    if (!is_real_scalar(*this)) flags.scalar_only = 0;
+    old.drop(); // now, since the source may live inside it
     return *this;
 }
 
 // A number takes the place of a number, unless its release is to be reported.
 Mm &Mm::operator=(double x) {
-    if (!is_number() || (kn_default_error_flags & 8)) return *this = Mm(x);
+    if (!is_number() || (kn_default_error_flags & 8)) return take_number(x);
     *addr() = x;
+    ndims = 2;
     flags.str = flags.logical = 0;
     return *this;
 }
 
-// A temporary's block changes hands without counting. Not for a target that holds values, among which the
-// temporary might live.
 Mm &Mm::operator=(Mm &&src) {
-    if (this == &src || flags.type == kn_Mm) return *this = src;
-    if (is_number() && src.is_number() && !(kn_default_error_flags & 8)) {
-        *addr() = *src.addr();
-        flags.str = src.flags.str;
-        flags.logical = src.flags.logical;
-        return *this;
-    }
+    if (!is_number() || !is_real_scalar(src) || (kn_default_error_flags & 8)) return take(src);
+    *addr() = *src.addr();
+    ndims = src.ndims;
+    flags.str = src.flags.str;
+    flags.logical = src.flags.logical;
+    return *this;
+}
+
+[[gnu::noinline]] Mm &Mm::take_number(double x) {
+    Mm number = x;
+    return take(number);
+}
+
+// A temporary's block changes hands without counting.
+[[gnu::noinline]] Mm &Mm::take(Mm &src) {
+    if (this == &src) return *this;
     Block old(*this);
     hold(src);
-    if (!is_plain_scalar()) flags.scalar_only = 0;
     src.hold_nothing();
-    old.release();
+    if (!is_real_scalar(*this)) flags.scalar_only = 0;
+    old.drop();
     return *this;
 }
 

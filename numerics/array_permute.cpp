@@ -1,11 +1,11 @@
-// The dimensions of an array in another order. The kernel copies runs where the first dimension stays first;
-// otherwise it transposes, in square blocks that fit the cache, each plane of the two dimensions that are
-// first in the source and in the result.
+// The dimensions of an array in another order. Runs are copied where the first dimension stays first;
+// otherwise each plane of the two dimensions that are first in the source and in the result is transposed.
 #include <algorithm>
 #include <numeric>
 
 #include "core/planes.h"
 #include "core/scratch.h"
+#include "core/transpose.h"
 #include "quorvex/arrays.h"
 #include "quorvex/classes.h"
 #include "quorvex/operations.h"
@@ -38,25 +38,10 @@ bool read_order(const char *name, const Mm &x, const Mm &values, Order &order) {
     return right;
 }
 
-// A plane: element (r,c) goes from r * from_step + c to r + c * to_step. Blocks of 16 doubles square.
-template <class T>
-void transpose_plane(T *to, ptrdiff_t to_step, const T *from, ptrdiff_t from_step, int rows, int cols) {
-    constexpr int block = 16;
-    for (int c0 = 0; c0 < cols; c0 += block) {
-        int c1 = std::min(c0 + block, cols);
-        for (int r0 = 0; r0 < rows; r0 += block) {
-            int r1 = std::min(r0 + block, rows);
-            for (int c = c0; c < c1; c++)
-                for (int r = r0; r < r1; r++) to[r + c * to_step] = from[r * from_step + c];
-        }
-    }
-}
-
 // Extents and, along them, steps in the result and in the source.
 struct Walk {
     int d[4];
     ptrdiff_t to[4], from[4];
-    int first = 0; // the dimension of the result along which the source is contiguous
 
     Walk(const Mm &x, const Order &order) {
         ptrdiff_t steps[4] = {1}, step = 1;
@@ -67,14 +52,37 @@ struct Walk {
             from[k] = steps[source];
             to[k] = step;
             step *= d[k];
-            if (source == 0) first = k;
         }
+    }
+
+    // The same with neighbours that stay neighbours as one dimension, and `first` the one along which the
+    // source is contiguous.
+    Walk merged(int &first) const {
+        Walk w = *this;
+        int n = 0;
+        for (int k = 0; k < 4; k++) {
+            if (d[k] == 1) continue;
+            if (n > 0 && from[k] == w.from[n - 1] * w.d[n - 1]) {
+                w.d[n - 1] *= d[k];
+            } else {
+                w.d[n] = d[k];
+                w.to[n] = to[k];
+                w.from[n++] = from[k];
+            }
+        }
+        for (; n < 4; n++) {
+            w.d[n] = 1;
+            w.to[n] = w.from[n] = 0;
+        }
+        first = static_cast<int>(std::find(w.from, w.from + 4, 1) - w.from) % 4;
+        return w;
     }
 };
 
-template <class T> void permute_elements(T *to, const T *from, const Walk &w) {
-    int other[2], n = 0; // the dimensions outside the planes
-    int q = w.first == 0 ? 1 : w.first;
+template <class T> void permute_elements(T *to, const T *from, const Walk &walk, bool negated) {
+    int first, other[2], n = 0; // the dimensions outside the planes
+    const Walk w = walk.merged(first);
+    int q = first == 0 ? 1 : first;
     for (int k = 1; k < 4; k++)
         if (k != q) other[n++] = k;
     auto [a, b] = other;
@@ -82,10 +90,10 @@ template <class T> void permute_elements(T *to, const T *from, const Walk &w) {
         for (int k = 0; k < w.d[a]; k++) {
             T *t = to + k * w.to[a] + l * w.to[b];
             const T *f = from + k * w.from[a] + l * w.from[b];
-            if (w.first == 0)
-                for (int c = 0; c < w.d[q]; c++) std::copy_n(f + c * w.from[q], w.d[0], t + c * w.to[q]);
+            if (first == 0)
+                for (int c = 0; c < w.d[q]; c++) kn::copy_run(t + c * w.to[q], f + c * w.from[q], w.d[0]);
             else
-                transpose_plane(t, w.to[q], f, w.from[0], w.d[0], w.d[q]);
+                kn::transpose_plane(kn::Transposition<T>{t, w.to[q], f, w.from[0], w.d[0], w.d[q]}, negated);
         }
 }
 
@@ -137,7 +145,24 @@ Mm permuted(const Mm &x, const Order &order) {
     if (x.issparse()) return permute_entries(x, w);
     Mm out;
     if (!kn::make_like(out, x, 4, w.d)) return x_M;
-    kn::for_planes(out, x, [&w](auto *to, const auto *from) { permute_elements(to, from, w); });
+    kn::for_planes(out, x, [&w](auto *to, const auto *from) { permute_elements(to, from, w, false); });
+    kn::check(out);
+    return out;
+}
+
+Order swapped() {
+    Order o;
+    std::swap(o.of[0], o.of[1]);
+    return o;
+}
+
+// Of a full matrix of complex doubles that is no vector: conj(transpose(x)) in one go.
+Mm conjugate(const Mm &x) {
+    Walk w(x, swapped());
+    Mm out(1, 0, 0, 4, w.d, kn_double);
+    if (kn::lacks(out, x.getnnz())) return x_M;
+    permute_elements(out.addr(), x.addr(), w, false);
+    permute_elements(out.addi(), x.addi(), w, true);
     kn::check(out);
     return out;
 }
@@ -164,9 +189,11 @@ Mm transpose(const Mm &x) {
         out.reshape(x.cols(), x.rows());
         return out;
     }
-    Order swapped;
-    std::swap(swapped.of[0], swapped.of[1]);
-    return permuted(x, swapped);
+    return permuted(x, swapped());
 }
 
-Mm ctranspose(const Mm &x) { return x.isc() ? conj(transpose(x)) : transpose(x); }
+Mm ctranspose(const Mm &x) {
+    bool plain = x.gettype() == kn_double && !x.issparse() && x.getndims() == 2;
+    if (x.isc() && plain && x.rows() > 1 && x.cols() > 1) return conjugate(x);
+    return x.isc() ? conj(transpose(x)) : transpose(x);
+}

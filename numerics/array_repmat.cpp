@@ -28,7 +28,7 @@ template <class T> void lay_tiles(T *to, const T *from, const int *d, const int 
                 if (d[0] == 1)
                     std::fill_n(run, count[0], *from);
                 else
-                    for (int t = 0; t < count[0]; t++) std::copy_n(from, d[0], run + ptrdiff_t{t} * d[0]);
+                    for (int t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
             }
     // Blocks along the other dimensions.
     for (int dim = 1; dim < 4; dim++) {
@@ -36,7 +36,7 @@ template <class T> void lay_tiles(T *to, const T *from, const int *d, const int 
         for (int l = 0; l < (dim < 3 ? d[3] : 1); l++)
             for (int k = 0; k < (dim < 2 ? d[2] : 1); k++) {
                 T *first = to + l * steps[3] + (dim < 2 ? k * steps[2] : 0);
-                for (int t = 1; t < count[dim]; t++) std::copy_n(first, block, first + t * block);
+                for (int t = 1; t < count[dim]; t++) kn::copy_run(first + t * block, first, block);
             }
     }
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/numbers.h"
 #include "quorvex/classes.h"
 
 namespace {
@@ -36,6 +37,7 @@ Mm isvector(const Mm &m) {
 }
 
 int istrue(const Mm &x) {
+    if (kn::is_real_scalar(x)) return *x.addr() != 0;
     x.warn_uninit();
     if (x.gettype() == kn_none || error_numeric(x, "istrue") || x.size() < 1) return 0;
     Mm v = mdouble(x);

@@ -2,6 +2,7 @@
 #include "platform/platform.h"
 
 #include <csignal>
+#include <initializer_list>
 #include <pthread.h>
 
 namespace kn::os {

@@ -4,14 +4,15 @@
 
 namespace native {
 
+// By squares of one cache line, in strips that read the lines they share while these are cached; the best
+// sizes of those measured.
 void transpose(int m, const double *__restrict a, double *__restrict out) {
-    constexpr int block = 16; // the best of 8 to 64
-    for (int c0 = 0; c0 < m; c0 += block)
-        for (int r0 = 0; r0 < m; r0 += block) {
-            int c1 = std::min(c0 + block, m), r1 = std::min(r0 + block, m);
-            for (int c = c0; c < c1; ++c)
-                for (int r = r0; r < r1; ++r) out[c * m + r] = a[r * m + c];
-        }
+    constexpr int square = 8, strip = 200;
+    for (int c0 = 0; c0 < m; c0 += strip)
+        for (int r0 = 0; r0 < m; r0 += square)
+            for (int c1 = c0; c1 < std::min(c0 + strip, m); c1 += square)
+                for (int c = c1; c < c1 + square; ++c)
+                    for (int r = r0; r < r0 + square; ++r) out[c * m + r] = a[r * m + c];
 }
 
 void join(int m, const double *const blocks[2][2], double *out) {
@@ -21,13 +22,14 @@ void join(int m, const double *const blocks[2][2], double *out) {
 
 // The first columns from the tile, the others from them.
 void repeat(int rows, int cols, const double *tile, int m, double *out) {
-    for (int c = 0; c < cols; ++c)
-        for (int r = 0; r < m; r += rows)
-            if (rows == 1)
-                std::fill_n(out + c * m, m, tile[c]), r = m;
-            else
-                std::copy_n(tile + c * rows, std::min(rows, m - r), out + c * m + r);
-    for (int c = cols; c < m; c += cols) std::copy_n(out, std::min(cols, m - c) * m, out + c * m);
+    for (int c = 0; c < cols; ++c) {
+        double *column = out + c * m;
+        if (rows == 1)
+            std::fill_n(column, m, tile[c]);
+        else
+            for (int r = 0; r < m; r += rows) std::copy_n(tile + c * rows, std::min(rows, m - r), column + r);
+    }
+    for (int c = cols; c < m; ++c) std::copy_n(out + c % cols * m, m, out + c * m);
 }
 
 } // namespace native

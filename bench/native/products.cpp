@@ -1,5 +1,6 @@
 #include "bench/native.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "core/blas.h"
@@ -10,9 +11,9 @@ void gemm(int n, double alpha, const double *a, const double *b, double beta, do
     dgemm_("N", "N", &n, &n, &n, &alpha, a, &n, b, &n, &beta, c, &n);
 }
 
-std::vector<double> sum_of_planes(size_t size, native::Planes x) {
+std::vector<double> sum_of_planes(std::size_t size, native::Planes x) {
     std::vector<double> out(size);
-    for (size_t k = 0; k < size; ++k) out[k] = x.re[k] + x.im[k];
+    for (std::size_t k = 0; k < size; ++k) out[k] = x.re[k] + x.im[k];
     return out;
 }
 
@@ -23,12 +24,12 @@ namespace native {
 void product(int n, const double *a, const double *b, double *out) { gemm(n, 1, a, b, 0, out); }
 
 void complex_product(int n, Planes a, Planes b, Planes out) {
-    size_t size = static_cast<size_t>(n) * n;
+    std::size_t size = static_cast<std::size_t>(n) * n;
     std::vector<double> p(size), q(size);
     gemm(n, 1, a.re, b.re, 0, p.data());
     gemm(n, 1, a.im, b.im, 0, q.data());
     gemm(n, 1, sum_of_planes(size, a).data(), sum_of_planes(size, b).data(), 0, out.im);
-    for (size_t k = 0; k < size; ++k) {
+    for (std::size_t k = 0; k < size; ++k) {
         out.re[k] = p[k] - q[k];
         out.im[k] -= p[k] + q[k];
     }

@@ -1,6 +1,7 @@
 #include "bench/native.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace {
@@ -8,7 +9,7 @@ namespace {
 int position(double subscript) { return static_cast<int>(subscript) - 1; }
 
 void mark(int size, int n, const double *idx, char *marks) {
-    std::memset(marks, 0, static_cast<size_t>(size));
+    std::memset(marks, 0, static_cast<std::size_t>(size));
     for (int k = 0; k < n; ++k) marks[position(idx[k])] = 1;
 }
 
@@ -40,9 +41,10 @@ void fill_where(int n, double *__restrict x, const double *__restrict mask, doub
 
 void put_where(int n, double *__restrict x, const double *__restrict mask, const double *__restrict v) {
     for (int k = 0; k < n; ++k) {
-        double next = *v;
-        x[k] = mask[k] != 0 ? next : x[k];
-        v += mask[k] != 0;
+        bool taken = mask[k] != 0;
+        const double either[] = {x[k], *v}; // a conditional expression would become a branch
+        x[k] = either[taken];
+        v += taken;
     }
 }
 

@@ -6,12 +6,18 @@
 //                      of 0
 //     of_real(x)       a complex result of a real element, when that is not z of x and an imaginary part of 0
 //
+//     v(x), v(x, y)    r of a double and of a vector of doubles, where that takes elementary functions: the
+//     one
+//                      thing here that the instruction set makes a difference to
+//     w(z), w(z, w)    z, in the same way
+//
 // A kernel without z looks at the real planes only. An r that is a template computes in bytes by itself (and
 // wraps); every other one sees the value of a byte as a double.
 #ifndef QUORVEX_CORE_ELEMENT_KERNELS_H
 #define QUORVEX_CORE_ELEMENT_KERNELS_H
 
 #include "core/kernels/complex_math.h"
+#include "core/kernels/elementary.h"
 #include "core/scalar_kernels.h"
 #include "core/special_functions.h"
 #include "quorvex/operations.h"
@@ -60,12 +66,17 @@ struct Ldivide {
     static Z z(double x, Z b) { return Rdivide::z(b, x); }
 };
 struct Power {
-    static double r(double x, double y) { return real_pow(x, y); }
-    static Z z(Z a, Z b) { return complex_pow(a, b); }
+    static constexpr double square = 2; // the exponent that makes a product of it
+    template <class T> static T v(T x, T y) { return math::pow(x, y); }
+    template <class T> static Complex<T> w(Complex<T> a, Complex<T> b) { return complex_pow(a, b); }
+    static double r(double x, double y) { return v(x, y); }
+    static Z z(Z a, Z b) { return w(a, b); }
 };
 struct Pow2_1 {
-    static double r(double x) { return real_pow(2, x); }
-    static Z z(Z z) { return complex_pow({2, 0}, z); }
+    template <class T> static T v(T x) { return math::pow(math::same<T>(2), x); }
+    template <class T> static Complex<T> w(Complex<T> z) { return complex_pow(number<T>(2), z); }
+    static double r(double x) { return v(x); }
+    static Z z(Z z) { return w(z); }
 };
 struct Uminus {
     template <class T> static T r(T x) { return static_cast<T>(-x); }
@@ -113,12 +124,12 @@ struct Not {
     static double z(Z z) { return flag<double>(!truth(z)); }
 };
 struct Isfinite {
-    static double r(double x) { return flag<double>(std::fabs(x) < raw_inf); }
+    static double r(double x) { return flag<double>(math::abs(x) < raw_inf); }
     static double z(Z z) { return r(z.re) * r(z.im); }
 };
 struct Isinf {
-    static double r(double x) { return flag<double>(std::fabs(x) == raw_inf); }
-    static double z(Z z) { return flag<double>(std::fabs(z.re) == raw_inf || std::fabs(z.im) == raw_inf); }
+    static double r(double x) { return flag<double>(math::abs(x) == raw_inf); }
+    static double z(Z z) { return flag<double>(math::abs(z.re) == raw_inf || math::abs(z.im) == raw_inf); }
 };
 struct Isnan {
     static double r(double x) { return flag<double>(x != x); }
@@ -128,12 +139,13 @@ struct Isnan {
 // -- Parts, size, rounding.
 
 struct Abs {
-    static double r(double x) { return std::fabs(x); }
+    static double r(double x) { return math::abs(x); }
     static double z(Z z) { return modulus(z); }
 };
 struct Angle {
     static double r(double x) { return angle_real(x); }
-    static double z(Z z) { return angle(z); }
+    template <class T> static T w(Complex<T> z) { return angle(z); }
+    static double z(Z z) { return w(z); }
 };
 struct Imag {
     static double r(double) { return 0; }
@@ -182,99 +194,103 @@ struct Sqrt {
 
 // -- Elementary functions: the real one and the complex one.
 
-#define KN_FUNCTION(Name, real, complex)           \
-    struct Name {                                  \
-        static double r(double x) { return real; } \
-        static Z z(Z z) { return complex; }        \
+#define KN_FUNCTION(Name, real, complex)                                         \
+    struct Name {                                                                \
+        template <class T> static T v(T x) { return real; }                      \
+        template <class T> static Complex<T> w(Complex<T> z) { return complex; } \
+        static double r(double x) { return v(x); }                               \
+        static Z z(Z z) { return w(z); }                                         \
     };
-KN_FUNCTION(Exp, std::exp(x), complex_exp(z))
-KN_FUNCTION(Log, std::log(x), complex_log(z))
-KN_FUNCTION(Log2, std::log(x) / raw_ln2, complex_log(z) / raw_ln2)
-KN_FUNCTION(Log10, std::log(x) / raw_ln10, complex_log(z) / raw_ln10)
-KN_FUNCTION(Sin, sin_real(x), complex_sin(z))
-KN_FUNCTION(Cos, cos_real(x), complex_cos(z))
-KN_FUNCTION(Tan, tan_real(x), complex_tan(z))
-KN_FUNCTION(Sinh, std::sinh(x), complex_sinh(z))
-KN_FUNCTION(Cosh, std::cosh(x), complex_cosh(z))
-KN_FUNCTION(Tanh, std::tanh(x), complex_tanh(z))
-KN_FUNCTION(Asin, std::asin(x), complex_asin(z))
-KN_FUNCTION(Acos, std::acos(x), complex_acos(z))
-KN_FUNCTION(Atan, std::atan(x), complex_atan(z))
-KN_FUNCTION(Asinh, asinh_real(x), complex_asinh(z))
-KN_FUNCTION(Acosh, acosh_real(x), complex_acosh(z))
-KN_FUNCTION(Atanh, atanh_real(x), complex_atanh(z))
+KN_FUNCTION(Exp, math::exp(x), complex_exp(z))
+KN_FUNCTION(Log, math::log(x), complex_log(z))
+KN_FUNCTION(Log2, math::log2(x), complex_log(z) / raw_ln2)
+KN_FUNCTION(Log10, math::log10(x), complex_log(z) / raw_ln10)
+KN_FUNCTION(Sin, math::sin(math::reduced(x)), complex_sin(z))
+KN_FUNCTION(Cos, math::cos(math::reduced(x)), complex_cos(z))
+KN_FUNCTION(Tan, math::tan(math::reduced(x)), complex_tan(z))
+KN_FUNCTION(Sinh, math::sinh(x), complex_sinh(z))
+KN_FUNCTION(Cosh, math::cosh(x), complex_cosh(z))
+KN_FUNCTION(Tanh, math::tanh(x), complex_tanh(z))
+KN_FUNCTION(Asin, math::asin(x), complex_asin(z))
+KN_FUNCTION(Acos, math::acos(x), complex_acos(z))
+KN_FUNCTION(Atan, math::atan(x), complex_atan(z))
+KN_FUNCTION(Asinh, math::asinh(x), complex_asinh(z))
+KN_FUNCTION(Acosh, math::acosh(x), complex_acosh(z))
+KN_FUNCTION(Atanh, math::atanh(x), complex_atanh(z))
+KN_FUNCTION(Sinc, math::sinc(x), complex_sinc(z))
 // The inverse functions of a reciprocal.
-KN_FUNCTION(Acsc, Asin::r(1 / x), Asin::z(reciprocal(z)))
-KN_FUNCTION(Asec, Acos::r(1 / x), Acos::z(reciprocal(z)))
-KN_FUNCTION(Acot, Atan::r(1 / x), Atan::z(reciprocal(z)))
-KN_FUNCTION(Acsch, Asinh::r(1 / x), Asinh::z(reciprocal(z)))
-KN_FUNCTION(Asech, Acosh::r(1 / x), Acosh::z(reciprocal(z)))
-KN_FUNCTION(Acoth, Atanh::r(1 / x), Atanh::z(reciprocal(z)))
+KN_FUNCTION(Acsc, Asin::v(1.0 / x), Asin::w(reciprocal(z)))
+KN_FUNCTION(Asec, Acos::v(1.0 / x), Acos::w(reciprocal(z)))
+KN_FUNCTION(Acot, Atan::v(1.0 / x), Atan::w(reciprocal(z)))
+KN_FUNCTION(Acsch, Asinh::v(1.0 / x), Asinh::w(reciprocal(z)))
+KN_FUNCTION(Asech, Acosh::v(1.0 / x), Acosh::w(reciprocal(z)))
+KN_FUNCTION(Acoth, Atanh::v(1.0 / x), Atanh::w(reciprocal(z)))
+// The reciprocals; large real angles are not reduced.
+#define KN_RECIPROCAL(Name, f, Of)      \
+    KN_FUNCTION(Name, 1.0 / math::f(x), \
+                by_part(                \
+                    z, [](T x) { return v(x); }, [](Complex<T> y) { return reciprocal(Of::w(y)); }))
+KN_RECIPROCAL(Csc, sin, Sin)
+KN_RECIPROCAL(Sec, cos, Cos)
+KN_RECIPROCAL(Cot, tan, Tan)
+KN_RECIPROCAL(Csch, sinh, Sinh)
+KN_RECIPROCAL(Sech, cosh, Cosh)
+KN_RECIPROCAL(Coth, tanh, Tanh)
+#undef KN_RECIPROCAL
 #undef KN_FUNCTION
 
-// The reciprocals: of the run-time library's function for real numbers, large angles not reduced.
-#define KN_RECIPROCAL(Name, real, Of)                     \
-    struct Name {                                         \
-        static double r(double x) { return 1 / real(x); } \
-        static Z z(Z z) {                                 \
-            if (z.im == 0) return {r(z.re), 0};           \
-            return reciprocal(Of::z(z));                  \
-        }                                                 \
-    };
-KN_RECIPROCAL(Csc, std::sin, Sin)
-KN_RECIPROCAL(Sec, std::cos, Cos)
-KN_RECIPROCAL(Cot, std::tan, Tan)
-KN_RECIPROCAL(Csch, std::sinh, Sinh)
-KN_RECIPROCAL(Sech, std::cosh, Cosh)
-KN_RECIPROCAL(Coth, std::tanh, Tanh)
-#undef KN_RECIPROCAL
+// Whether the loops of a kernel for real or for complex elements run over vectors.
+template <class K>
+concept real_vectors = requires {
+    K::v(0.0);
+}
+|| requires { K::v(0.0, 0.0); };
+template <class K>
+concept complex_vectors = requires {
+    K::w(Z());
+}
+|| requires { K::w(Z(), Z()); };
 
-struct Sinc {
-    static double r(double x) {
-        if (x == 0) return 1;
-        return std::sin(raw_pi * x) / (raw_pi * x);
-    }
-    static Z z(Z z) {
-        if (z.re == 0 && z.im == 0) return {1, 0};
-        Z pz = raw_pi * z;
-        return complex_sin(pz) / pz;
-    }
+// -- Functions of real numbers only. cost: as in Loops.
+
+struct Atan2 {
+    template <class T> static T v(T y, T x) { return math::atan2(y, x); }
+    static double r(double y, double x) { return v(y, x); }
 };
 
-// -- Functions of real numbers only.
-
-#define KN_REAL(Name, f)                           \
+#define KN_REAL(Name, quarters, f)                 \
     struct Name {                                  \
+        static constexpr int cost = quarters;      \
         static double r(double x) { return f(x); } \
     };
-KN_REAL(Erf, erf_real)
-KN_REAL(Erfc, erfc_real)
-KN_REAL(Erfcx, erfcx_real)
-KN_REAL(Erfinv, erfinv_real)
-KN_REAL(Expint, expint_real)
-KN_REAL(Gamma, gamma_real)
-KN_REAL(Gammaln, gammaln_real)
+KN_REAL(Erf, 16, erf_real)
+KN_REAL(Erfc, 16, erfc_real)
+KN_REAL(Erfcx, 50, erfcx_real)
+KN_REAL(Erfinv, 50, erfinv_real)
+KN_REAL(Expint, 30, expint_real)
+KN_REAL(Gamma, 100, gamma_real)
+KN_REAL(Gammaln, 40, gammaln_real)
 #undef KN_REAL
 
-#define KN_REAL(Name, ...)                                          \
+#define KN_REAL(Name, quarters, ...)                                \
     struct Name {                                                   \
+        static constexpr int cost = quarters;                       \
         static double r(double x, double y) { return __VA_ARGS__; } \
     };
-KN_REAL(Atan2, std::atan2(x, y))
-KN_REAL(Beta, beta_real(x, y))
-KN_REAL(Betaln, betaln_real(x, y))
-KN_REAL(Gammainc, gammainc_real(x, y))
-KN_REAL(Rem, rem_real(x, y))
-KN_REAL(Mod, mod_real(x, y))
-KN_REAL(Pow2_2, pow2_2(x, y))
-KN_REAL(Bitand, bit_logic(x, y, Bits::and_))
-KN_REAL(Bitor, bit_logic(x, y, Bits::or_))
-KN_REAL(Bitxor, bit_logic(x, y, Bits::xor_))
-KN_REAL(Bitcmp, bit_complement(x, y))
-KN_REAL(Bitget, bit_get(x, y))
-KN_REAL(Bitset, bit_set(x, y))
-KN_REAL(Bitreset, bit_reset(x, y))
-KN_REAL(Bitshift, bit_shift(x, y))
+KN_REAL(Beta, 1000, beta_real(x, y))
+KN_REAL(Betaln, 1000, betaln_real(x, y))
+KN_REAL(Gammainc, 1000, gammainc_real(x, y))
+KN_REAL(Rem, 16, rem_real(x, y))
+KN_REAL(Mod, 16, mod_real(x, y))
+KN_REAL(Pow2_2, 20, pow2_2(x, y))
+KN_REAL(Bitand, 20, bit_logic(x, y, Bits::and_))
+KN_REAL(Bitor, 20, bit_logic(x, y, Bits::or_))
+KN_REAL(Bitxor, 20, bit_logic(x, y, Bits::xor_))
+KN_REAL(Bitcmp, 70, bit_complement(x, y))
+KN_REAL(Bitget, 70, bit_get(x, y))
+KN_REAL(Bitset, 70, bit_set(x, y))
+KN_REAL(Bitreset, 70, bit_reset(x, y))
+KN_REAL(Bitshift, 20, bit_shift(x, y))
 #undef KN_REAL
 
 } // namespace kn::inline KN_ISA::kernel

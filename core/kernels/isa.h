@@ -11,4 +11,12 @@
 #define KN_ISA baseline
 #endif
 
+// Before a loop in which no element depends on the result of another one: the result may be an operand
+// itself, which __restrict would deny. (Other compilers ask at run time whether they overlap.)
+#if defined(__GNUC__) && !defined(__clang__)
+#define KN_INDEPENDENT _Pragma("GCC ivdep")
+#else
+#define KN_INDEPENDENT
+#endif
+
 #endif

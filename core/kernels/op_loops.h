@@ -1,5 +1,6 @@
 // The element loops, as templates over the kernels: which loop runs is settled by the operands' planes and
-// steps before it starts, and what a kernel can do is read off its functions at compile time.
+// steps before it starts, and what a kernel can do is read off its functions at compile time. The result may
+// be an operand itself (core/op_core.h).
 #ifndef QUORVEX_CORE_OP_LOOPS_H
 #define QUORVEX_CORE_OP_LOOPS_H
 
@@ -8,6 +9,7 @@
 
 #include "core/kernels/complex_math.h"
 #include "core/kernels/dimension_ops.h"
+#include "core/kernels/element_kernels.h"
 #include "core/kernels/isa.h"
 #include "core/op_core.h"
 
@@ -43,6 +45,86 @@ concept to_real = requires {
 template <class K> struct DoubleLoops {
     using D = double;
 
+    // What a loop reads: a plane or two, one element of either kind; at k, or at as many elements as a vector
+    // has lanes.
+    struct Row {
+        const D *re;
+        auto operator[](auto k) const { return math::load(re, k); }
+    };
+    struct Rows {
+        const D *re, *im;
+        auto operator[](auto k) const {
+            return Complex<decltype(math::load(re, k))>{math::load(re, k), math::load(im, k)};
+        }
+    };
+    template <class X> struct Same {
+        X x;
+        auto operator[](auto k) const {
+            using T = decltype(math::load(&zero, k));
+            if constexpr (std::same_as<X, D>)
+                return math::same<T>(x);
+            else
+                return number<T>(x.re, x.im);
+        }
+    };
+    // Any operand, a missing imaginary plane read as zeros.
+    struct Strided {
+        Z first;
+        const D *re, *im;
+        explicit Strided(const Operand<D> &o)
+            : first{*o.re, o.im ? *o.im : 0}, re(o.step ? o.re : nullptr), im(o.step ? o.im : nullptr) {}
+        auto operator[](auto k) const {
+            using T = decltype(math::load(&zero, k));
+            return Complex<T>{re ? math::load(re, k) : math::same<T>(first.re),
+                              im ? math::load(im, k) : math::same<T>(first.im)};
+        }
+    };
+    static constexpr D zero = 0;
+
+    // re[k] = f(x[k]...), or both parts of it.
+    static void put(D *re, D *, auto k, D x) { re[k] = x; }
+    static void put(D *re, D *im, auto k, Z z) {
+        re[k] = z.re;
+        im[k] = z.im;
+    }
+    template <class F, class... X> [[gnu::flatten]] static void run(D *re, D *im, ptrdiff_t n, F f, X... x) {
+        KN_INDEPENDENT
+        for (ptrdiff_t k = 0; k < n; ++k) put(re, im, k, f(x[k]...));
+    }
+#ifdef KN_VECTOR_BYTES
+    static void put(D *re, D *, auto k, math::V x) { math::store(re, k, x); }
+    static void put(D *re, D *im, auto k, Complex<math::V> z) {
+        math::store(re, k, z.re);
+        math::store(im, k, z.im);
+    }
+    template <class F, class... X>
+    [[gnu::flatten]] static void run_vectors(D *re, D *im, ptrdiff_t n, F f, X... x) {
+        math::for_lanes(n, [=](auto k) { put(re, im, k, f(x[k]...)); });
+    }
+#else
+    template <class F, class... X> static void run_vectors(D *re, D *im, ptrdiff_t n, F f, X... x) {
+        run(re, im, n, f, x...);
+    }
+#endif
+
+    // Real elements, Row or Same<D>, and complex ones.
+    template <class... X> static void real(D *re, ptrdiff_t n, X... x) {
+        if constexpr (kernel::real_vectors<K>)
+            run_vectors(
+                re, nullptr, n, [](auto... v) { return K::v(v...); }, x...);
+        else
+            run(
+                re, nullptr, n, [](auto... v) { return K::r(v...); }, x...);
+    }
+    template <class... X> static void complex(D *re, D *im, ptrdiff_t n, X... x) {
+        if constexpr (kernel::complex_vectors<K>)
+            run_vectors(
+                re, im, n, [](auto... z) { return K::w(z...); }, x...);
+        else
+            run(
+                re, im, n, [](auto... z) { return K::z(z...); }, x...);
+    }
+
     // One operand. An expanded one is computed once.
     static void unary(const Elements<D> &e) {
         ptrdiff_t n = e.a.step ? e.n : std::min<ptrdiff_t>(e.n, 1);
@@ -51,36 +133,28 @@ template <class K> struct DoubleLoops {
             if (plane && n == 1) std::fill(plane + 1, plane + e.n, plane[0]);
     }
 
-    static Z complex_of_real(D x) {
-        if constexpr (requires { K::of_real(x); })
-            return K::of_real(x);
-        else
-            return K::z({x, 0});
-    }
-
-    static void one(D *__restrict re, D *__restrict im, const D *__restrict x, const D *__restrict y,
-                    ptrdiff_t n) {
+    static void one(D *re, D *im, const D *x, const D *y, ptrdiff_t n) {
         if constexpr (to_complex<K>) {
-            auto store = [=](ptrdiff_t k, Z v) {
-                re[k] = v.re;
-                im[k] = v.im;
-            };
             if (y && im)
-                for (ptrdiff_t k = 0; k < n; ++k) store(k, K::z({x[k], y[k]}));
-            else if (im)
-                for (ptrdiff_t k = 0; k < n; ++k) store(k, complex_of_real(x[k]));
+                complex(re, im, n, Rows{x, y});
             else if (y)
                 clear(re, im, n);
+            else if (!im)
+                real(re, n, Row{x});
+            else if constexpr (requires { K::of_real(0.0); })
+                run(
+                    re, im, n, [](D v) { return K::of_real(v); }, Row{x});
             else
-                for (ptrdiff_t k = 0; k < n; ++k) re[k] = K::r(x[k]);
+                complex(re, im, n, Strided({x, nullptr, 1}));
             return;
-        } else if constexpr (to_real<K>) {
+        }
+        if constexpr (to_real<K>) {
             if (y)
-                for (ptrdiff_t k = 0; k < n; ++k) re[k] = K::z({x[k], y[k]});
+                complex(re, nullptr, n, Rows{x, y});
             else
-                for (ptrdiff_t k = 0; k < n; ++k) re[k] = K::r(x[k]);
+                real(re, n, Row{x});
         } else {
-            for (ptrdiff_t k = 0; k < n; ++k) re[k] = K::r(x[k]);
+            real(re, n, Row{x});
         }
         if (im) std::fill(im, im + n, 0.0);
     }
@@ -88,18 +162,18 @@ template <class K> struct DoubleLoops {
     // Two operands.
     static void binary(const Elements<D> &e) {
         const Operand<D> &a = e.a, &b = e.b;
-        bool complex = a.im || b.im;
+        bool planes_in = a.im || b.im;
         if constexpr (to_complex<K>) {
-            if (complex && !e.im)
+            if (planes_in && !e.im)
                 clear(e.re, e.im, e.n);
-            else if (complex || e.im)
+            else if (planes_in || e.im)
                 planes(e);
             else
                 real(e.re, a.re, a.step, b.re, b.step, e.n);
             return;
         } else if constexpr (to_real<K>) {
-            if (complex)
-                measures(e);
+            if (planes_in)
+                complex(e.re, nullptr, e.n, Strided(a), Strided(b));
             else
                 real(e.re, a.re, a.step, b.re, b.step, e.n);
         } else {
@@ -108,86 +182,45 @@ template <class K> struct DoubleLoops {
         if (e.im) std::fill(e.im, e.im + e.n, 0.0);
     }
 
-    static void real(D *__restrict out, const D *__restrict a, ptrdiff_t sa, const D *__restrict b,
-                     ptrdiff_t sb, ptrdiff_t n) {
-        if (sa && sb) {
-            for (ptrdiff_t k = 0; k < n; ++k) out[k] = K::r(a[k], b[k]);
-        } else if (sa) {
-            const D y = *b;
-            for (ptrdiff_t k = 0; k < n; ++k) out[k] = K::r(a[k], y);
-        } else {
-            const D x = *a;
-            for (ptrdiff_t k = 0; k < n; ++k) out[k] = K::r(x, b[k]);
-        }
-    }
-
-    // What a complex loop reads: planes, one plane, one element of either kind.
-    struct Planes {
-        const D *re, *im;
-        Z operator[](ptrdiff_t k) const { return {re[k], im[k]}; }
-    };
-    struct Plane {
-        const D *re;
-        D operator[](ptrdiff_t k) const { return re[k]; }
-    };
-    template <class V> struct Same {
-        V v;
-        V operator[](ptrdiff_t) const { return v; }
-    };
-    // Any operand, a missing imaginary plane read as zeros.
-    struct Strided {
-        const D *re, *im;
-        ptrdiff_t step, im_step;
-        explicit Strided(const Operand<D> &o)
-            : re(o.re), im(o.im ? o.im : &zero), step(o.step), im_step(o.im ? o.step : 0) {}
-        Z operator[](ptrdiff_t k) const { return {re[k * step], im[k * im_step]}; }
-        static constexpr D zero = 0;
-    };
-
-    template <class A, class B>
-    static void loop(D *__restrict re, D *__restrict im, const A a, const B b, ptrdiff_t n) {
-        for (ptrdiff_t k = 0; k < n; ++k) {
-            Z v = K::z(a[k], b[k]);
-            re[k] = v.re;
-            im[k] = v.im;
-        }
+    static void real(D *out, const D *a, ptrdiff_t sa, const D *b, ptrdiff_t sb, ptrdiff_t n) {
+        if (sa && sb) return real(out, n, Row{a}, Row{b});
+        if (!sa) return real(out, n, Same<D>{*a}, Row{b});
+        if constexpr (requires { K::square; })
+            if (*b == K::square)
+                return run(
+                    out, nullptr, n, [](D x) { return x * x; }, Row{a});
+        real(out, n, Row{a}, Same<D>{*b});
     }
 
     static void planes(const Elements<D> &e) {
         const Operand<D> &a = e.a, &b = e.b;
         if constexpr (requires { K::z(Z(), 0.0); }) {
-            auto with = [&](const auto &x, const auto &y) { loop(e.re, e.im, x, y, e.n); };
+            auto with = [&](const auto &x, const auto &y) { complex(e.re, e.im, e.n, x, y); };
             auto with_b = [&](const auto &x) {
                 if (b.im && b.step)
-                    with(x, Planes{b.re, b.im});
+                    with(x, Rows{b.re, b.im});
                 else if (b.im)
                     with(x, Same<Z>{{*b.re, *b.im}});
-                else if constexpr (requires { K::z(x[0], 0.0); }) {
+                else if constexpr (requires { K::z(x[ptrdiff_t(0)], 0.0); }) {
                     if (b.step)
-                        with(x, Plane{b.re});
+                        with(x, Row{b.re});
                     else
                         with(x, Same<D>{*b.re});
                 }
             };
             if (a.im && a.step)
-                with_b(Planes{a.re, a.im});
+                with_b(Rows{a.re, a.im});
             else if (a.im)
                 with_b(Same<Z>{{*a.re, *a.im}});
             else if (!b.im)
                 with(Strided(a), Strided(b));
             else if (a.step)
-                with_b(Plane{a.re});
+                with_b(Row{a.re});
             else
                 with_b(Same<D>{*a.re});
         } else {
-            loop(e.re, e.im, Strided(a), Strided(b), e.n);
+            complex(e.re, e.im, e.n, Strided(a), Strided(b));
         }
-    }
-
-    static void measures(const Elements<D> &e) {
-        Strided a(e.a), b(e.b);
-        D *__restrict re = e.re;
-        for (ptrdiff_t k = 0; k < e.n; ++k) re[k] = K::z(a[k], b[k]);
     }
 };
 
@@ -202,13 +235,15 @@ template <class K> struct ByteLoops {
     static B value(B x) { return as_byte(K::r(x)); }
     static B value(B x, B y) { return as_byte(K::r(x, y)); }
 
-    template <class F> static void map(B *__restrict out, const B *__restrict x, ptrdiff_t n, F f) {
+    template <class F> static void map(B *out, const B *x, ptrdiff_t n, F f) {
         if (n <= 256) {
+            KN_INDEPENDENT
             for (ptrdiff_t k = 0; k < n; ++k) out[k] = f(x[k]);
             return;
         }
         B table[256];
         for (int v = 0; v < 256; ++v) table[v] = f(static_cast<B>(v));
+        KN_INDEPENDENT
         for (ptrdiff_t k = 0; k < n; ++k) out[k] = table[x[k]];
     }
 
@@ -229,27 +264,38 @@ template <class K> struct ByteLoops {
 
     static void binary(const Elements<B> &e) {
         if (no_values(e)) return;
-        const B *__restrict a = e.a.re, *__restrict b = e.b.re;
-        B *__restrict out = e.re;
-        if (e.a.step && e.b.step)
+        const B *a = e.a.re, *b = e.b.re;
+        B *out = e.re;
+        if (e.a.step && e.b.step) {
+            KN_INDEPENDENT
             for (ptrdiff_t k = 0; k < e.n; ++k) out[k] = value(a[k], b[k]);
-        else if (e.a.step)
+        } else if (e.a.step) {
             map(out, a, e.n, [y = *b](B x) { return value(x, y); });
-        else
+        } else {
             map(out, b, e.n, [x = *a](B y) { return value(x, y); });
+        }
         if (e.im) std::fill(e.im, e.im + e.n, B(0));
     }
 };
 
 // -- The row of a kernel.
 
-template <class T, template <class> class Family, class K> constexpr Loops<T> loops_for() {
-    if constexpr (along_dimension<K>)
-        return {nullptr, K::along};
-    else if constexpr (unary<K>)
-        return {Family<K>::unary, nullptr};
+template <class K> constexpr int real_cost() {
+    if constexpr (requires { K::cost; })
+        return K::cost;
     else
-        return {Family<K>::binary, nullptr};
+        return kernel::real_vectors<K> ? 8 : 1;
+}
+
+template <class T, template <class> class Family, class K> constexpr Loops<T> loops_for() {
+    constexpr int real = sizeof(T) == 1 ? 1 : real_cost<K>();
+    constexpr int complex = sizeof(T) == 1 ? 1 : kernel::complex_vectors<K> ? 40 : std::max(real, 2);
+    if constexpr (along_dimension<K>)
+        return {nullptr, K::along, {}};
+    else if constexpr (unary<K>)
+        return {Family<K>::unary, nullptr, {real, complex}};
+    else
+        return {Family<K>::binary, nullptr, {real, complex}};
 }
 
 } // namespace kn::inline KN_ISA

@@ -37,25 +37,33 @@ struct RefAccess; // the library's own access to a reference (core/reference.cpp
 
 class QUORVEX_API Mr {
   public:
-    Mr();
-    Mr(const Mm &base);                     // x()
-    Mr(const Mm &base, const char *member); // x.member
-    Mr(const Mr &src);                      // borrows the subscripts
-    ~Mr();
+    Mr() : Mr(Mr_none, nullptr, nullptr, -1) {}
+    Mr(const Mm &base) : Mr(base, Mr_paren, 0, nullptr) {} // x()
+    Mr(const Mr &src);                                     // borrows the subscripts
+    ~Mr() {
+        if (owned) drop();
+    }
     // n subscripts (0 to 4) on a value, or on another reference. A subscript that is no double is converted
     // by subsindex; a cell as the only subscript of () stands for its elements. The colon is the object c_p
     // itself.
     Mr(const Mm &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
     Mr(const Mr &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
-    Mr(const Mr &base, const char *member);
+    // The same for one and two.
+    Mr(const Mm &base, Mr_idx_type k, const Mm &a) : Mr(k, &base, nullptr, 1) { take(a); }
+    Mr(const Mr &base, Mr_idx_type k, const Mm &a) : Mr(k, nullptr, &base, 1) { take(a); }
+    Mr(const Mm &base, Mr_idx_type k, const Mm &a, const Mm &b) : Mr(k, &base, nullptr, 2) { take(a, b); }
+    Mr(const Mr &base, Mr_idx_type k, const Mm &a, const Mm &b) : Mr(k, nullptr, &base, 2) { take(a, b); }
+    // x.member
+    Mr(const Mm &base, const char *field) : Mr(Mr_member, &base, nullptr, 0) { member_name = field; }
+    Mr(const Mr &base, const char *field) : Mr(Mr_member, nullptr, &base, 0) { member_name = field; }
 
     Mr operator()() const { return Mr(*this, Mr_paren, 0, nullptr); }
-    Mr operator()(const Mm &a) const;
-    Mr operator()(const Mm &a, const Mm &b) const;
+    Mr operator()(const Mm &a) const { return Mr(*this, Mr_paren, a); }
+    Mr operator()(const Mm &a, const Mm &b) const { return Mr(*this, Mr_paren, a, b); }
     Mr operator()(const Mm &a, const Mm &b, const Mm &c) const;
     Mr operator()(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
-    Mr br(const Mm &a) const;
-    Mr br(const Mm &a, const Mm &b) const;
+    Mr br(const Mm &a) const { return Mr(*this, Mr_brace, a); }
+    Mr br(const Mm &a, const Mm &b) const { return Mr(*this, Mr_brace, a, b); }
     Mr br(const Mm &a, const Mm &b, const Mm &c) const;
     Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
     Mr member(const char *name) const { return Mr(*this, name); }
@@ -64,23 +72,46 @@ class QUORVEX_API Mr {
     // its type and flags.
     void operator=(const Mm &src);
     void operator=(const Mr &src);
+    void operator=(double x);
 
     int size() const; // of the value read
 
   private:
     friend struct kn::RefAccess;
 
-    int nidx;
+    // One is made for each subscript that a program writes, so it is written with few stores: what stands
+    // behind nidx subscripts, or is of no use to the kind, is not set.
     Mr_idx_type kind;
-    const char *member_name;
-    int chained;
-    Mm *base_m;
+    short nidx;
+    short owned;      // a bit for each subscript that is a copy of its own
+    const Mm *base_m; // null when the base is another reference
     const Mr *base_r;
-    int owned[4];
+    const char *member_name;
     const Mm *idx[4];
 
-    void set(Mr_idx_type k, int n, const Mm *const *subscripts);
+    Mr(Mr_idx_type k, const Mm *m, const Mr *r, int n)
+        : kind(k), nidx(static_cast<short>(n)), owned(0), base_m(m), base_r(r) {
+        if (m && m->getflags().scalar_only) m->getflags().scalar_only = 0;
+    }
+    void take(const Mm &a) {
+        idx[0] = &a;
+        if (a.gettype() != kn_double) convert();
+    }
+    void take(const Mm &a, const Mm &b) {
+        idx[0] = &a;
+        idx[1] = &b;
+        if (a.gettype() != kn_double || b.gettype() != kn_double) convert();
+    }
+    void convert();
+    void drop();
 };
+
+inline Mr Mm::operator()() const { return Mr(*this); }
+inline Mr Mm::operator()(const Mm &a) const { return Mr(*this, Mr_paren, a); }
+inline Mr Mm::operator()(const Mm &a, const Mm &b) const { return Mr(*this, Mr_paren, a, b); }
+inline Mr Mm::br(const Mm &a) const { return Mr(*this, Mr_brace, a); }
+inline Mr Mm::br(const Mm &a, const Mm &b) const { return Mr(*this, Mr_brace, a, b); }
+inline Mr Mm::member(const char *field) const { return Mr(*this, field); }
 
 // What x stands for as a subscript: characters and bytes become numbers, an object is asked by the method
 // subsindex of its class. A cell or structure is reported, and gives an empty value.

@@ -8,6 +8,9 @@
 // the function (sqrt, log, acos, ...). An empty operand gives the empty 0 by 0, but eq and ne give a scalar.
 // Sparse operands give sparse results, but sparse + full and sparse - full are full. Cells report "Operation
 // can not be performed on non-numerical datatypes"; structures go to the method of their class.
+//
+// Overloads for temporaries (Mm &&) write the result into the operand's block when nobody shares it and type
+// and shape are the result's; those for plain doubles spare a value. The results are the same.
 #ifndef QUORVEX_OPERATIONS_H
 #define QUORVEX_OPERATIONS_H
 
@@ -51,45 +54,57 @@
 
 // clang-format on
 
-#define QUORVEX_ONE(name, ...) QUORVEX_API Mm name(const Mm &a);
-#define QUORVEX_TWO(name, ...) QUORVEX_API Mm name(const Mm &a, const Mm &b);
-#define QUORVEX_ONE_OR_TWO(name, ...) QUORVEX_ONE(name) QUORVEX_API Mm name(const Mm &a, const Mm &dim);
+#define QUORVEX_ONE(name, ...)        \
+    QUORVEX_API Mm name(const Mm &a); \
+    QUORVEX_API Mm name(Mm &&a);
+#define QUORVEX_TWO(name, ...)                     \
+    QUORVEX_API Mm name(const Mm &a, const Mm &b); \
+    QUORVEX_API Mm name(Mm &&a, const Mm &b);      \
+    QUORVEX_API Mm name(const Mm &a, Mm &&b);      \
+    QUORVEX_API Mm name(Mm &&a, Mm &&b);
+#define QUORVEX_ONE_OR_TWO(name, ...) \
+    QUORVEX_API Mm name(const Mm &a); \
+    QUORVEX_API Mm name(const Mm &a, const Mm &dim);
 QUORVEX_UNARY_FUNCTIONS(QUORVEX_ONE)
 QUORVEX_BINARY_FUNCTIONS(QUORVEX_TWO)
 QUORVEX_REDUCTION_FUNCTIONS(QUORVEX_ONE_OR_TWO)
-#undef QUORVEX_ONE
-#undef QUORVEX_TWO
-#undef QUORVEX_ONE_OR_TWO
 
 // -- Operators. operator^ stays the language's business: generated code calls power, or mpower.
 
-QUORVEX_API Mm operator+(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator-(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator*(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator/(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator<(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator>(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator<=(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator>=(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator==(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator!=(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator&&(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator||(const Mm &a, const Mm &b);
-QUORVEX_API Mm operator!(const Mm &a);
-QUORVEX_API Mm operator+(const Mm &a);
-QUORVEX_API Mm operator-(const Mm &a);
+#define QUORVEX_OPERATOR(name)                  \
+    QUORVEX_TWO(name)                           \
+    QUORVEX_API Mm name(const Mm &a, double b); \
+    QUORVEX_API Mm name(Mm &&a, double b);      \
+    QUORVEX_API Mm name(double a, const Mm &b); \
+    QUORVEX_API Mm name(double a, Mm &&b);
+QUORVEX_OPERATOR(operator+)
+QUORVEX_OPERATOR(operator-)
+QUORVEX_OPERATOR(operator*)
+QUORVEX_OPERATOR(operator/)
+QUORVEX_OPERATOR(operator<)
+QUORVEX_OPERATOR(operator>)
+QUORVEX_OPERATOR(operator<=)
+QUORVEX_OPERATOR(operator>=)
+QUORVEX_OPERATOR(operator==)
+QUORVEX_OPERATOR(operator!=)
+QUORVEX_OPERATOR(operator&&)
+QUORVEX_OPERATOR(operator||)
+QUORVEX_ONE(operator!)
+QUORVEX_ONE(operator+)
+QUORVEX_ONE(operator-)
+#undef QUORVEX_OPERATOR
 
 // -- Largest and smallest. Of one input along a dimension (NaN skipped; all NaN gives -Inf or +Inf; complex
 // by modulus), with the positions as second output; of two inputs element by element (NaN loses). max(a, [],
 // dim): the second input is not looked at.
 
 QUORVEX_API Mm max(const Mm &a);
-QUORVEX_API Mm max(const Mm &a, const Mm &b);
+QUORVEX_TWO(max)
 QUORVEX_API Mm max(const Mm &a, const Mm &none, const Mm &dim);
 QUORVEX_API Mm max(const Mm &a, i_o_t, Mm &y, Mm &i);
 QUORVEX_API Mm max(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
 QUORVEX_API Mm min(const Mm &a);
-QUORVEX_API Mm min(const Mm &a, const Mm &b);
+QUORVEX_TWO(min)
 QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim);
 QUORVEX_API Mm min(const Mm &a, i_o_t, Mm &y, Mm &i);
 QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
@@ -97,16 +112,19 @@ QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm 
 // -- Powers of two: 2 .^ x; f .* 2 .^ e. [f, e] = log2(x): x = f .* 2 .^ e with 0.5 <= abs(f) < 1; a
 // non-finite x gives f = x, e = 0.
 
-QUORVEX_API Mm pow2(const Mm &x);
-QUORVEX_API Mm pow2(const Mm &f, const Mm &e);
+QUORVEX_ONE(pow2)
+QUORVEX_TWO(pow2)
 QUORVEX_API Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e);
 
 // -- Beta functions: beta(a, b); beta(x, a, b) and betainc(x, a, b) the regularized incomplete one. x outside
 // [0, 1] gives NaN.
 
-QUORVEX_API Mm beta(const Mm &a, const Mm &b);
+QUORVEX_TWO(beta)
 QUORVEX_API Mm beta(const Mm &x, const Mm &a, const Mm &b);
 QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);
+#undef QUORVEX_ONE
+#undef QUORVEX_TWO
+#undef QUORVEX_ONE_OR_TWO
 
 // -- Differences.
 //
@@ -151,22 +169,22 @@ inline double mtimes(double x, double y) { return x * y; }
 inline double mrdivide(double x, double y) { return x / y; }
 
 namespace kn {
-template <class T> inline constexpr bool is_plain = false;
-template <> inline constexpr bool is_plain<double> = true;
-template <> inline constexpr bool is_plain<float> = true;
-template <> inline constexpr bool is_plain<int> = true;
+template <class T> inline constexpr bool is_plain_number = false;
+template <> inline constexpr bool is_plain_number<double> = true;
+template <> inline constexpr bool is_plain_number<float> = true;
+template <> inline constexpr bool is_plain_number<int> = true;
 QUORVEX_API double round_real(double x); // halves away from zero
 QUORVEX_API double log2_real(double x);
 } // namespace kn
 
 template <class T>
-requires kn::is_plain<T>
+requires kn::is_plain_number<T>
 double abs(T x) { return x < 0 ? -static_cast<double>(x) : x + 0.0; }
 template <class T>
-requires kn::is_plain<T>
+requires kn::is_plain_number<T>
 double log2(T x) { return kn::log2_real(x); }
 template <class T>
-requires kn::is_plain<T>
+requires kn::is_plain_number<T>
 double round(T x) { return kn::round_real(x); }
 
 // -- Counts.

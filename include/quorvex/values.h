@@ -1,13 +1,13 @@
 // Mm, the one value class of the language.
 //
 // A value is a header and a block. The header is the `Mm` object itself: dimensions, flags, name, and
-// pointers into the block. The block holds the elements, and behind them the count of the headers that refer
+// pointers into the block. The block holds the elements, and beside them the count of the headers that refer
 // to it:
 //
 //     double, real       [ p doubles | count ]                    pr = start
 //     double, complex    [ p doubles | p doubles | count ]        pr = start, pi = pr + p
 //     uint8              [ p bytes   | count ]                    pr = start
-//     cell, structure    [ p values ] and a count of its own
+//     cell, structure    [ count | p values ]                     pr = first value
 //
 // p is nnz + 8 elements (nnz + 5 for values), so that a short vector can grow in place. A sparse value has a
 // third array, index, with the 0-based column-major position of each stored entry. A structure has a list of
@@ -24,6 +24,9 @@
 // borrowed: the pointer is kept as given, never freed, and compared by identity. That is also how the markers
 // (c_p, semi, l_M) are recognised.
 //
+// A value without content (a default one, a named variable before its first value, one that was moved from)
+// refers to one static block, which counts as shared.
+//
 // Failure. When memory is exhausted "Out of memory!" goes through `error`; should the handler return, the
 // value is a valid 0 by 0.
 #ifndef QUORVEX_VALUES_H
@@ -35,7 +38,7 @@
 #include "quorvex/op_list.h"
 
 // Element types.
-enum kn_matrix_types {
+enum kn_matrix_types : unsigned char {
     kn_none = 0,   // no value yet
     kn_double = 1, // doubles; also characters, logical values and sparse
     kn_uint8 = 2,  // unsigned bytes
@@ -44,13 +47,13 @@ enum kn_matrix_types {
 
 // The flags of a value.
 struct M_types {
-    int str;              // characters, one double each
-    int sparse;           // sparse storage
-    int logical;          // logical array
-    int scalar_only;      // a named value that has only ever held real full scalars
-    int persistent;       // lives in one of the two outermost scopes
-    int global;           // global variable
-    kn_matrix_types type; // element type
+    unsigned char str;         // characters, one double each
+    unsigned char sparse;      // sparse storage
+    unsigned char logical;     // logical array
+    unsigned char scalar_only; // a named value that has only ever held real full scalars
+    unsigned char persistent;  // lives in one of the two outermost scopes
+    unsigned char global;      // global variable
+    kn_matrix_types type;      // element type
 };
 
 // Marker behind the inputs of a function with several results: f(a, b, i_o, x, y) assigns x and y and returns
@@ -82,6 +85,8 @@ class QUORVEX_API Mm {
     Mm(const char *name, int rows, int cols); // a named double
     // Shares the block. The copy has no name and is neither persistent nor global.
     Mm(const Mm &src);
+    // Takes the block of a temporary, which is left empty.
+    Mm(Mm &&src) noexcept;
     Mm(const Mm &src, const char *name); // keeps `global`
     // Element operation: `op` on a and b (zero_M for one operand), or along `dim` when do_dim is set (zero_M:
     // the first non-singleton dimension); an imaginary plane as complex_result says; `extra` takes the
@@ -98,8 +103,8 @@ class QUORVEX_API Mm {
     // replaced.
     Mm &operator=(const Mm &src);
     Mm &operator=(double x);
-    // The same for a temporary, which is left valid.
-    Mm &operator=(Mm &&src);
+    Mm &operator=(Mm &&src);    // takes its block, as the constructor does
+    Mm &operator=(const Mr &r); // the value that an indexed expression reads
 
     // Heap headers come from the block allocator. "Out of memory!" is reported; std::bad_alloc when the
     // handler returns.
@@ -148,9 +153,9 @@ class QUORVEX_API Mm {
     const char **getfields() const { return fields; }
     int getclassid() const { return classid; }
     void setclassid(int id) { classid = id; }
-    void setstr(int on) { flags.str = on; }
-    void setsparse(int on) { flags.sparse = on; }
-    void setlogical(int on) { flags.logical = on; }
+    void setstr(int on) { flags.str = on != 0; }
+    void setsparse(int on) { flags.sparse = on != 0; }
+    void setlogical(int on) { flags.logical = on != 0; }
 
     // Other holders of the block: nonzero means that a writer must take a copy first.
     int dirty() const { return static_cast<int>(*refcount) - 1; }
@@ -254,20 +259,30 @@ class QUORVEX_API Mm {
     void *pr;
     void *pi;
     int nnz; // stored elements; the product of the dims for a full value
+    M_types flags;
+    int nfields;
+    int classid;
     int *index;
     const char *name;
     const char **fields;
-    int nfields;
-    int classid;
     Mm *shadow; // the value that this named value covers in the workspace
-    M_types flags;
 
     ptrdiff_t at(int row, int col) const { return (row - 1) + static_cast<ptrdiff_t>(col - 1) * dims[0]; }
     struct Block;
     void allocate(int complex, int with_index);
     void hold(const Mm &src);
     void hold_nothing();
-    bool is_plain_scalar() const;
+    void share() const;
+    Mm &take(Mm &src);
+    Mm &take_number(double x);
+    void leave_scope();
+    void free_block() const;
+    struct Number {
+        void *block;
+        double value;
+        bool logical, scalar_only;
+    };
+    explicit Mm(const Number &n);
     bool is_number() const;
 };
 

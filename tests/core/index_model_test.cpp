@@ -1,12 +1,15 @@
 // Indexing against a slow and obvious model: lists of positions, elements one by one, no fast path, no block.
 //
-// Random reads, assignments, growths and deletions of every type of value, with every kind of subscript. A
-// copy taken before a write stays untouched; after an error the value is whole.
+// Random reads, assignments, growths and deletions of every type of value, with every kind of subscript, for
+// each instruction set, alone and with a second thread. A copy taken before a write stays untouched; after an
+// error the value is whole.
 #include <array>
 #include <cmath>
 #include <optional>
 
 #include "core/header.h"
+#include "core/kernel_table.h"
+#include "core/parallel.h"
 #include "support/support.h"
 
 using namespace test;
@@ -14,9 +17,9 @@ using namespace test;
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
-constexpr int rounds = 20000;
+constexpr int rounds = 8000;
 #else
-constexpr int rounds = 200000;
+constexpr int rounds = 70000;
 #endif
 
 using Extents = std::array<int, 4>;
@@ -528,88 +531,170 @@ template <class F> bool goes_through(F f) {
     }
 }
 
-TEST(IndexModel, reads) {
-    Random random(41);
-    int errors = 0, results = 0;
-    for (int k = 0; k < rounds; ++k) {
-        Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
-        Call c = random_call(random, x, random.below(8) == 0);
-        Seen seen(c);
-        std::optional<Model> wanted = read(model_of(x), seen.s);
-        Mm before = x, got;
-        std::string what = describe(x, c);
-        bool through = goes_through([&] { got = c.on(x); });
-        ASSERT_EQ(through, wanted.has_value()) << what;
-        ASSERT_SAME(x, before);
-        (through ? results : errors)++;
-        if (!through) continue;
-        ASSERT_TRUE(agrees(got, *wanted)) << what;
-        // A tolerant read that finds it gives the same.
-        if (random.below(8) == 0) {
-            ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << what;
+// A source for x(c): one element, none, or as many as are selected, mostly. None of more than `most`.
+std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Seen &seen, int most) {
+    Type source = type;
+    if (type <= logical && random.below(2)) source = static_cast<Type>(random.below(4));
+    if ((type == sparse_real || type == sparse_complex) && random.below(2))
+        source = random.below(2) ? real : complex;
+    if (type <= logical && random.below(6) == 0) source = sparse_real;
+    std::vector<int> d = {1, 1};
+    if (int kind = random.below(5); kind == 0) {
+        d = {0, 0};
+    } else if (kind > 2) {
+        d.clear();
+        int count = 1;
+        for (size_t l = 0; l < seen.s.size(); ++l) {
+            int extent = seen.s.size() == 1 ? x.size() : x.size(static_cast<int>(l) + 1);
+            d.push_back(static_cast<int>(positions(seen.s[l], extent).size()));
+            count *= d.back();
         }
+        if (random.below(10) == 0) d = {1, random.below(4) + 1};
+        if (d.size() == 1) d = random.below(2) ? std::vector<int>{d[0], 1} : std::vector<int>{1, d[0]};
+        if (count > most) return std::nullopt;
     }
-    EXPECT_GT(results, rounds / 2);
-    EXPECT_GT(errors, rounds / 50);
+    Mm y = random_value(random, source, d);
+    return source == structure && y.size() == 0 ? Mm(0, 0, 0, 0, 0, kn_Mm) : y;
 }
 
-TEST(IndexModel, writes) {
-    Random random(43);
+// Both ways, against the model. They count what went through, and what did not.
+struct Outcome {
     int errors = 0, results = 0;
-    for (int k = 0; k < rounds; ++k) {
+};
+
+void check_read(Random &random, const Mm &x, const Call &c, Outcome &outcome) {
+    Seen seen(c);
+    std::optional<Model> wanted = read(model_of(x), seen.s);
+    Mm before = x, got;
+    auto what = [&] { return describe(x, c); };
+    bool through = goes_through([&] { got = c.on(x); });
+    ASSERT_EQ(through, wanted.has_value()) << what();
+    ASSERT_SAME(x, before);
+    (through ? outcome.results : outcome.errors)++;
+    if (!through) return;
+    ASSERT_TRUE(agrees(got, *wanted)) << what();
+    // A tolerant read that finds it gives the same.
+    if (random.below(8) == 0) {
+        ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << what();
+    }
+}
+
+void check_write(Random &random, Type type, Mm &x, const Call &c, int most, Outcome &outcome) {
+    Seen seen(c);
+    std::optional<Mm> source = random_source(random, type, x, seen, most);
+    if (!source) return;
+    const Mm &y = *source;
+    Model target = model_of(x), old = target, from = model_of(y);
+    std::optional<Mm> held;
+    if (random.below(2)) held = x;
+    bool takes_block = !held && y.size() <= x.getp();
+    Mm before;
+    before.deepcopy(x, kn_none);
+    auto what = [&] { return describe(before, c) + " = " + testing::PrintToString(y); };
+    bool wanted = write(target, seen.s, from, takes_block);
+    bool through = goes_through([&] { c.on(x) = y; });
+    ASSERT_EQ(through, wanted) << what();
+    (through ? outcome.results : outcome.errors)++;
+    ASSERT_TRUE(agrees(x, target)) << what();
+    ASSERT_TRUE(agrees(y, from)) << what();
+    if (held) {
+        ASSERT_TRUE(agrees(*held, old)) << what();
+    }
+}
+
+// For each instruction set that there is.
+class IndexModel : public testing::TestWithParam<const kn::KernelTable *> {
+  protected:
+    IndexModel() : last_(kn::use_kernels(*GetParam())) {}
+    ~IndexModel() override {
+        kn::use_kernels(last_);
+        kn::set_thread_count(0);
+    }
+    Outcome outcome_;
+
+  private:
+    const kn::KernelTable &last_;
+};
+
+std::vector<const kn::KernelTable *> kernel_tables() {
+    std::vector<const kn::KernelTable *> tables;
+    for (auto t = kn::available_kernels(); *t; ++t) tables.push_back(*t);
+    return tables;
+}
+
+INSTANTIATE_TEST_SUITE_P(With, IndexModel, testing::ValuesIn(kernel_tables()),
+                         [](const auto &info) { return std::string(info.param->name); });
+
+TEST_P(IndexModel, reads) {
+    Random random(41);
+    for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
+        Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
+        check_read(random, x, random_call(random, x, random.below(8) == 0), outcome_);
+    }
+    EXPECT_GT(outcome_.results, rounds / 2);
+    EXPECT_GT(outcome_.errors, rounds / 50);
+}
+
+TEST_P(IndexModel, writes) {
+    Random random(43);
+    for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
         Type type = static_cast<Type>(random.below(types));
         Mm x = random_value(random, type, random_extents(random));
-        for (int step = 0; step < 3; ++step) {
+        for (int step = 0; step < 3 && !HasFatalFailure(); ++step) {
             if (type == structure && !x.isstruct()) break; // x(:) = [] left a cell
-            Call c = random_call(random, x, true);
-            Seen seen(c);
-            Model target = model_of(x);
-
-            // A source that fits, mostly: one element, none, or as many as are selected.
-            Type source = type;
-            if (type <= logical && random.below(2)) source = static_cast<Type>(random.below(4));
-            if ((type == sparse_real || type == sparse_complex) && random.below(2))
-                source = random.below(2) ? real : complex;
-            if (type <= logical && random.below(6) == 0) source = sparse_real;
-            std::vector<int> d = {1, 1};
-            if (int kind = random.below(5); kind == 0) {
-                d = {0, 0};
-            } else if (kind > 2) {
-                d.clear();
-                int count = 1;
-                for (size_t l = 0; l < seen.s.size(); ++l) {
-                    int extent = seen.s.size() == 1 ? x.size() : x.size(static_cast<int>(l) + 1);
-                    d.push_back(static_cast<int>(positions(seen.s[l], extent).size()));
-                    count *= d.back();
-                }
-                if (random.below(10) == 0) d = {1, random.below(4) + 1};
-                if (d.size() == 1)
-                    d = random.below(2) ? std::vector<int>{d[0], 1} : std::vector<int>{1, d[0]};
-                if (count > 500) continue;
-            }
-            Mm y = random_value(random, source, d);
-            if (source == structure && y.size() == 0) y = Mm(0, 0, 0, 0, 0, kn_Mm);
-
-            std::optional<Mm> held;
-            Model old = target;
-            if (random.below(2)) held = x;
-            bool takes_block = !held && y.size() <= x.getp();
-            Model from = model_of(y);
-            std::string what = describe(x, c) + " = " + testing::PrintToString(y);
-            bool wanted = write(target, seen.s, from, takes_block);
-            bool through = goes_through([&] { c.on(x) = y; });
-            ASSERT_EQ(through, wanted) << what;
-            (through ? results : errors)++;
-            ASSERT_TRUE(agrees(x, target)) << what;
-            ASSERT_TRUE(agrees(y, from)) << what;
-            if (held) {
-                ASSERT_TRUE(agrees(*held, old)) << what;
-            }
+            check_write(random, type, x, random_call(random, x, true), 500, outcome_);
             if (x.size() > 2000) break;
         }
     }
-    EXPECT_GT(results, rounds / 2);
-    EXPECT_GT(errors, rounds / 50);
+    EXPECT_GT(outcome_.results, rounds / 2);
+    EXPECT_GT(outcome_.errors, rounds / 50);
+}
+
+// A mask, thin, even or thick, or index values: any, ascending, with long runs, seldom one that is none.
+Mm long_subscript(Random &random, int extent) {
+    int kind = random.below(6), n = kind < 3 ? extent : 1 + random.below(extent + extent / 2);
+    bool faulty = kind >= 3 && random.below(8) == 0;
+    Mm s(0, 0, 0, 1, n, kn_double);
+    for (int k = 1; k <= n; ++k) {
+        int any = random.below(100);
+        s.r(k) = kind < 3    ? any < (kind == 0   ? 2
+                                      : kind == 1 ? 50
+                                                  : 98)
+                                   ? 1.0
+                               : any == 50 ? NAN
+                                           : 0.0
+                 : kind == 3 ? 1 + random.below(extent)
+                 : kind == 4 ? 1 + (k - 1) * double(extent - 1) / n
+                             : 1 + (k + (k / 700) * 13) % extent;
+    }
+    if (kind == 4 && random.below(2)) s = floor(s); // else fractions, which are cut
+    if (faulty) s.r(1 + random.below(n)) = random.below(2) ? 0.0 : NAN;
+    if (kind < 3) s.setlogical(1);
+    return s;
+}
+
+// Where vectors, blocks and threads come in.
+TEST_P(IndexModel, long_selections) {
+    Random random(47);
+    const Type all[] = {real, complex, bytes, cell, logical};
+    for (int n : {63, 64, 65, 127, 700, 1500, 40000, 280000})
+        for (int k = 0; k < (n < 10000 ? 60 : n < 100000 ? 12 : 4) && !HasFatalFailure(); ++k) {
+            kn::set_thread_count(1 + k % 2);
+            Type type = n < 100000 ? all[random.below(5)] : all[k % 3];
+            bool row = random.below(2);
+            Mm x = random_value(random, type, row ? std::vector<int>{1, n} : std::vector<int>{n, 1});
+            Call c;
+            c.colon = {false};
+            c.s.push_back(long_subscript(random, n));
+            if (n < 2000 && random.below(3) == 0) { // lines of a matrix
+                x = random_value(random, type, {n, 3});
+                c.colon.push_back(random.below(2));
+                c.s.push_back(test::row({3, 1}));
+            }
+            check_read(random, x, c, outcome_);
+            if (!HasFatalFailure()) check_write(random, type, x, c, 4 * n, outcome_);
+        }
+    EXPECT_GT(outcome_.results, 400);
 }
 
 } // namespace

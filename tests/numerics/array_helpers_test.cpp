@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "core/header.h"
+#include "core/kernel_table.h"
+#include "core/parallel.h"
 #include "support/support.h"
 
 using namespace test;
@@ -185,10 +187,34 @@ TEST(ArrayHelpers, permute_moves_every_element) {
                   "ipermute: order must name each of the dimensions 1 to 3 once");
 }
 
+// By tiles, with what is left beside them, streamed and shared among threads.
+TEST(ArrayHelpers, transposes_of_all_extents_with_all_instruction_sets) {
+    std::vector<std::array<int, 2>> extents = {{70, 45}, {3, 500}, {500, 3}, {728, 728}, {731, 725}};
+    for (int m = 2; m < 20; m++)
+        for (int n = 2; n < 20; n++) extents.push_back({m, n});
+    const kn::KernelTable &last = kn::kernels();
+    for (auto table = kn::available_kernels(); *table; ++table)
+        for (auto [m, n] : extents) {
+            kn::use_kernels(**table);
+            kn::set_thread_count(1 + n % 2);
+            Mm x = reshape(colon(1.0, double(m) * n), double(m), double(n)), z = x + x * 2.0 * i,
+               b = muint8(x);
+            Mm t = transpose(z), h = ctranspose(z), u = transpose(b);
+            ASSERT_EQ(u.rows(), n);
+            for (int r = 1; r <= m; r++)
+                for (int c = 1; c <= n; c++) {
+                    ASSERT_EQ(t.r(c, r), x.r(r, c)) << (*table)->name << " " << m << " by " << n;
+                    ASSERT_EQ(t.i(c, r), 2 * x.r(r, c));
+                    ASSERT_EQ(h.r(c, r), x.r(r, c));
+                    ASSERT_EQ(h.i(c, r), -2 * x.r(r, c));
+                    ASSERT_EQ(u.ur(c, r), b.ur(r, c));
+                }
+        }
+    kn::use_kernels(last);
+    kn::set_thread_count(0);
+}
+
 TEST(ArrayHelpers, transposes) {
-    Mm big = reshape(colon(1, 70 * 45), 70.0, 45.0), turned = transpose(big);
-    for (int r = 1; r <= 70; r++)
-        for (int c = 1; c <= 45; c++) ASSERT_EQ(turned.r(c, r), big.r(r, c));
     Mm z = complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}}));
     EXPECT_SAME(transpose(z), complex_of(M({{1, 3}, {2, 4}}), M({{5, 7}, {6, 8}})));
     EXPECT_SAME(ctranspose(z), complex_of(M({{1, 3}, {2, 4}}), M({{-5, -7}, {-6, -8}})));

@@ -1,0 +1,95 @@
+// Vectors of doubles of the instruction set, where the build has elementary functions for them
+// (KN_VECTOR_BYTES; cmake/library.cmake). Code for one number and for a vector is written once, as a template
+// over both: comparisons and ?: of vectors work lane by lane.
+#ifndef QUORVEX_CORE_VECTORS_H
+#define QUORVEX_CORE_VECTORS_H
+
+#include <stddef.h>
+
+#include <cmath>
+
+#include "core/kernels/isa.h"
+
+#ifdef KN_VECTOR_BYTES
+#include <immintrin.h>
+#if KN_VECTOR_BYTES == 64
+#define KN_SIMD(f) _mm512_##f
+#else
+#define KN_SIMD(f) _mm256_##f
+#endif
+#endif
+
+namespace kn::inline KN_ISA::math {
+
+inline double abs(double x) { return std::fabs(x); }
+inline double sqrt(double x) { return std::sqrt(x); }
+inline bool all(bool on) { return on; }
+inline bool any(bool on) { return on; }
+inline bool both(bool x, bool y) { return x && y; }
+inline bool either(bool x, bool y) { return x || y; }
+template <class T> T same(double x) { return x; }
+inline double load(const double *p, ptrdiff_t k) { return p[k]; }
+
+#ifdef KN_VECTOR_BYTES
+
+typedef double V __attribute__((vector_size(KN_VECTOR_BYTES)));
+using Mask = decltype(V() < V()); // all bits of a lane, or none
+constexpr ptrdiff_t lanes = KN_VECTOR_BYTES / sizeof(double);
+
+template <> inline V same<V>(double x) { return KN_SIMD(set1_pd)(x); }
+
+inline V abs(V x) { return KN_SIMD(andnot_pd)(same<V>(-0.0), x); }
+
+// x * y + z, rounded once.
+inline double fused(double x, double y, double z) { return std::fma(x, y, z); }
+inline V fused(V x, V y, V z) { return KN_SIMD(fmadd_pd)(x, y, z); }
+
+#if KN_VECTOR_BYTES == 64
+inline V sqrt(V x) { return _mm512_maskz_sqrt_pd(0xff, x); } // g++ 12 warns of the plain one
+inline unsigned bits(Mask m) { return _mm512_movepi64_mask(reinterpret_cast<__m512i>(m)); }
+#else
+inline V sqrt(V x) { return _mm256_sqrt_pd(x); }
+inline unsigned bits(Mask m) {
+    return static_cast<unsigned>(_mm256_movemask_pd(reinterpret_cast<__m256d>(m)));
+}
+#endif
+inline bool all(Mask m) { return bits(m) == (1u << lanes) - 1; }
+inline bool any(Mask m) { return bits(m) != 0; }
+inline Mask both(Mask x, Mask y) { return x & y; }
+inline Mask either(Mask x, Mask y) { return x | y; }
+
+// Which elements of an array: as many as there are lanes from k on, or n, which are fewer.
+struct Whole {
+    ptrdiff_t k;
+};
+struct Part {
+    ptrdiff_t k, n;
+};
+
+inline V load(const double *p, Whole at) { return KN_SIMD(loadu_pd)(p + at.k); }
+inline void store(double *p, Whole at, V x) { KN_SIMD(storeu_pd)(p + at.k, x); }
+
+// The lanes behind the last element repeat it.
+inline V load(const double *p, Part at) {
+    double x[lanes];
+    for (ptrdiff_t k = 0; k < lanes; ++k) x[k] = p[at.k + (k < at.n ? k : at.n - 1)];
+    return load(x, Whole{0});
+}
+inline void store(double *p, Part at, V v) {
+    double x[lanes];
+    store(x, Whole{0}, v);
+    for (ptrdiff_t k = 0; k < at.n; ++k) p[at.k + k] = x[k];
+}
+
+// f(Whole) and then f(Part) for n elements.
+template <class F> void for_lanes(ptrdiff_t n, F f) {
+    ptrdiff_t k = 0;
+    for (; k + lanes <= n; k += lanes) f(Whole{k});
+    if (k < n) f(Part{k, n - k});
+}
+
+#endif
+
+} // namespace kn::inline KN_ISA::math
+
+#endif

@@ -1,0 +1,390 @@
+// The loops of every instruction set that this processor has: against the baseline, to the bit where the set
+// makes no difference, alone and in place, at any length and place; elementary functions against wider
+// numbers.
+//
+// QUORVEX_ULP_ARGUMENTS=1000000 measures the elementary functions with so many arguments each and prints a
+// row for each of them.
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/element_engine.h"
+#include "core/kernels/dimension_ops.h"
+#include "core/kernels/element_kernels.h"
+#include "core/op_names.h"
+#include "core/parallel.h"
+#include "support/support.h"
+
+namespace {
+
+using kn::KernelTable;
+constexpr double inf = HUGE_VAL, nan = NAN;
+
+struct Kind {
+    bool along, unary, by_set_real, by_set_complex;
+};
+template <class K> constexpr Kind kind_of() { return {requires(const kn::Slices<double> &s){K::along(s); }
+, requires { K::r(0.0); }
+, kn::kernel::real_vectors<K>, kn::kernel::complex_vectors<K>
+}; // namespace
+}
+constexpr Kind kinds[] = {
+#define ROW(name, group, rule, K) kind_of<kn::kernel::K>(),
+    QUORVEX_OPERATIONS(ROW)
+#undef ROW
+};
+
+std::vector<const KernelTable *> tables() {
+    std::vector<const KernelTable *> all;
+    for (auto p = kn::available_kernels(); *p; ++p) all.push_back(*p);
+    return all;
+}
+const KernelTable &baseline() { return *tables().back(); }
+
+bool same_number(double x, double y) {
+    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
+}
+
+const double special[] = {0.0,      -0.0,      1,      -1,    0.5,    -0.5,    2,       3,
+                          -3,       1e-10,     inf,    -inf,  nan,    DBL_MIN, DBL_MAX, -DBL_MAX,
+                          4.9e-324, -4.9e-324, 1e-310, 1e300, -1e300, 700,     709.782, 709.7828,
+                          710,      710.47,    -708.4, -740,  -746,   1e9,     1.5e9,   1e22,
+                          -1e9,     1024,      1025,   -1025, 0x1p53, 1e-300};
+
+double random_number(test::Random &random) {
+    if (random.below(4) == 0) return special[random.below(std::size(special))];
+    if (random.below(3) == 0) return random.number();
+    return std::ldexp(random.below(2000001) - 1e6, -random.below(30));
+}
+
+// An operand, its elements from an odd place on.
+template <class T> struct Values {
+    std::vector<T> re, im;
+    bool complex;
+    ptrdiff_t step;
+
+    Values(test::Random &random, ptrdiff_t n, bool is_complex, ptrdiff_t by)
+        : re(static_cast<size_t>(n + 1)), im(re), complex(is_complex), step(by) {
+        for (auto *plane : {&re, &im})
+            for (T &x : *plane)
+                if constexpr (sizeof(T) == 1)
+                    x = static_cast<T>(random.below(256));
+                else
+                    x = random_number(random);
+    }
+    kn::Operand<T> operand() const { return {re.data() + 1, complex ? im.data() + 1 : nullptr, step}; }
+};
+
+template <class T> const kn::Loops<T> *loops(const KernelTable &table) {
+    if constexpr (sizeof(T) == 1)
+        return table.bytes;
+    else
+        return table.doubles;
+}
+
+enum InPlace { apart, in_a, in_b };
+
+// Both planes of the result; what stands in front of it and behind it must stay.
+template <class T>
+std::vector<T> result(const KernelTable &table, int op, ptrdiff_t n, bool complex, const Values<T> &a,
+                      const Values<T> &b, InPlace where = apart) {
+    constexpr T guard = 77;
+    std::vector<T> out(static_cast<size_t>(2 * (n + 2)), guard);
+    T *re = out.data() + 1, *im = re + n + 2;
+    kn::Operand<T> x = a.operand(), y = b.operand();
+    if (where != apart) {
+        kn::Operand<T> &o = where == in_a ? x : y;
+        std::copy(o.re, o.re + n, re);
+        o.re = re;
+        if (complex && o.im) {
+            std::copy(o.im, o.im + n, im);
+            o.im = im;
+        }
+    }
+    loops<T>(table)[op].elements({re, complex ? im : nullptr, n, x, y});
+    EXPECT_TRUE(re[-1] == guard && re[n] == guard && im[-1] == guard && im[n] == guard) << kn::op_name(op);
+    return out;
+}
+
+template <class T> bool same_results(const std::vector<T> &x, const std::vector<T> &y) {
+    return std::equal(x.begin(), x.end(), y.begin(), y.end(),
+                      [](T u, T v) { return sizeof(T) == 1 ? u == v : same_number(u, v); });
+}
+
+// Runs f(op, n, complex result, a, b) over operands of all forms.
+template <class T, class F> void for_forms(F f) {
+    test::Random random(5);
+    const ptrdiff_t lengths[] = {0, 1, 2, 3, 5, 7, 8, 9, 13, 16, 17, 31, 40};
+    for (int op = 0; op < op_count_; ++op) {
+        if (kinds[op].along) continue;
+        for (ptrdiff_t n : lengths)
+            for (int form = 0; form < 24; ++form) {
+                int steps = form % 3, planes = form / 3 % 4;
+                bool complex = form / 12 || (planes && form % 5);
+                if (kinds[op].unary && steps == 2) steps = 0;
+                Values<T> a(random, n, planes & 1, steps != 1), b(random, n, planes & 2, steps != 2);
+                SCOPED_TRACE(kn::op_name(op) + std::string(" of ") + std::to_string(n) + " form " +
+                             std::to_string(form));
+                f(op, n, complex, a, b);
+                if (testing::Test::HasFailure()) return;
+            }
+    }
+}
+
+template <class T> void expect_same_in_all_sets() {
+    auto all = tables();
+    for_forms<T>([&](int op, ptrdiff_t n, bool complex, const Values<T> &a, const Values<T> &b) {
+        // The baseline has its own elementary functions, which nobody sees in bytes.
+        bool differs = sizeof(T) > 1 && (kinds[op].by_set_real || kinds[op].by_set_complex);
+        auto wanted = result(differs ? *all[0] : baseline(), op, n, complex, a, b);
+        for (const KernelTable *table : all) {
+            if (differs && table == &baseline()) continue;
+            EXPECT_TRUE(same_results(result(*table, op, n, complex, a, b), wanted)) << table->name;
+        }
+    });
+}
+
+TEST(Kernels, results_are_the_same_in_all_sets) { expect_same_in_all_sets<double>(); }
+TEST(Kernels, bytes_are_the_same_in_all_sets) { expect_same_in_all_sets<unsigned char>(); }
+
+template <class T> void expect_same_in_place() {
+    for (const KernelTable *table : tables())
+        for_forms<T>([&](int op, ptrdiff_t n, bool complex, const Values<T> &a, const Values<T> &b) {
+            auto wanted = result(*table, op, n, complex, a, b);
+            if (a.step || n == 1) {
+                EXPECT_TRUE(same_results(result(*table, op, n, complex, a, b, in_a), wanted)) << table->name;
+            }
+            if ((b.step || n == 1) && !kinds[op].unary) {
+                EXPECT_TRUE(same_results(result(*table, op, n, complex, a, b, in_b), wanted)) << table->name;
+            }
+        });
+}
+
+TEST(Kernels, the_result_may_be_an_operand) {
+    expect_same_in_place<double>();
+    expect_same_in_place<unsigned char>();
+}
+
+// Alone, as a number and at any place an element gives the same.
+TEST(Kernels, elements_do_not_depend_on_their_neighbours) {
+    test::Random random(6);
+    constexpr ptrdiff_t n = 40;
+    for (const KernelTable *table : tables())
+        for (int op = 0; op < op_count_; ++op) {
+            if (kinds[op].along) continue;
+            SCOPED_TRACE(table->name + std::string(" ") + kn::op_name(op));
+            const kn::NumberFunctions &number = table->numbers[op];
+            ASSERT_EQ(number.unary != nullptr, kinds[op].unary);
+            for (bool complex : {false, true}) {
+                Values<double> a(random, n, complex, 1), b(random, n, complex, 1);
+                auto whole = result(*table, op, n, complex, a, b);
+                for (ptrdiff_t k = 0; k < n; ++k) {
+                    Values<double> x = a, y = b;
+                    x.re[1] = a.re[k + 1], x.im[1] = a.im[k + 1];
+                    y.re[1] = b.re[k + 1], y.im[1] = b.im[k + 1];
+                    auto one = result(*table, op, 1, complex, x, y);
+                    ASSERT_TRUE(same_number(whole[k + 1], one[1])) << x.re[1] << " " << y.re[1];
+                    ASSERT_TRUE(!complex || same_number(whole[n + 3 + k], one[4]));
+                    if (complex) continue;
+                    double v = kinds[op].unary ? number.unary(x.re[1]) : number.binary(x.re[1], y.re[1]);
+                    ASSERT_TRUE(same_number(v, one[1])) << x.re[1] << " " << y.re[1];
+                }
+            }
+        }
+}
+
+TEST(Kernels, large_results_do_not_depend_on_threads) {
+    test::Random random(8);
+    Mm a = randn(300.0, 300.0), b = randn(300.0, 300.0), x = 0.5;
+    for (int op = 0; op < op_count_; ++op) {
+        if (kinds[op].along) continue;
+        SCOPED_TRACE(kn::op_name(op));
+        const auto code = static_cast<op_t>(op);
+        bool slow = op == op_beta || op == op_betaln || op == op_gammainc;
+        Mm u = a, v = b;
+        if (slow) u = a(colon(1.0, 2000.0)), v = b(colon(1.0, 2000.0));
+        for (const Mm &right : {v, x}) {
+            kn::set_thread_count(1);
+            Mm alone = Mm(0, u, right, nop_M, code, 0, l_M);
+            kn::set_thread_count(3);
+            Mm shared = Mm(0, u, right, nop_M, code, 0, l_M);
+            kn::set_thread_count(0);
+            ASSERT_SAME(shared, alone);
+        }
+    }
+}
+
+TEST(Kernels, real_elements_stop_where_reals_end) {
+    for (int n : {1, 1000, 3000, 100000}) {
+        std::vector<double> x(static_cast<size_t>(n), 2.0), out(x);
+        ASSERT_TRUE(kn::real_elements(op_sqrt, out.data(), x.data(), n));
+        EXPECT_TRUE(std::ranges::all_of(out, [](double v) { return v == std::sqrt(2.0); }));
+        x[x.size() / 2] = nan;
+        EXPECT_TRUE(kn::real_elements(op_log, out.data(), x.data(), n));
+        x[x.size() - 1] = -1;
+        EXPECT_FALSE(kn::real_elements(op_log, out.data(), x.data(), n));
+        EXPECT_TRUE(kn::real_elements(op_exp, out.data(), x.data(), n));
+    }
+}
+
+// -- Accuracy.
+
+// Distance in units in the last place of the wanted value.
+double ulps(double got, long double wanted) {
+    const double nearest = static_cast<double>(wanted);
+    if (std::isnan(got) || std::isnan(nearest)) return std::isnan(got) && std::isnan(nearest) ? 0 : inf;
+    if (std::isinf(got) || std::isinf(nearest)) return got == nearest ? 0 : inf;
+    int e;
+    std::frexp(nearest, &e);
+    return static_cast<double>(std::fabs(got - wanted) / std::ldexp(1.0L, std::max(e - 53, -1074)));
+}
+
+struct Range {
+    double low, high;
+    int smaller; // powers of two by which arguments are made smaller at random
+};
+struct Function {
+    op_t op;
+    long double (*exact)(long double);
+    std::vector<Range> ranges;
+    double most; // ulps
+};
+// In the baseline the hyperbolic functions are the C library's, within 2.2 units.
+const Function functions[] = {
+    {op_exp, std::exp, {{-10, 10, 0}, {-1, 1, 60}, {-708, 709, 0}, {-745, -708, 0}}, 1},
+    {op_log, std::log, {{0.5, 2, 0}, {0, 1000, 0}, {0, 1e300, 2040}}, 1},
+    {op_sin, std::sin, {{-10, 10, 60}, {-1e9, 1e9, 1000}}, 1},
+    {op_cos, std::cos, {{-10, 10, 60}, {-1e9, 1e9, 60}}, 1},
+    {op_tan, std::tan, {{-10, 10, 60}, {-1e9, 1e9, 1000}}, 1},
+    {op_sinh, std::sinh, {{-5, 5, 60}, {-710, 710, 0}, {707, 710.4, 0}}, 1},
+    {op_cosh, std::cosh, {{-5, 5, 60}, {-710, 710, 0}, {707, 710.4, 0}}, 1},
+    {op_tanh, std::tanh, {{-5, 5, 60}, {-30, 30, 0}}, 1},
+    {op_asin, std::asin, {{-1, 1, 0}, {-1, 1, 1000}}, 1},
+    {op_acos, std::acos, {{-1, 1, 0}, {-1, 1, 60}}, 1},
+    {op_atan, std::atan, {{-10, 10, 60}, {-1e300, 1e300, 2000}}, 1},
+};
+
+struct Worst {
+    double ulp = 0, x = 0, y = 0;
+    void see(double u, double a, double b = 0) {
+        if (u > ulp) *this = {u, a, b};
+    }
+    void report(const KernelTable &table, int op, double most) const {
+        if (std::getenv("QUORVEX_ULP_ARGUMENTS"))
+            std::printf("%-9s %-9s %.4f ulp at (%a, %a)\n", table.name, kn::op_name(op), ulp, x, y);
+        EXPECT_LE(ulp, most) << table.name << " " << kn::op_name(op) << " " << x << " " << y;
+    }
+};
+
+int arguments() {
+    const char *text = std::getenv("QUORVEX_ULP_ARGUMENTS");
+    return text ? std::atoi(text) : 20000;
+}
+
+double uniform(std::mt19937_64 &random, double low, double high) {
+    return std::uniform_real_distribution(low, high)(random);
+}
+
+TEST(Kernels, elementary_functions_are_within_one_unit) {
+    static_assert(LDBL_MANT_DIG >= 64);
+    for (const Function &f : functions)
+        for (const KernelTable *table : tables()) {
+            std::mt19937_64 random(9);
+            Worst worst;
+            std::vector<double> x(static_cast<size_t>(arguments()) / f.ranges.size()), y(x.size());
+            for (const Range &range : f.ranges) {
+                for (double &v : x) {
+                    v = uniform(random, range.low, range.high);
+                    if (range.smaller) v = std::ldexp(v, -static_cast<int>(random() % range.smaller));
+                }
+                const kn::Operand<double> a = {x.data(), nullptr, 1};
+                table->doubles[f.op].elements({y.data(), nullptr, static_cast<ptrdiff_t>(x.size()), a, a});
+                for (size_t k = 0; k < x.size(); ++k) worst.see(ulps(y[k], f.exact(x[k])), x[k]);
+            }
+            bool hyperbolic = f.op == op_sinh || f.op == op_cosh || f.op == op_tanh;
+            worst.report(*table, f.op, hyperbolic && table == &baseline() ? 2.3 : f.most);
+        }
+}
+
+TEST(Kernels, powers_and_angles_are_within_one_unit) {
+    for (const KernelTable *table : tables()) {
+        std::mt19937_64 random(10);
+        Worst power, angle;
+        const auto pow = table->numbers[op_power].binary, atan2 = table->numbers[op_atan2].binary;
+        for (int k = 0; k < arguments(); ++k) {
+            double x = uniform(random, 0, 100), y = uniform(random, -5, 5);
+            switch (k % 6) {
+            case 0: break;
+            case 1: x = std::ldexp(x, static_cast<int>(random() % 2000) - 1000), y /= 5; break;
+            case 2: x = uniform(random, 0.9, 1.1), y *= 1400; break;
+            case 3: x -= 50, y = std::round(y * 20); break;
+            case 4: y = std::round(y * 4) / 2; break;
+            case 5: x = std::ldexp(x, -static_cast<int>(random() % 1080)), y = std::round(y * 10) / 2; break;
+            }
+            power.see(ulps(pow(x, y), powl(x, y)), x, y);
+            if (k % 2) x = -x;
+            if (k % 3) y = std::ldexp(y, static_cast<int>(random() % 2000) - 1000);
+            angle.see(ulps(atan2(y, x), atan2l(y, x)), x, y);
+        }
+        power.report(*table, op_power, 1);
+        angle.report(*table, op_atan2, 1);
+    }
+}
+
+// What programs expect to be exact.
+TEST(Kernels, exact_powers_and_logarithms) {
+    for (const KernelTable *table : tables()) {
+        SCOPED_TRACE(table->name);
+        const auto pow = table->numbers[op_power].binary;
+        for (int base = 2; base <= 300; ++base) {
+            long double p = 1;
+            for (int e = 0; p < 0x1p53L; ++e, p *= base) {
+                ASSERT_EQ(pow(base, e), p);
+                ASSERT_EQ(pow(-base, e), e % 2 ? -p : p);
+            }
+            ASSERT_EQ(pow(base, -1), 1.0 / base);
+        }
+        for (int e = -1074; e <= 1023; ++e) {
+            ASSERT_EQ(pow(2, e), std::ldexp(1.0, e));
+            ASSERT_EQ(table->numbers[op_pow2_1].unary(e), std::ldexp(1.0, e));
+            ASSERT_EQ(table->numbers[op_log2].unary(std::ldexp(1.0, e)),
+                      std::log(std::ldexp(1.0, e)) / kn::raw_ln2);
+        }
+        for (int e = -300; e <= 308; ++e) {
+            double ten = std::strtod(("1e" + std::to_string(e)).c_str(), nullptr);
+            if (table != &baseline() || std::abs(e) <= 22) {
+                ASSERT_EQ(pow(10, e), ten);
+            }
+            ASSERT_EQ(table->numbers[op_log10].unary(ten), std::log(ten) / kn::raw_ln10);
+        }
+    }
+}
+
+// Where it matters what a function answers exactly: at zeros, infinities, the ends of the domain.
+TEST(Kernels, special_values_are_those_of_the_baseline) {
+    auto close = [](double x, double y) { return same_number(x, y) || (x != 0 && ulps(x, y) <= 3); };
+    for (const KernelTable *table : tables())
+        for (int op = 0; op < op_count_; ++op) {
+            if (!kinds[op].by_set_real) continue;
+            SCOPED_TRACE(table->name + std::string(" ") + kn::op_name(op));
+            const kn::NumberFunctions &got = table->numbers[op], &wanted = baseline().numbers[op];
+            for (double x : special) {
+                if (got.unary) {
+                    EXPECT_TRUE(close(got.unary(x), wanted.unary(x))) << x << " " << got.unary(x);
+                    continue;
+                }
+                for (double y : special)
+                    EXPECT_TRUE(close(got.binary(x, y), wanted.binary(x, y)))
+                        << x << " " << y << " " << got.binary(x, y) << " " << wanted.binary(x, y);
+            }
+        }
+}
+
+} // namespace
