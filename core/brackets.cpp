@@ -42,13 +42,6 @@ struct Survey {
     long long height_ = 0, width_ = 0;
 
     void look_at(const Mm &x) {
-        const M_types &f = x.getflags();
-        if (x.getnnz() == 1 && x.getndims() == 2 && x.rows() == 1 && f.type == kn_double &&
-            !(f.str | f.sparse | f.logical) && !x.isc()) { // a number
-            all_logical = false;
-            take(1, 1);
-            return;
-        }
         if (x.issparse() || x.gettype() != kn_double || x.getndims() > 2) plain = false;
         complex = complex || x.isc();
         str = str || x.isstr();
@@ -161,7 +154,51 @@ Mm joined(const Mc &list) {
     return all;
 }
 
+// ---- Numbers ----
+
+bool is_number(const Mm &x) {
+    const M_types &f = x.getflags();
+    return x.getnnz() == 1 && x.getndims() == 2 && f.type == kn_double && !(f.str | f.sparse | f.logical) &&
+           !x.isc();
+}
+
+// Whether the items are rows of numbers, equally long, as in most brackets; the size of the result.
+bool are_numbers(const Mc &list, int &rows, int &cols) {
+    int n = list.count(), width = 0;
+    rows = cols = 0;
+    for (int k = 0; k < n; k++) {
+        bool end = is_row_end(list.item(k));
+        if (!end && !is_number(list.item(k))) return false;
+        width += !end;
+        if (!end && k < n - 1) continue;
+        if (rows > 0 && width != cols) return false;
+        cols = width;
+        width = 0;
+        rows++;
+    }
+    return cols > 0;
+}
+
+Mm of_numbers(const Mc &list, int rows, int cols) {
+    Mm out(0, 0, 0, rows, cols, kn_double);
+    if (lacks(out, rows * cols)) return x_M;
+    ptrdiff_t at = 0;
+    for (int k = 0; k < list.count(); k++) {
+        const Mm &x = list.item(k);
+        if (is_row_end(x)) {
+            at -= ptrdiff_t{rows} * cols - 1;
+        } else {
+            out.addr()[at] = *x.addr();
+            at += rows;
+        }
+    }
+    check(out);
+    return out;
+}
+
 Mm brackets(const Mc &list) {
+    int rows, cols;
+    if (are_numbers(list, rows, cols)) return of_numbers(list, rows, cols);
     Survey s(list);
     Mm out = s.plain ? tiled(list, s) : joined(list);
     out.setlogical(s.all_logical);

@@ -33,15 +33,6 @@ int grows_along(const Mm &t, int n, const Mm *const *s) {
     return -1;
 }
 
-// The place behind the last element becomes part of the value.
-void extend(Mm &t, int along) {
-    int *dims = t.getdims();
-    if (t.getnnz()++ == 0)
-        std::fill_n(dims, 4, 1);
-    else
-        ++dims[along];
-}
-
 // Room for one more element of an unshared cell or structure array. What it holds moves.
 bool make_room(Mm &t) {
     int n = t.getnnz(), dims[4];
@@ -59,29 +50,35 @@ bool make_room(Mm &t) {
 void append(Mm &t, int along, Mm &element) {
     if (!make_room(t)) return;
     re<Mm>(t)[t.getnnz()] = std::move(element);
-    extend(t, along);
+    RefAccess::extend(t, along);
     check(t);
+}
+
+// x(end+1) = a number, in the room that there is.
+bool append_number(Mm &t, int n, const Mm *const *subscripts, double x) {
+    int size = t.getnnz();
+    int along = RefAccess::takes_numbers(t) && size < t.getp() ? grows_along(t, n, subscripts) : -1;
+    if (along < 0) return false;
+    t.addr()[size] = x;
+    if (t.isc()) t.addi()[size] = 0.0;
+    RefAccess::extend(t, along);
+    return true;
 }
 
 } // namespace
 
 // ---- Elements ----
 
-int RefAccess::position_of_many(const Mm &base, const Mr &r, bool whole) {
-    const int *dims = base.getdims();
-    int at = r.nidx > 0 ? 0 : -1;
-    for (int k = r.nidx; k-- > 0 && at >= 0;) {
-        int l = position_inside(*r.idx[k], dims[k], whole);
-        at = l < 0 ? -1 : at * dims[k] + l;
+int RefAccess::position(const Mm &base, const Mr &r) {
+    int at = -1;
+    if (r.nidx <= 2) return selects_one(base, r, at) ? at : -1;
+    if (base.issparse()) return -1;
+    at = 0;
+    for (int k = r.nidx, l; k-- > 0;) {
+        if (!is_inside<false>(*r.idx[k], base.getdims()[k], l)) return -1;
+        at = at * base.getdims()[k] + l;
     }
     return at;
-}
-
-int RefAccess::place_behind(const Mm &base, const Mr &r) {
-    int n = base.getnnz(), along = n < base.getp() ? grows_along(base, r.nidx, r.idx) : -1;
-    if (along < 0) return -1;
-    extend(writable(&base), along);
-    return n;
 }
 
 const Mm *RefAccess::find(const Mr &r, Way way) {
@@ -102,11 +99,15 @@ const Mm *RefAccess::find(const Mr &r, Way way) {
     return re<Mm>(values) + f;
 }
 
+// ---- Writing ----
+
 bool RefAccess::assign_element(const Mr &r, const Mm &src) {
     Way way = to_assign(src);
     if (r.kind == Mr_paren) {
         const Mm *base = is_real_scalar(src) ? container(r, way) : nullptr;
-        return base && assign_number(*base, r, *src.addr());
+        if (!base) return false;
+        double x = *src.addr();
+        return (r.base_r && write_number(*base, r, x)) || append_number(writable(base), r.nidx, r.idx, x);
     }
     if (const Mm *element = find(r, way)) {
         writable(element) = src;
@@ -131,16 +132,11 @@ bool RefAccess::assign_element(const Mr &r, const Mm &src) {
     return true;
 }
 
-// What is no number of a real array.
-Mm RefAccess::read_element(const Mr &r, int strict) {
-    if (r.base_r && r.kind == Mr_paren) {
-        const Mm *base = find(*r.base_r, to_read);
-        int at = base ? number_position(*base, r) : -1;
-        if (at >= 0) return number(*base, at);
-    }
-    const Mm *element = find(r, to_read);
-    return element ? *element : read_any(r, strict);
+void RefAccess::assign(const Mr &r, const Mm &src) {
+    if (!assign_element(r, src)) assign_any(r, src);
 }
+
+// ---- Reading ----
 
 Mm RefAccess::number(const Mm &base, int at) {
     Mm x = Header::number(base.addr()[at], base.islogical());
@@ -149,8 +145,16 @@ Mm RefAccess::number(const Mm &base, int at) {
 }
 
 Mm RefAccess::read(const Mr &r, int strict) {
-    int at = r.base_m ? number_position(*r.base_m, r) : -1;
-    return at >= 0 ? number(*r.base_m, at) : read_element(r, strict);
+    int at;
+    return r.base_m && reads_number(*r.base_m, r, at) ? number(*r.base_m, at) : read_element(r, strict);
+}
+
+Mm RefAccess::read_element(const Mr &r, int strict) {
+    int at;
+    const Mm *base = r.base_r && r.kind == Mr_paren ? find(*r.base_r, to_read) : nullptr;
+    if (base && reads_number(*base, r, at)) return number(*base, at);
+    const Mm *element = find(r, to_read);
+    return element ? *element : read_any(r, strict);
 }
 
 } // namespace kn
@@ -163,32 +167,38 @@ Mm::Mm(const Mr &r, int strict) : Mm(RefAccess::read(r, strict)) {
 
 // A number comes into the block that the target has, unless the release of that is to be reported.
 Mm &Mm::operator=(const Mr &r) {
+    int at = 0;
     const Mm *base = RefAccess::base(r);
-    int at = base ? RefAccess::number_position(*base, r) : -1;
-    if (at < 0 || !is_number() || kn_default_error_flags & 8) return RefAccess::assign_read(*this, r);
-    *addr() = base->addr()[at];
-    flags.str = base->flags.str;
-    flags.logical = base->flags.logical;
+    if (!base || !RefAccess::reads_number(*base, r, at)) {
+        base = RefAccess::find(r, RefAccess::to_read);
+        at = 0;
+        if (!base || base->pi) return *this = Mm(r);
+        if (!is_real_scalar(*base)) return *this = *base;
+    }
+    // The base may live in what this value holds.
+    const double x = base->addr()[at];
+    const M_types kind = base->flags;
+    if (is_number() && !(kn_default_error_flags & 8))
+        *addr() = x;
+    else
+        *this = x;
+    flags.str = kind.str;
+    flags.logical = kind.logical;
     return *this;
 }
 
-Mm &RefAccess::assign_read(Mm &t, const Mr &r) {
-    const Mm *element = find(r, to_read);
-    if (element && !element->isc()) return t = *element;
-    return t = Mm(r);
-}
-
 void Mr::operator=(double x) {
-    if (!base_m || !RefAccess::assign_number(*base_m, *this, x)) RefAccess::assign(*this, Mm(x));
+    if (!base_m || !RefAccess::write_number(*base_m, *this, x)) RefAccess::assign(*this, Mm(x));
 }
 
 void Mr::operator=(const Mm &src) {
-    if (!base_m || !is_real_scalar(src) || !RefAccess::assign_number(*base_m, *this, *src.addr()))
+    if (!base_m || !is_real_scalar(src) || !RefAccess::write_number(*base_m, *this, *src.addr()))
         RefAccess::assign(*this, src);
 }
 
 void Mr::operator=(const Mr &src) {
-    int at = src.base_m ? RefAccess::number_position(*src.base_m, src) : -1;
-    if (at < 0 || !base_m || !RefAccess::assign_number(*base_m, *this, src.base_m->addr()[at]))
+    int at;
+    if (!src.base_m || !base_m || !RefAccess::reads_number(*src.base_m, src, at) ||
+        !RefAccess::write_number(*base_m, *this, src.base_m->addr()[at]))
         RefAccess::assign(*this, Mm(src, 1));
 }

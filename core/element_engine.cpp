@@ -239,19 +239,11 @@ void element_loops(Mm &out, const Mm &a, const Mm &b, op_t op) { run(out, a, b, 
 
 bool real_elements(op_t op, double *out, const double *x, ptrdiff_t n) {
     const KernelTable &table = kernels();
-    const Loops<double> &loops = table.doubles[op];
-    const Rule rule = op_rows[op].rule;
+    const auto within = table.numbers[op].within;
     std::atomic<bool> left = false;
-    by_ranges(n, loops.cost[0], [&](ptrdiff_t begin, ptrdiff_t end) {
-        constexpr ptrdiff_t block = 1024; // stays in the first-level cache
-        for (; begin < end && !left.load(std::memory_order_relaxed); begin += block) {
-            const ptrdiff_t m = std::min(block, end - begin);
-            const Operand<double> a = {x + begin, nullptr, 1};
-            if (table.any_outside(rule, a.re, m))
-                left.store(true, std::memory_order_relaxed);
-            else
-                loops.elements({out + begin, nullptr, m, a, a});
-        }
+    by_ranges(n, table.doubles[op].cost[0], [&](ptrdiff_t begin, ptrdiff_t end) {
+        if (left.load(std::memory_order_relaxed)) return;
+        if (!within(out + begin, x + begin, end - begin)) left.store(true, std::memory_order_relaxed);
     });
     return !left;
 }

@@ -15,9 +15,9 @@ Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim
 // and the extents of the result and may be a or b. For one operand b is not looked at.
 void element_loops(Mm &out, const Mm &a, const Mm &b, op_t op);
 
-// A function of one real operand, of n elements, if they all lie where it is real (its result rule). False at
-// the first that doesn't; then `out` holds nothing of use. So `out` must not be x, but where the answer is
-// known.
+// A function of one real operand whose result rule looks at the elements: n of them, if they all lie where it
+// is real. False when one doesn't; then `out` holds nothing of use. So `out` must not be x, but where the
+// answer is known.
 bool real_elements(op_t op, double *out, const double *x, ptrdiff_t n);
 
 // The operation on one real number or two, as the loops have it in the instruction set in use.

@@ -21,9 +21,7 @@ class Keep {
         auto drop = [this](int at) {
             if (at >= 0 && at < extent_) mask_[at] = 0;
         };
-        if (p.is_run() && p.inside(extent_))
-            std::fill_n(mask_.get() + p.first(), p.count(), static_cast<unsigned char>(0));
-        else if (p.kind() == Positions::valued && p.inside(extent_))
+        if (p.kind() == Positions::valued && p.inside(extent_))
             by_blocks(p, 0, p.count(), [this](ptrdiff_t, const int *at, ptrdiff_t n) {
                 unsigned char *mask = mask_.get();
                 for (ptrdiff_t k = 0; k < n; ++k) mask[at[k]] = 0;
@@ -52,7 +50,7 @@ bool retain(Mm &t, const Selection &kept, const int *dims) {
 
 // Those of n positions that stay when others go.
 bool stay(Positions &kept, const Positions &gone, int n) {
-    if (gone.kind() == Positions::masked) return kept.set_others(gone, n);
+    if (gone.kind() == Positions::masked || gone.is_run() || n <= 512) return kept.set_others(gone, n);
     Keep keep(n);
     if (!keep) return false;
     keep.remove(gone);

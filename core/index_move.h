@@ -106,7 +106,7 @@ template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, con
         if (stride == 1 && step == 1)
             copy_run(to, from, n);
         else if (stride == 1)
-            std::fill_n(to, n, *from);
+            fill_run(to, *from, n);
         else
             for (ptrdiff_t k = 0; k < n; ++k) to[k * stride] = from[k * step];
         break;

@@ -6,7 +6,6 @@
 #define QUORVEX_CORE_KERNEL_TABLE_H
 
 #include "core/op_core.h"
-#include "core/op_names.h"
 
 namespace kn {
 
@@ -17,11 +16,7 @@ struct KernelTable {
     const Loops<double> *doubles;      // by op_t
     const Loops<unsigned char> *bytes; // by op_t
     const NumberFunctions *numbers;    // by op_t
-
-    // Whether one of n elements leaves the domain in which functions of that rule are real.
-    bool (*any_outside)(Rule rule, const double *x, ptrdiff_t n);
-
-    const Moves *moves; // core/moves.h
+    const Moves *moves;                // core/moves.h
 };
 
 // The tables that this processor can run, best first; the last is baseline, and null ends the list.

@@ -34,6 +34,8 @@ struct Moves {
     // result begins shortly behind the source in its page.)
     void (*copy)(void *to, const void *from, size_t n);
 
+    void (*repeat)(double *to, double x, ptrdiff_t n);
+
     // Positions of index values (selection.h); `list` null: only what lies among them.
     PositionRange (*positions)(int *list, const double *v, ptrdiff_t n);
 

@@ -54,10 +54,13 @@ template <class T> struct Loops {
     int cost[2]; // of an element, real and complex, in about a quarter of a nanosecond
 };
 
-// The operation on one real number or on two, bit for bit as the loops have it; null for other operations.
+// An operation on real numbers, bit for bit as the loops have it; null for other operations.
 struct NumberFunctions {
     double (*unary)(double);
     double (*binary)(double, double);
+    // Where the result rule looks at the elements: n of them, if they all lie where the function is real.
+    // False soon after the first that doesn't; then `out` holds nothing of use.
+    bool (*within)(double *out, const double *x, ptrdiff_t n);
 };
 
 inline namespace KN_ISA {

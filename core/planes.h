@@ -33,6 +33,12 @@ template <class T> void copy_run(T *to, const T *from, ptrdiff_t n) {
     std::copy_n(from, n, to);
 }
 
+template <class T> void fill_run(T *to, const T &x, ptrdiff_t n) {
+    if constexpr (std::is_same_v<T, double>)
+        if (n > 16) return kernels().moves->repeat(to, x, n);
+    std::fill_n(to, n, x);
+}
+
 template <class T, class F> void planes_of(const Mm &to, const Mm &from, F f) {
     T *tag = nullptr;
     f(to.getpr(tag), static_cast<const T *>(from.getpr(tag)));

@@ -327,8 +327,9 @@ bool RefAccess::modify_in_place(const Mr &r, const Mm &src) {
     return true;
 }
 
-void RefAccess::assign(const Mr &r, const Mm &src) {
-    if (assign_element(r, src) || modify_in_place(r, src)) return;
+// What is no single element that stands there or comes behind the last.
+void RefAccess::assign_any(const Mr &r, const Mm &src) {
+    if (modify_in_place(r, src)) return;
     if (r.base_r) {
         Mm base(*r.base_r, 0);
         if (modify(base, r, src)) assign(*r.base_r, base);

@@ -10,14 +10,14 @@
 
 namespace kn {
 
-// Position that a full numeric scalar, of a whole number if asked, selects of an extent; -1 for what lies
-// outside or is no such scalar.
-inline int position_inside(const Mm &s, int extent, bool whole) {
-    if (!is_scalar_subscript(s)) return -1;
+// Whether a subscript (a double) is a full numeric scalar, of a whole number if asked, that selects a
+// position inside an extent; and which.
+template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, int extent, int &at) {
+    if (s.getnnz() != 1 || s.issparse() || s.islogical() || is_colon(s)) return false;
     double v = *s.addr() - 1.0;
-    if (!(v > -1.0 && v < extent)) return -1;
-    int at = static_cast<int>(v);
-    return whole && at != v ? -1 : at;
+    if (!(v > -1.0 && v < extent)) return false;
+    at = static_cast<int>(v);
+    return !whole || at == v;
 }
 
 struct RefAccess {
@@ -30,17 +30,22 @@ struct RefAccess {
     static Mr_idx_type kind(const Mr &r) { return r.kind; }
     static const Mm *base(const Mr &r) { return r.base_m; }
 
-    // Linear position that scalar subscripts select in a full value; -1 for anything else. An assignment asks
-    // for whole numbers: others may make the value grow.
-    static int position(const Mm &base, const Mr &r, bool whole = false) {
-        if (base.issparse()) return -1;
-        const int *dims = base.getdims();
-        if (r.nidx == 1) return position_inside(*r.idx[0], base.getnnz(), whole);
-        if (r.nidx != 2) return position_of_many(base, r, whole);
-        int i = position_inside(*r.idx[0], dims[0], whole), j = position_inside(*r.idx[1], dims[1], whole);
-        return (i | j) < 0 ? -1 : i + j * dims[0];
+    // Whether one or two scalar subscripts select an element of a full value, and its linear position. An
+    // assignment asks for whole numbers, as others may make the value grow, and one subscript may select the
+    // place behind the last element.
+    template <bool assigning = false>
+    [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, int &at) {
+        if (base.issparse()) return false;
+        if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], base.getnnz() + assigning, at);
+        int j;
+        if (r.nidx != 2 || !is_inside<assigning>(*r.idx[0], base.rows(), at) ||
+            !is_inside<assigning>(*r.idx[1], base.cols(), j))
+            return false;
+        at += j * base.rows();
+        return true;
     }
-    static int position_of_many(const Mm &base, const Mr &r, bool whole);
+    // The same for any number of subscripts: the position, or -1.
+    static int position(const Mm &base, const Mr &r);
 
     // How a chain is gone through: to be read, or to be changed, by a source that is held by `source` (null
     // for a read). To change something, nobody else may hold the values on the way to it, and the source
@@ -63,40 +68,49 @@ struct RefAccess {
     // through such elements only, and no class takes part. Null otherwise.
     static const Mm *find(const Mr &r, Way way);
 
-    // Position of the only element that r reads of a real full array; -1 for anything else.
-    static int number_position(const Mm &base, const Mr &r) {
-        if (r.kind != Mr_paren || base.gettype() != kn_double || base.isc() || base.getclassid()) return -1;
-        return position(base, r);
+    // Whether r reads one element of a real full array.
+    [[gnu::always_inline]] static bool reads_number(const Mm &base, const Mr &r, int &at) {
+        return r.kind == Mr_paren && base.gettype() == kn_double && !base.isc() && !base.getclassid() &&
+               selects_one(base, r, at);
     }
-    // Gives the only element that r selects of an array that nobody shares, or the place behind the last, a
-    // real number; false for anything else.
-    static bool assign_number(const Mm &base, const Mr &r, double x) {
-        if (r.kind != Mr_paren || base.gettype() != kn_double || base.dirty() || base.getclassid())
-            return false;
-        int at = position(base, r, true);
-        if (at < 0) at = place_behind(base, r);
-        if (at < 0) return false;
+    // A number into the only element that r selects of an array that nobody shares, or into the place behind
+    // the last of a vector with room; false for anything else.
+    [[gnu::always_inline]] static bool write_number(const Mm &base, const Mr &r, double x) {
+        int at;
+        if (r.kind != Mr_paren || !takes_numbers(base) || !selects_one<true>(base, r, at)) return false;
+        if (at == base.getnnz()) {
+            if (!is_plain(base) || at == base.getp() || (base.rows() > 1 && base.cols() > 1)) return false;
+            extend(base, base.rows() > 1 ? 0 : 1);
+        }
         base.addr()[at] = x;
         if (base.isc()) base.addi()[at] = 0.0;
         return true;
     }
-    // The place behind the last element, which becomes part of the value; -1 when r selects another one, or
-    // there is no room.
-    static int place_behind(const Mm &base, const Mr &r);
+    // The place behind the last element becomes part of the value.
+    static void extend(const Mm &m, int along) {
+        int *dims = m.getdims();
+        if (m.getnnz()++ == 0)
+            std::fill_n(dims, 4, 1);
+        else
+            ++dims[along];
+    }
+    static bool takes_numbers(const Mm &base) {
+        return base.gettype() == kn_double && !base.dirty() && !base.getclassid();
+    }
 
     static Mm record(const Mr &r);
     static Mm read(const Mr &r, int strict);
-    static Mm read_element(const Mr &r, int strict);
+    [[gnu::noinline]] static Mm read_element(const Mr &r, int strict);
     static Mm read_any(const Mr &r, int strict);
     static Mm number(const Mm &base, int at);
-    static Mm &assign_read(Mm &t, const Mr &r);
     static Mm read(const Mm &base, const Mr &r, int strict);
     static Mm read_member(const Mm &base, const char *member, int strict);
 
     // Assigns when r selects one place that is there already, or the one behind the last; the rest is left to
     // assign.
     static bool assign_element(const Mr &r, const Mm &src);
-    static void assign(const Mr &r, const Mm &src);
+    [[gnu::noinline]] static void assign(const Mr &r, const Mm &src);
+    static void assign_any(const Mr &r, const Mm &src);
     static bool modify(Mm &base, const Mr &r, const Mm &src);
     static bool modify_in_place(const Mr &r, const Mm &src);
 };

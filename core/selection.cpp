@@ -188,13 +188,26 @@ bool Positions::set_nonzero(const Mm &x) {
     return settle(bits, n, count);
 }
 
-bool Positions::set_others(const Positions &mask, int n) {
+bool Positions::set_others(const Positions &gone, int n) {
     counts_ = false;
     MaskWord *bits = bits_of(n);
     if (!bits) return false;
-    ptrdiff_t words = words_of(n), given = std::min(words, words_of(ptrdiff_t{mask.largest_} + 1));
-    for (ptrdiff_t k = 0; k < words; ++k) bits[k] = ~(k < given ? mask.bits_[k] : 0);
-    if (n % 64 != 0) bits[words - 1] &= (MaskWord{1} << n % 64) - 1;
+    const ptrdiff_t words = words_of(n);
+    std::fill_n(bits, words, ~MaskWord{0});
+    if (n % 64 != 0) bits[words - 1] = (MaskWord{1} << n % 64) - 1;
+    if (gone.kind_ == masked) {
+        ptrdiff_t given = std::min(words, words_of(ptrdiff_t{gone.largest_} + 1));
+        for (ptrdiff_t k = 0; k < given; ++k) bits[k] &= ~gone.bits_[k];
+    } else {
+        bool whole = gone.is_run(); // words at once
+        for (int k = 0; k < gone.count_; ++k) {
+            int at = gone[k];
+            if (at < 0 || at >= n) continue;
+            bool all = whole && at % 64 == 0 && gone.count_ - k >= 64;
+            bits[at / 64] &= all ? 0 : ~(MaskWord{1} << at % 64);
+            if (all) k += 63;
+        }
+    }
     ptrdiff_t count = 0;
     for (ptrdiff_t k = 0; k < words; ++k) count += std::popcount(bits[k]);
     return settle(bits, n, count);

@@ -61,11 +61,11 @@ class Positions {
     // as the positions.
     bool set(const Mm &s, int extent, int mask_end, bool alone = false);
     void set_run(int first, int count);
-    // Those of the bytes that are not 0; of the elements of a full double that are not 0; of the n positions
-    // those that a mask does not select.
+    // Those of the bytes that are not 0; of the elements of a full double that are not 0; of n positions
+    // those that are not `gone`, which takes long for a long list.
     bool set_nonzero(const unsigned char *x, int n, bool alone);
     bool set_nonzero(const Mm &x);
-    bool set_others(const Positions &mask, int n);
+    bool set_others(const Positions &gone, int n);
 
     Kind kind() const { return kind_; }
     int count() const { return count_; }

@@ -17,9 +17,15 @@ inline void transpose_part(const Transposition<unsigned char> &t, bool, bool) {
     kernels().moves->transpose_bytes(t);
 }
 
+template <class T> void transpose_elements(const Transposition<T> &t) {
+    for (ptrdiff_t c = 0; c < t.cols; ++c)
+        for (ptrdiff_t r = 0; r < t.rows; ++r) t.to[r + c * t.to_step] = t.from[r * t.from_step + c];
+}
+
 // `negated`, of doubles: -x of each element.
-template <class T> void transpose_plane(const Transposition<T> &t, bool negated = false) {
-    constexpr ptrdiff_t grain = 1 << 17; // elements worth waking a thread for
+template <class T> void transpose_plane(const Transposition<T> &t, bool negated) {
+    if (!negated && t.rows * t.cols < 64) return transpose_elements(t); // quicker than the call
+    constexpr ptrdiff_t grain = 1 << 17;                                // elements worth waking a thread for
     constexpr ptrdiff_t large = 4 << 20; // bytes that would push everything else out of the cache
     const bool streamed = t.rows * t.cols * static_cast<ptrdiff_t>(sizeof(T)) >= large;
     const bool by_rows = t.rows >= t.cols;
@@ -35,10 +41,7 @@ template <class T> void transpose_plane(const Transposition<T> &t, bool negated 
 }
 
 // Values are counted, by one thread.
-inline void transpose_plane(const Transposition<Mm> &t, bool = false) {
-    for (ptrdiff_t c = 0; c < t.cols; ++c)
-        for (ptrdiff_t r = 0; r < t.rows; ++r) t.to[r + c * t.to_step] = t.from[r * t.from_step + c];
-}
+inline void transpose_plane(const Transposition<Mm> &t, bool) { transpose_elements(t); }
 
 } // namespace kn
 

@@ -26,7 +26,7 @@ template <class T> void lay_tiles(T *to, const T *from, const int *d, const int 
             for (int c = 0; c < d[1]; c++, from += d[0]) {
                 T *run = to + c * steps[1] + k * steps[2] + l * steps[3];
                 if (d[0] == 1)
-                    std::fill_n(run, count[0], *from);
+                    kn::fill_run(run, *from, count[0]);
                 else
                     for (int t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
             }

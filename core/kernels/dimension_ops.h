@@ -1,8 +1,6 @@
-// The kernels that run along one dimension, each for doubles and for bytes.
-//
-// Memory is walked in order whatever the dimension: where the elements of a slice are neighbours, slice by
-// slice; where they are not, row by row through a group of slices, with the running values in the result. The
-// order of the operations within a slice is that of its elements in both.
+// The kernels that run along one dimension, each for doubles and for bytes: sums.cpp, extremes.cpp, truth.cpp
+// and dimension_ops.cpp. How they walk, slices.h says; in which order sum adds, sums.cpp. Every other one
+// takes the elements of a slice in order, or gives what that gives.
 #ifndef QUORVEX_CORE_DIMENSION_OPS_H
 #define QUORVEX_CORE_DIMENSION_OPS_H
 

@@ -9,26 +9,55 @@ namespace kn::inline KN_ISA {
 
 namespace {
 
-template <class K> constexpr NumberFunctions numbers_for() {
-    if constexpr (along_dimension<K>)
-        return {nullptr, nullptr};
-    else if constexpr (unary<K>)
-        return {[](double x) -> double { return K::r(x); }, nullptr};
-    else
-        return {nullptr, [](double x, double y) -> double { return K::r(x, y); }};
+// In the type of the elements, so that the compiler selects by the mask of the comparison.
+template <Rule rule> double seen(double found, double x) { return is_outside<rule>(x) ? 1 : found; }
+
+// Four quarters at once, so that no element waits for the one before.
+template <Rule rule> bool any_outside(const double *x, ptrdiff_t n) {
+    const ptrdiff_t q = n / 4;
+    double f0 = 0, f1 = 0, f2 = 0, f3 = 0;
+    for (ptrdiff_t k = 0; k < q; ++k) {
+        f0 = seen<rule>(f0, x[k]);
+        f1 = seen<rule>(f1, x[k + q]);
+        f2 = seen<rule>(f2, x[k + 2 * q]);
+        f3 = seen<rule>(f3, x[k + 3 * q]);
+    }
+    for (ptrdiff_t k = 4 * q; k < n; ++k) f0 = seen<rule>(f0, x[k]);
+    return f0 + f1 + f2 + f3 > 0;
 }
 
-// By blocks, so that an early answer is taken. The answers are doubles like the elements, so that the
-// compiler selects by the mask of the comparison.
-template <Rule rule> bool outside(const double *x, ptrdiff_t n) {
+// One block is asked and computed, in one loop where that is simple, before the next one.
+template <Rule rule, class K> bool within(double *out, const double *x, ptrdiff_t n) {
     constexpr ptrdiff_t block = 1024;
-    for (ptrdiff_t begin = 0; begin < n; begin += block) {
-        const ptrdiff_t end = n - begin < block ? n : begin + block;
-        double found = 0;
-        for (ptrdiff_t k = begin; k < end; ++k) found = is_outside<rule>(x[k]) ? 1 : found;
-        if (found != 0) return true;
+    for (; n > 0; n -= block, out += block, x += block) {
+        const ptrdiff_t m = n < block ? n : block;
+        if constexpr (kernel::real_vectors<K>) {
+            if (any_outside<rule>(x, m)) return false;
+            const Operand<double> a = {x, nullptr, 1};
+            DoubleLoops<K>::unary({out, nullptr, m, a, a});
+        } else {
+            double found = 0;
+            KN_INDEPENDENT
+            for (ptrdiff_t k = 0; k < m; ++k) {
+                found = seen<rule>(found, x[k]);
+                out[k] = K::r(x[k]);
+            }
+            if (found > 0) return false;
+        }
     }
-    return false;
+    return true;
+}
+
+template <Rule rule, class K> constexpr NumberFunctions numbers_for() {
+    NumberFunctions f = {};
+    if constexpr (along_dimension<K>)
+        return f;
+    else if constexpr (unary<K>)
+        f.unary = [](double x) -> double { return K::r(x); };
+    else
+        f.binary = [](double x, double y) -> double { return K::r(x, y); };
+    if constexpr (looks_at_elements(rule)) f.within = within<rule, K>;
+    return f;
 }
 
 } // namespace
@@ -40,24 +69,9 @@ const Loops<double> double_loops[op_count_] = {
 };
 
 const NumberFunctions number_functions[op_count_] = {
-#define KN_ROW(name, group, rule, K) numbers_for<kernel::K>(),
+#define KN_ROW(name, group, rule, K) numbers_for<Rule::rule, kernel::K>(),
     QUORVEX_OPERATIONS(KN_ROW)
 #undef KN_ROW
 };
-
-bool any_outside(Rule rule, const double *x, ptrdiff_t n) {
-    switch (rule) {
-    case Rule::negative: return outside<Rule::negative>(x, n);
-    case Rule::outside_one: return outside<Rule::outside_one>(x, n);
-    case Rule::outside_zero_one: return outside<Rule::outside_zero_one>(x, n);
-    case Rule::inside_one: return outside<Rule::inside_one>(x, n);
-    case Rule::below_one: return outside<Rule::below_one>(x, n);
-    case Rule::never:
-    case Rule::operand:
-    case Rule::power_rule:
-    case Rule::logical: break;
-    }
-    return false;
-}
 
 } // namespace kn::inline KN_ISA

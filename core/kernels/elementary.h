@@ -133,16 +133,18 @@ template <class T> T nearest(T x) { return (x + 0x1.8p52) - 0x1.8p52; }
 
 // n is a whole number from 0 on.
 template <class T> Sum<T> whole_power(Sum<T> x, T n) {
-    Sum<T> p = {same<T>(1), same<T>(0)};
-    for (;;) {
-        T half = nearest(n * 0.5 - 0.25);
-        auto odd = n != half + half;
-        Sum<T> q = p * x;
-        p = {odd ? q.high : p.high, odd ? q.low : p.low};
-        if (all(half == 0)) return p;
+    T half = nearest(n * 0.5 - 0.25);
+    auto odd = n != half + half;
+    Sum<T> p = {odd ? x.high : same<T>(1), odd ? x.low : same<T>(0)};
+    while (any(half != 0)) {
         x = x * x;
         n = half;
+        half = nearest(n * 0.5 - 0.25);
+        odd = n != half + half;
+        Sum<T> q = p * x;
+        p = {odd ? q.high : p.high, odd ? q.low : p.low};
     }
+    return p;
 }
 
 // Of x above 0, or of any x where y is whole.

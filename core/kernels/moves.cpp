@@ -51,6 +51,10 @@ void copy(void *to, const void *from, size_t n) {
     std::memcpy(to, from, n);
 }
 
+void repeat(double *to, double x, ptrdiff_t n) {
+    for (ptrdiff_t k = 0; k < n; ++k) to[k] = x;
+}
+
 // ---- Positions ----
 
 // As kn::position.
@@ -313,8 +317,11 @@ inline void store(double *to, Vector x) { *to = x; }
 inline Vector repeated(double x) { return x; }
 inline Vector counting(double first) { return first; }
 inline Vector compressed(Vector x, unsigned) { return x; }
-inline Vector expanded(Vector old, Vector x, unsigned bits) { return bits ? x : old; }
-inline Vector blended(Vector old, Vector x, unsigned bits) { return bits ? x : old; }
+inline Vector blended(Vector old, Vector x, unsigned bits) {
+    uint64_t keep = uint64_t{bits} - 1, a = std::bit_cast<uint64_t>(old), b = std::bit_cast<uint64_t>(x);
+    return std::bit_cast<double>((a & keep) | (b & ~keep));
+}
+inline Vector expanded(Vector old, Vector x, unsigned bits) { return blended(old, x, bits); }
 
 #endif
 
@@ -385,8 +392,8 @@ void fill(double *to, const MaskWord *bits, ptrdiff_t n, double x) {
 } // namespace
 
 extern const Moves moves = {
-    copy,   positions, bits_of<IsMask>, bits_of<IsNonzero>, byte_bits,       compress,
-    expand, fill,      numbers,         transpose_doubles,  transpose_bytes,
+    copy,     repeat, positions, bits_of<IsMask>, bits_of<IsNonzero>, byte_bits,
+    compress, expand, fill,      numbers,         transpose_doubles,  transpose_bytes,
 };
 
 } // namespace kn::inline KN_ISA

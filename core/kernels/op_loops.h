@@ -127,7 +127,8 @@ template <class K> struct DoubleLoops {
 
     // One operand. An expanded one is computed once.
     static void unary(const Elements<D> &e) {
-        ptrdiff_t n = e.a.step ? e.n : std::min<ptrdiff_t>(e.n, 1);
+        if (e.n < 1) return;
+        ptrdiff_t n = e.a.step ? e.n : 1;
         one(e.re, e.im, e.a.re, e.a.im, n);
         for (D *plane : {e.re, e.im})
             if (plane && n == 1) std::fill(plane + 1, plane + e.n, plane[0]);
@@ -161,6 +162,7 @@ template <class K> struct DoubleLoops {
 
     // Two operands.
     static void binary(const Elements<D> &e) {
+        if (e.n < 1) return;
         const Operand<D> &a = e.a, &b = e.b;
         bool planes_in = a.im || b.im;
         if constexpr (to_complex<K>) {
@@ -254,7 +256,7 @@ template <class K> struct ByteLoops {
     }
 
     static void unary(const Elements<B> &e) {
-        if (no_values(e)) return;
+        if (e.n < 1 || no_values(e)) return;
         if (e.a.step)
             map(e.re, e.a.re, e.n, [](B x) { return value(x); });
         else
@@ -263,7 +265,7 @@ template <class K> struct ByteLoops {
     }
 
     static void binary(const Elements<B> &e) {
-        if (no_values(e)) return;
+        if (e.n < 1 || no_values(e)) return;
         const B *a = e.a.re, *b = e.b.re;
         B *out = e.re;
         if (e.a.step && e.b.step) {

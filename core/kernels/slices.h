@@ -128,16 +128,17 @@ template <class T> bool are_tiny(const Slices<T> &s) {
     return s.stride == 1 && s.len <= tiny && sizeof(T) > 1;
 }
 
-// Has n elements brought into the cache, which are about to be walked by several slices at once: the
-// processor foresees only single runs, and long ones.
-template <class T> inline void expect(const T *x, ptrdiff_t n) {
+// What is beyond this many elements comes from memory.
+constexpr ptrdiff_t in_cache = 1 << 17;
+
+// Announces n elements to the memory.
+template <class T> inline void announce(const T *x, ptrdiff_t n) {
 #if defined(__GNUC__)
     for (ptrdiff_t k = 0; k < n; k += 64 / static_cast<ptrdiff_t>(sizeof(T))) __builtin_prefetch(x + k);
 #else
     (void)x, (void)n;
 #endif
 }
-constexpr ptrdiff_t foreseen = 512; // elements of a run
 
 // One result for each slice: start(first element), then step(value, element) over all its elements.
 template <class T, class Start, class Step>
@@ -147,10 +148,12 @@ void reduce(T *out, const T *x, const Slices<T> &s, Start start, Step step) {
         return for_each_tiny(s, [=]<int L>(ptrdiff_t begin, ptrdiff_t end) {
             for (; begin < end; ++begin) out[begin] = over<L>(start(x[begin * L]), x + begin * L, 1, step);
         });
+    // The processor foresees only long runs when there are several at once.
+    const bool unforeseen = stride == 1 && len >= 64 && len < 512 && len * s.outer > in_cache;
     if (stride < few)
         return for_each_group(s, 1, at_once<T>, [=]<int W>(ptrdiff_t at, ptrdiff_t to, ptrdiff_t pitch) {
             const T *c = x + at;
-            if (stride == 1 && len >= 64 && len < foreseen) expect(c + W * len, W * len);
+            if (unforeseen) announce(c + W * len, W * len);
             T v[W];
             for (int w = 0; w < W; ++w) v[w] = start(c[w * pitch]);
             for (ptrdiff_t k = 0; k < len; ++k)
@@ -175,7 +178,6 @@ template <class T> auto from(T start) {
 // The same, storing every step. Neighbours one by one where they don't fit the cache: more runs at once would
 // only be more runs for the memory.
 template <class T, class Step> void accumulate(T *out, const T *x, const Slices<T> &s, T start, Step step) {
-    constexpr ptrdiff_t fits = 1 << 17;
     const ptrdiff_t len = s.len, stride = s.stride;
     if (are_tiny(s))
         return for_each_tiny(s, [=]<int L>(ptrdiff_t begin, ptrdiff_t end) {
@@ -183,16 +185,17 @@ template <class T, class Step> void accumulate(T *out, const T *x, const Slices<
                 for (T v = start, *y = out + k, *last = y + L; y < last; ++y) *y = v = step(v, x[y - out]);
         });
     if (stride < few)
-        return for_each_group(
-            s, len, s.total > fits ? 1 : at_once<T>, [=]<int W>(ptrdiff_t at, ptrdiff_t to, ptrdiff_t pitch) {
-                const T *__restrict c = x + at;
-                T *__restrict y = out + to;
-                T v[W];
-                for (int w = 0; w < W; ++w) v[w] = start;
-                for (ptrdiff_t k = 0; k < len; ++k)
-                    for (int w = 0; w < W; ++w)
-                        y[w * pitch + k * stride] = v[w] = step(v[w], c[w * pitch + k * stride]);
-            });
+        return for_each_group(s, len, s.total > in_cache ? 1 : at_once<T>,
+                              [=]<int W>(ptrdiff_t at, ptrdiff_t to, ptrdiff_t pitch) {
+                                  const T *__restrict c = x + at;
+                                  T *__restrict y = out + to;
+                                  T v[W];
+                                  for (int w = 0; w < W; ++w) v[w] = start;
+                                  for (ptrdiff_t k = 0; k < len; ++k)
+                                      for (int w = 0; w < W; ++w)
+                                          y[w * pitch + k * stride] = v[w] =
+                                              step(v[w], c[w * pitch + k * stride]);
+                              });
     auto rows = [=](ptrdiff_t at, ptrdiff_t to, ptrdiff_t n) {
         const T *__restrict row = x + at;
         T *__restrict y = out + to;

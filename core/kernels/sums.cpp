@@ -1,18 +1,18 @@
 // Sums and products along a dimension.
 //
-// prod, cumprod and cumsum take the elements in order. sum takes them by groups of eight, which it adds
-// plainly; the sums of groups are added by TwoSum (the sum and its rounding error, both kept), so that the
-// error hardly grows with the number of elements.
+// prod, cumprod and cumsum take the elements in order. So does sum of up to 8 elements; more of them it takes
+// by groups of 8, which it adds plainly. The sums of groups are added by TwoSum (the sum and its rounding
+// error, both kept), so that the error hardly grows with the number of elements. In this order:
 //
-//   many slices side by side  Of each slice the elements 0 to 7, 8 to 15, ... are groups, added in order; the
-//                             last group is what is left.
-//   neighbours, and fewer     Element k goes to lane k mod 8, but of the last elements that don't fill a row
-//   of than 16 side by side      8 lanes the last one goes to lane 7, the one before to lane 6, ... Each lane
-//   is
-//                             summed as above. Lanes are added up by halves: l and l + 4, l and l + 2, l and
-//                             l + 1. That makes the sum of up to 65536 elements; those of a longer slice are
-//                             added up in order. Slices of fewer than 64 elements have plain sums of lanes,
-//                             of fewer than 8 the plain sum in order.
+//   Many slices side by side (16 and more, or slices of fewer than 64 elements). Of each slice the elements
+//   0 to 7, 8 to 15, ... are the groups, added up in order. The last group is what is left.
+//
+//   Neighbours, and fewer slices side by side. A slice has 8 lanes. Element k goes to lane k mod 8, but of
+//   the last elements that don't fill a row of lanes the last one goes to lane 7, the one before it to lane
+//   6, and so on. Each lane is summed as above; the incomplete row belongs to the last group. Then lanes are
+//   added up by halves: l and l + 4, l and l + 2, l and l + 1. This makes the sum of up to 65536 elements;
+//   the sums of the parts of a longer slice are added up in order. (Fewer than 64 elements are one group in
+//   each lane, and the lanes are added plainly.)
 //
 // The result is the sum plus the sum of the errors, or just the sum when that is not finite: infinities and
 // NaN give what they give in any plain sum. Where lanes overflow although all elements are finite, the
@@ -104,7 +104,7 @@ template <class S> inline void sum_lanes(double *hi, double *lo, const double *x
 }
 
 // The sum of a slice whose lanes gave v, which is not finite.
-__attribute__((noinline)) double in_order(double v, const double *x, ptrdiff_t len, ptrdiff_t stride) {
+[[gnu::noinline]] double in_order(double v, const double *x, ptrdiff_t len, ptrdiff_t stride) {
     double sum = 0;
     for (ptrdiff_t k = 0; k < len; ++k) {
         if (!finite(x[k * stride])) return v;
@@ -173,13 +173,15 @@ void sum_short(double *out, const double *x, const Slices<double> &s) {
 }
 
 void sum_rows(double *out, const double *x, const Slices<double> &s) {
-    for_each_piece(s, 1, [=, len = s.len, stride = s.stride](ptrdiff_t at, ptrdiff_t to, ptrdiff_t n) {
-        double hi[piece], lo[piece];
+    const ptrdiff_t len = s.len, stride = s.stride;
+    for_each_piece(s, 1, [=](ptrdiff_t at, ptrdiff_t to, ptrdiff_t n) {
+        alignas(64) double hi[piece], lo[piece];
         const double *row = x + at;
         for (ptrdiff_t l = 0; l < n; ++l) hi[l] = lo[l] = 0;
-        for (ptrdiff_t k = 0; k < len; k += group, row += group * stride)
+        for (ptrdiff_t k = 0; k < len; k += group, row += group * stride) {
             with_width<group>(std::min(group, len - k),
                               [&]<int R>() { add_rows<R>(hi, lo, row, stride, n); });
+        }
         for (ptrdiff_t l = 0; l < n; ++l) out[to + l] = total(hi[l], lo[l]);
     });
 }

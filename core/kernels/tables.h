@@ -11,7 +11,6 @@ namespace kn::inline KN_ISA {
 extern const Loops<double> double_loops[op_count_];
 extern const Loops<unsigned char> byte_loops[op_count_];
 extern const NumberFunctions number_functions[op_count_];
-bool any_outside(Rule rule, const double *x, ptrdiff_t n);
 extern const Moves moves;
 void transpose_doubles(const Transposition<double> &t, bool negated, bool streamed);
 void transpose_bytes(const Transposition<unsigned char> &t);

@@ -65,9 +65,9 @@ template <class K, class T> void rows(const Slices<T> &s) {
         std::fill(v, v + n, K::template start<T>);
         const T *x = s.are + at;
         ptrdiff_t k = 0, test = 8;
-        for (; k + 8 <= s.len; k += 8) {
-            over_rows<8>(v, x + k * s.stride, s.stride, n, K::step);
-            if (k + 8 < test) continue;
+        for (; k + 4 <= s.len; k += 4) {
+            over_rows<4>(v, x + k * s.stride, s.stride, n, K::step);
+            if (k + 4 < test) continue;
             if (decided<K>(v, n)) return;
             test += std::min<ptrdiff_t>(test, 128);
         }

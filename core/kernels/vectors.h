@@ -69,17 +69,27 @@ struct Part {
 inline V load(const double *p, Whole at) { return KN_SIMD(loadu_pd)(p + at.k); }
 inline void store(double *p, Whole at, V x) { KN_SIMD(storeu_pd)(p + at.k, x); }
 
+inline Mask first(ptrdiff_t n) {
+    V place = {};
+    for (int k = 0; k < lanes; ++k) place[k] = k;
+    return place < static_cast<double>(n);
+}
+
 // The lanes behind the last element repeat it.
+#if KN_VECTOR_BYTES == 64
 inline V load(const double *p, Part at) {
-    double x[lanes];
-    for (ptrdiff_t k = 0; k < lanes; ++k) x[k] = p[at.k + (k < at.n ? k : at.n - 1)];
-    return load(x, Whole{0});
+    return _mm512_mask_loadu_pd(same<V>(p[at.k + at.n - 1]), bits(first(at.n)), p + at.k);
 }
-inline void store(double *p, Part at, V v) {
-    double x[lanes];
-    store(x, Whole{0}, v);
-    for (ptrdiff_t k = 0; k < at.n; ++k) p[at.k + k] = x[k];
+inline void store(double *p, Part at, V x) { _mm512_mask_storeu_pd(p + at.k, bits(first(at.n)), x); }
+#else
+inline V load(const double *p, Part at) {
+    Mask on = first(at.n);
+    return on ? _mm256_maskload_pd(p + at.k, reinterpret_cast<__m256i>(on)) : same<V>(p[at.k + at.n - 1]);
 }
+inline void store(double *p, Part at, V x) {
+    _mm256_maskstore_pd(p + at.k, reinterpret_cast<__m256i>(first(at.n)), x);
+}
+#endif
 
 // f(Whole) and then f(Part) for n elements.
 template <class F> void for_lanes(ptrdiff_t n, F f) {

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <complex>
+#include <cstring>
 #include <functional>
+#include <random>
 #include <vector>
 
+#include "core/kernel_table.h"
 #include "core/op_names.h"
+#include "core/parallel.h"
 #include "core/scalar_kernels.h"
 #include "support/support.h"
 
@@ -198,6 +202,192 @@ TEST(DimensionOps, positions_of_the_first_best) {
     // The first of equal values, +0 and -0.
     EXPECT_FALSE(std::signbit(max(row({0.0, -0.0})).r()));
     EXPECT_TRUE(std::signbit(max(row({-0.0, 0.0})).r()));
+}
+
+// Slices that end around the limits of lanes, groups and parts, neighbours and side by side.
+TEST(DimensionOps, best_of_long_slices_is_the_first_one) {
+    test::Random random(11);
+    for (int stride : {1, 3, 20})
+        for (int len : {7, 9, 31, 63, 65, 200, 8191, 8193, 16500}) {
+            if (stride == 20 && len > 200) continue;
+            for (double zeros : {0.0, -0.0}) {
+                SCOPED_TRACE(std::to_string(stride) + " of " + std::to_string(len));
+                // Few values, the largest a zero of either sign, or its negative the smallest.
+                Mm a(0, 0, 0, stride, len, kn_double);
+                for (int k = 0; k < a.getnnz(); ++k) {
+                    int n = random.below(400);
+                    a.addr()[k] = n == 0 ? zeros : n == 1 ? -zeros : n < 20 ? nan : -1 - n % 3;
+                }
+                Best most = max_of(a, 2.0), least = min_of(-a, 2.0);
+                Mm values = max(a, Mm(), 2.0);
+                for (int i = 0; i < stride; ++i) {
+                    int at = 0;
+                    double best = std::isnan(a.addr()[i]) ? -inf : a.addr()[i];
+                    for (int k = 0; k < len; ++k)
+                        if (a.addr()[k * stride + i] > best) best = a.addr()[k * stride + i], at = k;
+                    for (double got : {most.y.addr()[i], -least.y.addr()[i], values.addr()[i]}) {
+                        ASSERT_EQ(got, best);
+                        ASSERT_EQ(std::signbit(got), std::signbit(best));
+                    }
+                    ASSERT_EQ(most.i.addr()[i], at + 1);
+                    ASSERT_EQ(least.i.addr()[i], at + 1);
+                }
+            }
+        }
+}
+
+TEST(DimensionOps, one_element_decides_wherever_it_is) {
+    for (int stride : {1, 3, 20})
+        for (int len : {5, 8, 9, 70, 1500, 140000}) {
+            if (stride == 20 && len > 1500) continue;
+            Mm a = zeros(stride, len), b = a + 1.0, wanted = zeros(stride, 1);
+            wanted.addr()[stride - 1] = 1;
+            for (int k : {0, len / 2, len - 2, len - 1}) {
+                int last = k * stride + stride - 1;
+                a.addr()[last] = nan;
+                b.addr()[last] = -0.0;
+                ASSERT_SAME(any(a, 2.0), test::logical_of(wanted)) << stride << " of " << len;
+                ASSERT_SAME(all(b, 2.0), test::logical_of(1.0 - wanted)) << stride << " of " << len;
+                a.addr()[last] = 0;
+                b.addr()[last] = 1;
+            }
+        }
+}
+
+// -- Sums: their error, and the same bits in every instruction set and for any number of threads.
+
+// The root of the mean square of errors, along dimension d of a matrix, of sum and of pairwise summation.
+struct Errors {
+    double ours = 0, pairwise = 0;
+};
+double pairwise(const double *x, size_t n) {
+    return n == 1 ? *x : pairwise(x, n / 2) + pairwise(x + n / 2, n - n / 2);
+}
+Errors errors_of_sums(const Mm &a, int d) {
+    Errors e;
+    Mm s = sum(a, d), slices = d == 1 ? a : transpose(a);
+    const size_t n = static_cast<size_t>(slices.rows());
+    for (int k = 0; k < slices.cols(); ++k) {
+        const double *x = slices.addr() + static_cast<size_t>(k) * n;
+        long double exact = 0, rest = 0; // twice the precision of long double
+        for (size_t l = 0; l < n; ++l) {
+            long double t = exact + x[l], v = t - exact;
+            rest += (exact - (t - v)) + (x[l] - v);
+            exact = t;
+        }
+        auto square = [&](double v) {
+            long double off = v - exact - rest;
+            return static_cast<double>(off * off) / slices.cols();
+        };
+        e.ours += square(s.addr()[k]);
+        e.pairwise += square(pairwise(x, n));
+    }
+    return {std::sqrt(e.ours), std::sqrt(e.pairwise)};
+}
+
+TEST(DimensionOps, sums_are_at_least_as_accurate_as_pairwise_ones) {
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> unit(0, 1);
+    std::vector<double> x(1000000);
+    for (double &v : x) v = unit(random);
+    EXPECT_LE(errors_of_sums(col(x), 1).ours, 0x1p-35); // of half a million: half a unit in the last place
+    // What is left where large numbers cancel.
+    for (size_t k = 0; k < x.size(); k += 2) {
+        x[k + 1] = 1e-6 * x[k + 1] - 1e6 * x[k];
+        x[k] *= 1e6;
+    }
+    std::ranges::shuffle(x, random);
+    for (int rows : {100, 20000, 250000}) {
+        Errors down = errors_of_sums(reshape(col(x), rows, 1000000 / rows), 1);
+        Errors across = errors_of_sums(reshape(col(x), 1000000 / rows, rows), 2);
+        EXPECT_LE(down.ours, down.pairwise) << rows;
+        EXPECT_LE(across.ours, across.pairwise) << rows;
+    }
+}
+
+TEST(DimensionOps, sums_that_are_not_finite) {
+    for (int len : {5, 20, 100, 70000})
+        for (int stride : {1, 20}) {
+            SCOPED_TRACE(std::to_string(stride) + " of " + std::to_string(len));
+            Mm a(0, 0, 0, stride, len, kn_double);
+            double *x = a.addr();
+            auto fill = [&](double even, double odd) {
+                for (int k = 0; k < len * stride; ++k) x[k] = k / stride % 2 ? odd : even;
+            };
+            auto sum_is = [&](double wanted) {
+                Mm s = sum(a, 2.0);
+                for (int i = 0; i < stride; ++i)
+                    if (std::memcmp(s.addr() + i, &wanted, sizeof wanted) != 0) return false;
+                return true;
+            };
+            fill(-0.0, -0.0);
+            EXPECT_TRUE(sum_is(0.0));
+            fill(1.7e308, -1.7e308); // no two of one sign are finite
+            EXPECT_TRUE(sum_is(len % 2 ? 1.7e308 : 0.0));
+            fill(1.7e308, 1.7e308);
+            EXPECT_TRUE(sum_is(inf));
+            fill(1, 2);
+            for (int i = 0; i < stride; ++i) x[i] = -inf;
+            EXPECT_TRUE(sum_is(-inf));
+            for (int i = 0; i < stride; ++i) x[(len - 1) * stride + i] = inf;
+            EXPECT_TRUE(std::isnan(sum(a, 2.0).addr()[stride - 1]));
+        }
+}
+
+// All reductions of one array in one row of bits. Any NaN is the same.
+std::vector<double> all_of_them(const Mm &a, const Mm &d) {
+    std::vector<double> bits;
+    auto take = [&](const Mm &m) {
+        for (const double *plane : {m.addr(), m.addi()})
+            for (int k = 0; plane && k < m.getnnz(); ++k)
+                bits.push_back(std::isnan(plane[k]) ? 0.5 : plane[k]);
+    };
+    using Along = Mm (*)(const Mm &, const Mm &);
+    for (Along f : std::initializer_list<Along>{sum, prod, cumsum, cumprod, any, all}) take(f(a, d));
+    for (auto f : {max_of, min_of}) {
+        Best b = f(a, d);
+        take(b.y);
+        take(b.i);
+        take(f == max_of ? max(a, Mm(), d) : min(a, Mm(), d));
+    }
+    return bits;
+}
+
+TEST(DimensionOps, same_bits_in_all_instruction_sets_and_for_any_threads) {
+    const std::vector<std::vector<int>> shapes = {
+        {9, 40},     {255, 9},    {256, 9},    {257, 9},    {65535, 1},  {65536, 1},  {65537, 2},
+        {700000, 1}, {3, 130000}, {15, 70000}, {16, 20000}, {1030, 300}, {2, 70, 40}, {40, 2500, 4}};
+    const kn::KernelTable &last = kn::kernels();
+    std::mt19937 random(7);
+    std::normal_distribution<double> normal;
+    for (bool complex : {false, true})
+        for (bool special : {false, true})
+            for (const auto &shape : shapes) {
+                Mm a(complex, 0, 0, static_cast<int>(shape.size()), shape.data(), kn_double);
+                if (complex && a.getnnz() > 100000) continue;
+                for (double *plane : {a.addr(), a.addi()})
+                    for (int k = 0; plane && k < a.getnnz(); ++k) {
+                        plane[k] = normal(random) * 1.5;
+                        if (special && random() % 4096 == 0)
+                            plane[k] = std::initializer_list<double>{0, -0.0, inf, nan}.begin()[random() % 4];
+                    }
+                for (int d = 1; d <= static_cast<int>(shape.size()); ++d) {
+                    std::vector<double> wanted;
+                    for (auto table = kn::available_kernels(); *table; ++table)
+                        for (int threads : {1, 2}) {
+                            kn::use_kernels(**table);
+                            kn::set_thread_count(threads);
+                            std::vector<double> got = all_of_them(a, d);
+                            if (wanted.empty()) wanted = got;
+                            ASSERT_EQ(got.size(), wanted.size());
+                            ASSERT_EQ(std::memcmp(got.data(), wanted.data(), sizeof(double) * got.size()), 0)
+                                << (*table)->name << ", " << threads << " threads, " << shape[0] << " by "
+                                << shape[1] << " along " << d;
+                        }
+                }
+            }
+    kn::use_kernels(last);
+    kn::set_thread_count(0);
 }
 
 TEST(DimensionOps, complex_best_is_by_modulus_and_a_nan_wins) {

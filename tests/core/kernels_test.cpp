@@ -202,7 +202,7 @@ TEST(Kernels, elements_do_not_depend_on_their_neighbours) {
 
 TEST(Kernels, large_results_do_not_depend_on_threads) {
     test::Random random(8);
-    Mm a = randn(300.0, 300.0), b = randn(300.0, 300.0), x = 0.5;
+    Mm a = randn(560.0, 560.0), b = randn(560.0, 560.0), x = 0.5;
     for (int op = 0; op < op_count_; ++op) {
         if (kinds[op].along) continue;
         SCOPED_TRACE(kn::op_name(op));
@@ -217,6 +217,7 @@ TEST(Kernels, large_results_do_not_depend_on_threads) {
             Mm shared = Mm(0, u, right, nop_M, code, 0, l_M);
             kn::set_thread_count(0);
             ASSERT_SAME(shared, alone);
+            if (kinds[op].unary) break;
         }
     }
 }
@@ -230,7 +231,6 @@ TEST(Kernels, real_elements_stop_where_reals_end) {
         EXPECT_TRUE(kn::real_elements(op_log, out.data(), x.data(), n));
         x[x.size() - 1] = -1;
         EXPECT_FALSE(kn::real_elements(op_log, out.data(), x.data(), n));
-        EXPECT_TRUE(kn::real_elements(op_exp, out.data(), x.data(), n));
     }
 }
 
