@@ -40,8 +40,8 @@ bool make_room(Mm &t) {
     int room = grown_room(n, n + 1);
     Mm fresh(0, 0, 0, room, 1, kn_Mm);
     if (lacks(fresh, room) || !copy_fields(fresh, t)) return false;
-    std::move(re<Mm>(t), re<Mm>(t) + n, re<Mm>(fresh));
     std::copy_n(t.getdims(), 4, dims);
+    Header::move_values(fresh, t);
     set_extents(fresh, dims);
     take(t, fresh);
     return true;
@@ -123,7 +123,7 @@ bool RefAccess::assign_element(const Mr &r, const Mm &src) {
     int f = of_array ? find_field(*base, r.member_name) : 0;
     if (along < 0 || f < 0) return false;
     // The source may be an element, and elements move.
-    Mm element = of_array ? blank<Mm>(*base) : src;
+    Mm element = of_array ? Header::values(base->getnfields()) : src;
     if (of_array) {
         if (lacks(element, base->getnfields())) return true;
         re<Mm>(element)[f] = src;

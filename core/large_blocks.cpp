@@ -93,11 +93,12 @@ struct Cache {
         return m;
     }
 
-    // The block for a request, its start null when there is none.
+    // The block for a request, its start null when there is none. Of equal ones the one freed last, which may
+    // still be in the processor's caches.
     Mapping take(size_t size) {
         Mapping *best = nullptr;
         for (Mapping *m = blocks; m != blocks + count; ++m)
-            if (m->size >= size && m->size / 2 <= size && (!best || m->size < best->size)) best = m;
+            if (m->size >= size && m->size / 2 <= size && (!best || m->size <= best->size)) best = m;
         return best ? remove(best) : Mapping{};
     }
 

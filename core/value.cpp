@@ -186,6 +186,32 @@ Mm Header::real_like(const Mm &like) {
     return out;
 }
 
+Mm Header::values(int n) {
+    if (n < 1) return Mm(0, 0, 0, 0, 0, kn_Mm);
+    Mm out;
+    ValueArray *array = ValueArray::make(n);
+    if (!array) {
+        out_of_memory();
+        return out;
+    }
+    out.flags.type = kn_Mm;
+    out.dims[0] = out.dims[2] = out.dims[3] = 1;
+    out.dims[1] = out.nnz = out.p = n;
+    out.pr = array->values();
+    out.refcount = &array->count;
+    return out;
+}
+
+// Headers are moved as they are: no count changes.
+void Header::move_values(Mm &to, Mm &from) {
+    const int n = from.nnz;
+    Mm *elements = static_cast<Mm *>(from.pr);
+    std::memcpy(to.pr, from.pr, static_cast<size_t>(n) * sizeof(Mm));
+    for (int k = n; k < from.p; ++k) elements[k].~Mm();
+    ValueArray::of(from.refcount)->n = 0;
+    from.nnz = 0;
+}
+
 // Takes over the header of src, but not what belongs to this variable: name, shadow, persistent and global.
 // Field by field, as the fields were written: wider moves would wait for the writes (see
 // cmake/library.cmake).

