@@ -170,6 +170,10 @@ void *kn_block_alloc(size_t n) {
     } else {
         Lock lock(block_lock);
         p = buckets.take(m);
+        if (!p) {
+            release_large_blocks();
+            p = buckets.take(m);
+        }
         if (!p) return nullptr;
         p += front_size;
         p[-1] = 0;

@@ -20,10 +20,11 @@ struct Header {
     // A real full double with the extents of `like`; empty without memory.
     static Mm real_like(const Mm &like);
 
-    // A row of n empty elements without spare ones, for the field values of a structure; empty without memory.
+    // A row of n empty elements without spare ones, for the field values of a structure; empty without
+    // memory.
     static Mm values(int n);
-    // The elements of `from`, which nobody shares, become the first of `to`, so far empty ones. `from` is left
-    // without elements.
+    // The elements of `from`, which nobody shares, become the first of `to`, so far empty ones. `from` is
+    // left without elements.
     static void move_values(Mm &to, Mm &from);
 
     // Of numbers: core/numbers.h.

@@ -44,7 +44,7 @@ inline Mm::Mm(const Number &n)
 inline void Mm::hold_nothing() {
     ndims = 2;
     dims[0] = dims[1] = dims[2] = dims[3] = 0;
-    p = kn::block_slack;
+    p = 0;
     refcount = &kn::empty_block.count;
     pr = kn::empty_block.data;
     pi = nullptr;
@@ -55,6 +55,15 @@ inline void Mm::hold_nothing() {
     classid = 0;
     flags.sparse = 0;
     flags.type = kn_double;
+}
+
+// The same for a number, where the other fields are so already.
+inline void Mm::give_number() {
+    dims[0] = dims[1] = dims[2] = dims[3] = 0;
+    p = 0;
+    refcount = &kn::empty_block.count;
+    pr = kn::empty_block.data;
+    nnz = 0;
 }
 
 // A real scalar in a block of its own, in which another number may take its place.
@@ -80,7 +89,7 @@ inline Mm Header::number(double x, bool logical) {
 inline Mm Header::number_in(Mm &temporary, double x, bool logical) {
     if (!temporary.is_number() || temporary.index) return number(x, logical);
     void *block = temporary.pr;
-    temporary.hold_nothing();
+    temporary.give_number();
     return Mm(Mm::Number{block, x, logical, false});
 }
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/large_blocks.h"
 #include "quorvex/messages.h"
 
 namespace kn {
@@ -14,7 +15,12 @@ constinit AllocProbe alloc_probe = {};
 
 void *heap_alloc(size_t bytes) {
     if (allocation_fails(bytes)) return nullptr;
-    void *p = std::malloc(bytes ? bytes : 1);
+    if (bytes == 0) bytes = 1;
+    void *p = std::malloc(bytes);
+    if (!p) {
+        release_large_blocks();
+        p = std::malloc(bytes);
+    }
     if (p) count_live(1);
     return p;
 }

@@ -165,10 +165,8 @@ struct Mm::Block {
 };
 
 // The long ways are functions of their own, so that the short ones need no frame.
-[[gnu::noinline]] void Mm::free_block() const { Block(*this).free(); }
-
-[[gnu::noinline]] void Mm::leave_scope() {
-    if (scope_hooks.detach) scope_hooks.detach(*this);
+[[gnu::noinline]] void Mm::end_slowly() {
+    if (name && kn_interactive_flag && scope_hooks.detach) scope_hooks.detach(*this);
     ndims = -1;
     Block(*this).drop();
 }
@@ -310,16 +308,14 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
     flags.global = src.flags.global;
 }
 
-Mm::~Mm() {
-    if (name && kn_interactive_flag) {
-        leave_scope();
-        return;
-    }
+// What the destructor does where there is something to do.
+void Mm::end() {
+    if (name && (kn_interactive_flag || (kn_default_error_flags & 8))) return end_slowly();
+    if (*refcount > 1 && is_counted(refcount))
+        --*refcount;
+    else if (flags.type == kn_Mm || !Header::has_number_block(*this) || !quick_free<number_bytes>(pr))
+        return end_slowly();
     ndims = -1;
-    if (!is_counted(refcount) || --*refcount != 0) return;
-    bool plain = flags.type != kn_Mm && Header::has_number_block(*this);
-    if (plain && !(name && (kn_default_error_flags & 8)) && quick_free<number_bytes>(pr)) return;
-    free_block();
 }
 
 Mm &Mm::operator=(const Mm &src) {

@@ -184,7 +184,7 @@ template <class Order, class T> void best(const Slices<T> &s) {
     if (n == 0 && s.position) std::fill(s.position, s.position + s.total, 0.0);
     if (n == 2) complex_best<Order>(s);
     if (n != 1) return;
-    if (in_lanes(s) && (!s.position || s.len >= 8 * lanes<T>))
+    if (in_lanes(s, s.position ? 8 : 4))
         with_stride(s.stride, [&s](auto stride) {
             share(s.outer, s.len * stride, [&s, stride](ptrdiff_t o) { neighbours<Order>(s, o, stride); });
         });

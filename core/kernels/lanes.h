@@ -60,9 +60,9 @@ template <class T, class F> inline Lanes<T> zip(Lanes<T> a, const Lanes<T> &b, F
 // More slices side by side than these have a lane each: their rows are long enough.
 constexpr ptrdiff_t narrow = 16;
 
-// Whether slices are worth it.
-template <class T> bool in_lanes(const Slices<T> &s) {
-    return s.stride == 1 ? s.len > lanes<T> : s.stride < narrow && s.len >= 8 * lanes<T>;
+// Whether it is worth it: for neighbours of more than `rows` rows.
+template <class T> bool in_lanes(const Slices<T> &s, ptrdiff_t rows) {
+    return s.stride == 1 ? s.len > rows * lanes<T> : s.stride < narrow && s.len >= 8 * lanes<T>;
 }
 
 // f(stride), as a constant for neighbours.

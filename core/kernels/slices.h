@@ -110,7 +110,8 @@ void for_each_group(const Slices<T> &s, ptrdiff_t results, ptrdiff_t neighbours,
     const ptrdiff_t most = stride == 1 ? neighbours : at_once<T>;
     const ptrdiff_t to_pitch = stride == 1 ? results : 1, groups = (line + most - 1) / most;
     share(groups * (stride == 1 ? 1 : outer), len * most, [=](ptrdiff_t g) {
-        ptrdiff_t o = g / groups * stride, i = g % groups * most;
+        const ptrdiff_t before = stride == 1 ? 0 : g / groups; // lines; a division is slow
+        const ptrdiff_t o = before * stride, i = (g - before * groups) * most;
         with_width<at_once<T>>(std::min<ptrdiff_t>(most, line - i), [=]<int W>() {
             f.template operator()<W>(o * len + i * pitch, o * results + i * to_pitch, pitch);
         });

@@ -189,9 +189,9 @@ void sum_rows(double *out, const double *x, const Slices<double> &s) {
 void sum_plane(double *out, const double *x, const Slices<double> &s) {
     if (s.len <= group)
         reduce(out, x, s, from(0.0), add);
-    else if (in_lanes(s) && s.len < group * eight)
+    else if (s.stride == 1 && s.len < group * eight)
         sum_short(out, x, s);
-    else if (in_lanes(s))
+    else if (in_lanes(s, 1))
         sum_neighbours(out, x, s);
     else
         sum_rows(out, x, s);

@@ -46,7 +46,7 @@ template <class K, class T, class S> void in_blocks(T *out, const T *x, ptrdiff_
 }
 
 template <class K, class T, class S> void neighbours(T *out, const T *x, ptrdiff_t len, S stride) {
-    for (ptrdiff_t k = 0; stride == 1 && k < 8; ++k) // at once
+    for (ptrdiff_t k = 0; stride == 1 && k < 8; ++k) // at the first sight
         if (K::step(K::template start<T>, x[k]) != K::template start<T>) {
             *out = static_cast<T>(1 - K::template start<T>);
             return;
@@ -92,7 +92,7 @@ template <class K, class T> void truth(const Slices<T> &s) {
     if (s.im) clear<T>(nullptr, s.im, s.total);
     if (s.aim)
         of_parts<K>(s);
-    else if (in_lanes(s))
+    else if (in_lanes(s, 1))
         with_stride(s.stride, [&](auto stride) {
             share(s.outer, s.len * stride, [=, x = s.are, out = s.re, len = s.len](ptrdiff_t o) {
                 neighbours<K>(out + o * stride, x + o * len * stride, len, stride);

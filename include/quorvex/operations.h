@@ -48,6 +48,10 @@
 // argument may not be empty" and "%s: dimension=%d does not exist for matrix %s". Results keep uint8 (wrapping
 // at 256), but sum of uint8 is double. Of an empty value, without dim: all and prod give 1, any and sum 0;
 // everything else gives empty. median is NaN when the slice holds one. sumabs is sum(abs(a)).
+//
+// sum adds groups of eight elements and compensates the rounding of their total, so that it is at least as
+// accurate as pairwise summation. The order (core/kernels/sums.cpp), and so every bit, is the same on all
+// processors and for any number of threads. cumsum, prod and cumprod take the elements in order.
 #define QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                                    \
     ROW(all, 1, 2) ROW(any, 1, 2) ROW(cumprod, 1, 2) ROW(cumsum, 1, 2) ROW(median, 1, 2) ROW(prod, 1, 2)    \
     ROW(sum, 1, 2) ROW(sumabs, 1, 2)

@@ -97,7 +97,9 @@ class QUORVEX_API Mm {
     Mm(const Mr &r, int strict = 1);
     // [a, b; c] or {a, b; c}.
     Mm(const Mc &list);
-    ~Mm();
+    ~Mm() {
+        if (p != 0 || name) end();
+    }
 
     // Shares the block of src. The target keeps its name, persistent and global; its type and shape are
     // replaced.
@@ -254,7 +256,7 @@ class QUORVEX_API Mm {
 
     int ndims;
     int dims[4];
-    int p;                  // capacity of the block in elements
+    int p;                  // capacity of the block in elements; 0 for the static block
     unsigned int *refcount; // headers that hold the block
     void *pr;
     void *pi;
@@ -272,11 +274,12 @@ class QUORVEX_API Mm {
     void allocate(int complex, int with_index);
     void hold(const Mm &src);
     void hold_nothing();
+    void give_number();
     void share() const;
     Mm &take(Mm &src);
     Mm &take_number(double x);
-    void leave_scope();
-    void free_block() const;
+    void end();
+    void end_slowly();
     struct Number {
         void *block;
         double value;

@@ -79,22 +79,25 @@ TEST(BlockAlloc, the_heap_grows_past_its_first_chunk) {
 }
 
 #ifndef QUORVEX_ALLOC_PROBE // whose counters are no atomics
-TEST(BlockAlloc, threads_share_the_buckets_under_the_lock) {
+// A block of a bucket, and a large one.
+TEST(BlockAlloc, threads_share_blocks_under_the_lock) {
     EXPECT_NE(kn_set_MT(1), 0u);
-    auto work = [](byte mark) {
-        byte *held[64] = {};
-        for (int k = 0; k < 50000; ++k) {
-            byte *&p = held[k % 64];
-            if (p && *p != mark) return ADD_FAILURE() << "a block was given out twice";
-            kn_block_free(p);
-            p = static_cast<byte *>(kn_block_alloc(40));
-            *p = mark;
-        }
-        for (byte *p : held) kn_block_free(p);
-    };
-    std::thread other(work, byte(1));
-    work(2);
-    other.join();
+    for (size_t n : {size_t(40), size_t(151) << 10}) {
+        auto work = [n](byte mark) {
+            byte *held[20] = {};
+            for (int k = 0; k < 20000; ++k) {
+                byte *&p = held[k % 20];
+                if (p && (p[0] != mark || p[n - 1] != mark)) return ADD_FAILURE() << "given out twice: " << n;
+                kn_block_free(p);
+                p = static_cast<byte *>(kn_block_alloc(n));
+                p[0] = p[n - 1] = mark;
+            }
+            for (byte *p : held) kn_block_free(p);
+        };
+        std::thread other(work, byte(1));
+        work(2);
+        other.join();
+    }
     kn_set_MT(0);
 }
 #endif

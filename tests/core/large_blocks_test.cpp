@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <thread>
 #include <vector>
 
 #include "platform/platform.h"
@@ -96,26 +95,5 @@ TEST_F(LargeBlocks, an_impossible_one_is_null_and_frees_the_cache_first) {
     for (size_t n : {SIZE_MAX / 4, SIZE_MAX / 2, SIZE_MAX - 256 * KB, SIZE_MAX}) EXPECT_EQ(take(n), nullptr);
     EXPECT_EQ(kn::large_cache_use().blocks, 0u);
 }
-
-#ifndef QUORVEX_ALLOC_PROBE // whose counters are no atomics
-TEST_F(LargeBlocks, threads_share_the_cache_under_the_lock) {
-    EXPECT_NE(kn_set_MT(1), 0u);
-    auto work = [](byte mark) {
-        byte *held[20] = {};
-        for (int k = 0; k < 5000; ++k) {
-            byte *&p = held[k % 20];
-            if (p && (p[0] != mark || p[150 * KB] != mark)) return ADD_FAILURE() << "given out twice";
-            kn_block_free(p);
-            p = take(151 * KB);
-            p[0] = p[150 * KB] = mark;
-        }
-        for (byte *p : held) kn_block_free(p);
-    };
-    std::thread other(work, byte(1));
-    work(2);
-    other.join();
-    kn_set_MT(0);
-}
-#endif
 
 } // namespace
