@@ -6,9 +6,8 @@
 //                      of 0
 //     of_real(x)       a complex result of a real element, when that is not z of x and an imaginary part of 0
 //
-//     v(x), v(x, y)    r of a double and of a vector of doubles, where that takes elementary functions: the
-//     one
-//                      thing here that the instruction set makes a difference to
+//     v(x), v(x, y)    r of a double and of a vector of doubles, where that takes elementary functions, the
+//                      only ones here whose results depend on the instruction set
 //     w(z), w(z, w)    z, in the same way
 //
 // A kernel without z looks at the real planes only. An r that is a template computes in bytes by itself (and
