@@ -34,50 +34,41 @@ template <class T> void diff(const Slices<T> &s) {
     }
 }
 
-// Rows of second differences over the width of the interval. The ends repeat the nearest inner numerator with
-// the width there.
-template <class T> void del2(const Slices<T> &s) {
-    if (s.aim) return clear(s.re, s.im, s.total);
+// -- Slopes: f(row of results, first row of its slices, its number) for each row. Slices of fewer elements
+// than the formula needs give zeros.
+
+template <class T, class F> void slope_rows(const Slices<T> &s, ptrdiff_t needed, F f) {
+    if (s.aim || s.len < needed) return clear(s.re, s.im, s.total);
     planes(s);
-    const ptrdiff_t n = s.len, w = s.stride;
-    const T *x = s.bre;
     for (ptrdiff_t o = 0; o < s.outer; ++o)
-        for (ptrdiff_t k = 0; k < n; ++k) {
-            T *__restrict out = s.re + (o * n + k) * w;
-            if (n < 3) {
-                std::fill(out, out + w, T(0));
-                continue;
-            }
-            ptrdiff_t m = std::clamp<ptrdiff_t>(k, 1, n - 2);
-            const T *f = s.are + (o * n + m) * w;
-            double width = static_cast<double>(x[m + 1]) - x[m - 1];
-            // In the order in which each formula names its terms, from the nearest end.
-            ptrdiff_t first = k == 0 ? -w : w;
-            for (ptrdiff_t i = 0; i < w; ++i)
-                out[i] = Numbers<T>::narrow((static_cast<double>(f[i + first]) - 2.0 * f[i] + f[i - first]) /
-                                            width);
-        }
+        for (ptrdiff_t k = 0, slice = o * s.len * s.stride; k < s.len; ++k)
+            f(s.re + slice + k * s.stride, s.are + slice, k);
+}
+
+// Second differences over the width of the interval. The ends repeat the nearest inner numerator with the
+// width there.
+template <class T> void del2(const Slices<T> &s) {
+    slope_rows(s, 3, [n = s.len, w = s.stride, x = s.bre](T *__restrict out, const T *slice, ptrdiff_t k) {
+        ptrdiff_t m = std::clamp<ptrdiff_t>(k, 1, n - 2);
+        const T *f = slice + m * w;
+        double width = static_cast<double>(x[m + 1]) - x[m - 1];
+        // In the order in which each formula names its terms, from the nearest end.
+        ptrdiff_t first = k == 0 ? -w : w;
+        for (ptrdiff_t i = 0; i < w; ++i)
+            out[i] =
+                Numbers<T>::narrow((static_cast<double>(f[i + first]) - 2.0 * f[i] + f[i - first]) / width);
+    });
 }
 
 // Central differences; one-sided ones at the ends.
 template <class T> void gradient(const Slices<T> &s) {
-    if (s.aim) return clear(s.re, s.im, s.total);
-    planes(s);
-    const ptrdiff_t n = s.len, w = s.stride;
-    const T *x = s.bre;
-    for (ptrdiff_t o = 0; o < s.outer; ++o)
-        for (ptrdiff_t k = 0; k < n; ++k) {
-            T *__restrict out = s.re + (o * n + k) * w;
-            if (n < 2) {
-                std::fill(out, out + w, T(0));
-                continue;
-            }
-            ptrdiff_t before = std::max<ptrdiff_t>(k - 1, 0), after = std::min(k + 1, n - 1);
-            const T *f0 = s.are + (o * n + before) * w, *f1 = s.are + (o * n + after) * w;
-            double width = static_cast<double>(x[after]) - x[before];
-            for (ptrdiff_t i = 0; i < w; ++i)
-                out[i] = Numbers<T>::narrow((static_cast<double>(f1[i]) - f0[i]) / width);
-        }
+    slope_rows(s, 2, [n = s.len, w = s.stride, x = s.bre](T *__restrict out, const T *slice, ptrdiff_t k) {
+        ptrdiff_t before = std::max<ptrdiff_t>(k - 1, 0), after = std::min(k + 1, n - 1);
+        const T *f0 = slice + before * w, *f1 = slice + after * w;
+        double width = static_cast<double>(x[after]) - x[before];
+        for (ptrdiff_t i = 0; i < w; ++i)
+            out[i] = Numbers<T>::narrow((static_cast<double>(f1[i]) - f0[i]) / width);
+    });
 }
 
 // -- The middle of sorted slices, and the mean of the two middle ones of an even count.
