@@ -15,7 +15,13 @@ struct Header {
     static void *&pi(const Mm &m) { return const_cast<Mm &>(m).pi; }
     static int *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
     static unsigned *refcount(const Mm &m) { return m.refcount; }
-    static const char *&name(const Mm &m) { return const_cast<Mm &>(m).name; }
+    // Gives a value a name without telling the workspace.
+    static void lend_name(Mm &m, const char *n) {
+        m.name = n;
+        m.level = -1;
+    }
+    static Mm *&shadow(const Mm &m) { return const_cast<Mm &>(m).shadow; }
+    static int &level(const Mm &m) { return const_cast<Mm &>(m).level; }
 
     // A real full double with the extents of `like`; empty without memory.
     static Mm real_like(const Mm &like);

@@ -7,7 +7,8 @@ class Mm;
 
 namespace kn {
 
-// Workspace registration of named values; called only while kn_interactive_flag is set.
+// The workspace and named values. `add` is called for a new named value while kn_interactive_flag is set; it
+// gives the value a level, or leaves it at -1. `detach` is called before a value that has one ends.
 struct ScopeHooks {
     void (*add)(Mm &value);
     void (*detach)(Mm &value);

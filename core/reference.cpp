@@ -23,13 +23,13 @@ class Kept {
     Kept() = default;
     Kept(const Mm &x, const Mm &target) { set(x, target); }
     ~Kept() {
-        if (copy_) Header::name(*copy_) = nullptr;
+        if (copy_) Header::lend_name(*copy_, nullptr);
     }
     const Mm *set(const Mm &x, const Mm &target) {
         value_ = &x;
         if (&x == &target || target.gettype() == kn_Mm) {
             value_ = &copy_.emplace(x);
-            Header::name(*copy_) = x.getname();
+            Header::lend_name(*copy_, x.getname());
         }
         return value_;
     }

@@ -166,7 +166,7 @@ struct Mm::Block {
 
 // The long ways are functions of their own, so that the short ones need no frame.
 [[gnu::noinline]] void Mm::end_slowly() {
-    if (name && kn_interactive_flag && scope_hooks.detach) scope_hooks.detach(*this);
+    if (name && level >= 0) scope_hooks.detach(*this);
     ndims = -1;
     Block(*this).drop();
 }
@@ -200,10 +200,12 @@ Mm Header::values(int n) {
     return out;
 }
 
-// Headers are moved as they are: no count changes.
+// Headers are moved as they are: no count changes. A name stays behind, as when elements are copied.
 void Header::move_values(Mm &to, Mm &from) {
     const int n = from.nnz;
     Mm *elements = static_cast<Mm *>(from.pr);
+    for (int k = 0; k < n; ++k)
+        if (elements[k].name) elements[k].setname(nullptr);
     std::memcpy(to.pr, from.pr, static_cast<size_t>(n) * sizeof(Mm));
     for (int k = n; k < from.p; ++k) elements[k].~Mm();
     ValueArray::of(from.refcount)->n = 0;
@@ -278,14 +280,18 @@ Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types
 }
 
 Mm::Mm(i_o_t, const char *n, int global) : Mm() {
-    name = n;
     flags.type = kn_none;
     flags.scalar_only = 1;
     flags.global = global != 0;
-    if (kn_interactive_flag && scope_hooks.add) scope_hooks.add(*this);
+    name = n;
+    level = -1;
+    if (kn_interactive_flag && name && scope_hooks.add) scope_hooks.add(*this);
 }
 
-Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) { name = n; }
+Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) {
+    name = n;
+    level = -1;
+}
 
 Mm::Mm(const Mm &src) : name(nullptr), shadow(nullptr) {
     hold(src);
@@ -305,12 +311,13 @@ Mm::Mm(Mm &&src) noexcept : name(nullptr), shadow(nullptr) {
 
 Mm::Mm(const Mm &src, const char *n) : Mm(src) {
     name = n;
+    level = -1;
     flags.global = src.flags.global;
 }
 
 // What the destructor does where there is something to do.
 void Mm::end() {
-    if (name && (kn_interactive_flag || (kn_default_error_flags & 8))) return end_slowly();
+    if (name && (level >= 0 || (kn_default_error_flags & 8))) return end_slowly();
     if (*refcount > 1 && is_counted(refcount))
         --*refcount;
     else if (flags.type == kn_Mm || !Header::has_number_block(*this) || !quick_free<number_bytes>(pr))
@@ -363,8 +370,12 @@ Mm &Mm::operator=(Mm &&src) {
 }
 
 void Mm::setname(const char *n) {
-    if (kn_interactive_flag && name && !n && scope_hooks.detach) scope_hooks.detach(*this);
+    if (name && level >= 0) {
+        flags.persistent = 0; // no copy stays behind under the old name
+        scope_hooks.detach(*this);
+    }
     name = n;
+    level = -1;
     if (kn_interactive_flag && name && scope_hooks.add) scope_hooks.add(*this);
 }
 

@@ -21,3 +21,13 @@ Mm guiexit(const Mm &code) {
 
 double waitforbuttonpress() { return engine().selo_wait_button(0); }
 double checkforbuttonpress() { return engine().selo_wait_button(1); }
+
+Mm setapplicationhandle(void *window) {
+    engine().selo_set_application_handle(window);
+    return x_M;
+}
+
+Mm setapplicationkeyhandle(void *window) {
+    engine().selo_set_application_key_handle(window);
+    return x_M;
+}

@@ -42,8 +42,9 @@ void unmap(void *p, std::size_t bytes);
 // writes has them again; until then it reads as zeros or as before.
 void offer(void *p, std::size_t bytes);
 
-// Bytes of memory in the machine.
+// Bytes of memory in the machine, and in use by this process (0 where the system doesn't tell).
 std::size_t physical_memory();
+std::size_t process_memory();
 
 // Whether the `n` bytes at `p` can be read without a fault.
 // An answer for this moment only, at one system call a page.
@@ -206,6 +207,13 @@ struct FileStatus {
     double modified; // as `wall_clock`
     bool is_directory;
 };
+
+// What stands between the parts of a name.
+#ifdef _WIN32
+inline constexpr char separator = '\\';
+#else
+inline constexpr char separator = '/';
+#endif
 
 // Opens a stream as `fopen` does; a directory can't be opened. Programs that are started don't inherit it.
 std::FILE *open_file(const char *name, const char *mode);

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -81,6 +82,16 @@ void unmap(void *p, std::size_t bytes) {
 void offer(void *p, std::size_t bytes) { madvise(p, bytes, MADV_FREE); }
 
 std::size_t physical_memory() { return static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) * page_size(); }
+
+// The second number of /proc/self/statm counts the resident pages.
+std::size_t process_memory() {
+    std::FILE *file = std::fopen("/proc/self/statm", "re");
+    if (!file) return 0;
+    unsigned long pages = 0;
+    const bool read = std::fscanf(file, "%*u %lu", &pages) == 1;
+    std::fclose(file);
+    return read ? pages * page_size() : 0;
+}
 
 // Setting the signal mask in no valid way changes nothing, but the kernel fetches the new mask first and says
 // EFAULT when it can't: a read of eight bytes that never faults here.

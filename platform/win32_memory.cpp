@@ -3,6 +3,7 @@
 #include "platform/win32_common.h"
 
 #include <cstdint>
+#include <psapi.h>
 
 namespace kn::os {
 
@@ -50,6 +51,13 @@ std::size_t physical_memory() {
     status.dwLength = sizeof status;
     if (!GlobalMemoryStatusEx(&status)) return 0;
     return static_cast<std::size_t>(status.ullTotalPhys < SIZE_MAX ? status.ullTotalPhys : SIZE_MAX);
+}
+
+// From kernel32, so that no further library is linked.
+std::size_t process_memory() {
+    PROCESS_MEMORY_COUNTERS counters = {};
+    return K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters) ? counters.WorkingSetSize
+                                                                                    : 0;
 }
 
 bool readable(const void *p, std::size_t n) {

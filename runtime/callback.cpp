@@ -4,20 +4,6 @@
 
 #include "quorvex/evaluation.h"
 #include "quorvex/messages.h"
-#include "quorvex/startup.h"
-#include "quorvex/text.h"
-
-namespace {
-
-// A compiled program evaluates numeric text only.
-Mm evaluate(Mm text) {
-    str2num(text);
-    return x_M;
-}
-
-} // namespace
-
-constinit kn_callback callback_func = evaluate;
 
 void kn::evaluate_guarded(const Mm &text) {
     if (text.size() < 1) return;

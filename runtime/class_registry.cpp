@@ -146,6 +146,8 @@ int isa(const Mm &m, const Mm &cls) {
     return (m.issparse() && kn::is_word(cls, "double")) || kn::is_word(cls, kn_class_word(m));
 }
 
+int isobject(const Mm &m) { return m.isstruct() && m.getclassid() != 0; }
+
 Mm mclass(const Mm &m) { return TM(kn_class_word(m)); }
 
 Mm mclass(const Mm &m, const Mm &cls) {

@@ -1,7 +1,7 @@
 // Start and end of the library.
 //
 // The order of static objects is fixed by their order in this file, which comes before all others (KN_FIRST):
-// the named values, the start-up object, and later the workspace. Everything else of the library that is
+// the named values, the start-up object, and the workspace. Everything else of the library that is
 // static is initialised at compile time. A program's own static values may therefore use the library.
 
 #include "quorvex/startup.h"
@@ -16,6 +16,7 @@
 #include "platform/platform.h"
 #include "quorvex/builders.h"
 #include "quorvex/graphics.h"
+#include "quorvex/workspace.h"
 #include "runtime/crash.h"
 #include "runtime/engine.h"
 #include "runtime/message_funnel.h"
@@ -120,6 +121,8 @@ KN_FIRST Startup startup;
 
 } // namespace
 } // namespace kn
+
+KN_FIRST variables_scope_t variables_scope;
 
 void initM2(int version, int size_of_Mm) {
     if (version != QUORVEX_VERSION)

@@ -1,6 +1,7 @@
 // Cells as text: the layout of disp, the summaries it shares with structures, and celldisp.
 
 #include <algorithm>
+#include <cstdio>
 
 #include "core/header.h"
 #include "quorvex/display.h"
@@ -83,6 +84,12 @@ void print_cell(const Mm &m) {
 } // namespace kn
 
 using namespace kn;
+
+void value_summary(const Mm &m, char *buf, int size) {
+    TextBuffer text;
+    append_summary(text, m);
+    std::snprintf(buf, static_cast<size_t>(size), "%s", text.c_str());
+}
 
 Mm celldisp(const Mm &m) {
     if (m.gettype() != kn_Mm || m.isstruct()) {

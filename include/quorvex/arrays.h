@@ -154,47 +154,47 @@ QUORVEX_API Mm cumtrapz(const Mm &y);
 QUORVEX_API Mm cumtrapz(const Mm &x, const Mm &y);
 QUORVEX_API Mm cumtrapz(const Mm &x, const Mm &y, const Mm &dim);
 
-#define QUORVEX_ARRAY_COUNTS(ROW) \
-    ROW(isstruct, 1)              \
-    ROW(iscell, 1)                \
-    ROW(islogical, 1)             \
-    ROW(iscomplex, 1)             \
-    ROW(isvector, 1)              \
-    ROW(isreal, 1)                \
-    ROW(isnumeric, 1)             \
-    ROW(ischar, 1)                \
-    ROW(isempty, 1)               \
-    ROW(isequal, 2, 3, 4)         \
-    ROW(size, 1, 2)               \
-    ROW(length, 1)                \
-    ROW(ndims, 1)                 \
-    ROW(numel, 1)                 \
-    ROW(reshape, 2, 3, 4, 5)      \
-    ROW(squeeze, 1)               \
-    ROW(permute, 2)               \
-    ROW(ipermute, 2)              \
-    ROW(transpose, 1)             \
-    ROW(ctranspose, 1)            \
-    ROW(fliplr, 1)                \
-    ROW(flipud, 1)                \
-    ROW(rot90, 1, 2)              \
-    ROW(repmat, 2, 3, 4, 5)       \
-    ROW(diag, 1, 2)               \
-    ROW(tril, 1, 2)               \
-    ROW(triu, 1, 2)               \
-    ROW(meshgrid, 1, 2, 3)        \
-    ROW(ndgrid, 1, 2, 3)          \
-    ROW(ind2sub, 2)               \
-    ROW(sub2ind, 2, 3, 4, 5)      \
-    ROW(find, 1)                  \
-    ROW(mean, 1, 2)               \
-    ROW(var, 1, 2, 3)             \
-    ROW(mstd, 1, 2, 3)            \
-    ROW(cov, 1, 2, 3)             \
-    ROW(dot, 2, 3)                \
-    ROW(cross, 2, 3)              \
-    ROW(trapz, 1, 2, 3)           \
-    ROW(cumtrapz, 1, 2, 3)
+#define QUORVEX_ARRAY_COUNTS(ROW)                                           \
+    ROW(isstruct, "whether a value is a structure", 1)                      \
+    ROW(iscell, "whether a value is a cell", 1)                             \
+    ROW(islogical, "whether a value is logical", 1)                         \
+    ROW(iscomplex, "whether a value has an imaginary part", 1)              \
+    ROW(isvector, "whether a value is a row or a column", 1)                \
+    ROW(isreal, "whether a value is real numbers or text", 1)               \
+    ROW(isnumeric, "whether a value is numbers", 1)                         \
+    ROW(ischar, "whether a value is text", 1)                               \
+    ROW(isempty, "whether a value has no elements", 1)                      \
+    ROW(isequal, "whether all values are the same", 2, 3, 4)                \
+    ROW(size, "extents of an array", 1, 2)                                  \
+    ROW(length, "largest extent of an array", 1)                            \
+    ROW(ndims, "number of dimensions", 1)                                   \
+    ROW(numel, "number of elements", 1)                                     \
+    ROW(reshape, "the same elements in another shape", 2, 3, 4, 5)          \
+    ROW(squeeze, "without extents of 1 beyond two dimensions", 1)           \
+    ROW(permute, "dimensions in another order", 2)                          \
+    ROW(ipermute, "the inverse of permute", 2)                              \
+    ROW(transpose, "rows become columns", 1)                                \
+    ROW(ctranspose, "conjugate transpose", 1)                               \
+    ROW(fliplr, "columns in reverse order", 1)                              \
+    ROW(flipud, "rows in reverse order", 1)                                 \
+    ROW(rot90, "matrix turned by quarters", 1, 2)                           \
+    ROW(repmat, "an array laid side by side", 2, 3, 4, 5)                   \
+    ROW(diag, "diagonal of a matrix, or a diagonal matrix", 1, 2)           \
+    ROW(tril, "lower triangle", 1, 2)                                       \
+    ROW(triu, "upper triangle", 1, 2)                                       \
+    ROW(meshgrid, "coordinates of a grid, x along the columns", 1, 2, 3)    \
+    ROW(ndgrid, "coordinates of a grid, axis k along dimension k", 1, 2, 3) \
+    ROW(ind2sub, "positions to subscripts", 2)                              \
+    ROW(sub2ind, "subscripts to positions", 2, 3, 4, 5)                     \
+    ROW(find, "positions of the nonzero elements", 1)                       \
+    ROW(mean, "mean", 1, 2)                                                 \
+    ROW(var, "variance", 1, 2, 3)                                           \
+    ROW(mstd, "standard deviation", 1, 2, 3)                                \
+    ROW(cov, "covariance matrix", 1, 2, 3)                                  \
+    ROW(dot, "scalar product", 2, 3)                                        \
+    ROW(cross, "vector product", 2, 3)                                      \
+    ROW(trapz, "integral by trapezoids", 1, 2, 3)                           \
+    ROW(cumtrapz, "running integral by trapezoids", 1, 2, 3)
 QUORVEX_ARRAY_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

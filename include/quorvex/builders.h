@@ -57,16 +57,16 @@ QUORVEX_API Mm logspace(const Mm &a);
 QUORVEX_API Mm logspace(const Mm &a, const Mm &b);
 QUORVEX_API Mm logspace(const Mm &a, const Mm &b, const Mm &n);
 
-#define QUORVEX_BUILDER_COUNTS(ROW) \
-    ROW(zeros, 0, 1, 2, 3, 4)       \
-    ROW(ones, 1, 2, 3, 4)           \
-    ROW(eye, 0, 1, 2, 3, 4)         \
-    ROW(randM, 0, 1, 2, 3, 4)       \
-    ROW(randn, 0, 1, 2, 3, 4)       \
-    ROW(cputime, 0)                 \
-    ROW(colon, 0, 2, 3)             \
-    ROW(linspace, 1, 2, 3)          \
-    ROW(logspace, 1, 2, 3)
+#define QUORVEX_BUILDER_COUNTS(ROW)                     \
+    ROW(zeros, "array of zeros", 0, 1, 2, 3, 4)         \
+    ROW(ones, "array of ones", 1, 2, 3, 4)              \
+    ROW(eye, "identity matrix", 0, 1, 2, 3, 4)          \
+    ROW(randM, "uniform random numbers", 0, 1, 2, 3, 4) \
+    ROW(randn, "normal random numbers", 0, 1, 2, 3, 4)  \
+    ROW(cputime, "processor time, always 0", 0)         \
+    ROW(colon, "range a:b or a:s:b", 0, 2, 3)           \
+    ROW(linspace, "evenly spaced points", 1, 2, 3)      \
+    ROW(logspace, "logarithmically spaced points", 1, 2, 3)
 QUORVEX_BUILDER_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

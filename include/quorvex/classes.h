@@ -24,17 +24,20 @@ QUORVEX_API Mm call_class_function(const char *name, const Mm &a, const Mm &b, c
 QUORVEX_API const char *kn_class_name(int classid); // error "[]:wrong classid" for a number that is no class
 
 QUORVEX_API int isa(const Mm &m, const Mm &cls);   // a sparse value is both "sparse" and "double"
+QUORVEX_API int isobject(const Mm &m);             // a structure with a class number
 QUORVEX_API Mm mclass(const Mm &m);                // the class word
 QUORVEX_API Mm mclass(const Mm &m, const Mm &cls); // a copy of m that is an object of the class
 QUORVEX_API Mm mdouble(const Mm &m);               // full double without the string flag
 QUORVEX_API Mm muint8(const Mm &m);                // truncates, keeps the low byte
 QUORVEX_API Mm muint16(const Mm &m);               // error "%s is not yet implemented"
 
-#define QUORVEX_CLASS_COUNTS(ROW) \
-    ROW(mclass, 1, 2)             \
-    ROW(mdouble, 1)               \
-    ROW(muint8, 1)                \
-    ROW(muint16, 1)
+#define QUORVEX_CLASS_COUNTS(ROW)                                  \
+    ROW(isa, "whether a value is of a class", 2)                   \
+    ROW(isobject, "whether a value is an object", 1)               \
+    ROW(mclass, "class of a value, or an object of a class", 1, 2) \
+    ROW(mdouble, "conversion to double", 1)                        \
+    ROW(muint8, "conversion to uint8", 1)                          \
+    ROW(muint16, "conversion to uint16, which is not implemented", 1)
 QUORVEX_CLASS_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -17,10 +17,10 @@ QUORVEX_API Mm vertcat(const Mm &a, const Mm &b);
 QUORVEX_API Mm cat(const Mm &dim, Mm a, Mm b);
 QUORVEX_API Mm cat(const Mm &dim, Mm a, Mm b, Mm c);
 
-#define QUORVEX_CONCAT_COUNTS(ROW) \
-    ROW(horzcat, 2)                \
-    ROW(vertcat, 2)                \
-    ROW(cat, 3, 4)
+#define QUORVEX_CONCAT_COUNTS(ROW)                \
+    ROW(horzcat, "values side by side", 2)        \
+    ROW(vertcat, "values one below the other", 2) \
+    ROW(cat, "values joined along a dimension", 3, 4)
 QUORVEX_CONCAT_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -27,6 +27,9 @@ QUORVEX_API Mm dump(const Mm &m);     // the header's fields, for debugging
 // Name and description on one line; "whos: bad name pointer %08X" for a name that can't be read.
 QUORVEX_API void whos_line(const Mm &m);
 QUORVEX_API Mm get_whos_line(const Mm &m); // the description, " (2x2)=4 double elements real (32 bytes)"
+// The value on one short line, as in the display of a cell, cut at size - 1 characters. Of a value without
+// content it is reported.
+QUORVEX_API void value_summary(const Mm &m, char *buf, int size);
 QUORVEX_API const char *
 kn_class_word(const Mm &m); // "char", "sparse", "struct", the class name, "cell", "uint8", "double"
 
@@ -76,22 +79,22 @@ QUORVEX_API kn_input_hook kn_set_input_handler(kn_input_hook f);
 QUORVEX_API kn_kbhit_hook kn_set_kbhit_handler(kn_kbhit_hook f);
 QUORVEX_API kn_clc_hook kn_set_clc_handler(kn_clc_hook f);
 
-#define QUORVEX_DISPLAY_COUNTS(ROW) \
-    ROW(format, 0, 1, 2)            \
-    ROW(disp, 1)                    \
-    ROW(puts, 1)                    \
-    ROW(display, 1)                 \
-    ROW(disp_header, 1)             \
-    ROW(celldisp, 1)                \
-    ROW(dump, 1)                    \
-    ROW(get_whos_line, 1)           \
-    ROW(num2str, 1, 2)              \
-    ROW(input, 1, 2)                \
-    ROW(pauseM, 0)                  \
-    ROW(clc, 0)                     \
-    ROW(home, 0)                    \
-    ROW(usage, 1)                   \
-    ROW(smiley, 0)
+#define QUORVEX_DISPLAY_COUNTS(ROW)                            \
+    ROW(format, "short or long display of numbers", 0, 1, 2)   \
+    ROW(disp, "shows a value", 1)                              \
+    ROW(puts, "shows a value", 1)                              \
+    ROW(display, "shows a value with its name", 1)             \
+    ROW(disp_header, "shows name and size of a value", 1)      \
+    ROW(celldisp, "shows each element of a cell", 1)           \
+    ROW(dump, "shows the internals of a value", 1)             \
+    ROW(get_whos_line, "size and class of a value as text", 1) \
+    ROW(num2str, "numbers as text", 1, 2)                      \
+    ROW(input, "asks the user for a line", 1, 2)               \
+    ROW(pauseM, "waits for a key", 0)                          \
+    ROW(clc, "clears the screen", 0)                           \
+    ROW(home, "cursor to the top left corner", 0)              \
+    ROW(usage, "prints how something is used", 1)              \
+    ROW(smiley, "prints a smile", 0)
 QUORVEX_DISPLAY_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -9,11 +9,15 @@ QUORVEX_API Mm guiexit(const Mm &code);  // drawnow, then ends the engine's wind
 QUORVEX_API double waitforbuttonpress(); // 0 for a mouse button, 1 for a key
 QUORVEX_API double checkforbuttonpress();
 
-#define QUORVEX_GRAPHICS_COUNTS(ROW) \
-    ROW(drawnow, 0)                  \
-    ROW(guiexit, 1)                  \
-    ROW(waitforbuttonpress, 0)       \
-    ROW(checkforbuttonpress, 0)
+// The window of the host, and the one that gets keys for it.
+QUORVEX_API Mm setapplicationhandle(void *window);
+QUORVEX_API Mm setapplicationkeyhandle(void *window);
+
+#define QUORVEX_GRAPHICS_COUNTS(ROW)                          \
+    ROW(drawnow, "performs pending drawing", 0)               \
+    ROW(guiexit, "closes the windows", 1)                     \
+    ROW(waitforbuttonpress, "waits for a button or a key", 0) \
+    ROW(checkforbuttonpress, "whether a button or a key is pressed", 0)
 QUORVEX_GRAPHICS_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

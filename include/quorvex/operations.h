@@ -21,28 +21,107 @@
 // One input, element by element. `arg` is angle, `finite` isfinite, `kn_isnan` isnan, `mnot` the operator !,
 // `msqrt` sqrt. reallog and realsqrt stay real (NaN below 0). expint is E1; below 0 its principal value minus
 // i pi. uint8 input computes on the value of the byte and truncates the result back to a byte.
-#define QUORVEX_UNARY_FUNCTIONS(ROW)                                                                        \
-    ROW(abs, 1) ROW(acos, 1) ROW(acosh, 1) ROW(acot, 1) ROW(acoth, 1) ROW(acsc, 1) ROW(acsch, 1)            \
-    ROW(angle, 1) ROW(arg, 1) ROW(asec, 1) ROW(asech, 1) ROW(asin, 1) ROW(asinh, 1) ROW(atan, 1)            \
-    ROW(atanh, 1) ROW(ceil, 1) ROW(conj, 1) ROW(cos, 1) ROW(cosh, 1) ROW(cot, 1) ROW(coth, 1) ROW(csc, 1)   \
-    ROW(csch, 1) ROW(erf, 1) ROW(erfc, 1) ROW(erfcx, 1) ROW(erfinv, 1) ROW(exp, 1) ROW(expint, 1)           \
-    ROW(finite, 1) ROW(fix, 1) ROW(floor, 1) ROW(gamma, 1) ROW(gammaln, 1) ROW(imag, 1) ROW(isfinite, 1)    \
-    ROW(isinf, 1) ROW(isnan, 1) ROW(kn_isnan, 1) ROW(log, 1) ROW(log10, 1) ROW(log2, 1) ROW(mnot, 1)        \
-    ROW(msqrt, 1) ROW(real, 1) ROW(reallog, 1) ROW(realsqrt, 1) ROW(round, 1) ROW(sec, 1) ROW(sech, 1)      \
-    ROW(sign, 1) ROW(sin, 1) ROW(sinc, 1) ROW(sinh, 1) ROW(sqrt, 1) ROW(tan, 1) ROW(tanh, 1) ROW(uminus, 1) \
-    ROW(uplus, 1)
+#define QUORVEX_UNARY_FUNCTIONS(ROW) \
+    ROW(abs, "absolute value", 1) \
+    ROW(acos, "inverse cosine", 1) \
+    ROW(acosh, "inverse hyperbolic cosine", 1) \
+    ROW(acot, "inverse cotangent", 1) \
+    ROW(acoth, "inverse hyperbolic cotangent", 1) \
+    ROW(acsc, "inverse cosecant", 1) \
+    ROW(acsch, "inverse hyperbolic cosecant", 1) \
+    ROW(angle, "phase angle", 1) \
+    ROW(arg, "phase angle", 1) \
+    ROW(asec, "inverse secant", 1) \
+    ROW(asech, "inverse hyperbolic secant", 1) \
+    ROW(asin, "inverse sine", 1) \
+    ROW(asinh, "inverse hyperbolic sine", 1) \
+    ROW(atan, "inverse tangent", 1) \
+    ROW(atanh, "inverse hyperbolic tangent", 1) \
+    ROW(ceil, "rounds up", 1) \
+    ROW(conj, "complex conjugate", 1) \
+    ROW(cos, "cosine", 1) \
+    ROW(cosh, "hyperbolic cosine", 1) \
+    ROW(cot, "cotangent", 1) \
+    ROW(coth, "hyperbolic cotangent", 1) \
+    ROW(csc, "cosecant", 1) \
+    ROW(csch, "hyperbolic cosecant", 1) \
+    ROW(erf, "error function", 1) \
+    ROW(erfc, "complementary error function", 1) \
+    ROW(erfcx, "scaled complementary error function", 1) \
+    ROW(erfinv, "inverse error function", 1) \
+    ROW(exp, "exponential", 1) \
+    ROW(expint, "exponential integral", 1) \
+    ROW(finite, "where elements are finite", 1) \
+    ROW(fix, "rounds towards zero", 1) \
+    ROW(floor, "rounds down", 1) \
+    ROW(gamma, "gamma function", 1) \
+    ROW(gammaln, "logarithm of the gamma function", 1) \
+    ROW(imag, "imaginary part", 1) \
+    ROW(isfinite, "where elements are finite", 1) \
+    ROW(isinf, "where elements are infinite", 1) \
+    ROW(isnan, "where elements are NaN", 1) \
+    ROW(kn_isnan, "where elements are NaN", 1) \
+    ROW(log, "natural logarithm", 1) \
+    ROW(log10, "common logarithm", 1) \
+    ROW(log2, "logarithm to base 2, or mantissa and exponent", 1) \
+    ROW(mnot, "where elements are zero", 1) \
+    ROW(msqrt, "square root", 1) \
+    ROW(real, "real part", 1) \
+    ROW(reallog, "natural logarithm of reals", 1) \
+    ROW(realsqrt, "square root of reals", 1) \
+    ROW(round, "rounds to whole numbers", 1) \
+    ROW(sec, "secant", 1) \
+    ROW(sech, "hyperbolic secant", 1) \
+    ROW(sign, "sign", 1) \
+    ROW(sin, "sine", 1) \
+    ROW(sinc, "sin(pi x) / (pi x)", 1) \
+    ROW(sinh, "hyperbolic sine", 1) \
+    ROW(sqrt, "square root", 1) \
+    ROW(tan, "tangent", 1) \
+    ROW(tanh, "hyperbolic tangent", 1) \
+    ROW(uminus, "negation", 1) \
+    ROW(uplus, "the value itself", 1)
 
 // Two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide, ldivide and
 // power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor. gammainc(x,
 // a) is the regularized lower incomplete gamma function. mod and rem of anything by 0 are NaN. plus to
 // mrdivide are also the operators. mtimes is the matrix product ("*: wrong dimensions of: %s %dx%d, %s
 // %dx%d"); mrdivide by a scalar divides the elements.
-#define QUORVEX_BINARY_FUNCTIONS(ROW)                                                                       \
-    ROW(atan2, 2) ROW(betaln, 2) ROW(bitcmp, 2) ROW(bitget, 2) ROW(bitreset, 2) ROW(bitset, 2)              \
-    ROW(bitshift, 2) ROW(bitxor, 2) ROW(dot_div, 2) ROW(dot_invdiv, 2) ROW(dot_mul, 2) ROW(dot_pow, 2)      \
-    ROW(eq, 2) ROW(gammainc, 2) ROW(ge, 2) ROW(gt, 2) ROW(ldivide, 2) ROW(le, 2) ROW(lt, 2) ROW(mand, 2)    \
-    ROW(mbitand, 2) ROW(mbitor, 2) ROW(minus, 2) ROW(mod, 2) ROW(mor, 2) ROW(mrdivide, 2) ROW(mtimes, 2)    \
-    ROW(mxor, 2) ROW(ne, 2) ROW(plus, 2) ROW(power, 2) ROW(rdivide, 2) ROW(rem, 2) ROW(times, 2)
+#define QUORVEX_BINARY_FUNCTIONS(ROW) \
+    ROW(atan2, "angle of a point", 2) \
+    ROW(betaln, "logarithm of the beta function", 2) \
+    ROW(bitcmp, "complement of bits", 2) \
+    ROW(bitget, "a bit", 2) \
+    ROW(bitreset, "a bit cleared", 2) \
+    ROW(bitset, "a bit set", 2) \
+    ROW(bitshift, "bits shifted", 2) \
+    ROW(bitxor, "exclusive or of bits", 2) \
+    ROW(dot_div, "division of elements", 2) \
+    ROW(dot_invdiv, "inverse division of elements", 2) \
+    ROW(dot_mul, "product of elements", 2) \
+    ROW(dot_pow, "power of elements", 2) \
+    ROW(eq, "equal", 2) \
+    ROW(gammainc, "incomplete gamma function", 2) \
+    ROW(ge, "greater or equal", 2) \
+    ROW(gt, "greater", 2) \
+    ROW(ldivide, "inverse division of elements", 2) \
+    ROW(le, "less or equal", 2) \
+    ROW(lt, "less", 2) \
+    ROW(mand, "logical and", 2) \
+    ROW(mbitand, "and of bits", 2) \
+    ROW(mbitor, "or of bits", 2) \
+    ROW(minus, "difference", 2) \
+    ROW(mod, "remainder with the sign of the divisor", 2) \
+    ROW(mor, "logical or", 2) \
+    ROW(mrdivide, "matrix division from the right", 2) \
+    ROW(mtimes, "matrix product", 2) \
+    ROW(mxor, "logical exclusive or", 2) \
+    ROW(ne, "not equal", 2) \
+    ROW(plus, "sum of two values", 2) \
+    ROW(power, "power of elements", 2) \
+    ROW(rdivide, "division of elements", 2) \
+    ROW(rem, "remainder with the sign of the dividend", 2) \
+    ROW(times, "product of elements", 2)
 
 // Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim. Reported are "%s: dim
 // argument may not be empty" and "%s: dimension=%d does not exist for matrix %s". Results keep uint8 (wrapping
@@ -52,9 +131,15 @@
 // sum adds groups of eight elements and compensates the rounding of their total, so that it is at least as
 // accurate as pairwise summation. The order (core/kernels/sums.cpp), and so every bit, is the same on all
 // processors and for any number of threads. cumsum, prod and cumprod take the elements in order.
-#define QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                                    \
-    ROW(all, 1, 2) ROW(any, 1, 2) ROW(cumprod, 1, 2) ROW(cumsum, 1, 2) ROW(median, 1, 2) ROW(prod, 1, 2)    \
-    ROW(sum, 1, 2) ROW(sumabs, 1, 2)
+#define QUORVEX_REDUCTION_FUNCTIONS(ROW) \
+    ROW(all, "whether all elements are nonzero", 1, 2) \
+    ROW(any, "whether any element is nonzero", 1, 2) \
+    ROW(cumprod, "running product", 1, 2) \
+    ROW(cumsum, "running sum", 1, 2) \
+    ROW(median, "median", 1, 2) \
+    ROW(prod, "product", 1, 2) \
+    ROW(sum, "sum", 1, 2) \
+    ROW(sumabs, "sum of the absolute values", 1, 2)
 
 // clang-format on
 
@@ -197,10 +282,16 @@ double round(T x) { return kn::round_real(x); }
 #define QUORVEX_OPERATION_COUNTS(ROW)                                                    \
     QUORVEX_UNARY_FUNCTIONS(ROW)                                                         \
     QUORVEX_BINARY_FUNCTIONS(ROW)                                                        \
-    QUORVEX_REDUCTION_FUNCTIONS(ROW)                                                     \
-    ROW(max, 1, 2, 3)                                                                    \
-    ROW(min, 1, 2, 3) ROW(pow2, 1, 2) ROW(beta, 2, 3) ROW(betainc, 3) ROW(diff, 1, 2, 3) \
-        ROW(unwrap, 1, 2, 3) ROW(gradient, 1, 2, 3) ROW(del2, 1, 2, 3)
+    QUORVEX_REDUCTION_FUNCTIONS(ROW) \
+    ROW(max, "largest element", 1, 2, 3) \
+    ROW(min, "smallest element", 1, 2, 3) \
+    ROW(pow2, "power of two", 1, 2) \
+    ROW(beta, "beta function", 2, 3) \
+    ROW(betainc, "incomplete beta function", 3) \
+    ROW(diff, "differences of neighbours", 1, 2, 3) \
+    ROW(unwrap, "phase angles without jumps", 1, 2, 3) \
+    ROW(gradient, "slopes", 1, 2, 3) \
+    ROW(del2, "discrete Laplacian", 1, 2, 3)
 // clang-format on
 QUORVEX_OPERATION_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

@@ -48,21 +48,21 @@ QUORVEX_API Mm cell2struct(const Mm &c, const Mm &fields, const Mm &dim);
 
 QUORVEX_API Mm mlogical(const Mm &x); // the language's `logical`; "logical: argument is complex"
 
-#define QUORVEX_STRUCTURE_COUNTS(ROW) \
-    ROW(cell, 1, 2, 3, 4)             \
-    ROW(cells, 1, 2)                  \
-    ROW(cellstr, 1)                   \
-    ROW(iscellstr, 1)                 \
-    ROW(num2cell, 1)                  \
-    ROW(mstruct, 1)                   \
-    ROW(fieldnames, 1)                \
-    ROW(isfield, 2)                   \
-    ROW(rmfield, 2)                   \
-    ROW(setfield, 3)                  \
-    ROW(getfield, 2, 3, 4, 5)         \
-    ROW(struct2cell, 1)               \
-    ROW(cell2struct, 3)               \
-    ROW(mlogical, 1)
+#define QUORVEX_STRUCTURE_COUNTS(ROW)                          \
+    ROW(cell, "cell of empty values", 1, 2, 3, 4)              \
+    ROW(cells, "cell of empty values", 1, 2)                   \
+    ROW(cellstr, "rows of text as a cell", 1)                  \
+    ROW(iscellstr, "whether a value is a cell of texts", 1)    \
+    ROW(num2cell, "each element in a cell of its own", 1)      \
+    ROW(mstruct, "structure from names and values", 1)         \
+    ROW(fieldnames, "names of the fields", 1)                  \
+    ROW(isfield, "whether a structure has a field", 2)         \
+    ROW(rmfield, "structure without a field", 2)               \
+    ROW(setfield, "structure with a field changed", 3)         \
+    ROW(getfield, "field of a structure", 2, 3, 4, 5)          \
+    ROW(struct2cell, "values of a structure as a cell", 1)     \
+    ROW(cell2struct, "structure from the values of a cell", 3) \
+    ROW(mlogical, "conversion to logical", 1)
 QUORVEX_STRUCTURE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

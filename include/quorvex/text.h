@@ -21,11 +21,11 @@ QUORVEX_API Mm setstr(const Mm &m); // a copy with the string flag set
 // "deblank: input is not a string" for numbers.
 QUORVEX_API Mm deblank(const Mm &s);
 
-#define QUORVEX_TEXT_COUNTS(ROW) \
-    ROW(strvcat, 1, 2, 3, 4)     \
-    ROW(str2num, 1)              \
-    ROW(setstr, 1)               \
-    ROW(deblank, 1)
+#define QUORVEX_TEXT_COUNTS(ROW)                            \
+    ROW(strvcat, "texts as rows of one matrix", 1, 2, 3, 4) \
+    ROW(str2num, "numbers in a text", 1)                    \
+    ROW(setstr, "character codes as text", 1)               \
+    ROW(deblank, "text without trailing blanks", 1)
 QUORVEX_TEXT_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

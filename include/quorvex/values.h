@@ -143,7 +143,8 @@ class QUORVEX_API Mm {
     // -- Fields of the header.
 
     const char *getname() const { return name; }
-    void setname(const char *n); // registers the value as the constructor with a name does
+    // Registers the value as the constructor with a name does; under its old name it is forgotten.
+    void setname(const char *n);
     M_types &getflags() const { return const_cast<M_types &>(flags); }
     kn_matrix_types &gettype() const { return const_cast<kn_matrix_types &>(flags.type); }
     int &getndims() const { return const_cast<int &>(ndims); }
@@ -264,6 +265,7 @@ class QUORVEX_API Mm {
     M_types flags;
     int nfields;
     int classid;
+    int level; // of the workspace that holds this named value, -1 for none; not set where there is no name
     int *index;
     const char *name;
     const char **fields;

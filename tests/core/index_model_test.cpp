@@ -494,11 +494,11 @@ struct Seen {
         for (size_t k = 0; k < c.s.size(); ++k)
             if (c.colon[k]) {
                 s[k] = Mm();
-                kn::Header::name(s[k]) = c_p.getname();
+                kn::Header::lend_name(s[k], c_p.getname());
             }
     }
     ~Seen() {
-        for (Mm &m : s) kn::Header::name(m) = nullptr;
+        for (Mm &m : s) kn::Header::lend_name(m, nullptr);
     }
 };
 

@@ -5,7 +5,6 @@
 
 #include "core/constants.h"
 #include "core/header.h"
-#include "core/hooks.h"
 #include "support/support.h"
 
 using namespace test;
@@ -196,21 +195,6 @@ TEST(ValueSharing, released_scalars_are_told_to_the_debug_handler) {
     kn_set_default_error_flags(8, 0);
     kn_set_debug_handler(old);
     EXPECT_EQ(told, "svsv");
-}
-
-TEST(ValueSharing, named_values_register_under_an_interactive_host) {
-    kn::ScopeHooks old = kn::scope_hooks;
-    kn::scope_hooks = {[](Mm &m) { (told += '+') += m.getname(); },
-                       [](Mm &m) { (told += '-') += m.getname(); }};
-    told.clear();
-    for (int interactive : {0, 1}) {
-        kn_interactive_flag = interactive;
-        Mm v(i_o, "v", 0), w, unnamed = M({{1}});
-        w.setname("w");
-    }
-    kn_interactive_flag = 0;
-    kn::scope_hooks = old;
-    EXPECT_EQ(told, "+v+w-w-v");
 }
 
 // -- Shape.

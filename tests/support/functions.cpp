@@ -31,7 +31,8 @@ template <size_t... legal, class F> void add(std::vector<Function> &list, const 
 
 std::vector<Function> make_list() {
     std::vector<Function> list;
-#define ROW(name, ...) add<__VA_ARGS__>(list, #name, [](const auto &...x) { return name(x...); });
+#define ROW(name, description, ...) \
+    add<__VA_ARGS__>(list, #name, [](const auto &...x) { return name(x...); });
     QUORVEX_FUNCTIONS(ROW)
 #undef ROW
     return list;

@@ -1,0 +1,136 @@
+// The language's words about variables: clear, exist, which, who, whos, openvar.
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+#include "core/fields.h"
+#include "core/header.h"
+#include "platform/platform.h"
+#include "quorvex/arrays.h"
+#include "quorvex/classes.h"
+#include "quorvex/display.h"
+#include "quorvex/evaluation.h"
+#include "quorvex/startup.h"
+#include "quorvex/structures.h"
+#include "runtime/mpath.h"
+#include "runtime/word.h"
+#include "runtime/workspace.h"
+
+using namespace kn;
+
+namespace {
+
+constexpr int max_exist_name = 512, max_which_name = 1024, max_file_name = 2048, max_open_name = 40;
+
+bool has_value(const Mm *m) { return m && m->gettype() != kn_none; }
+
+// The `name` fields of what whos gives.
+Mm names_of(const Mm &list) {
+    const int n = list.isstruct() ? list.size() : 0;
+    Mm names = cell(n, 1.0);
+    for (int k = 1; k <= n && n == names.size(); ++k) names.mr(k) = Mm(list(k).member("name"));
+    return names;
+}
+
+// "directory\program pid address", with a separator where the directory lacks one.
+bool start_viewer(const Mm &value) {
+    const char *directory = mpath_pointer ? mpath_pointer->host_directory : "";
+    const size_t n = std::strlen(directory);
+    const bool ended = n == 0 || directory[n - 1] == '/' || directory[n - 1] == '\\';
+    char command[sizeof mpath_pointer->host_directory + 80];
+    std::snprintf(command, sizeof command, "%s%.*solenview.exe %u %llu", directory, ended ? 0 : 1,
+                  &os::separator, os::process_id(),
+                  static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(&value)));
+    return os::start_detached(command);
+}
+
+} // namespace
+
+Mm clear() {
+    Scopes::remove_all(Scopes::level());
+    return x_M;
+}
+
+Mm clear(const Mc &list) {
+    for (int k = 0; k < list.count(); ++k) {
+        Mm &value = const_cast<Mm &>(list.item(k));
+        if (Scopes::remove(value)) value = nop_M;
+    }
+    return x_M;
+}
+
+int exist(const Mm &m) {
+    if (!m.isstr()) {
+        error("exist: argument is not string");
+        return 0;
+    }
+    char name[path_name_size];
+    Mstr(m, name, max_exist_name);
+    if (std::strcmp(name, "_TARVEK_") == 0) return 9;
+    if (has_value(Scopes::lookup(name, Scopes::level()))) return 1;
+    char found[path_name_size];
+    std::strcpy(found, name);
+    if (*name && find_m_file(found, sizeof found)) return 2;
+    return os::is_directory(name) ? 7 : 0;
+}
+
+int exist(const Mm &name, const Mm &kind) {
+    constexpr struct {
+        const char *kind;
+        int answer;
+    } kinds[] = {{"var", 1}, {"builtin", 5}, {"file", 2}, {"dir", 7}};
+    const int answer = exist(name);
+    for (const auto &row : kinds)
+        if (row.answer == answer && is_word(kind, row.kind)) return answer;
+    return 0;
+}
+
+Mm which(const Mm &m) {
+    char name[max_which_name];
+    Mstr(m, name, sizeof name);
+    if (Scopes::find(name, Scopes::level()) >= 0) return TM("a variable");
+    return TM(find_m_file(name, sizeof name) ? name : "unknown");
+}
+
+Mm whos() {
+    const int level = Scopes::level(), n = Scopes::count(level);
+    if (n == 0) return cell(0.0, 0.0);
+    Mm columns = cell(4.0, n);
+    if (lacks(columns, 4 * n)) return x_M;
+    for (int k = 0; k < n; ++k) {
+        const Mm &value = *Scopes::value(k, level);
+        columns.mr(1, k + 1) = TM(value.getname());
+        columns.mr(2, k + 1) = size(value);
+        columns.mr(3, k + 1) = value.size() * 8.0;
+        columns.mr(4, k + 1) = mclass(value);
+    }
+    const Mm names = (CL(TM("name")), TM("size"), TM("bytes"), TM("class"));
+    return cell2struct(columns, transpose(names), one_M);
+}
+
+Mm whos(const Mm &, const Mm &file) {
+    char name[max_file_name];
+    Mstr(file, name, sizeof name);
+    if (os::file_exists(name))
+        error("%s is not yet implemented", "whos of a file");
+    else
+        error("load: %s not found", name);
+    return x_M;
+}
+
+Mm who() { return names_of(whos()); }
+Mm who(const Mm &keyword, const Mm &file) { return names_of(whos(keyword, file)); }
+
+Mm openvar(const Mm &m) {
+    char text[max_open_name];
+    Mstr(m, text, sizeof text);
+    const char *name = text;
+    while (std::isspace(static_cast<unsigned char>(*name))) ++name;
+    if (const Mm *value = Scopes::lookup_visible(name)) {
+        if (!start_viewer(*value)) display(*value);
+    } else {
+        kn_printf("Variable '%s' not found.\n", name);
+    }
+    return x_M;
+}
