@@ -12,12 +12,13 @@ namespace bench {
 
 // The most that the library's call may take.
 struct Limit {
-    enum Kind { ratio, step, total } kind;
-    double most;   // as often as long as native; ns a step; ms in all
+    enum Kind { ratio, step, beyond, total } kind;
+    double most;   // as often as long as native; ns a step; ns a step more than native; ms in all
     int steps = 1; // of one call
 };
 inline Limit times_native(double most) { return {Limit::ratio, most}; }
 inline Limit ns_each(double most, int steps) { return {Limit::step, most, steps}; }
+inline Limit ns_beyond_native(double most, int steps) { return {Limit::beyond, most, steps}; }
 inline Limit ms(double most) { return {Limit::total, most}; }
 
 // Measures and prints one row, unless the pattern of the command line leaves it out. Both sides do the work
@@ -39,6 +40,7 @@ void array_rows();
 void structure_rows();
 void value_rows();
 void product_rows();
+void workspace_rows();
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
 

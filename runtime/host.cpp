@@ -83,9 +83,8 @@ void show(intptr_t word) {
 
 void forget(intptr_t word) {
     if (!word || std::strcmp(text_at(word), "global") == 0) return Scopes::remove_all(level_named(word));
-    const int position = Scopes::find(text_at(word), Scopes::level());
-    if (position >= 0)
-        Scopes::remove_at(position, Scopes::level());
+    if (Mm *value = Scopes::lookup(text_at(word), Scopes::level()))
+        Scopes::remove(*value);
     else
         not_yet("clear_mex");
 }

@@ -36,6 +36,8 @@ void leave_chain(Mm &value) {
 
 } // namespace
 
+int Scopes::level_for(const Mm &value) { return value.isglobal() ? 0 : variables_scope.level; }
+
 // ---- Slots ----
 
 int Scopes::find(const char *name, int level) {
@@ -112,7 +114,7 @@ void Scopes::drop_slot(Table &t, int position) {
 
 void Scopes::add(Mm &value, bool owned) {
     const char *name = value.getname();
-    const int level = value.isglobal() ? 0 : variables_scope.level;
+    const int level = level_for(value);
     if (!name || variables_scope.level < 0) return;
     value.getflags().persistent = level < 2;
     Table &t = table(level);
@@ -186,7 +188,8 @@ void Scopes::remove_at(int position, int level) {
 }
 
 bool Scopes::remove(Mm &value) {
-    const int level = value.isglobal() ? 0 : variables_scope.level;
+    if (!value.getname()) return true;
+    const int level = Header::level(value) >= 0 ? Header::level(value) : level_for(value);
     const int position = find(value.getname(), level);
     if (position < 0) return true;
     const Table &t = table(level);

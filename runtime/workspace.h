@@ -42,6 +42,7 @@ struct Scopes {
   private:
     using Table = variables_scope_t::Table;
     static Table &table(int level) { return variables_scope.tables[level]; }
+    static int level_for(const Mm &value);
     static bool grow(Table &t);
     static int slot_of(const Mm &value);
     static void drop_slot(Table &t, int position);

@@ -1,5 +1,6 @@
 // The language's words about variables: clear, exist, which, who, whos, openvar.
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -24,6 +25,14 @@ namespace {
 constexpr int max_exist_name = 512, max_which_name = 1024, max_file_name = 2048, max_open_name = 40;
 
 bool has_value(const Mm *m) { return m && m->gettype() != kn_none; }
+
+// As `size` gives them, but of a variable without a value too.
+Mm extents(const Mm &m) {
+    const int n = m.getndims();
+    Mm row(0, 0, 0, 1, n, kn_double);
+    if (!lacks(row, n)) std::copy_n(m.getdims(), n, row.addr());
+    return row;
+}
 
 // The `name` fields of what whos gives.
 Mm names_of(const Mm &list) {
@@ -101,7 +110,7 @@ Mm whos() {
     for (int k = 0; k < n; ++k) {
         const Mm &value = *Scopes::value(k, level);
         columns.mr(1, k + 1) = TM(value.getname());
-        columns.mr(2, k + 1) = size(value);
+        columns.mr(2, k + 1) = extents(value);
         columns.mr(3, k + 1) = value.size() * 8.0;
         columns.mr(4, k + 1) = mclass(value);
     }

@@ -1,0 +1,180 @@
+// The commands of an interactive host, as a host gives them: numbers and addresses.
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "core/header.h"
+#include "support/recording_engine.h"
+#include "support/support.h"
+
+using test::row;
+
+namespace {
+
+template <class F> intptr_t at(F *f) { return reinterpret_cast<intptr_t>(f); }
+
+// What a command prints.
+std::string shown(int command, intptr_t a, intptr_t b) {
+    return test::printed([&] { ive_do(command, a, b); });
+}
+
+// What it writes into its buffer; what lies behind stays as it was.
+std::string written(int command, intptr_t a, size_t size) {
+    std::string buffer(size, '~');
+    buffer += "guard";
+    ive_do(command, a, at(buffer.data()));
+    EXPECT_EQ(buffer.substr(size), "guard") << command;
+    return buffer.c_str();
+}
+
+class Host : public testing::Test {
+  protected:
+    Host() { ive_do(0, 0, 0); }
+    ~Host() override {
+        kn_interactive_flag = 0;
+        for (int command : {12, 20, 25}) ive_do(command, 0, 0);
+        ive_do(4, 0, 0);
+        ive_do(4, 0, at("global"));
+    }
+};
+
+TEST_F(Host, variables_by_position_and_name) {
+    variables_scope.begin();
+    Mm x(i_o, "x", 0), t(i_o, "text_", 0), g(i_o, "g", 1);
+    Mm object(i_o, "aNameThatIsLongerThanThirtyNineCharacters", 0);
+    x = row({1, 2, 3}), t = TM("abc"), g = 7.5;
+    object = mclass(test::struct_of({{"f", 1.0}}), TM("account"));
+    EXPECT_EQ(ive_do(1, 0, 0), 3);
+    EXPECT_EQ(ive_do(23, 0, 0), 1);
+    EXPECT_EQ(written(2, 1, 40), "text");
+    EXPECT_EQ(written(2, 2, 40), "aNameThatIsLongerThanThirtyNineCharacte");
+    EXPECT_EQ(written(24, 0, 40), "g");
+    EXPECT_EQ(written(10, 0, 40), "double");
+    EXPECT_EQ(written(10, 2, 40), "account");
+    EXPECT_EQ(ive_do(10, 0, 0), 0);
+    EXPECT_EQ(ive_do(10, 2, 0), 1);
+    EXPECT_EQ(written(29, 0, 128), "1x3 double");
+    EXPECT_EQ(written(30, 0, 128), "7.5");
+    EXPECT_EQ(ive_do(26, 0, at("text")), at(&t));
+    EXPECT_EQ(ive_do(26, 0, at("g")), at(&g));
+    EXPECT_EQ(ive_do(26, 0, at("nobody")), 0);
+    EXPECT_EQ(shown(3, 0, at("g")), "g (1x1)=1 double elements real (8 bytes) = \n7.5\n");
+    EXPECT_EQ(shown(3, 0, at("nobody")), "Variable 'nobody' not found.\n");
+    EXPECT_EQ(shown(35, 0, at("nobody")), "Variable 'nobody' not found.\n");
+    EXPECT_EQ(shown(11, 0, at("global")), "g \n");
+    EXPECT_EQ(shown(11, 0, 0).substr(0, 8), "x text_ ");
+    EXPECT_EQ(shown(9, 0, at("global")), "g                      (1x1)=1 double elements real (8 bytes)\n");
+    for (int command : {2, 10, 24, 29, 30}) {
+        char buffer[128];
+        EXPECT_RAISES(ive_do(command, 99, at(buffer)), "variable_scope: index out of range");
+        test::Returning errors;
+        EXPECT_EQ(ive_do(command, -1, at(buffer)), 0);
+    }
+
+    ive_do(4, 0, at("text"));
+    EXPECT_EQ(shown(11, 0, 0).substr(0, 4), "x aN");
+    EXPECT_SAME(t, TM("abc")) << "forgotten, not emptied";
+    ive_do(4, 0, at("global"));
+    EXPECT_EQ(ive_do(23, 0, 0), 0);
+    ive_do(4, 0, 0);
+    EXPECT_EQ(shown(11, 0, 0), "");
+    variables_scope.end();
+}
+
+TEST_F(Host, a_variable_of_the_base_workspace_outlives_its_value) {
+    {
+        Mm x(i_o, "x", 0);
+        x = 4.0;
+    }
+    const Mm *copy = reinterpret_cast<const Mm *>(ive_do(26, 0, at("x")));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_SAME(*copy, Mm(4.0));
+    Mm again(i_o, "x", 0);
+    EXPECT_SAME(again, Mm(4.0));
+    EXPECT_EQ(ive_do(1, 0, 0), 1);
+}
+
+// ---- Handlers and hooks ----
+
+std::string told;
+void take_text(const char *text) { told += text; }
+void take_code(int, const char *text) { told += text; }
+void take_line(char *buf, int) { std::strcpy(buf, "5"); }
+int take_key() { return told += "key", 1; }
+void take_clear() { told += "clear"; }
+int take_statement(const char *) { return 0; }
+int take_command(const char *, int, char *, int) { return 0; }
+
+TEST_F(Host, handlers_and_hooks) {
+    const kn_text_handler print = kn_print_handler;
+    told.clear();
+    ive_do(16, 0, at(take_text));
+    ive_do(15, 0, at(take_code));
+    ive_do(17, 0, at(take_line));
+    ive_do(18, 0, at(take_key));
+    ive_do(19, 0, at(take_clear));
+    EXPECT_SAME(input(TM("?")), Mm(5.0));
+    pauseM();
+    ive_do(21, 0, 0);
+    kn_debug_handler('s', "debug");
+    ive_do(12, 0, at(take_statement));
+    EXPECT_EQ(eval_func, take_statement);
+    ive_do(25, 0, at(take_command));
+    EXPECT_EQ(kn_command_handler, take_command);
+    EXPECT_EQ(ive_do(6, 0, 0), at(&kn_error_stack));
+    for (int command = 15; command <= 19; ++command) ive_do(command, 0, 0);
+    EXPECT_EQ(told, "?\n\nkey\ncleardebug");
+    EXPECT_EQ(kn_print_handler, kn_default_print);
+    kn_set_print_handler(print);
+}
+
+TEST_F(Host, words_for_a_person) {
+    const std::string directory = testing::TempDir() + "host words";
+    std::filesystem::create_directories(directory + "/inner");
+    for (const char *name : {"/b.m", "/a.m", "/c.txt"}) std::ofstream(directory + name) << "12345";
+    kn_path_record *record = kn_new_path_record("");
+    ive_do(20, 0, at(record));
+    EXPECT_EQ(mpath_pointer, record);
+    addpath(TM(directory.c_str()));
+    char path[1024];
+    ive_do(33, at(path), at("a"));
+    EXPECT_EQ(path, directory + "/a.m");
+    EXPECT_EQ(shown(14, 0, at((directory + "/*.m").c_str())), "a.m\nb.m\n");
+    EXPECT_EQ(shown(14, 0, at((directory + "/none*").c_str())), "");
+    EXPECT_NE(shown(13, 0, at("numel")).find("number of elements"), std::string::npos);
+    EXPECT_EQ(shown(31, 0, at("number of elements")), "numel                number of elements\n");
+    EXPECT_NE(shown(32, 0, at("")).find("\nnumel "), std::string::npos);
+    EXPECT_NE(shown(36, 0, 0).find("in use by this process"), std::string::npos);
+    EXPECT_EQ(written(37, 0, 2048), "4.5");
+    kn_delete_path_record(record);
+
+    const Mm listing = dir(TM(directory.c_str()));
+    ASSERT_EQ(listing.size(), 6) << "with . and ..";
+    EXPECT_SAME(Mm(listing(3).member("bytes")), Mm(5.0));
+    EXPECT_SAME(Mm(listing(6).member("isdir")), Mm(1.0));
+    const std::string lines = test::printed([&] { ls(TM((directory + "/?.txt").c_str())); });
+    EXPECT_EQ(lines.substr(20), "            5  c.txt\n");
+}
+
+TEST_F(Host, the_engine_and_what_is_to_come) {
+    test::RecordingEngine engine;
+    SeloEngine *old = kn_set_engine(&engine);
+    engine.calls.clear();
+    ive_do(22, 0, 0);
+    ive_do(38, 0, 0);
+    ive_do(28, 3, 0);
+    kn_set_engine(old);
+    for (const char *call : {"application_handle", "application_key_handle", "quit 3"})
+        EXPECT_NE(std::find(engine.calls.begin(), engine.calls.end(), call), engine.calls.end()) << call;
+    const std::pair<int, const char *> later[] = {{5, "designer is not yet implemented"},
+                                                  {27, "clear_mex is not yet implemented"},
+                                                  {34, "figure_close is not yet implemented"},
+                                                  {4, "clear_mex is not yet implemented"}};
+    for (auto [command, text] : later) EXPECT_RAISES(ive_do(command, 0, at("nobody")), text);
+    for (int command : {-1, 7, 8, 39, 1000}) EXPECT_EQ(ive_do(command, 1, 1), 0);
+}
+
+} // namespace
