@@ -79,10 +79,23 @@ struct Entry {
     int count;
 };
 
+// What the language calls a function whose name C++ or its library has taken.
+constexpr std::pair<const char *, string_view> renamed[] = {
+    {"and", "mand"},       {"bitand", "mbitand"},   {"bitor", "mbitor"}, {"class", "mclass"},
+    {"double", "mdouble"}, {"logical", "mlogical"}, {"not", "mnot"},     {"or", "mor"},
+    {"pause", "pauseM"},   {"rand", "randM"},       {"std", "mstd"},     {"struct", "mstruct"},
+    {"uint16", "muint16"}, {"uint8", "muint8"},     {"xor", "mxor"}};
+
+constexpr const char *word_of(const char *name) {
+    for (auto [word, renamed_to] : renamed)
+        if (renamed_to == name) return word;
+    return name;
+}
+
 template <size_t... legal, class F> constexpr Entry entry(const char *name, const char *description, F) {
     const auto &forms = Forms<F, legal...>::list;
     static_assert(!std::empty(forms), "a row without an overload");
-    Entry e{{name, description, 0, 0}, forms.data(), static_cast<int>(forms.size())};
+    Entry e{{name, word_of(name), description, 0, 0}, forms.data(), static_cast<int>(forms.size())};
     for (const Form &f : forms) {
         e.about.inputs |= 1u << f.inputs;
         e.about.outputs |= 1u << f.outputs;
@@ -111,13 +124,6 @@ constexpr auto functions = [] {
     for (int k = 0; k < n_functions; ++k) list[k] = table[k].about;
     return list;
 }();
-
-// What the language calls a function whose name C++ or its library has taken.
-constexpr std::pair<string_view, string_view> renamed[] = {
-    {"and", "mand"},       {"bitand", "mbitand"},   {"bitor", "mbitor"}, {"class", "mclass"},
-    {"double", "mdouble"}, {"logical", "mlogical"}, {"not", "mnot"},     {"or", "mor"},
-    {"pause", "pauseM"},   {"rand", "randM"},       {"std", "mstd"},     {"struct", "mstruct"},
-    {"uint16", "muint16"}, {"uint8", "muint8"},     {"xor", "mxor"}};
 
 // Functions that take what is behind so many inputs as one cell.
 constexpr std::pair<string_view, int> gathering[] = {{"addpath", 0}, {"mstruct", 0}};

@@ -26,7 +26,7 @@ bool holds(string_view text, string_view part) {
                        [&](char a, char b) { return lower(a) == lower(b); }) != text.end();
 }
 
-void print_line(const kn_function &f) { kn_printf("%-20s %s\n", f.name, f.description); }
+void print_line(const kn_function &f) { kn_printf("%-20s %s\n", f.word, f.description); }
 
 // "1, 2" from the set of counts.
 void write_counts(char *out, size_t size, unsigned set) {
@@ -77,7 +77,7 @@ Mm lookfor(const Mm &text) {
     const int n = kn_functions(&list);
     int found = 0;
     for (const kn_function *f = list; f < list + n; ++f) {
-        if (!holds(f->name, part) && !holds(f->description, part)) continue;
+        if (!holds(f->word, part) && !holds(f->name, part) && !holds(f->description, part)) continue;
         print_line(*f);
         ++found;
     }

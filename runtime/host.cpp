@@ -83,10 +83,8 @@ void show(intptr_t word) {
 
 void forget(intptr_t word) {
     if (!word || std::strcmp(text_at(word), "global") == 0) return Scopes::remove_all(level_named(word));
-    if (Mm *value = Scopes::lookup(text_at(word), Scopes::level()))
-        Scopes::remove(*value);
-    else
-        not_yet("clear_mex");
+    // Else it would be the name of a module to unload; an unknown one does nothing, and none can be loaded.
+    if (Mm *value = Scopes::lookup(text_at(word), Scopes::level())) Scopes::remove(*value);
 }
 
 void list_names(int level) {

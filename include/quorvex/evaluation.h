@@ -24,9 +24,10 @@ extern QUORVEX_API kn_eval_hook eval_func;
 // -- Evaluation.
 
 // The value of a text. Without eval_func that is str2num of it. With it: x_M for an empty text; a copy of the
-// variable that the text names; else the hook evaluates the statement "eval_result_N=text", and the variable
-// of this name is the value. A text with "tripdata", "playshow", "load " or "global" in it is handed over as
-// it is, and gives x_M. "error evaluating." when the hook reports failure. Further inputs are not looked at.
+// variable that the text names; else the hook evaluates the statement "eval_result_N=text", cut at 2048
+// characters, and the variable of this name is the value. A text with "tripdata", "playshow", "load " or
+// "global" in it is handed over as it is, and gives x_M. "error evaluating." when the hook reports failure.
+// Further inputs are not looked at.
 QUORVEX_API Mm eval(const Mm &text);
 QUORVEX_API Mm eval(const Mm &text, const Mm &otherwise);
 QUORVEX_API Mm evalin(const Mm &where, const Mm &text); // eval(text)

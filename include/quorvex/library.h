@@ -4,14 +4,15 @@
 
 #include "quorvex/counts.h"
 
-// One function. `inputs` and `outputs` are sets: bit n stands for n of them. Every function gives one output,
-// be it x_M; those of several results also give the counts in `outputs`.
+// One function: its C++ name, its name in the language, what it does. `inputs` and `outputs` are sets: bit n
+// stands for n of them. Every function gives one output, be it x_M; those of several results also give the
+// counts in `outputs`.
 struct kn_function {
-    const char *name, *description;
+    const char *name, *word, *description;
     unsigned inputs, outputs;
 };
 
-// All functions, by name; how many there are.
+// All functions, by C++ name; how many there are.
 QUORVEX_API int kn_functions(const kn_function **list);
 // The function of this name, which may be the C++ one (randM, mand) or the language's (rand, and); else null.
 QUORVEX_API const kn_function *kn_find_function(const char *name);
