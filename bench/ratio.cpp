@@ -22,15 +22,16 @@ int rows = 0, over = 0;
 constexpr double batch = 5e6, budget = 5e8, warm_up = 3e7;
 constexpr int fewest_batches = 3;
 
-double now() {
+double nanoseconds_now() {
     using namespace std::chrono;
-    return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
+    return static_cast<double>(
+        duration_cast<nanoseconds>(steady_clock::nanoseconds_now().time_since_epoch()).count());
 }
 
 double timed(const Work &work, int calls = 1) {
-    double start = now();
+    double start = nanoseconds_now();
     for (int k = 0; k < calls; ++k) work();
-    return (now() - start) / calls;
+    return (nanoseconds_now() - start) / calls;
 }
 
 // One side of a row.
@@ -75,8 +76,8 @@ void bench::heading(const char *text) { title = text; }
 void bench::row(const std::string &work, Limit limit, const Work &ours, const Work &native) {
     if (work.find(pattern) == std::string::npos) return;
     Side a(ours), b(native);
-    double start = now();
-    for (int k = 0; k < fewest_batches || now() - start < budget; ++k) a.run(), b.run();
+    double start = nanoseconds_now();
+    for (int k = 0; k < fewest_batches || nanoseconds_now() - start < budget; ++k) a.run(), b.run();
 
     double judged = 0;
     const char *form = "%.1f ns";

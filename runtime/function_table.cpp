@@ -81,10 +81,11 @@ struct Entry {
 
 // What the language calls a function whose name C++ or its library has taken.
 constexpr std::pair<const char *, string_view> renamed[] = {
-    {"and", "mand"},       {"bitand", "mbitand"},   {"bitor", "mbitor"}, {"class", "mclass"},
-    {"double", "mdouble"}, {"logical", "mlogical"}, {"not", "mnot"},     {"or", "mor"},
-    {"pause", "pauseM"},   {"rand", "randM"},       {"std", "mstd"},     {"struct", "mstruct"},
-    {"uint16", "muint16"}, {"uint8", "muint8"},     {"xor", "mxor"}};
+    {"and", "mand"},     {"bitand", "mbitand"}, {"bitor", "mbitor"},   {"char", "mchar"},
+    {"class", "mclass"}, {"clock", "clockM"},   {"double", "mdouble"}, {"logical", "mlogical"},
+    {"not", "mnot"},     {"or", "mor"},         {"pause", "pauseM"},   {"rand", "randM"},
+    {"std", "mstd"},     {"struct", "mstruct"}, {"uint16", "muint16"}, {"uint8", "muint8"},
+    {"xor", "mxor"}};
 
 constexpr const char *word_of(const char *name) {
     for (auto [word, renamed_to] : renamed)

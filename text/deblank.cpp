@@ -1,25 +1,15 @@
 // Text without its trailing blanks.
-#include <algorithm>
-
-#include "core/header.h"
 #include "quorvex/builders.h"
 #include "quorvex/indexing.h"
-#include "quorvex/startup.h"
 #include "quorvex/text.h"
+#include "text/strings.h"
 
-namespace {
-
-bool is_blank(double code) { return code == 0 || code == ' ' || (code >= '\t' && code <= '\r'); }
-
-} // namespace
+using namespace kn;
 
 Mm deblank(const Mm &s) {
-    if (s.gettype() == kn_Mm && !s.isstruct()) {
-        Mm out;
-        out.deepcopy(s, kn_none);
-        if (kn::lacks(out, s.getnnz())) return x_M;
-        for (int k = 1; k <= s.getnnz(); k++) out.mr(k) = deblank(s.mr(k));
-        return out;
+    if (is_cell(s)) {
+        const Elements texts(s);
+        return cell_of_answers(s, [&](int k) { return deblank(texts[k]); });
     }
     if (s.size() == 0) return s;
     if (!s.isstr() || s.gettype() != kn_double || s.issparse() || s.getndims() > 2) {

@@ -180,12 +180,12 @@ Mm deblank_leading(const Mm &text) {
 
 constexpr int standard_precision = 4;
 
-bool is_text(const Mm &m) {
+bool has_characters(const Mm &m) {
     return m.isstr() && m.size() > 0 && m.gettype() != kn_Mm && m.gettype() != kn_none;
 }
 
 Mm numeric_text(const Mm &m, int precision, Mm &text, Mm &width) {
-    if (is_text(m)) {
+    if (has_characters(m)) {
         text = m;
         width = m.cols();
         return x_M;
@@ -222,7 +222,7 @@ int precision_of(const Mm &digits) {
 void append_number(TextBuffer &out, double x, const NumberFormat &f) {
     char text[Digits::room];
     size_t start = out.size(), n = f.digits.write(text, x);
-    if (n < f.width) out.append_blanks(f.width - n);
+    out.append_blanks(f.blanks + (n < f.width ? f.width - n : 0));
     out.append({text, n});
     if (out && !std::isfinite(x)) respell(out, start, x);
 }
@@ -283,7 +283,7 @@ bool number_rows(const Mm &m, int precision, TextRows &out, size_t &width) {
 using namespace kn;
 
 Mm num2str(const Mm &m) {
-    if (is_text(m)) return deblank_leading(m);
+    if (has_characters(m)) return deblank_leading(m);
     TextRows rows;
     size_t width;
     if (!number_rows(m, standard_precision, rows, width)) return x_M;

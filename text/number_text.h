@@ -27,10 +27,10 @@ class Digits {
 // The first element of `digits` as the P of Digits.
 int precision_of(const Mm &digits);
 
-// The format %{width}.{P}g.
+// The format %{width}.{P}g behind so many blanks.
 struct NumberFormat {
     Digits digits;
-    size_t width = 0;
+    size_t width = 0, blanks = 0;
 };
 
 // Appends a number as it is shown: NaN, Inf and -Inf in the language's spelling, within the same width.

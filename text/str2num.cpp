@@ -26,6 +26,7 @@ using namespace kn;
 
 constexpr char marks[] = "\n;,[]", stops[] = "\n;,[] \t";
 
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_sign(char c) { return c == '+' || c == '-'; }
 bool is_sign(std::string_view token) { return token.size() == 1 && is_sign(token[0]); }
 
@@ -93,12 +94,30 @@ Complex special_word(std::string_view word) {
 
 bool is_imaginary(const TextBuffer &word) { return word.view().back() == 'i'; }
 
+// Reads re, re+imi or imi, of which most texts are made; false for all others, which may be numbers to
+// sscanf.
+bool plain_number(std::string_view text, Complex &z) {
+    const char *last = text.data() + text.size();
+    auto [end, problem] = std::from_chars(text.data(), last, z.re);
+    if (problem != std::errc()) return false;
+    if (end == last) return true;
+    auto in_digits = [](char c) { return is_digit(c) || c == '.'; };
+    if (*--last != 'i' || !in_digits(end[-1])) return false;
+    if (end == last) {
+        z = {0, z.re};
+        return true;
+    }
+    if (!is_sign(*end) || !in_digits(end[1])) return false;
+    auto [im_end, im_problem] = std::from_chars(end + 1, last, z.im);
+    if (*end == '-') z.im = -z.im;
+    return im_problem == std::errc() && im_end == last;
+}
+
 // The value of a number's text. An "i" without a number before it is 1i.
 Complex value_of(TextBuffer &word) {
     Complex z;
     std::string_view text = word.view();
-    auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), z.re);
-    if (problem == std::errc() && end == text.data() + text.size()) return z;
+    if (plain_number(text, z)) return z;
     bool imaginary = is_imaginary(word);
     if (imaginary && (text.size() == 1 || is_sign(text[text.size() - 2])))
         word.replace(text.size() - 1, 1, "1i");

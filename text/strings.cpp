@@ -29,6 +29,43 @@ Codes::Codes(const Mm &m) : copy_(m) {
     cols_ = m.size() / rows_;
 }
 
+bool error_text(const Mm &x, const char *caller) {
+    x.warn_uninit();
+    if (is_text(x)) return false;
+    error("%s: input is not a string", caller);
+    return true;
+}
+
+bool error_text_row(const Mm &x, const char *caller) {
+    if (error_text(x, caller)) return true;
+    if (x.rows() <= 1 && x.getndims() == 2) return false;
+    error("%s: input must be one row", caller);
+    return true;
+}
+
+const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> values) {
+    const Mm *shape = nullptr;
+    for (const Mm *x : values) {
+        if (!is_cell(*x)) continue;
+        if (!shape || (shape->size() == 1 && x->size() != 1)) shape = x;
+    }
+    for (const Mm *x : values) {
+        if (!is_cell(*x) || x->size() == 1 || std::equal(x->getdims(), x->getdims() + 4, shape->getdims()))
+            continue;
+        error("%s: cell arrays must be of same size", caller);
+        return nullptr;
+    }
+    return shape;
+}
+
+Mm row_of_text(const double *codes, ptrdiff_t n) {
+    Mm out(0, 0, 0, 1, static_cast<int>(n), kn_double);
+    if (lacks(out, static_cast<int>(n))) return x_M;
+    std::copy_n(codes, n, out.addr());
+    out.setstr(1);
+    return out;
+}
+
 } // namespace kn
 
 using namespace kn;

@@ -1,10 +1,12 @@
-// Reading the characters of a value, whatever its element type.
+// Reading the characters of values, whatever their element type and whether they stand in cells.
 #ifndef QUORVEX_TEXT_STRINGS_H
 #define QUORVEX_TEXT_STRINGS_H
 
 #include <cstddef>
+#include <initializer_list>
 
-#include "quorvex/values.h"
+#include "core/header.h"
+#include "quorvex/startup.h"
 
 namespace kn {
 
@@ -27,6 +29,69 @@ class Codes {
     const double *data_ = nullptr;
 };
 
+inline bool is_cell(const Mm &m) { return m.gettype() == kn_Mm && !m.isstruct(); }
+
+// Characters, or an empty array: what counts as text.
+inline bool is_text(const Mm &m) { return m.gettype() != kn_Mm && (m.isstr() || m.size() == 0); }
+
+// Whether x is no text, or more than one row of it; that is reported then. A variable without a value, too.
+bool error_text(const Mm &x, const char *caller);
+bool error_text_row(const Mm &x, const char *caller);
+
+// The elements of a cell, or the value itself as the only one. It must outlive this.
+class Elements {
+  public:
+    explicit Elements(const Mm &m)
+        : first_(is_cell(m) ? m.getpr(static_cast<Mm *>(nullptr)) : &m), count_(is_cell(m) ? m.getnnz() : 1) {
+    }
+    int count() const { return count_; }
+    // Element k, from 0; the only one stands in every place.
+    const Mm &operator[](int k) const { return first_[count_ == 1 ? 0 : k]; }
+
+  private:
+    const Mm *first_;
+    int count_;
+};
+
+// Which of several values, some of them cells, gives the shape of an answer for each of their elements: the
+// first of more than one element, else the first cell. Null after a report when their sizes don't agree, "%s:
+// cell arrays must be of same size".
+const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> values);
+
+// A cell of the extents of `like`, whose element k is f(k); x_M when memory is exhausted.
+template <class F> Mm cell_of_answers(const Mm &like, F f) {
+    Mm out = fresh_like(like, 0, kn_Mm);
+    const int n = like.getnnz();
+    if (lacks(out, n)) return x_M;
+    for (int k = 0; k < n; ++k) out.mr(k + 1) = f(k);
+    return out;
+}
+
+// A row of text from n codes.
+Mm row_of_text(const double *codes, ptrdiff_t n);
+
+// White space, and NUL, which ends texts as blanks do.
+inline bool is_white(double c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+inline bool is_blank(double c) { return c == 0 || is_white(c); }
+
+inline bool is_upper(double c) { return c >= 'A' && c <= 'Z'; }
+inline bool is_lower(double c) { return c >= 'a' && c <= 'z'; }
+template <class T> T to_upper(T c) { return is_lower(c) ? static_cast<T>(c - 32) : c; }
+template <class T> T to_lower(T c) { return is_upper(c) ? static_cast<T>(c + 32) : c; }
+
 } // namespace kn
+
+// The functions that QUORVEX_LISTS_OF_TEXTS declares, through work({&a, &b, ...}).
+#define KN_LISTS_OF_TEXTS(name, work)                                                              \
+    Mm name(const Mm &a) { return work({&a}); }                                                    \
+    Mm name(const Mm &a, const Mm &b) { return work({&a, &b}); }                                   \
+    Mm name(const Mm &a, const Mm &b, const Mm &c) { return work({&a, &b, &c}); }                  \
+    Mm name(const Mm &a, const Mm &b, const Mm &c, const Mm &d) { return work({&a, &b, &c, &d}); } \
+    Mm name(const Mm &a, const Mm &b, const Mm &c, const Mm &d, const Mm &e) {                     \
+        return work({&a, &b, &c, &d, &e});                                                         \
+    }                                                                                              \
+    Mm name(const Mm &a, const Mm &b, const Mm &c, const Mm &d, const Mm &e, const Mm &f) {        \
+        return work({&a, &b, &c, &d, &e, &f});                                                     \
+    }
 
 #endif

@@ -74,7 +74,4 @@ Mm stack(std::initializer_list<const Mm *> inputs) {
 
 } // namespace
 
-Mm strvcat(const Mm &a) { return stack({&a}); }
-Mm strvcat(const Mm &a, const Mm &b) { return stack({&a, &b}); }
-Mm strvcat(const Mm &a, const Mm &b, const Mm &c) { return stack({&a, &b, &c}); }
-Mm strvcat(const Mm &a, const Mm &b, const Mm &c, const Mm &d) { return stack({&a, &b, &c, &d}); }
+KN_LISTS_OF_TEXTS(strvcat, stack)

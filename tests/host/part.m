@@ -1,0 +1,4 @@
+part = 1;
+part = part + ...
+ 1;
+nothing(part)

@@ -1,0 +1,129 @@
+// Numbers from text and text from numbers: words, shapes, bases, and the way there and back.
+#include <bit>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <string>
+
+#include "support/support.h"
+#include "text/text_of.h"
+
+using namespace test;
+
+namespace {
+
+TEST(Conversions, numbers_as_text) {
+    EXPECT_EQ(text_of(int2str(row({2.5, -2.5, 3}))), "3  -3   3");
+    struct {
+        Mm value, digits;
+        const char *text;
+    } const cases[] = {
+        {pi, 4.0, " 3.142"},
+        {Mm(), 4.0, "[]"},
+        {M({{1, 2}, {3, 4}}), 15.0, "[ 1 2; 3 4]"},
+        {col({.1, -NAN}), U8({{3}}), "[ 0.1;  NaN]"},
+        {C(1, -2), 15.0, " 1 - 2i"},
+        {test::complex_of(row({1, 30}), row({2, 0})), 15.0, "[ 1 + 2i 30     ]"},
+        {U8({{200, 3}}), 15.0, "[ 200 3]"},
+        {test::sparse_of(2, 1, {{1, 5}}), 15.0, "[ 0; 5]"},
+        {TM("AB"), 15.0, "[ 65 66]"},
+        {nd({1, 1, 2}, {1, -HUGE_VAL}), 15.0, "[ 1 -Inf]"},
+    };
+    for (const auto &c : cases) EXPECT_EQ(text_of(mat2str(c.value, c.digits)), c.text);
+    EXPECT_RAISES(mat2str(cell_of(1, 1, {1.0})),
+                  "mat2str: numeric data expected, but matrix (temporary) is not");
+    Random random(33);
+    for (int k = 0; k < 50; ++k) {
+        Mm m = random.matrix(3, 4, k % 2);
+        for (int e = 1; m.isc() && e <= m.size(); ++e)
+            if (!std::isfinite(m.i(e))) m.i(e) = 0; // "Infi" is no number
+        m.getreal(0);
+        EXPECT_SAME(str2num(mat2str(m, 17.0)), m);
+    }
+}
+
+TEST(Conversions, random_doubles_come_back_from_their_text) {
+    std::mt19937_64 bits(17);
+    constexpr int n = 200000;
+    std::vector<double> x(n);
+    std::string text;
+    for (double &v : x) {
+        do v = std::bit_cast<double>(bits());
+        while (!std::isfinite(v));
+        char number[40];
+        text.append(number, static_cast<size_t>(std::snprintf(number, sizeof number, "%.17g ", v)));
+    }
+    const Mm y = str2num(TM(text.c_str()));
+    ASSERT_EQ(y.size(), n);
+    for (int k = 0; k < n; ++k)
+        ASSERT_EQ(std::bit_cast<uint64_t>(y.addr()[k]), std::bit_cast<uint64_t>(x[k]));
+}
+
+TEST(Conversions, str2double) {
+    EXPECT_SAME(str2double(TM("")), Mm(NAN));
+    EXPECT_SAME(str2double(TM("x")), Mm(0.0));
+    EXPECT_SAME(str2double(cell_of(2, 2, {TM("1"), TM(""), TM("2-i"), cell_of(1, 1, {TM("4")})})),
+                test::complex_of(M({{1, 2}, {NAN, 4}}), M({{0, -1}, {0, 0}})));
+    EXPECT_RAISES(str2double(cell_of(1, 1, {TM("1 2")})),
+                  "str2double: element 1 of (temporary) is not one number");
+    EXPECT_RAISES(str2double(5.0), "str2num: input is not a string");
+}
+
+TEST(Conversions, bases) {
+    EXPECT_SAME(base2dec(TM("zz"), 36.0), Mm(1295.0));
+    EXPECT_SAME(hex2dec(strvcat(TM("FF"), TM("1f"), TM("-!3"))), col({4080, 496, 3}));
+    EXPECT_SAME(bin2dec(cell_of(1, 2, {TM(" 1"), TM("12")})), col({1, 4}));
+    EXPECT_SAME(base2dec(TM("")), Mm());
+    EXPECT_EQ(text_of(dec2bin(5.0)), "101");
+    EXPECT_EQ(text_of(dec2bin(5.0, 7.5)), "00000101");
+    EXPECT_EQ(text_of(dec2hex(row({255, 1}))), "FF\n01");
+    EXPECT_EQ(text_of(dec2base(0.0, 2.0)), "0");
+    EXPECT_EQ(text_of(dec2base(-3.0, 16.0)), "-");
+    EXPECT_SAME(dec2base(Mm(), 1.0), setstr(Mm()));
+    EXPECT_EQ(dec2bin(1e308).cols(), 1024);
+    for (double base : std::initializer_list<double>{0.0, 1.4, -16.0, NAN})
+        EXPECT_RAISES(dec2base(3.0, base), "dec2base: base must be 2 or more");
+    for (double x : std::initializer_list<double>{NAN, HUGE_VAL})
+        EXPECT_RAISES(dec2base(x), "dec2base: numbers must be finite");
+    EXPECT_RAISES(dec2base(row({1, 2}), 2.0, HUGE_VAL), "Out of memory!");
+
+    std::mt19937 random(3);
+    for (int base = 2; base <= 36; ++base) {
+        Mm x = zeros(20, 1);
+        for (int k = 1; k <= 20; ++k) x.r(k) = random() >> (k % 3 * 8);
+        EXPECT_SAME(base2dec(dec2base(x, base), base), x);
+        EXPECT_SAME(base2dec(lower(dec2base(x, base, 40.0)), base), x);
+    }
+}
+
+TEST(Conversions, hexadecimal_doubles) {
+    struct {
+        const char *text;
+        uint64_t bits;
+    } const cases[] = {{"400", 0x4000000000000000},
+                       {"3ff8", 0x3ff8000000000000},
+                       {"c05EDD2F1A9FBE77", 0xc05edd2f1a9fbe77},
+                       {"400000000000000000000000 and more", 0x4000000000000000},
+                       {"", 0},
+                       {"zz40 84z", 0x0040080400000000}};
+    for (const auto &c : cases)
+        EXPECT_EQ(std::bit_cast<uint64_t>(scalar(hex2num(TM(c.text)))), c.bits) << c.text;
+    EXPECT_SAME(hex2num(strvcat(TM("400"), TM("8"))), hex2num(TM("400\n8  ")));
+}
+
+TEST(Conversions, rows_of_text) {
+    const Mm two = strvcat(TM("a"), TM("bcd"));
+    EXPECT_SAME(str2mat(TM("a"), TM("bcd")), two);
+    EXPECT_SAME(mchar(cell_of(1, 2, {TM("a"), TM("bcd")})), two);
+    EXPECT_SAME(str2mat(cell_of(1, 1, {cell_of(1, 1, {row({65, 66})})})), TM("AB"));
+    EXPECT_SAME(str2mat(two), two);
+    EXPECT_EQ(text_of(mchar(TM("a"), TM("b"), TM("c"), TM("d"), cell_of(1, 1, {TM("e")}), 102.0)),
+              "a\nb\nc\nd\ne\nf");
+    EXPECT_EQ(kn_find_function("char"), kn_find_function("mchar"));
+    EXPECT_RAISES(str2mat(struct_of({{"f", 1.0}})),
+                  "str2mat: numeric data expected, but matrix (temporary) is not");
+}
+
+} // namespace

@@ -1,0 +1,134 @@
+// Date numbers, vectors and text, and the clocks.
+#include <cmath>
+#include <random>
+#include <string>
+
+#include "support/support.h"
+#include "text/text_of.h"
+
+using namespace test;
+
+namespace {
+
+TEST(Dates, numbers_of_dates) {
+    struct {
+        std::vector<double> parts;
+        double number;
+    } const cases[] = {
+        {{2000, 1, 1}, 730486},  {{0, 1, 1}, 1},          {{1970, 1, 1}, 719529},
+        {{1900, 2, 29}, 694021}, {{2000, 14, 1}, 730883}, {{2000, 0, 1}, 730486},
+        {{2000, 3, 0}, 730545},  {{-1, 12, 31}, 0},       {{2000, 1, 1, 12, 0, 43200}, 730487}};
+    for (const auto &c : cases) EXPECT_SAME(datenum(row(c.parts)), Mm(c.number));
+    EXPECT_SAME(datenum(2000.0, row({1, 2}), 1.0), row({730486, 730517}));
+    EXPECT_SAME(datenum(U8({{4, 5}})), row({4, 5}));
+    EXPECT_SAME(datenum(NAN, 1.0, 1.0), Mm(NAN));
+    EXPECT_RAISES(datenum(row({1, 2}), col({1, 2}), 1.0), "datenum: inputs must be of same size");
+    EXPECT_SAME(eomday(row({1900, 2000, 2001}), 2.0), row({28, 29, 28}));
+}
+
+// A calendar that only counts on.
+TEST(Dates, days_follow_one_another) {
+    int year = -401, month = 1, day = 1,
+        week_day = static_cast<int>(scalar(weekday(datenum(-401.0, 1.0, 1.0))));
+    for (double n = scalar(datenum(-401.0, 1.0, 1.0)); n < 740000; ++n) {
+        const Mm v = datevec(n);
+        ASSERT_TRUE(v.r(1) == year && v.r(2) == month && v.r(3) == day && v.r(4) == 0) << n;
+        if (day % 7 == 0) {
+            ASSERT_EQ(scalar(datenum(year, month, day)), n);
+            ASSERT_EQ(scalar(weekday(n)), week_day);
+        }
+        const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+        const int days[] = {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+        week_day = week_day % 7 + 1;
+        if (++day <= days[month - 1]) continue;
+        day = 1;
+        if (++month > 12) month = 1, ++year;
+    }
+}
+
+TEST(Dates, text) {
+    const double t = scalar(datenum(row({2000, 3, 1, 15, 45, 17.25})));
+    const char *const forms[] = {"01-Mar-2000 15:45:17",
+                                 "01-Mar-2000",
+                                 "03/01/00",
+                                 "Mar",
+                                 "M",
+                                 "03",
+                                 "03/01",
+                                 "01",
+                                 "Wed",
+                                 "W",
+                                 "2000",
+                                 "00",
+                                 "Mar00",
+                                 "15:45:17",
+                                 " 3:45:17 PM",
+                                 "15:45",
+                                 " 3:45 PM",
+                                 "Q1-00",
+                                 "Q1",
+                                 "01/03"};
+    for (size_t k = 0; k < std::size(forms); ++k)
+        EXPECT_EQ(text_of(datestr(t, static_cast<double>(k))), forms[k]);
+    EXPECT_EQ(text_of(datestr(t, TM("yyyy:SS.FFF\n"))), "2000:17.250 ");
+    EXPECT_EQ(text_of(datestr(row({t, 1}))), "01-Mar-2000 15:45:17\n01-Jan-0000 00:00:00");
+    EXPECT_EQ(text_of(datestr(M({{2000, 3, 1}, {1999, 12, 31}}))), "01-Mar-2000\n31-Dec-1999");
+    EXPECT_EQ(text_of(datestr(0.0)), "12:00 AM");
+    EXPECT_EQ(text_of(datestr(730486 - 1e-9)), "01-Jan-2000 00:00:00"); // the last thousandth carries
+    EXPECT_RAISES(datestr(t, 32.0), "datestr: no such form");
+    for (double bad : std::initializer_list<double>{NAN, HUGE_VAL, 1e15})
+        EXPECT_RAISES(datestr(bad), "datestr: not a date");
+
+    const double day = std::floor(t), year = clockM().r(1);
+    struct {
+        const char *text;
+        double number;
+    } const good[] = {{"01-Mar-2000", day},
+                      {"Wed, March 1, 2000", day},
+                      {"2000-03-01", day},
+                      {"3/1/2000", day},
+                      {"2000/3/1 3:45:17.25 pm", t},
+                      {"2000-03-01T15:45:17.25", t},
+                      {"Mar-2000", day},
+                      {"03/01", scalar(datenum(year, 3.0, 1.0))},
+                      {"12:00 AM", std::floor(scalar(now()))}};
+    for (const auto &c : good) EXPECT_SAME(datenum(TM(c.text)), Mm(c.number)) << c.text;
+    EXPECT_EQ(datevec(TM(("1/1/" + text_of(datestr(now(), 11.0))).c_str())).r(1), year);
+    for (const char *bad : {"x", "2000-13-01", "30-Feb-2000", "1:2:3:4", "12:", "25:00", "13:00 PM", "5",
+                            "1 2 3 4", "Mar Mar 1", "1;2;3", "99999999999999999999999999/1/1"})
+        EXPECT_RAISES(datenum(TM(bad)), "datenum: '" + std::string(bad) + "' is not a date");
+    EXPECT_SAME(datenum(cell_of(1, 2, {TM("1-Mar-2000"), 5.0})), col({day, 5}));
+    EXPECT_RAISES(datenum(cell_of(1, 1, {row({1, 2})})), "datenum: element 1 of (temporary) is not one date");
+
+    std::mt19937 random(8);
+    for (int k = 0; k < 2000; ++k) {
+        const Mm n = 600000.0 + random() % 200000 + random() % 86400 / 86400.0;
+        EXPECT_SAME(datenum(datevec(n)), n);
+        EXPECT_NEAR(scalar(datenum(datestr(n, 0.0))), scalar(n), 1e-9);
+    }
+}
+
+TEST(Dates, week_days_and_months) {
+    Mm n, name;
+    weekday(row({730486, 730487, NAN}), i_o, n, name);
+    EXPECT_SAME(n, row({7, 1, NAN}));
+    EXPECT_EQ(text_of(name), "Sat\nSun\n   ");
+    const Mm month = calendar(2000.0, 4.0); // begins on a Saturday, 30 days
+    EXPECT_SAME(Mm(month(1.0, c_p)), row({0, 0, 0, 0, 0, 0, 1}));
+    EXPECT_SAME(Mm(month(6.0, c_p)), row({30, 0, 0, 0, 0, 0, 0}));
+    EXPECT_SAME(calendar(TM("15-Apr-2000")), month);
+}
+
+TEST(Dates, clocks) {
+    TICTOC = 0.0;
+    EXPECT_RAISES(toc(), "toc: no tic before");
+    tic();
+    const double first = scalar(toc()), second = scalar(toc());
+    EXPECT_TRUE(first >= 0 && second >= first && second < 60);
+    EXPECT_SAME(etime(row({2000, 3, 1, 0, 0, 1.5}), row({2000, 2, 28, 23, 59, 0})), Mm(86400 + 61.5));
+    EXPECT_RAISES(etime(1.0, 2.0), "etime: date vectors of 6 columns expected");
+    EXPECT_NEAR(scalar(datenum(clockM())), scalar(now()), 1.0 / 1440);
+    EXPECT_EQ(text_of(date()), text_of(datestr(std::floor(scalar(now())))));
+}
+
+} // namespace

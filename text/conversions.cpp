@@ -1,0 +1,87 @@
+// Conversions that are made of others: int2str, mat2str, str2double, str2mat.
+
+#include <algorithm>
+
+#include "core/constants.h"
+#include "quorvex/builders.h"
+#include "quorvex/classes.h"
+#include "quorvex/conversions.h"
+#include "quorvex/display.h"
+#include "quorvex/messages.h"
+#include "quorvex/operations.h"
+#include "quorvex/structures.h"
+#include "text/number_text.h"
+#include "text/strings.h"
+
+namespace {
+
+using namespace kn;
+
+constexpr double standard_digits = 15;
+
+Mm stack(std::initializer_list<const Mm *> inputs) {
+    if (inputs.size() > 1) return strvcat(cell_from_array(static_cast<int>(inputs.size()), inputs.begin()));
+    const Mm &c = **inputs.begin();
+    c.warn_uninit();
+    if (is_cell(c)) return c.size() == 1 ? str2mat(c.mr(1)) : strvcat(c);
+    return error_numeric(c, "str2mat") ? x_M : setstr(c);
+}
+
+} // namespace
+
+Mm int2str(const Mm &m) { return num2str(round(m)); }
+
+Mm mat2str(const Mm &m) { return mat2str(m, standard_digits); }
+
+Mm mat2str(const Mm &m, const Mm &digits) {
+    m.warn_uninit();
+    if (error_numeric(m, "mat2str")) return x_M;
+    const Mm x = mdouble(m);
+    if (x.size() == 0) return TM("[]");
+    const NumberFormat format{Digits(precision_of(digits)), 0, 1};
+    const int n = x.size(), rows = x.rows();
+    if (lacks(x, n)) return x_M;
+    const double *re = x.addr(), *im = x.addi();
+    TextRows out;
+    TextBuffer &text = out.text;
+    if (n > 1) text.append('[');
+    for (int r = 0; r < rows && text; ++r) {
+        if (r > 0) text.append(';');
+        for (int k = r; k < n && text; k += rows) {
+            if (im)
+                append_field(text, re[k], im[k], format, format);
+            else
+                append_number(text, re[k], format);
+        }
+    }
+    if (n > 1) text.append(']');
+    out.end_row();
+    return out ? out.value() : x_M;
+}
+
+Mm str2double(const Mm &s) {
+    if (!is_cell(s)) {
+        Mm x = str2num(s);
+        return x.size() == 0 ? Mm(raw_nan) : x;
+    }
+    Mm out = czeros(0, s.getndims(), s.getdims());
+    const int n = s.size();
+    if (lacks(out, n)) return x_M;
+    for (int k = 1; k <= n; ++k) {
+        const Mm x = str2double(s.mr(k));
+        if (x.size() != 1) {
+            error("str2double: element %d of %s is not one number", k, kn_display_name(s));
+            return x_M;
+        }
+        if (x.isc() && !out.isc()) {
+            out.getcomplex();
+            if (!out.isc()) return x_M;
+        }
+        out.r(k) = x.r();
+        if (out.isc()) out.i(k) = x.isc() ? x.i() : 0;
+    }
+    return out;
+}
+
+KN_LISTS_OF_TEXTS(str2mat, stack)
+KN_LISTS_OF_TEXTS(mchar, stack)
