@@ -24,8 +24,7 @@ constexpr int fewest_batches = 3;
 
 double nanoseconds_now() {
     using namespace std::chrono;
-    return static_cast<double>(
-        duration_cast<nanoseconds>(steady_clock::nanoseconds_now().time_since_epoch()).count());
+    return static_cast<double>(duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
 double timed(const Work &work, int calls = 1) {
