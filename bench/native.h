@@ -66,6 +66,14 @@ void product(int n, const double *a, const double *b, double *out);
 void complex_product(int n, Planes a, Planes b, Planes out); // three real products of sums; fewest flops
 void complex_product_exact(int n, Planes a, Planes b, Planes out); // four: exact as the definition
 
+// -- files.cpp: n elements, by one call of the C library; work has room for them as the file holds them
+
+void read_doubles(const char *name, int n, double *out);
+void read_shorts(const char *name, int n, short *work, double *out);
+void write_doubles(const char *name, int n, const double *x);
+void write_shorts(const char *name, int n, const double *x, short *work);
+long read_lines(const char *name); // characters of all lines; each, by std::getline, as a new array
+
 } // namespace native
 
 #endif

@@ -41,6 +41,8 @@ void structure_rows();
 void value_rows();
 void product_rows();
 void workspace_rows();
+void formatted_rows();
+void file_rows();
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
 

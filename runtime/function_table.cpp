@@ -81,11 +81,11 @@ struct Entry {
 
 // What the language calls a function whose name C++ or its library has taken.
 constexpr std::pair<const char *, string_view> renamed[] = {
-    {"and", "mand"},     {"bitand", "mbitand"}, {"bitor", "mbitor"},   {"char", "mchar"},
-    {"class", "mclass"}, {"clock", "clockM"},   {"double", "mdouble"}, {"logical", "mlogical"},
-    {"not", "mnot"},     {"or", "mor"},         {"pause", "pauseM"},   {"rand", "randM"},
-    {"std", "mstd"},     {"struct", "mstruct"}, {"uint16", "muint16"}, {"uint8", "muint8"},
-    {"xor", "mxor"}};
+    {"and", "mand"},         {"bitand", "mbitand"}, {"bitor", "mbitor"},   {"char", "mchar"},
+    {"class", "mclass"},     {"clock", "clockM"},   {"delete", "deleteM"}, {"double", "mdouble"},
+    {"logical", "mlogical"}, {"not", "mnot"},       {"or", "mor"},         {"pause", "pauseM"},
+    {"rand", "randM"},       {"std", "mstd"},       {"stderr", "stderrM"}, {"struct", "mstruct"},
+    {"uint16", "muint16"},   {"uint8", "muint8"},   {"xor", "mxor"}};
 
 constexpr const char *word_of(const char *name) {
     for (auto [word, renamed_to] : renamed)
@@ -127,7 +127,8 @@ constexpr auto functions = [] {
 }();
 
 // Functions that take what is behind so many inputs as one cell.
-constexpr std::pair<string_view, int> gathering[] = {{"addpath", 0}, {"mstruct", 0}};
+constexpr std::pair<string_view, int> gathering[] = {{"addpath", 0}, {"fprintf", 2}, {"fullfile", 0},
+                                                     {"mstruct", 0}, {"printf", 1},  {"sprintf", 1}};
 
 // ---- Finding a name ----
 
@@ -227,7 +228,9 @@ bool call_named(const char *name, const Mm &args, int wanted, Mm *const *out) {
         const Mm held(args);
         return call(e, &held, args.size() > 0 ? 1 : 0, wanted, out);
     }
-    const bool gathers = slot->gathers >= 0;
+    // A form for exactly so many inputs, none of them in a list, goes first.
+    const bool gathers =
+        slot->gathers >= 0 && (args.size() > slot->gathers || !(e.about.inputs >> args.size() & 1));
     const Mm held = gathers ? gathered(args, args.size(), slot->gathers) : args;
     return call(e, held.getpr(static_cast<Mm *>(nullptr)), held.size(), wanted, out);
 }

@@ -73,16 +73,6 @@ std::span<const Spelling> spellings_of(double x) {
     return {};
 }
 
-// Spells the text from `start` on anew.
-void respell(TextBuffer &out, size_t start, double x) {
-    for (const Spelling &s : spellings_of(x))
-        for (size_t at = start; (at = out.view().find(s.searched, at)) != std::string_view::npos;
-             at += s.shown.size()) {
-            out.replace(at, s.searched.size(), s.shown);
-            if (!out) return;
-        }
-}
-
 int decimal_digits(int n) {
     int d = 1;
     while (n >= 10) n /= 10, ++d;
@@ -217,6 +207,15 @@ size_t Digits::write(char *out, double x) const {
 
 int precision_of(const Mm &digits) {
     return digits.gettype() == kn_uint8 ? digits.ur(1) : double_to_int(digits.r());
+}
+
+void respell(TextBuffer &out, size_t start, double x) {
+    for (const Spelling &s : spellings_of(x))
+        for (size_t at = start; (at = out.view().find(s.searched, at)) != std::string_view::npos;
+             at += s.shown.size()) {
+            out.replace(at, s.searched.size(), s.shown);
+            if (!out) return;
+        }
 }
 
 void append_number(TextBuffer &out, double x, const NumberFormat &f) {

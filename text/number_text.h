@@ -36,6 +36,9 @@ struct NumberFormat {
 // Appends a number as it is shown: NaN, Inf and -Inf in the language's spelling, within the same width.
 void append_number(TextBuffer &out, double x, const NumberFormat &f);
 
+// Spells a number that isn't finite anew in the text from `start` on, which the formatter made of it.
+void respell(TextBuffer &out, size_t start, double x);
+
 // Appends the field of a complex element. The imaginary part is a blank, its sign, its magnitude by im_format
 // and "i"; all blanks when it is 0.
 void append_field(TextBuffer &out, double re, double im, const NumberFormat &re_format,

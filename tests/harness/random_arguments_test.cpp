@@ -67,6 +67,7 @@ class RandomArguments : public testing::Test {
         test::Unattended unattended;
         for (const test::Function &f : test::functions()) {
             if (!f.legal) continue;
+            unattended.go_home();
             for (int round = 0; round < (f.count ? rounds : 1); ++round) {
                 std::vector<Mm> inputs, before;
                 for (int k = 0; k < f.count; ++k) {

@@ -1,10 +1,12 @@
 #include "support/functions.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <type_traits>
 #include <utility>
 
 #include "core/scratch.h"
+#include "platform/platform.h"
 
 namespace test {
 namespace {
@@ -46,13 +48,26 @@ const std::vector<Function> &functions() {
 }
 
 Unattended::Unattended()
-    : old_input_(kn_set_input_handler(
+    : before_(std::filesystem::current_path().string()),
+      home_((std::filesystem::temp_directory_path() / ("kn_home_" + std::to_string(kn::os::process_id())))
+                .string()),
+      old_input_(kn_set_input_handler(
           [](char *buf, int size) { std::snprintf(buf, static_cast<size_t>(size), "1 2 x"); })),
       old_key_(kn_set_kbhit_handler([] { return 1; })) {
     kn::alloc_probe.largest = 1 << 17;
+    std::filesystem::create_directory(home_);
+    go_home();
+}
+
+void Unattended::go_home() const {
+    fclose(TM("all"));
+    std::filesystem::current_path(home_);
 }
 
 Unattended::~Unattended() {
+    go_home();
+    std::filesystem::current_path(before_);
+    std::filesystem::remove_all(home_);
     kn::alloc_probe.largest = 0;
     kn_set_kbhit_handler(old_key_);
     kn_set_input_handler(old_input_);

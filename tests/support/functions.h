@@ -20,14 +20,17 @@ struct Function {
 
 const std::vector<Function> &functions();
 
-// For a scope: who waits for a line or a key finds one at once, and in builds with the allocation probe no
-// block has more than 128 KB, whatever sizes the functions make of the numbers they get.
+// For a scope: who waits for a line or a key finds one at once, files are made in an empty directory, and in
+// builds with the allocation probe no block has more than 128 KB, whatever sizes the functions make of the
+// numbers they get.
 class Unattended {
   public:
     Unattended();
     ~Unattended();
+    void go_home() const; // back to that directory, with all files closed
 
   private:
+    std::string before_, home_;
     kn_input_hook old_input_;
     kn_kbhit_hook old_key_;
 };

@@ -1,0 +1,55 @@
+#include "bench/native.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+template <class T> void read(const char *name, int n, T *out) {
+    std::FILE *f = std::fopen(name, "rb");
+    if (!f || std::fread(out, sizeof *out, static_cast<std::size_t>(n), f) != static_cast<std::size_t>(n))
+        std::abort();
+    std::fclose(f);
+}
+
+template <class T> void write(const char *name, int n, const T *x) {
+    std::FILE *f = std::fopen(name, "wb");
+    if (!f || std::fwrite(x, sizeof *x, static_cast<std::size_t>(n), f) != static_cast<std::size_t>(n))
+        std::abort();
+    std::fclose(f);
+}
+
+} // namespace
+
+namespace native {
+
+void read_doubles(const char *name, int n, double *out) { read(name, n, out); }
+
+void read_shorts(const char *name, int n, short *work, double *out) {
+    read(name, n, work);
+    std::copy(work, work + n, out);
+}
+
+void write_doubles(const char *name, int n, const double *x) { write(name, n, x); }
+
+void write_shorts(const char *name, int n, const double *x, short *work) {
+    for (int k = 0; k < n; ++k) work[k] = static_cast<short>(x[k]);
+    write(name, n, work);
+}
+
+long read_lines(const char *name) {
+    std::ifstream in(name);
+    long characters = 0;
+    for (std::string line; std::getline(in, line);) {
+        const std::vector<double> codes(line.begin(), line.end());
+        characters += static_cast<long>(codes.size());
+    }
+    return characters;
+}
+
+} // namespace native

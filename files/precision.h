@@ -1,0 +1,54 @@
+// Elements of files: the precision names, and blocks of elements between a stream and arrays.
+//
+// A code says how an element is stored; 0 to 5 are also the digit P in the header of a MAT-file of level 4.
+//
+//     0  8 bytes  double                      6  8 bytes  as 0, under the names of 80-bit numbers
+//     1  4        single                      7  4        unsigned integer
+//     2  4        integer                     8  1        integer
+//     3  2        integer                     9  8        unsigned integer, under the names of signed ones
+//     4  2        unsigned integer           10  8        unsigned integer
+//     5  1        unsigned integer
+//
+// `swap` says that the bytes of each element stand in the order that is not the machine's. A call of the
+// stream library moves a block of elements.
+#ifndef QUORVEX_FILES_PRECISION_H
+#define QUORVEX_FILES_PRECISION_H
+
+#include <cstddef>
+#include <cstdio>
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+struct Precision {
+    int code, size; // bytes of an element
+};
+
+// By name; "fileio: unknown precision %s", then double.
+Precision file_precision(const Mm &name);
+
+// Reads n elements. The answer is the stream's count of items, of which a 64-bit element has two; 0 for an
+// unknown code. Where fewer than n are had, the elements behind them become 0, unless there were none: then
+// nothing is written. Integers wrap to the type of `to`; floating-point numbers are truncated and wrap, those
+// outside 64-bit integers give 0.
+ptrdiff_t read_elements(double *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
+ptrdiff_t read_elements_int32(int *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
+ptrdiff_t read_elements_byte(unsigned char *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
+
+// The same of elements in memory.
+void decode_elements(const void *from, double *to, ptrdiff_t n, int code, bool swap);
+
+// Writes n numbers; the answer is how many elements the stream took. An integer code truncates and keeps the
+// low bytes; numbers outside 64-bit integers give 0. In 64-bit elements the high word is trunc(x / 2^32) and
+// the low one trunc(x - floor(x / 2^32) * 2^32), so that -1 has the high word 0. An unknown code writes
+// nothing and answers -1.
+ptrdiff_t write_elements(const double *from, ptrdiff_t n, std::FILE *stream, int code, bool swap);
+ptrdiff_t write_elements(const unsigned char *from, ptrdiff_t n, std::FILE *stream, int code, bool swap);
+
+// Writes one number; the answer is the stream's count of items, 2 for a 64-bit element.
+int write_element(double value, std::FILE *stream, int code, bool swap);
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,62 @@
+// The calls of the C stream library, behind a probe that makes one fail. All of files/ calls them here.
+#ifndef QUORVEX_FILES_STREAM_CALLS_H
+#define QUORVEX_FILES_STREAM_CALLS_H
+
+#include <cstddef>
+#include <cstdio>
+
+#include "platform/platform.h"
+
+namespace kn {
+
+// In builds with QUORVEX_ALLOC_PROBE: `calls` made so far; number `fail_at` (counted from 1, 0 never) fails,
+// and all later ones too if `fail_after` is set; `open` streams.
+struct StreamProbe {
+    long calls, fail_at, open;
+    bool fail_after;
+};
+extern StreamProbe stream_probe;
+
+#ifdef QUORVEX_ALLOC_PROBE
+inline bool stream_fails() {
+    const long k = ++stream_probe.calls, n = stream_probe.fail_at;
+    return n != 0 && (k == n || (stream_probe.fail_after && k > n));
+}
+inline void count_open(int change) { stream_probe.open += change; }
+#else
+inline bool stream_fails() { return false; }
+inline void count_open(int) {}
+#endif
+
+// Names and results as in <cstdio>. A close that fails has closed all the same.
+namespace io {
+
+inline std::FILE *opened(std::FILE *f) {
+    if (f) count_open(1);
+    return f;
+}
+inline std::FILE *open(const char *name, const char *mode) {
+    return stream_fails() ? nullptr : opened(os::open_file(name, mode));
+}
+inline int close(std::FILE *f) {
+    count_open(-1);
+    const bool fails = stream_fails();
+    return std::fclose(f) != 0 || fails ? EOF : 0;
+}
+inline size_t read(void *to, size_t size, size_t n, std::FILE *f) {
+    return stream_fails() ? 0 : std::fread(to, size, n, f);
+}
+inline size_t write(const void *from, size_t size, size_t n, std::FILE *f) {
+    return stream_fails() ? 0 : std::fwrite(from, size, n, f);
+}
+inline char *gets(char *to, int n, std::FILE *f) { return stream_fails() ? nullptr : std::fgets(to, n, f); }
+inline int seek(std::FILE *f, long offset, int origin) {
+    return stream_fails() ? -1 : std::fseek(f, offset, origin);
+}
+inline long tell(std::FILE *f) { return stream_fails() ? -1 : std::ftell(f); }
+inline int flush(std::FILE *f) { return stream_fails() ? EOF : std::fflush(f); }
+
+} // namespace io
+} // namespace kn
+
+#endif

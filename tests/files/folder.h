@@ -1,0 +1,52 @@
+// An empty directory that a test works in, and the bytes of its files.
+#ifndef QUORVEX_TESTS_FOLDER_H
+#define QUORVEX_TESTS_FOLDER_H
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "files/stream_calls.h"
+#include "platform/platform.h"
+#include "support/support.h"
+
+namespace test {
+
+class Folder : public testing::Test {
+  protected:
+    Folder() : before_(std::filesystem::current_path()) {
+        home_ = std::filesystem::temp_directory_path() / ("kn_files_" + std::to_string(kn::os::process_id()));
+        std::filesystem::create_directory(home_);
+        std::filesystem::current_path(home_);
+        open_ = kn::stream_probe.open;
+    }
+    ~Folder() override {
+        fclose(TM("all"));
+        EXPECT_EQ(kn::stream_probe.open, open_) << "a stream leaks";
+        std::filesystem::current_path(before_);
+        std::filesystem::remove_all(home_);
+    }
+
+    static void put(const char *name, const std::string &bytes) {
+        std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    static std::string bytes(const char *name) {
+        std::ifstream in(name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    // The fid of a file with these bytes.
+    static Mm reading(const std::string &content, const char *format = "n") {
+        put("read", content);
+        return fopen(TM("read"), TM("r"), TM(format));
+    }
+    std::string home() const { return home_.string(); }
+
+  private:
+    std::filesystem::path before_, home_;
+    long open_;
+};
+
+} // namespace test
+
+#endif

@@ -1,0 +1,90 @@
+// What the fuzz targets share: values out of bytes, and calls whose errors are caught or returned from.
+#ifndef QUORVEX_TESTS_SUPPORT_FUZZ_INPUT_H
+#define QUORVEX_TESTS_SUPPORT_FUZZ_INPUT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "core/header.h"
+#include "quorvex.h"
+
+namespace fuzz {
+
+// Bytes taken one after the other; zeros behind their end.
+class Input {
+  public:
+    Input(const uint8_t *data, size_t size) : at_(data), end_(data + size) {}
+
+    bool more() const { return at_ < end_; }
+    uint8_t byte() { return more() ? *at_++ : 0; }
+    std::string text(size_t n) {
+        std::string s;
+        for (; n > 0 && more(); --n) s += static_cast<char>(byte());
+        return s;
+    }
+    std::string line() { // up to a newline, which is dropped
+        std::string s;
+        for (char c; more() && (c = static_cast<char>(byte())) != '\n';) s += c;
+        return s;
+    }
+    double number() {
+        static const double special[] = {0,       -0.0,         1,    -1,      2,   0.5, 1e300,
+                                         -1e-300, 2147483648.0, 1e19, 1.0 / 3, 1e15};
+        const uint8_t kind = byte();
+        if (kind < 16)
+            return kind < 12   ? special[kind]
+                   : kind < 14 ? infinite
+                   : kind < 15 ? -infinite
+                               : infinite - infinite;
+        if (kind < 200) return kind - 100.0;
+        double x = 0;
+        const std::string bytes = text(sizeof x);
+        std::memcpy(&x, bytes.data(), bytes.size());
+        return x;
+    }
+    Mm value() {
+        switch (byte() % 6) {
+        case 0: return TM(text(byte()).c_str());
+        case 1: {
+            Mm m(0, 0, 0, 1 + byte() % 3, byte() % 9, byte() % 4 ? kn_double : kn_uint8);
+            for (int k = 1; k <= m.size(); ++k)
+                m.gettype() == kn_double ? void(m.r(k) = number()) : void(m.ur(k) = byte());
+            return m;
+        }
+        case 2: return sparse(Mm(number()));
+        default: return number();
+        }
+    }
+
+  private:
+    static constexpr double infinite = __builtin_huge_val();
+    const uint8_t *at_, *end_;
+};
+
+struct Raised {};
+
+// Runs the work with an error handler that throws, or one that returns; nothing is printed.
+template <class F> void guarded(bool throwing, F work) {
+    kn_set_error_handler(throwing ? [](const char *) { throw Raised(); } : [](const char *) {});
+    kn_set_warning_handler([](const char *) {});
+    try {
+        work();
+    } catch (const Raised &) {
+    }
+}
+
+// What holds for every value.
+inline void expect(bool fact) {
+    if (!fact) std::abort();
+}
+inline void expect_valid(const Mm &m) {
+    kn::check(m);
+    expect(m.issparse() || m.getnnz() == m.size());
+}
+
+} // namespace fuzz
+
+#endif
