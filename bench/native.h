@@ -73,6 +73,20 @@ void read_shorts(const char *name, int n, short *work, double *out);
 void write_doubles(const char *name, int n, const double *x);
 void write_shorts(const char *name, int n, const double *x, short *work);
 long read_lines(const char *name); // characters of all lines; each, by std::getline, as a new array
+// -- sparse.cpp
+
+void sort_keys(int n, const int *keys, int *out);
+
+struct Csc { // compressed columns, 0-based
+    int rows, cols;
+    int *start, *row;
+    double *value;
+};
+void multiply(const Csc &a, const double *x, double *y);
+void multiply_transposed(const Csc &a, const double *x, double *y);
+void add(const Csc &a, const Csc &b, const Csc &out); // these two give rows in ascending order
+void product(const Csc &a, const Csc &b, const Csc &out, int *mark, double *sum); // work arrays of a's rows
+void transpose(const Csc &a, const Csc &out);
 
 } // namespace native
 

@@ -40,6 +40,7 @@ void array_rows();
 void structure_rows();
 void value_rows();
 void product_rows();
+void sparse_rows();
 void workspace_rows();
 void formatted_rows();
 void file_rows();

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <climits>
 
+#include "core/columns.h"
 #include "core/extents.h"
 #include "core/planes.h"
 #include "quorvex/builders.h"
@@ -121,15 +122,20 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
         for (int k = 0; k < a.nnz; k++) to.take(a, k, a.index[k]);
         for (int k = 0; k < b.nnz; k++) to.take(b, k, x.size() + b.index[k]);
     } else { // column by column
-        int ka = 0, kb = 0, rows = a.rows + b.rows;
-        while (ka < a.nnz || kb < b.nnz) {
-            int ca = ka < a.nnz ? a.index[ka] / a.rows : INT_MAX;
-            int cb = kb < b.nnz ? b.index[kb] / b.rows : INT_MAX;
-            int c = std::min(ca, cb);
-            for (; ka < a.nnz && a.index[ka] / a.rows == c; ka++)
-                to.take(a, ka, c * rows + a.index[ka] % a.rows);
-            for (; kb < b.nnz && b.index[kb] / b.rows == c; kb++)
-                to.take(b, kb, c * rows + a.rows + b.index[kb] % b.rows);
+        ColumnWalk in_a(a.rows), in_b(b.rows);
+        auto column = [](ColumnWalk &walk, const Entries &s, int k) {
+            if (k >= s.nnz) return INT_MAX;
+            walk.row(s.index[k]);
+            return walk.column();
+        };
+        for (int ka = 0, kb = 0, rows = a.rows + b.rows; ka < a.nnz || kb < b.nnz;) {
+            int ca = column(in_a, a, ka), cb = column(in_b, b, kb), c = std::min(ca, cb);
+            if (ca == c)
+                for (; ka < a.nnz && a.index[ka] < in_a.end(); ka++)
+                    to.take(a, ka, c * rows + a.index[ka] - in_a.begin());
+            if (cb == c)
+                for (; kb < b.nnz && b.index[kb] < in_b.end(); kb++)
+                    to.take(b, kb, c * rows + a.rows + b.index[kb] - in_b.begin());
         }
     }
     join_flags(out, x, y);

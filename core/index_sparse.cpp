@@ -76,6 +76,20 @@ class Inverse {
 
 } // namespace
 
+namespace {
+
+// The first of the ascending positions from `at` on that is not below `least`, found in steps that double.
+const int *seek(const int *at, const int *end, int least) {
+    ptrdiff_t step = 1;
+    while (step < end - at && at[step] < least) {
+        at += step;
+        step *= 2;
+    }
+    return std::lower_bound(at, at + std::min(step, end - at), least);
+}
+
+} // namespace
+
 Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
     const int *index = base.getindex(), *end = index + base.getnnz();
     const Positions &rows = s[0];
@@ -89,13 +103,16 @@ Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
         inverse.emplace(rows, extent);
         if (!*inverse) return nothing_M;
     }
-    int place = 0; // of the line in the result
+    int place = 0;           // of the line in the result
+    const int *near = index; // the entries of the line before; most lines follow it
+    int last = 0;
     Odometer lines(s, base.getdims(), 0);
     for (ptrdiff_t next; (next = lines.kn_next_index()) >= 0 && !out.failed(); place += count) {
         int line = static_cast<int>(next);
         int least = line + (rows.is_run() ? rows.first() : 0);
         int span = rows.is_run() ? count : extent;
-        const int *from = std::lower_bound(index, end, least);
+        const int *from = near = seek(least < last ? index : near, end, least);
+        last = least;
         if (from == end || *from - least >= span) continue;
         if (rows.is_run()) {
             for (; from < end && *from - least < span; ++from)

@@ -97,6 +97,10 @@ Mm dense_product(const Mm &a, const Mm &b) {
     return c;
 }
 
+Mm of_doubles(const Mm &x) { return x.gettype() == kn_uint8 ? mdouble(x) : x; }
+
+} // namespace
+
 bool conform(const Mm &a, const Mm &b) {
     if (a.getndims() == 2 && b.getndims() == 2 && a.cols() == b.rows()) return true;
     error("*: wrong dimensions of: %s %dx%d, %s %dx%d", kn_display_name(a), a.rows(), a.cols(),
@@ -104,19 +108,12 @@ bool conform(const Mm &a, const Mm &b) {
     return false;
 }
 
-Mm of_doubles(const Mm &x) {
-    Mm full_x = full(x);
-    return full_x.gettype() == kn_uint8 ? mdouble(full_x) : full_x;
-}
-
-} // namespace
-
-Mm matrix_product(const Mm &a, const Mm &b) {
-    if (!conform(a, b)) return x_M;
-    Mm full_a = of_doubles(a), full_b = of_doubles(b);
-    if (full_a.getnnz() != a.size() || full_b.getnnz() != b.size()) return x_M;
-    Mm c = dense_product(full_a, full_b);
-    return a.issparse() && b.issparse() ? sparse(c) : c;
+Mm matrix_product(const Mm &x, const Mm &y) {
+    if (x.issparse() && y.issparse()) return sparse_product(x, y);
+    if (!conform(x, y)) return x_M;
+    Mm a = of_doubles(x), b = of_doubles(y);
+    if (a.size() != x.size() || b.size() != y.size()) return x_M;
+    return a.issparse() || b.issparse() ? mixed_product(a, b) : dense_product(a, b);
 }
 
 Mm matrix_right_division(const Mm &a, const Mm &b) {

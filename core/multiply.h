@@ -10,6 +10,12 @@ namespace kn {
 // %s %dx%d, %s %dx%d", and x_M, when the inner extents differ.
 Mm matrix_product(const Mm &a, const Mm &b);
 
+// The same of a sparse and a full matrix of doubles that conform, not empty; the result is full.
+Mm mixed_product(const Mm &a, const Mm &b);
+
+// Whether both are matrices whose inner extents agree; else it is reported.
+bool conform(const Mm &a, const Mm &b);
+
 // a times the inverse of b, b being no scalar.
 Mm matrix_right_division(const Mm &a, const Mm &b);
 

@@ -15,10 +15,12 @@
 #include "core/sparse_plan.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "core/element_engine.h"
 #include "core/header.h"
 #include "core/op_names.h"
+#include "core/scratch.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 
@@ -69,15 +71,44 @@ Mm on_stored(const Operation &run, const Mm &a, const Mm &b, bool first) {
     return sparse_entries(values, matrix.getindex(), matrix);
 }
 
+// Which of two operands stores a position.
+enum : unsigned char { in_a = 1, in_b = 2 };
+
+// The union of two ascending lists. How many positions it has. Which list goes on is no branch: it can't be
+// foretold. That both do can be, in matrices of one pattern.
+int unite(const int *a, int na, const int *b, int nb, int *positions, unsigned char *where) {
+    int i = 0, j = 0, n = 0;
+    for (; i < na && j < nb; ++n) {
+        const int p = a[i], q = b[j];
+        if (p == q) {
+            positions[n] = p;
+            where[n] = in_a | in_b;
+            ++i, ++j;
+            continue;
+        }
+        const bool from_a = p < q;
+        positions[n] = from_a ? p : q;
+        where[n] = from_a ? in_a : in_b;
+        i += from_a;
+        j += !from_a;
+    }
+    for (; i < na; ++n) positions[n] = a[i++], where[n] = in_a;
+    for (; j < nb; ++n) positions[n] = b[j++], where[n] = in_b;
+    return n;
+}
+
 // One operand's values at each position of the union, 0 where it stores nothing.
-Mm spread(const Mm &a, const int *positions, int n) {
+Mm spread(const Mm &a, const unsigned char *where, unsigned char in_this, int n) {
     Mm row(a.isc(), 0, 0, 1, n, kn_double);
     if (lacks(row, n)) return row;
+    const int last = std::max(a.getnnz() - 1, 0);
     for (const auto &[to, from] : {std::pair(row.addr(), a.addr()), std::pair(row.addi(), a.addi())}) {
         if (!to) continue;
         for (int k = 0, e = 0; k < n; ++k) {
-            bool here = e < a.getnnz() && a.getindex()[e] == positions[k];
-            to[k] = here ? from[e++] : 0;
+            const bool here = where[k] & in_this;
+            const double x = from[std::min(e, last)];
+            to[k] = here ? x : 0;
+            e += here;
         }
     }
     return row;
@@ -96,15 +127,21 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
     // The list of a sparse value without entries has the room, and the ownership, for the union. Positions
     // outside the result, of a matrix against an empty value, are left out.
     int na = a.getnnz(), nb = b.getnnz();
+    if (na > INT_MAX - nb) {
+        out_of_memory();
+        return x_M;
+    }
     const int *ia = a.getindex(), *ib = b.getindex();
     Mm list(0, 1, na + nb, std::max(na + nb, 1), 1, kn_double);
     if (lacks(list, na + nb)) return x_M;
     int *positions = list.getindex();
-    int n = static_cast<int>(std::set_union(ia, ia + na, ib, ib + nb, positions) - positions);
+    Scratch<unsigned char> where(ptrdiff_t{na} + nb);
+    if (!where) return x_M;
+    int n = unite(ia, na, ib, nb, positions, where.get());
     while (n > 0 && positions[n - 1] >= like.size()) --n;
     if (n == 0) return Mm(0, 1, 0, like.getndims(), like.getdims(), kn_double);
 
-    Mm row_a = spread(a, positions, n), row_b = spread(b, positions, n);
+    Mm row_a = spread(a, where.get(), in_a, n), row_b = spread(b, where.get(), in_b, n);
     if (lacks(row_a, n) || lacks(row_b, n)) return x_M;
     Mm values = run(row_a, row_b);
     if (values.getnnz() != n) return x_M;

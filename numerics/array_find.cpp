@@ -27,6 +27,19 @@ Mm positions(const Mm &x, const kn::Positions &places) {
     return out;
 }
 
+// The elements of a sparse value that are not zero, as a full column.
+Mm stored_nonzeros(const Mm &x) {
+    kn::Positions places;
+    if (!places.set_nonzero(x)) return x_M;
+    int n = places.count();
+    Mm out(x.isc(), 0, 0, n, 1, kn_double);
+    if (kn::lacks(out, n)) return x_M;
+    kn::gather(out.addr(), x.addr(), places, 1);
+    if (out.isc()) kn::gather(out.addi(), x.addi(), places, 1);
+    out.getreal(0);
+    return out;
+}
+
 } // namespace
 
 Mm find(const Mm &x) {
@@ -40,7 +53,7 @@ Mm find(const Mm &x) {
 Mm find(const Mm &x, i_o_t, Mm &i, Mm &j) { return ind2sub(size(x), find(x), i_o, i, j); }
 
 Mm find(const Mm &x, i_o_t, Mm &i, Mm &j, Mm &v) {
-    Mm k = find(x), values = full(squeeze(x(k)));
+    Mm k = find(x), values = x.issparse() ? stored_nonzeros(x) : Mm(squeeze(x(k)));
     values = x.rows() == 1 ? reshape(values, 1.0, nop_M) : values;
     ind2sub(size(x), k, i_o, i, j);
     v = values;

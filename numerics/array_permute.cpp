@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "core/columns.h"
 #include "core/planes.h"
 #include "core/scratch.h"
 #include "core/transpose.h"
@@ -99,40 +100,44 @@ template <class T> void permute_elements(T *to, const T *from, const Walk &walk,
 
 // ---- Sparse values ----
 
-// Entry k of the result is entry source[k] of x; by rows of x, so that the positions ascend. Counts per row,
-// then places.
-bool order_by_rows(const Mm &x, int *source) {
-    int m = x.rows(), nnz = x.getnnz();
-    const int *index = x.getindex();
-    kn::Scratch<int> place(m + ptrdiff_t{1});
-    if (!place) return false;
-    std::fill_n(place.get(), m + 1, 0);
-    for (int k = 0; k < nnz; k++) place[index[k] % m + 1]++;
-    std::partial_sum(place.get(), place.get() + m + 1, place.get());
-    for (int k = 0; k < nnz; k++) source[place[index[k] % m]++] = k;
-    return true;
-}
-
 Mm permute_entries(const Mm &x, const Walk &w) {
     int nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, 4, w.d, kn_double);
-    kn::Scratch<int> source(nnz);
-    if (kn::lacks(out, nnz) || !out.issparse() || !source) return x_M;
-    bool matrix = x.getndims() == 2 && x.rows() / 4 <= nnz;
-    if (!matrix)
-        std::iota(source.get(), source.get() + nnz, 0);
-    else if (!order_by_rows(x, source.get()))
-        return x_M;
-
+    if (kn::lacks(out, nnz) || !out.issparse()) return x_M;
     for (int k = 0; k < nnz; k++) {
-        int from = x.getindex()[source[k]];
+        int from = x.getindex()[k];
         ptrdiff_t to = 0;
         for (int d = 0; d < 4; d++) to += from / w.from[d] % w.d[d] * w.to[d];
         out.getindex()[k] = static_cast<int>(to);
-        out.addr()[k] = x.addr()[source[k]];
-        if (out.isc()) out.addi()[k] = x.addi()[source[k]];
     }
+    kn::for_planes(out, x, [nnz](auto *to, const auto *from) { std::copy_n(from, nnz, to); });
     out.sort();
+    if (!std::is_sorted(out.getindex(), out.getindex() + nnz)) return x_M; // no memory
+    out.setlogical(x.islogical());
+    out.setstr(x.isstr());
+    kn::check(out);
+    return out;
+}
+
+// Of a matrix: its entries are dealt out to the rows, which are counted before.
+Mm transpose_entries(const Mm &x) {
+    int m = x.rows(), n = x.cols(), nnz = x.getnnz();
+    Mm out(x.isc(), 1, nnz, n, m, kn_double);
+    kn::Scratch<int> place(m + ptrdiff_t{1});
+    if (kn::lacks(out, nnz) || !out.issparse() || !place) return x_M;
+    int *at = place.get();
+    std::fill_n(at, m + 1, 0);
+    kn::for_entries(x, [at](int, int row, int) { at[row + 1]++; });
+    std::partial_sum(at, at + m + 1, at);
+    int *index = out.getindex();
+    const double *from = x.addr(), *from_im = x.addi();
+    double *to = out.addr(), *to_im = out.addi();
+    kn::for_entries(x, [=](int k, int row, int column) {
+        int e = at[row]++;
+        index[e] = row * n + column;
+        to[e] = from[k];
+        if (to_im) to_im[e] = from_im[k];
+    });
     out.setlogical(x.islogical());
     out.setstr(x.isstr());
     kn::check(out);
@@ -142,7 +147,10 @@ Mm permute_entries(const Mm &x, const Walk &w) {
 Mm permuted(const Mm &x, const Order &order) {
     if (x.size() == 0) return x;
     Walk w(x, order);
-    if (x.issparse()) return permute_entries(x, w);
+    // A list of many more rows than entries is better sorted.
+    bool transposes = x.getndims() == 2 && order.of[0] == 1 && order.of[1] == 0;
+    if (x.issparse())
+        return transposes && x.rows() / 4 <= x.getnnz() ? transpose_entries(x) : permute_entries(x, w);
     Mm out;
     if (!kn::make_like(out, x, 4, w.d)) return x_M;
     kn::for_planes(out, x, [&w](auto *to, const auto *from) { permute_elements(to, from, w, false); });
