@@ -5,33 +5,10 @@
 // calls on the values. Each statement first stores its line of the source file, whose text stands above it as
 // a comment.
 //
-// The numbers stand in the program as an array, until file streams can read examples/data/sunspots.txt.
+// sunspots FILE REPORT reads the numbers, a line "year number" each, and writes what it found to REPORT.
 #include <quorvex.h>
 
 namespace {
-
-const double sunspot_data[] = {
-    5,     11,    16,    23,    36,    58,    29,    20,    10,    8,     3,     0,     0,     2,     11,
-    27,    47,    63,    60,    39,    28,    26,    22,    11,    21,    40,    78,    122,   103,   73,
-    47,    35,    11,    5,     16,    34,    70,    81,    111,   101,   73,    40,    20,    16,    5,
-    11,    22,    40,    60,    80.9,  83.4,  47.7,  47.8,  30.7,  12.2,  9.6,   10.2,  32.4,  47.6,  54.0,
-    62.9,  85.9,  61.2,  45.1,  36.4,  20.9,  11.4,  37.8,  69.8,  106.1, 100.8, 81.6,  66.5,  34.8,  30.6,
-    7.0,   19.8,  92.5,  154.4, 125.9, 84.8,  68.1,  38.5,  22.8,  10.2,  24.1,  82.9,  132.0, 130.9, 118.1,
-    89.9,  66.6,  60.0,  46.9,  41.0,  21.3,  16.0,  6.4,   4.1,   6.8,   14.5,  34.0,  45.0,  43.1,  47.5,
-    42.2,  28.1,  10.1,  8.1,   2.5,   0.0,   1.4,   5.0,   12.2,  13.9,  35.4,  45.8,  41.1,  30.1,  23.9,
-    15.6,  6.6,   4.0,   1.8,   8.5,   16.6,  36.3,  49.6,  64.2,  67.0,  70.9,  47.8,  27.5,  8.5,   13.2,
-    56.9,  121.5, 138.3, 103.2, 85.7,  64.6,  36.7,  24.2,  10.7,  15.0,  40.1,  61.5,  98.5,  124.7, 96.3,
-    66.6,  64.5,  54.1,  39.0,  20.6,  6.7,   4.3,   22.7,  54.8,  93.8,  95.8,  77.2,  59.1,  44.0,  47.0,
-    30.5,  16.3,  7.3,   37.6,  74.0,  139.0, 111.2, 101.6, 66.2,  44.7,  17.0,  11.3,  12.4,  3.4,   6.0,
-    32.3,  54.3,  59.7,  63.7,  63.5,  52.2,  25.4,  13.1,  6.8,   6.3,   7.1,   35.6,  73.0,  85.1,  78.0,
-    64.0,  41.8,  26.2,  26.7,  12.1,  9.5,   2.7,   5.0,   24.4,  42.0,  63.5,  53.8,  62.0,  48.5,  43.9,
-    18.6,  5.7,   3.6,   1.4,   9.6,   47.4,  57.1,  103.9, 80.6,  63.6,  37.6,  26.1,  14.2,  5.8,   16.7,
-    44.3,  63.9,  69.0,  77.8,  64.9,  35.7,  21.2,  11.1,  5.7,   8.7,   36.1,  79.7,  114.4, 109.6, 88.8,
-    67.8,  47.5,  30.6,  16.3,  9.6,   33.2,  92.6,  151.6, 136.3, 134.7, 83.9,  69.4,  31.5,  13.9,  4.4,
-    38.0,  141.7, 190.2, 184.8, 159.0, 112.3, 53.9,  37.6,  27.9,  10.2,  15.1,  47.0,  93.8,  105.9, 105.5,
-    104.5, 66.6,  68.9,  38.0,  34.5,  15.5,  12.6,  27.5,  92.5,  155.4, 154.6, 140.4, 115.9, 66.6,  45.9,
-    17.9,  13.4,  29.4,  100.2, 157.6, 142.6, 145.7, 94.3,  54.6,  29.9,  17.5,  8.6,   21.5,  64.3,  93.3,
-    119.6, 111.0, 104.0, 63.7,  40.4,  29.8,  15.2,  7.5,   2.9};
 
 // One entry on the stack of source positions: pushed on entry to a function, popped on every way out.
 struct Frame {
@@ -50,13 +27,53 @@ struct Frame {
 
 void line(int n) { *kn_error_stack.line_ptr = n; }
 
-// x = sunspot_numbers()
-Mm sunspot_numbers() {
+// [t, x, title] = sunspot_numbers(file): years and numbers; the title is the comment in the first line
+Mm sunspot_numbers(Mm file, i_o_t, Mm &t, Mm &x, Mm &title) {
     Frame frame("sunspot_numbers.m");
-    const int n = sizeof sunspot_data / sizeof *sunspot_data;
-    Mm x = zeros(n, 1);
-    for (int k = 0; k < n; ++k) x.addr()[k] = sunspot_data[k];
-    return x;
+    file.setname("file");
+    Mm f(i_o, "f", 0), message(i_o, "message", 0), first(i_o, "first", 0), a(i_o, "a", 0);
+    // [f, message] = fopen(file, 'r');
+    line(2), fopen(file, TM("r"), i_o, f, message);
+    // if f < 0, error([file ': ' message]), end
+    line(3);
+    if (istrue(f < 0)) error(Mm((BR(file), TM(": "), message)));
+    // title = fgetl(f);
+    line(4), title = fgetl(f);
+    // title = title(3:end);
+    line(5), title = title(colon(3, numel(title)));
+    // first = sscanf(fgetl(f), '%f');
+    line(6), first = sscanf(fgetl(f), TM("%f"));
+    // a = [first fscanf(f, '%f', [2 Inf])];
+    line(7), a = (BR(first), fscanf(f, TM("%f"), (BR(2), Inf)));
+    // fclose(f);
+    line(8), fclose(f);
+    // t = a(1,:)'; x = a(2,:)';
+    line(9), t = ctranspose(a(1, c_p)), x = ctranspose(a(2, c_p));
+    return x_M;
+}
+
+// report(file, title, c): a table of the cycles
+void report(Mm file, Mm title, Mm c) {
+    Frame frame("report.m");
+    file.setname("file"), title.setname("title"), c.setname("c");
+    Mm f(i_o, "f", 0), k(i_o, "k", 0);
+    // f = fopen(file, 'wt');
+    line(2), f = fopen(file, TM("wt"));
+    // fprintf(f, 'Cycles of the %s', title);
+    line(3), fprintf(f, TM("Cycles of the %s"), CL(title));
+    // fprintf(f, '\n\nstart  peak  number  years\n');
+    line(4), fprintf(f, TM("\\n\\nstart  peak  number  years\\n"));
+    // for k = 1:length(c)
+    line(5);
+    for (double k_ = 1, end = scalar(length(c)); k_ <= end; ++k_) {
+        k = k_;
+        // fprintf(f, '%5d %5d %7.1f %6d\n', c(k).start, c(k).peak, c(k).value, c(k).length);
+        line(6), fprintf(f, TM("%5d %5d %7.1f %6d\\n"),
+                         (CL(c(k).member("start")), c(k).member("peak"), c(k).member("value"),
+                          c(k).member("length")));
+    }
+    // fclose(f);
+    line(8), fclose(f);
 }
 
 // w = windows(x, m, n): column k holds m elements of x from the k-th on, and zeros behind the last
@@ -114,8 +131,9 @@ Mm cycles(Mm t, Mm x) {
     return c;
 }
 
-void sunspots() {
+void sunspots(Mm file, Mm written) {
     Frame frame("sunspots.m");
+    file.setname("file"), written.setname("written");
     Mm x(i_o, "x", 0), t(i_o, "t", 0), title(i_o, "title", 0), lower(i_o, "lower", 0),
         summary(i_o, "summary", 0), high(i_o, "high", 0), records(i_o, "records", 0),
         spotless(i_o, "spotless", 0), decades(i_o, "decades", 0), c(i_o, "c", 0), m(i_o, "m", 0),
@@ -125,16 +143,12 @@ void sunspots() {
         lag(i_o, "lag", 0), r(i_o, "r", 0), level(i_o, "level", 0), chart(i_o, "chart", 0),
         ticks(i_o, "ticks", 0), period(i_o, "period", 0), z(i_o, "z", 0);
 
-    // x = sunspot_numbers;
-    line(1), x = sunspot_numbers();
-    // t = (1700 : 1699 + length(x))';
-    line(2), t = ctranspose(colon(1700, 1699 + length(x)));
-    // title = 'yearly sunspot numbers, 1700 to 2008';
-    line(3), title = TM("yearly sunspot numbers, 1700 to 2008");
-    // lower = title >= 97;
-    line(4), lower = title >= 97;
+    // [t, x, title] = sunspot_numbers(file);
+    line(2), sunspot_numbers(file, i_o, t, x, title);
+    // lower = title >= 97 & title <= 122;
+    line(3), lower = title >= 97 && title <= 122;
     // title(lower) = title(lower) - 32;
-    line(5), title(lower) = title(lower) - 32;
+    line(4), title(lower) = title(lower) - 32;
     // disp(title)
     line(6), disp(title);
 
@@ -161,6 +175,8 @@ void sunspots() {
     line(18), disp(TM("the cycles, from minimum to minimum"));
     // c = cycles(t, x);
     line(19), c = cycles(t, x);
+    // report(written, title, c)
+    line(19), report(written, title, c);
     // disp([fieldnames(c)'; squeeze(struct2cell(c))'])
     line(20), disp((BR(ctranspose(fieldnames(c))), semi, ctranspose(squeeze(struct2cell(c)))));
     // m = [];
@@ -246,8 +262,8 @@ void sunspots() {
 
 } // namespace
 
-int main() {
+int main(int argc, char **argv) {
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    sunspots();
+    sunspots(TM(argc > 1 ? argv[1] : "sunspots.txt"), TM(argc > 2 ? argv[2] : "sunspots_report.txt"));
     exitM();
 }
