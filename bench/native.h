@@ -87,6 +87,17 @@ void multiply_transposed(const Csc &a, const double *x, double *y);
 void add(const Csc &a, const Csc &b, const Csc &out); // these two give rows in ascending order
 void product(const Csc &a, const Csc &b, const Csc &out, int *mark, double *sum); // work arrays of a's rows
 void transpose(const Csc &a, const Csc &out);
+// -- solving.cpp: by LAPACK and SuperLU, n by n; `work` holds a copy of the matrix, which is overwritten
+
+void solve(int n, const double *a, const double *b, double *work, double *x);
+void solve_symmetric(int n, const double *a, const double *b, double *work, double *x);
+void solve_complex(int n, const double *a, const double *b, double *work, double *x); // pairs re, im
+void invert(int n, const double *a, double *x);
+void invert_complex(int n, const double *a, double *x);
+double determinant(int n, const double *a, double *work);
+void least_squares(int m, int n, const double *a, const double *b, double *work, double *x); // x has m rows
+void solve_sparse(int n, int *starts, int *rows, double *values, const double *b,
+                  double *x); // compressed columns
 
 } // namespace native
 

@@ -41,6 +41,7 @@ void structure_rows();
 void value_rows();
 void product_rows();
 void sparse_rows();
+void solving_rows();
 void workspace_rows();
 void formatted_rows();
 void file_rows();

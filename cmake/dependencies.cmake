@@ -27,6 +27,18 @@ quorvex_need("${LAPACK_FOUND}" "LAPACK (part of OpenBLAS)" libopenblas-dev)
 find_package(Boost 1.74 QUIET)
 quorvex_need("${Boost_FOUND}" "the Boost headers, 1.74 or later" libboost-dev)
 
+# The interface of version 5, which has 32-bit integers.
+find_path(SUPERLU_INCLUDE_DIR slu_ddefs.h PATH_SUFFIXES superlu SuperLU)
+find_library(SUPERLU_LIBRARY superlu)
+mark_as_advanced(SUPERLU_INCLUDE_DIR SUPERLU_LIBRARY)
+set(superlu_major)
+if(SUPERLU_INCLUDE_DIR AND SUPERLU_LIBRARY)
+    file(STRINGS ${SUPERLU_INCLUDE_DIR}/slu_util.h superlu_major REGEX "^#define SUPERLU_MAJOR_VERSION +5")
+endif()
+if(NOT superlu_major)
+    quorvex_need(FALSE "SuperLU, version 5" libsuperlu-dev)
+endif()
+
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads QUIET)
 quorvex_need("${Threads_FOUND}" "a thread library" libc6-dev)
@@ -57,5 +69,5 @@ if(QUORVEX_BENCH)
     quorvex_need("${benchmark_FOUND}" "Google Benchmark (or set QUORVEX_BENCH=OFF)" libbenchmark-dev)
 endif()
 
-set(QUORVEX_PRIVATE_LIBRARIES LAPACK::LAPACK BLAS::BLAS ${QUORVEX_SLEEF_LIBRARY} Threads::Threads
+set(QUORVEX_PRIVATE_LIBRARIES ${SUPERLU_LIBRARY} LAPACK::LAPACK BLAS::BLAS ${QUORVEX_SLEEF_LIBRARY} Threads::Threads
     ${CMAKE_DL_LIBS})

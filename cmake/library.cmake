@@ -32,6 +32,7 @@ function(quorvex_library_sources target)
         # by copy relocation.)
         target_compile_options(${target} PRIVATE -fno-semantic-interposition)
     endif()
+    target_include_directories(${target} SYSTEM PRIVATE ${SUPERLU_INCLUDE_DIR})
     target_link_libraries(${target}
         PUBLIC ${QUORVEX_PRIVATE_LIBRARIES}
         PRIVATE quorvex_warnings quorvex_kernels Boost::headers)

@@ -18,7 +18,9 @@
 #include "core/constants.h"
 #include "core/header.h"
 #include "core/scratch.h"
+#include "quorvex/arrays.h"
 #include "quorvex/classes.h"
+#include "quorvex/solving.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 
@@ -119,9 +121,7 @@ Mm matrix_product(const Mm &x, const Mm &y) {
 Mm matrix_right_division(const Mm &a, const Mm &b) {
     a.warn_uninit();
     b.warn_uninit();
-    if (a.size() < 1 || b.size() < 1) return Mm();
-    error("%s is not yet implemented", "mldivide");
-    return x_M;
+    return ctranspose(mldivide(ctranspose(b), ctranspose(a)));
 }
 
 } // namespace kn

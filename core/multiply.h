@@ -16,7 +16,7 @@ Mm mixed_product(const Mm &a, const Mm &b);
 // Whether both are matrices whose inner extents agree; else it is reported.
 bool conform(const Mm &a, const Mm &b);
 
-// a times the inverse of b, b being no scalar.
+// a times the inverse of b, b being no scalar: (b' \ a')' by mldivide (solving.h).
 Mm matrix_right_division(const Mm &a, const Mm &b);
 
 } // namespace kn

@@ -8,24 +8,11 @@
 // sunspots FILE REPORT reads the numbers, a line "year number" each, and writes what it found to REPORT.
 #include <quorvex.h>
 
+#include "examples/generated.h"
+
 namespace {
 
-// One entry on the stack of source positions: pushed on entry to a function, popped on every way out.
-struct Frame {
-    explicit Frame(const char *file) { // the stack has 512 entries; deeper calls share the last
-        if (kn_error_stack.depth < 512) ++kn_error_stack.depth;
-        kn_error_stack.file[kn_error_stack.depth] = file;
-        kn_error_stack.line_ptr = kn_error_stack.line + kn_error_stack.depth;
-        *kn_error_stack.line_ptr = 0;
-    }
-    ~Frame() {
-        kn_error_stack.depth = caller;
-        kn_error_stack.line_ptr = kn_error_stack.line + caller;
-    }
-    int caller = kn_error_stack.depth;
-};
-
-void line(int n) { *kn_error_stack.line_ptr = n; }
+using generated::Frame, generated::line;
 
 // [t, x, title] = sunspot_numbers(file): years and numbers; the title is the comment in the first line
 Mm sunspot_numbers(Mm file, i_o_t, Mm &t, Mm &x, Mm &title) {

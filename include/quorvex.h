@@ -21,6 +21,7 @@
 #include "quorvex/messages.h"
 #include "quorvex/operations.h"
 #include "quorvex/selo.h"
+#include "quorvex/solving.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "quorvex/structures.h"
