@@ -72,7 +72,8 @@ bool TextRows::finish() {
     TextBuffer padded;
     const char *row = text.data();
     for (int r = 0; r < rows_; ++r) {
-        size_t n = static_cast<size_t>(static_cast<const char *>(std::strchr(row, '\n')) - row);
+        const size_t left = static_cast<size_t>(text.data() + text.size() - row);
+        size_t n = static_cast<size_t>(static_cast<const char *>(std::memchr(row, '\n', left)) - row);
         padded.append({row, n});
         padded.append_blanks(width_ - n);
         padded.append('\n');

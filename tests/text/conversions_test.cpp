@@ -46,19 +46,21 @@ TEST(Conversions, numbers_as_text) {
 
 TEST(Conversions, random_doubles_come_back_from_their_text) {
     std::mt19937_64 bits(17);
-    constexpr int n = 200000;
-    std::vector<double> x(n);
-    std::string text;
-    for (double &v : x) {
-        do v = std::bit_cast<double>(bits());
-        while (!std::isfinite(v));
-        char number[40];
-        text.append(number, static_cast<size_t>(std::snprintf(number, sizeof number, "%.17g ", v)));
+    constexpr int texts = 1000, n = 1000;
+    for (int repeat = 0; repeat < texts; ++repeat) {
+        double x[n];
+        std::string text;
+        for (double &v : x) {
+            do v = std::bit_cast<double>(bits());
+            while (!std::isfinite(v));
+            char number[40];
+            text.append(number, static_cast<size_t>(std::snprintf(number, sizeof number, "%.17g ", v)));
+        }
+        const Mm y = str2num(TM(text.c_str()));
+        ASSERT_EQ(y.size(), n);
+        for (int k = 0; k < n; ++k)
+            ASSERT_EQ(std::bit_cast<uint64_t>(y.addr()[k]), std::bit_cast<uint64_t>(x[k]));
     }
-    const Mm y = str2num(TM(text.c_str()));
-    ASSERT_EQ(y.size(), n);
-    for (int k = 0; k < n; ++k)
-        ASSERT_EQ(std::bit_cast<uint64_t>(y.addr()[k]), std::bit_cast<uint64_t>(x[k]));
 }
 
 TEST(Conversions, str2double) {
