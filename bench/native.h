@@ -72,7 +72,7 @@ void read_doubles(const char *name, int n, double *out);
 void read_shorts(const char *name, int n, short *work, double *out);
 void write_doubles(const char *name, int n, const double *x);
 void write_shorts(const char *name, int n, const double *x, short *work);
-long read_lines(const char *name); // characters of all lines; each, by std::getline, as a new array
+long read_lines(const char *name); // characters of all lines, by std::getline
 // -- sparse.cpp
 
 void sort_keys(int n, const int *keys, int *out);
