@@ -39,6 +39,9 @@ if(NOT superlu_major)
     quorvex_need(FALSE "SuperLU, version 5" libsuperlu-dev)
 endif()
 
+find_package(ZLIB QUIET)
+quorvex_need("${ZLIB_FOUND}" "zlib" zlib1g-dev)
+
 set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads QUIET)
 quorvex_need("${Threads_FOUND}" "a thread library" libc6-dev)
@@ -69,5 +72,5 @@ if(QUORVEX_BENCH)
     quorvex_need("${benchmark_FOUND}" "Google Benchmark (or set QUORVEX_BENCH=OFF)" libbenchmark-dev)
 endif()
 
-set(QUORVEX_PRIVATE_LIBRARIES ${SUPERLU_LIBRARY} LAPACK::LAPACK BLAS::BLAS ${QUORVEX_SLEEF_LIBRARY} Threads::Threads
+set(QUORVEX_PRIVATE_LIBRARIES ${SUPERLU_LIBRARY} LAPACK::LAPACK BLAS::BLAS ${QUORVEX_SLEEF_LIBRARY} ZLIB::ZLIB Threads::Threads
     ${CMAKE_DL_LIBS})

@@ -19,7 +19,8 @@ install(FILES ${PROJECT_BINARY_DIR}/quorvexConfig.cmake ${PROJECT_BINARY_DIR}/qu
 
 # Libs.private is read for static linking only (pkg-config --static).
 set(pc_private)
-foreach(library IN LISTS SUPERLU_LIBRARY LAPACK_LIBRARIES BLAS_LIBRARIES QUORVEX_SLEEF_LIBRARY CMAKE_THREAD_LIBS_INIT CMAKE_DL_LIBS)
+foreach(library IN LISTS SUPERLU_LIBRARY LAPACK_LIBRARIES BLAS_LIBRARIES QUORVEX_SLEEF_LIBRARY ZLIB_LIBRARIES
+        CMAKE_THREAD_LIBS_INIT CMAKE_DL_LIBS)
     if(NOT library MATCHES "^-|/")
         set(library -l${library})
     endif()

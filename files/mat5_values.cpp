@@ -1,0 +1,279 @@
+// Values from a MAT-file of level 5, class by class. How the bytes lie: mat5_layout.h.
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "core/header.h"
+#include "core/scratch.h"
+#include "files/mat5_decode.h"
+#include "quorvex/classes.h"
+#include "quorvex/display.h"
+#include "quorvex/messages.h"
+#include "quorvex/sparse.h"
+
+namespace kn {
+
+using namespace mat5;
+
+namespace {
+
+// Structures without fields take no bytes in a file, so their number has no other bound.
+constexpr int most_without_fields = 1 << 16;
+
+constexpr uint64_t least_element = 8; // bytes of a matrix element
+
+} // namespace
+
+// A full value of the extents in the head, of whose elements each takes some bytes of the file.
+bool Mat5Decoder::made(const Head &h, kn_matrix_types type, uint64_t bytes_each, Mm &out) {
+    const Mat5Entry &e = h.entry;
+    const int n = product(e.ndims, e.dims);
+    const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);
+    if (bytes_each > 0 && count > left(h.end) / bytes_each) return unread();
+    const bool complex = e.complex && type != kn_Mm && h.type() != text_class;
+    out = Mm(complex, 0, 0, e.ndims, e.dims, type);
+    return n >= 0 && !lacks(out, n) && out.gettype() == type;
+}
+
+// ---- Numbers and text ----
+
+bool Mat5Decoder::array(const Head &h, Mm &out) {
+    const Class type = h.type();
+    const bool bytes = type == uint8_class;
+    if (type == double_class && h.entry.ndims == 2 && h.entry.dims[0] == 1 && h.entry.dims[1] == 1 &&
+        (h.flags & ~class_mask) == 0) { // numbers have a short way
+        double x;
+        if (!plane(&x, 1, type, h.end)) return false;
+        out = x;
+        return !lacks(out, 1);
+    }
+    if (!made(h, bytes ? kn_uint8 : kn_double, 1, out)) return false;
+    const int n = out.getnnz();
+    if (type == text_class) {
+        out.setstr(1);
+        if (!text(out.addr(), n, h.end)) return false;
+    } else if (bytes) {
+        unsigned char *const none = nullptr;
+        if (!plane(out.getpr(none), n, type, h.end)) return false;
+        if (out.isc() && !plane(out.getpi(none), n, type, h.end)) return false;
+    } else {
+        if (!plane(out.addr(), n, type, h.end)) return false;
+        if (out.isc() && !plane(out.addi(), n, type, h.end)) return false;
+    }
+    out.setlogical(h.entry.logical);
+    return true;
+}
+
+namespace {
+
+// The characters that n bytes mean, as codes of 16 bits (pairs of them above 65535) or whole; a byte that
+// begins no character stands for itself. At most `room` are stored; the answer is how many there are.
+int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int room) {
+    int count = 0;
+    auto put = [&](uint32_t code) {
+        if (count < room) to[count] = code;
+        ++count;
+    };
+    for (int k = 0; k < n;) {
+        const unsigned char first = from[k];
+        const int more = first < 0xc2 ? 0 : first < 0xe0 ? 1 : first < 0xf0 ? 2 : first < 0xf5 ? 3 : 0;
+        uint32_t code = more == 0 ? first : first & (0x3f >> more);
+        int followers = 0;
+        while (followers < more && k + followers + 1 < n && (from[k + followers + 1] & 0xc0) == 0x80)
+            code = code << 6 | (from[k + ++followers] & 0x3f);
+        k += followers == more ? more + 1 : 1;
+        if (followers < more)
+            put(first);
+        else if (pairs && code > 0xffff) {
+            put(0xd800 + ((code - 0x10000) >> 10));
+            put(0xdc00 + (code & 0x3ff));
+        } else
+            put(code);
+    }
+    return count;
+}
+
+} // namespace
+
+// UTF-8 is read in the way that gives n characters, if need be as bytes.
+bool Mat5Decoder::text(double *to, int n, uint64_t end) {
+    Tag t;
+    Layout l;
+    if (n == 0) return true;
+    if (!tag(t, end)) return unread();
+    if (t.type != utf8) return layout(t, text_class, l) && numbers(to, n, t, l);
+    const int bytes = static_cast<int>(std::min<uint32_t>(t.bytes, INT32_MAX));
+    Scratch<unsigned char> raw(bytes);
+    if (!raw) return false;
+    if (!in_.get(raw.get(), static_cast<size_t>(bytes)) || !in_.seek(t.end)) return unread();
+    for (const bool pairs : {true, false})
+        if (decode_utf8(raw.get(), bytes, pairs, to, n) == n) return true;
+    if (bytes != n) return unread();
+    std::copy_n(raw.get(), n, to);
+    return true;
+}
+
+// ---- Sparse ----
+
+// An entry of the room may have no row index: those of the columns count.
+bool Mat5Decoder::sparse(const Head &h, Mm &out) {
+    const Mat5Entry &e = h.entry;
+    const int rows = e.dims[0], cols = e.dims[1];
+    Tag t;
+    Layout l;
+    if (e.ndims != 2) return failed("load5: '%s' unrecognized matrix type");
+    if (static_cast<uint64_t>(cols) + 1 > left(h.end)) return unread();
+
+    int there = 0;
+    if (h.room != 0) {
+        if (!tag(t, h.end)) return unread();
+        if (!layout(t, sparse_class, l)) return false;
+        there = static_cast<int>(std::min<uint32_t>(t.bytes / static_cast<uint32_t>(l.size), INT32_MAX));
+    }
+    Scratch<int> ir(there), jc(static_cast<ptrdiff_t>(cols) + 1);
+    if (!ir || !jc || (h.room != 0 && !numbers(ir.get(), there, t, l))) return false;
+    if (!tag(t, h.end)) return unread();
+    if (!layout(t, sparse_class, l) || !numbers(jc.get(), cols + 1, t, l)) return false;
+
+    const int n = jc[cols];
+    if (n < 0) return failed("load5: '%s' contained sparse matrix with negative nnz");
+    const int size = product(2, e.dims);
+    if (size < 0) return failed("load5: '%s' contained sparse matrix that is too large");
+    bool sound = jc[0] == 0 && n <= there && n <= size;
+    for (int c = 0; c < cols; ++c) sound = sound && jc[c] <= jc[c + 1];
+    for (int k = 0; k < n && sound; ++k) sound = ir[k] >= 0 && ir[k] < rows;
+    if (!sound) return failed("load5: '%s' contained sparse matrix with entries outside of it");
+
+    Mm matrix(e.complex, 1, n, rows, cols, kn_double);
+    if (lacks(matrix, n) || !matrix.issparse()) return false;
+    if (n > 0) {
+        setIrJc(matrix, ir.get(), jc.get());
+        if (!plane(matrix.addr(), n, sparse_class, h.end)) return false;
+        if (matrix.isc() && !plane(matrix.addi(), n, sparse_class, h.end)) return false;
+        matrix.sort();
+        matrix.resparse();
+    }
+    matrix.setlogical(e.logical);
+    out = std::move(matrix);
+    return true;
+}
+
+// ---- Cells and structures ----
+
+bool Mat5Decoder::element(Mm &out, uint64_t end, int level) {
+    Head h;
+    if (!align(end)) return unread();
+    return head(h, end) && value(h, out, level);
+}
+
+bool Mat5Decoder::cell(const Head &h, Mm &out, int level) {
+    if (!made(h, kn_Mm, least_element, out)) return false;
+    Mm *values = out.getpr(static_cast<Mm *>(nullptr));
+    for (int k = 0; k < out.getnnz(); ++k)
+        if (!element(values[k], h.end, level + 1)) return false;
+    return true;
+}
+
+// Adds n names; place[k] becomes where the values of name k go. Names that are the same (they were cut, when
+// they were written) are one field.
+bool Mat5Decoder::field_names(Mm &out, const Tag &t, uint32_t length, int n, int *place) {
+    const auto unreadable = [this] { return failed("load5: could not read field name from '%s'"); };
+    const size_t step = size_t{length} + 1;
+    Scratch<char> names(static_cast<ptrdiff_t>(step) * n);
+    Scratch<int> order(n);
+    if (!names || !order) return false;
+    for (int k = 0; k < n; ++k) {
+        char *name = names.get() + step * static_cast<size_t>(k);
+        if (!in_.get(name, length)) return unreadable();
+        name[length] = '\0';
+        if (!*name) return unreadable();
+        order[k] = k;
+    }
+    if (!in_.seek(t.end)) return unreadable();
+    auto name_at = [&](int k) { return names.get() + step * static_cast<size_t>(k); };
+    std::sort(order.get(), order.get() + n, [&](int a, int b) {
+        const int c = std::strcmp(name_at(a), name_at(b));
+        return c < 0 || (c == 0 && a < b);
+    });
+    for (int k = 0; k < n; ++k) {
+        const bool again = k > 0 && std::strcmp(name_at(order[k - 1]), name_at(order[k])) == 0;
+        place[order[k]] = again ? place[order[k - 1]] : order[k];
+        if (again) warning("load5: '%s' contained structure with two fields '%s'", file_, name_at(order[k]));
+    }
+    for (int k = 0; k < n; ++k) {
+        place[k] = place[k] == k ? out.addfield(name_at(k), 1) : place[place[k]];
+        if (place[k] < 0) return false;
+    }
+    return true;
+}
+
+bool Mat5Decoder::structure(const Head &h, Mm &out, int level) {
+    char cls[Mat5Entry::name_size] = "";
+    if (h.type() == object_class && !name(cls, h.end)) return false;
+
+    Tag t;
+    uint32_t word[1] = {};
+    const auto unreadable = [this] { return failed("load5: could not read field name from '%s'"); };
+    if (!tag(t, h.end) || t.bytes < sizeof word || !words(word, h.end) || !in_.seek(t.end) ||
+        !tag(t, h.end) || (t.bytes > 0 && word[0] == 0))
+        return unreadable();
+    const uint32_t length = word[0];
+    const int n = length == 0 ? 0 : static_cast<int>(std::min<uint32_t>(t.bytes / length, INT32_MAX));
+    if (t.bytes > 0 && n == 0) return unreadable();
+
+    const int structures = product(h.entry.ndims, h.entry.dims);
+    if (n == 0 && (structures < 0 || structures > most_without_fields)) return unread();
+    if (!made(h, kn_Mm, static_cast<uint64_t>(n) * least_element, out)) return false;
+    out.extend_nfields(std::max(n, 1));
+    if (!out.isstruct()) return false;
+    Scratch<int> place(n);
+    if (!place || !field_names(out, t, length, n, place.get())) return false;
+
+    for (int k = 0; k < structures; ++k) {
+        Mm fields = Header::values(out.getnfields());
+        if (lacks(fields, out.getnfields())) return false;
+        Mm *values = fields.getpr(static_cast<Mm *>(nullptr));
+        for (int f = 0; f < n; ++f)
+            if (!element(values[place[f]], h.end, level + 1)) return false;
+        out.getpr(static_cast<Mm *>(nullptr))[k] = std::move(fields);
+    }
+    if (!*cls) return true;
+    const Mm class_name = TM(cls);
+    if (lacks(class_name, 1)) return false;
+    out = mclass(out, class_name);
+    return true;
+}
+
+// ---- Any class ----
+
+bool Mat5Decoder::value(const Head &h, Mm &out, int level) {
+    if (level > most_levels) return failed("load5: '%s' contained value that is nested too deep");
+    const Class type = h.type();
+    bool done = true;
+    if (!h.has_data) {
+        out = Mm();
+    } else if (type == no_class) {
+        out = Mm();
+        out.gettype() = kn_none;
+    } else if (type == cell_class) {
+        done = cell(h, out, level);
+    } else if (type == struct_class || type == object_class) {
+        done = structure(h, out, level);
+    } else if (type == sparse_class) {
+        done = sparse(h, out);
+    } else if (type <= last_number_class) {
+        done = array(h, out);
+    } else if (type == handle_class || type == opaque_class) {
+        warning("load5: '%s': variable '%s' of class '%s' can not be loaded", file_, h.entry.name,
+                class_word(type));
+        out = Mm();
+    } else {
+        return failed("load5: '%s' unrecognized matrix type");
+    }
+    if (!done) return false;
+    check(out);
+    return in_.seek(h.end) || unread();
+}
+
+} // namespace kn

@@ -1,0 +1,413 @@
+// MAT-files of level 5: bytes written by hand in both orders, round trips, damage, compressed variables.
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <zlib.h>
+
+#include "core/header.h"
+#include "core/scratch.h"
+#include "files/file_table.h"
+#include "files/folder.h"
+#include "files/mat5.h"
+
+namespace {
+
+using namespace std::string_literals;
+using test::M;
+using test::row;
+
+// Elements of a file, in one byte order.
+struct Elements {
+    bool big = false;
+
+    template <class T> std::string raw(T x) const {
+        std::string s(sizeof x, '\0');
+        std::memcpy(s.data(), &x, sizeof x);
+        if (big) std::reverse(s.begin(), s.end());
+        return s;
+    }
+    template <class T> std::string all(const std::vector<T> &x) const {
+        std::string s;
+        for (T each : x) s += raw(each);
+        return s;
+    }
+    std::string word(uint32_t x) const { return raw(x); }
+    static std::string padded(std::string s) { return s + std::string(-s.size() & 7, '\0'); }
+    std::string element(uint32_t type, const std::string &data) const {
+        const uint32_t n = static_cast<uint32_t>(data.size());
+        return padded((n > 0 && n < 5 ? word(type | n << 16) : word(type) + word(n)) + data);
+    }
+    std::string matrix(uint32_t flags, const std::vector<int> &dims, const std::string &name,
+                       const std::string &data, uint32_t room = 0) const {
+        const std::string body = word(6) + word(8) + word(flags) + word(room) + word(5) +
+                                 word(static_cast<uint32_t>(4 * dims.size())) + padded(all(dims)) +
+                                 element(1, name) + data;
+        return word(14) + word(static_cast<uint32_t>(body.size())) + body;
+    }
+    std::string packed(const std::string &plain) const {
+        uLongf n = compressBound(plain.size());
+        std::string out(n, '\0');
+        compress(reinterpret_cast<Bytef *>(out.data()), &n, reinterpret_cast<const Bytef *>(plain.data()),
+                 plain.size());
+        out.resize(n);
+        return word(15) + word(static_cast<uint32_t>(n)) + out;
+    }
+    std::string number(double x, const char *name = "x") const {
+        return matrix(6, {1, 1}, name, element(9, raw(x)));
+    }
+    // One of each class.
+    std::string everything() const {
+        const std::string names = "a"s + std::string(31, '\0') + "bc"s + std::string(30, '\0');
+        return number(2.5, "x") +
+               matrix(6 | 2048, {1, 2}, "complex", element(2, "\1\2") + element(9, all<double>({0.5, -1}))) +
+               matrix(9 | 512, {2, 2, 2}, "bytes", element(2, "\0\1\1\0\0\0\0\1"s)) +
+               matrix(4, {1, 3}, "text", element(4, all<uint16_t>({'a', 'b', 0x20ac}))) +
+               matrix(5, {3, 2}, "sparse",
+                      element(5, all<int>({0, 2, 1})) + element(5, all<int>({0, 2, 3})) +
+                          element(9, all<double>({7, 8, 9})),
+                      3) +
+               matrix(1, {1, 2}, "cell", number(1, "") + matrix(6, {0, 0}, "", element(9, ""))) +
+               matrix(2, {1, 2}, "struct",
+                      element(5, word(32)) + element(1, names) + number(1, "") + number(2, "") + word(14) +
+                          word(0) + number(4, ""));
+    }
+};
+const Elements little, big{true};
+const std::string head(128, ' ');
+
+class Mat5 : public test::Folder {
+  protected:
+    static std::string saved(const std::vector<Mm> &values, std::vector<const char *> names = {}) {
+        kn::Stream f(kn::io::open("saved", "wb"));
+        kn::Mat5Writer writer(f.get(), "saved");
+        bool taken = writer.header();
+        names.resize(values.size()); // the others have none
+        for (size_t k = 0; k < values.size(); ++k) taken = writer.write(values[k], names[k]) && taken;
+        EXPECT_TRUE(f.close() && taken);
+        return bytes("saved");
+    }
+    struct Loaded {
+        std::vector<Mm> values;
+        std::vector<std::string> names;
+        bool ended; // no variable failed
+    };
+    // All variables of a file, until one fails.
+    static Loaded loaded(const std::string &content) {
+        std::string copy = content;
+        kn::Stream f(kn::io::opened(fmemopen(copy.data(), copy.size(), "rb")));
+        kn::Mat5Reader reader(f.get(), "load");
+        kn::Mat5Entry entry;
+        Loaded out{{}, {}, true};
+        size_t heads = 0;
+        while (reader.next(entry)) ++heads;
+        reader.rewind();
+        for (Mm x; out.values.size() < heads && out.ended; x = Mm()) {
+            out.ended = reader.read(x);
+            EXPECT_TRUE(out.ended || x.size() == 0);
+            kn::check(x);
+            out.values.push_back(x);
+            out.names.push_back(reader.name());
+        }
+        return out;
+    }
+    static Mm value_of(const std::string &element) { return loaded(head + element).values.at(0); }
+};
+
+TEST_F(Mat5, bytesOfEitherOrderAreRead) {
+    for (const Elements &order : {little, big}) {
+        const std::string plain = order.everything();
+        std::string packed;
+        for (size_t at = 0, next; at < plain.size(); at = next) {
+            uint32_t n;
+            std::memcpy(&n, plain.data() + at + 4, 4);
+            if (order.big) n = __builtin_bswap32(n);
+            next = at + 8 + n;
+            packed += order.packed(plain.substr(at, next - at));
+        }
+        for (const std::string &content : {plain, packed}) {
+            const Loaded all = loaded(head + content);
+            EXPECT_EQ(all.names, (std::vector<std::string>{"x", "complex", "bytes", "text", "sparse", "cell",
+                                                           "struct"}));
+            ASSERT_EQ(all.values.size(), 7u);
+            EXPECT_SAME(all.values[0], Mm(2.5));
+            EXPECT_SAME(all.values[1], test::complex_of(row({1, 2}), row({0.5, -1})));
+            const int cube[] = {2, 2, 2};
+            Mm bytes(0, 0, 0, 3, cube, kn_uint8);
+            for (int k = 1; k <= 8; ++k) bytes.ur(k) = k == 2 || k == 3 || k == 8;
+            bytes.setlogical(1);
+            EXPECT_SAME(all.values[2], bytes);
+            Mm text = row({'a', 'b', 0x20ac});
+            text.setstr(1);
+            EXPECT_SAME(all.values[3], text);
+            EXPECT_SAME(all.values[4], test::sparse_of(3, 2, {{0, 7}, {2, 8}, {4, 9}}));
+            EXPECT_SAME(all.values[5], test::cell_of(1, 2, {1.0, nop_M}));
+            const Mm s = all.values[6];
+            EXPECT_SAME(fieldnames(s), test::cell_of(2, 1, {TM("a"), TM("bc")}));
+            for (int k = 0; k < 4; ++k)
+                EXPECT_SAME(s.mr(k / 2 + 1).mr(k % 2 + 1), k == 2 ? nop_M : Mm(k + 1.0));
+        }
+    }
+}
+
+TEST_F(Mat5, unnamedValuesGetLetters) {
+    std::string letters;
+    for (const std::string &name : loaded(saved(std::vector<Mm>(56, 1.0))).names) letters += name;
+    EXPECT_EQ(letters, "ABCDEFGHIJKLMNOPQRSTUVWXYZ[abcdefghijklmnopqrstuvwxyz{AB");
+}
+
+TEST_F(Mat5, bytesAreWritten) {
+    const std::string content = saved({row({1, 2}), TM("a\xff"), test::cell_of(1, 2, {7.0, sparse(3.0, 2.0)}),
+                                       test::struct_of({{"first", nop_M}})},
+                                      {"x", "longer"});
+    EXPECT_EQ(content.substr(0, 50), "TARVEK 4.0 MAT-file, Platform: PCWIN, Created on: ");
+    EXPECT_EQ(content.substr(74, 54), std::string(50, ' ') + "\0\1IM"s);
+    const std::string empty_small = little.word(9) + little.word(0);
+    EXPECT_EQ(
+        content.substr(128),
+        little.matrix(6, {1, 2}, "x", little.element(9, little.all<double>({1, 2}))) +
+            little.matrix(4, {1, 2}, "longer", little.element(4, little.all<uint16_t>({'a', 255}))) +
+            little.matrix(1, {1, 2}, "A",
+                          little.number(7, "B") +
+                              little.matrix(5, {3, 2}, "C",
+                                            little.element(5, "") +
+                                                little.element(5, little.all<int>({0, 0, 0})) + empty_small,
+                                            1)) +
+            little.matrix(2, {1, 1}, "D",
+                          little.element(5, little.word(32)) +
+                              little.element(1, "first"s + std::string(27, '\0')) +
+                              little.matrix(6, {0, 0}, "E", empty_small)));
+}
+
+// With [] for what was never assigned, which has no data.
+Mm settled(const Mm &x) {
+    if (x.gettype() != kn_Mm || x.isstruct()) return x.gettype() == kn_none ? nop_M : x;
+    Mm out(0, 0, 0, x.getndims(), x.getdims(), kn_Mm);
+    for (int k = 1; k <= x.getnnz(); ++k) out.mr(k) = settled(x.mr(k));
+    return out;
+}
+
+TEST_F(Mat5, randomValuesComeBack) {
+    test::Random random(11);
+    std::vector<Mm> values = {mclass(test::struct_of({{"value", 3.0}}), TM("mat5class")),
+                              test::nd({2, 3, 2, 2}, std::vector<double>(24, 4)),
+                              rmfield(test::struct_of({{"f", 1.0}}), TM("f")), randM(300.0, 40.0),
+                              muint8(randM(200.0, 300.0) * 255.0)};
+    Mm deep = 1.0;
+    for (int k = 0; k < 900; ++k)
+        deep = k % 2 ? test::cell_of(1, 1, {deep}) : test::struct_of({{"inner", deep}});
+    values.push_back(deep);
+    for (int k = 0; k < 500; ++k)
+        values.push_back(k % 3 ? random.any() : test::cell_of(2, 1, {random.any(), random.any()}));
+    std::string content;
+    {
+        test::Returning errors; // "variable '%s' was used without a value"
+        content = saved(values);
+    }
+    const Loaded all = loaded(content);
+    ASSERT_TRUE(all.ended && all.values.size() == values.size());
+    for (size_t k = 0; k < values.size(); ++k) {
+        EXPECT_SAME(all.values[k], settled(values[k])) << k;
+    }
+    EXPECT_EQ(mclass(all.values[0]).size(), 9);
+    for (int k = 0; k < 200; ++k) deep = test::cell_of(1, 1, {deep});
+    kn::Stream f(kn::io::open("saved", "wb"));
+    EXPECT_RAISES(kn::Mat5Writer(f.get(), "f").write(deep),
+                  "save5: 'f' can not hold a value that is nested so deep");
+}
+
+TEST_F(Mat5, otherClassesAreReadAsDoubles) {
+    for (const Elements &e : {little, big}) {
+        const struct {
+            uint32_t type;
+            std::string data;
+            double wanted;
+        } numbers[] = {{7, e.element(7, e.raw(0.5f)), 0.5},
+                       {8, e.element(1, "\xfe"), -2},
+                       {10, e.element(3, e.raw(int16_t{-300})), -300},
+                       {11, e.element(4, e.raw(uint16_t{65535})), 65535},
+                       {12, e.element(5, e.raw(-70000)), -70000},
+                       {13, e.element(6, e.raw(4000000000u)), 4e9},
+                       {14, e.element(12, e.raw(int64_t{-5})), -5},
+                       {15, e.element(13, e.raw(uint64_t{1} << 63)), 9223372036854775808.0},
+                       {9, e.element(9, e.raw(-3.7)), 253}};
+        for (const auto &n : numbers) {
+            const Mm x = value_of(e.matrix(n.type, {1, 1}, "x", n.data));
+            EXPECT_SAME(x, n.type == 9 ? muint8(n.wanted) : Mm(n.wanted)) << n.type;
+        }
+        const struct {
+            uint32_t type;
+            std::string data;
+            std::vector<double> wanted;
+        } texts[] = {{1, "\xe4z", {0xe4, 'z'}},
+                     {2, "\xe4z", {0xe4, 'z'}},
+                     {16, "\xc3\xa4z", {0xe4, 'z'}},
+                     {16, "\xe4z", {0xe4, 'z'}},
+                     {16, "\xf0\x9f\x98\x80", {0xd83d, 0xde00}},
+                     {16, "\xf0\x9f\x98\x80", {0x1f600}},
+                     {16, "\xf0\x9f\x98\x80", {0xf0, 0x9f, 0x98, 0x80}},
+                     {17, e.all<uint16_t>({0x20ac, 'z'}), {0x20ac, 'z'}},
+                     {18, e.all<uint32_t>({0x1f600, 'z'}), {0x1f600, 'z'}}};
+        for (const auto &t : texts) {
+            Mm wanted = row(t.wanted);
+            wanted.setstr(1);
+            EXPECT_SAME(value_of(e.matrix(4, {1, wanted.size()}, "t", e.element(t.type, t.data))), wanted);
+        }
+        test::Warnings warnings;
+        const std::string opaque = e.word(6) + e.word(8) + e.word(17) + e.word(0) + e.element(1, "obj");
+        const Loaded all = loaded(head + e.matrix(16, {1, 1}, "f", e.number(1)) + e.word(14) +
+                                  e.word(static_cast<uint32_t>(opaque.size())) + opaque + e.number(3));
+        EXPECT_EQ(warnings.texts(),
+                  (std::vector<std::string>{
+                      "load5: 'load': variable 'f' of class 'function_handle' can not be loaded",
+                      "load5: 'load': variable 'obj' of class 'opaque' can not be loaded"}));
+        ASSERT_EQ(all.values.size(), 3u);
+        EXPECT_SAME(all.values[2], Mm(3.0));
+    }
+}
+
+TEST_F(Mat5, whatCanNotBeReadIsReported) {
+    const Elements &e = little;
+    std::string wrong_sum = e.packed(e.number(1));
+    wrong_sum.back() ^= 1;
+    const std::string unread = "load: 'load' could not read data set", x = e.element(9, e.raw(1.0)),
+                      outside = "load5: 'load' contained sparse matrix with entries outside of it";
+    auto sparse_with = [&](const std::vector<int> &ir, const std::vector<int> &jc, int rows = 2) {
+        return e.matrix(5, {rows, 1}, "s", e.element(5, e.all(ir)) + e.element(5, e.all(jc)) + x, 1);
+    };
+    const std::pair<std::string, std::string> cases[] = {
+        {"\16\0\0\0"s, "load5: 'load' could not read header"},
+        {e.matrix(6, {1, 1, 1, 1, 1}, "x", x),
+         "load5: Can not read matrix from file 'load' which has more then 4 dimensions."},
+        {e.matrix(99, {1, 1}, "x", x), "load5: 'load' unrecognized matrix type"},
+        {e.matrix(6, {1, 1}, "x", e.element(7, e.raw(1.0f))), "loadsave5: unknown data format"},
+        {e.matrix(6, {-1, 1}, "x", x), "load5: 'load' contained matrix with negative dimension"},
+        {e.matrix(6, {30000, 30000}, "x", x), unread},
+        {e.matrix(6, {2, 1}, "x", x), unread},
+        {e.packed(e.matrix(6, {30000, 30000}, "x", x)), unread},
+        {wrong_sum, unread},
+        {e.matrix(1, {1000, 1000}, "c", x), unread},
+        {e.matrix(1, {1, 1}, "c", "\16"), unread},
+        {e.matrix(2, {30000, 30000}, "s", e.element(5, e.word(32)) + e.element(1, "")), unread},
+        {e.matrix(2, {1, 1}, "s", e.element(5, e.word(0)) + e.element(1, "abcdefgh")),
+         "load5: could not read field name from 'load'"},
+        {sparse_with({0}, {0, -1}), "load5: 'load' contained sparse matrix with negative nnz"},
+        {sparse_with({0}, {0, 2}), outside},
+        {sparse_with({2}, {0, 1}), outside},
+        {sparse_with({0}, {1, 1}), outside},
+        {e.matrix(6, {1, 1}, "x", x).substr(0, 36), "loadv5: file 'load' ended prematurely."},
+    };
+    test::Returning errors;
+    for (const auto &[element, message] : cases) {
+        put("load", head + element);
+        kn::Stream f(kn::io::open("load", "rb"));
+        Mm target = 5.0;
+        EXPECT_FALSE(kn::Mat5Reader(f.get(), "load").read(target));
+        EXPECT_EQ(errors.errors().back(), message);
+        EXPECT_EQ(target.size(), 0);
+    }
+    EXPECT_EQ(errors.errors().size(), std::size(cases));
+    std::string nested = e.number(1, "");
+    for (int k = 0; k < 1000; ++k) nested = e.matrix(1, {1, 1}, "", nested);
+    loaded(head + nested);
+    EXPECT_EQ(errors.errors().back(), "load5: 'load' contained value that is nested too deep");
+}
+
+TEST_F(Mat5, variablesAreFoundByName) {
+    test::Warnings warnings;
+    put("load", head + little.number(1, "first") + big.number(2, "i") +
+                    little.packed(little.number(3, "third")) + little.number(4, "after"));
+    kn::Stream f(kn::io::open("load", "rb"));
+    kn::Mat5Reader reader(f.get(), "load");
+    const struct {
+        const char *name;
+        bool found;
+        double value;
+    } cases[] = {{"after", true, 4}, {"third", true, 3}, {"i_", true, 2},
+                 {"firs", false, 9}, {"first", true, 1}, {"ans", true, 9}};
+    for (const auto &c : cases) {
+        Mm x = test::named(c.name, 9.0);
+        EXPECT_EQ(reader.read_named(x), c.found) << c.name;
+        EXPECT_SAME(x, Mm(c.value));
+        EXPECT_STREQ(x.getname(), c.name);
+    }
+    Mm unnamed, other = test::named("other", 0.0);
+    EXPECT_RAISES(reader.read_named(unnamed), "Could not load unnamed variable from file 'load'");
+    EXPECT_TRUE(warnings.texts().empty());
+    reader.rewind();
+    EXPECT_TRUE(reader.read(other));
+    EXPECT_EQ(warnings.texts(),
+              std::vector<std::string>{"load5: 'load': variable named 'first' loaded into 'other'"});
+}
+
+// Whatever a file holds, it is loaded or reported, and memory is asked for in proportion to its bytes.
+TEST_F(Mat5, damagedFilesAreLoadedOrReported) {
+    test::Warnings warnings;
+    test::Returning errors;
+    kn::alloc_probe.largest = 1 << 20; // where there is a probe, "Out of memory!" beyond
+    std::vector<std::string> files = {little.everything(), big.everything()};
+    for (const Elements &e : {little, big})
+        files.push_back(
+            e.packed(e.matrix(1, {1, 2}, "c", e.number(2) + e.matrix(4, {1, 2}, "", e.element(16, "ab")))));
+    for (const std::string &content : files) {
+        for (size_t n = 0; n < content.size(); ++n) loaded(head + content.substr(0, n));
+        for (size_t at = 0; at < content.size(); ++at)
+            for (const int change : {1, 2, 4, 8, 16, 32, 64, 128, 255}) {
+                std::string damaged = content;
+                damaged[at] = static_cast<char>(damaged[at] ^ change);
+                loaded(head + damaged);
+            }
+    }
+    kn::alloc_probe.largest = 0;
+    for (const std::string &text : errors.errors()) EXPECT_NE(text, "Out of memory!");
+}
+
+#ifdef QUORVEX_ALLOC_PROBE
+// Each call of the stream library and each allocation fails once.
+TEST_F(Mat5, failuresOfStreamsAndMemoryAreReported) {
+    const std::vector<Mm> values = {
+        randM(100.0, 100.0), sparse(eye(3.0)),
+        mclass(test::struct_of({{"a", TM("text")}, {"b", test::cell_of(1, 1, {1.0})}}), TM("mat5class"))};
+    const std::string plain = saved(values);
+    put("in", plain + little.packed(little.everything().substr(0, 64)));
+    auto each_fails = [&](auto &probe, const long &count) {
+        bool more = true;
+        for (long n = 1; more; ++n) {
+            kn::Stream out(kn::io::open("out", "wb")), in(kn::io::open("in", "rb"));
+            const long live = kn::alloc_probe.live;
+            bool done = false;
+            auto work = [&] {
+                kn::Mat5Writer writer(out.get(), "out");
+                kn::Mat5Reader reader(in.get(), "in");
+                bool good = writer.header();
+                for (const Mm &x : values) good = good && writer.write(x);
+                for (size_t k = 0; k <= values.size(); ++k) {
+                    Mm x;
+                    good = good && reader.read(x);
+                }
+                done = good;
+            };
+            for (const bool returning : {false, true}) {
+                probe.fail_at = count + n;
+                if (returning) {
+                    test::Returning errors;
+                    work();
+                    EXPECT_EQ(done, errors.errors().empty()) << n;
+                } else {
+                    EXPECT_EQ(test::raised(work) == "(no error)", done) << n;
+                }
+                more = count >= probe.fail_at;
+                probe.fail_at = 0;
+                std::rewind(out.get());
+                done = false;
+            }
+            EXPECT_EQ(kn::alloc_probe.live, live) << n;
+        }
+    };
+    each_fails(kn::stream_probe, kn::stream_probe.calls);
+    each_fails(kn::alloc_probe, kn::alloc_probe.allocations);
+}
+#endif
+
+} // namespace
