@@ -72,7 +72,10 @@ void read_doubles(const char *name, int n, double *out);
 void read_shorts(const char *name, int n, short *work, double *out);
 void write_doubles(const char *name, int n, const double *x);
 void write_shorts(const char *name, int n, const double *x, short *work);
-long read_lines(const char *name); // characters of all lines, by std::getline
+long read_lines(const char *name);                            // characters of all lines, by std::getline
+void print_doubles(const char *name, int n, const double *x); // "%23.13g", a line each
+int scan_doubles(const char *name, int n, double *out);       // at most n, by strtod over the whole file
+
 // -- sparse.cpp
 
 void sort_keys(int n, const int *keys, int *out);

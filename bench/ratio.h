@@ -45,7 +45,7 @@ void solving_rows();
 void workspace_rows();
 void formatted_rows();
 void file_rows();
-void matfile5_rows();
+void matfile_rows();
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
 

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdio>
+#include <utility>
 
 #include "files/stream_calls.h"
 #include "quorvex/values.h"
@@ -63,6 +64,7 @@ class Stream {
         file_ = nullptr;
         return file;
     }
+    void swap(Stream &other) { std::swap(file_, other.file_); }
     bool close() { // whether all that was written has arrived
         std::FILE *file = release();
         return !file || io::close(file) == 0;

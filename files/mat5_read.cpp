@@ -94,7 +94,12 @@ bool Mat5Reader::read_named(Mm &target) {
 
     Mat5Entry entry;
     rewind();
-    for (uint64_t at = in_.at(); next(entry); at = in_.at())
+    uint64_t at = in_.at();
+    for (; next(entry); at = in_.at())
         if (std::strncmp(entry.name, wanted, 127) == 0) return in_.seek(at) && read(target);
+    // Behind the last variable stands less than the tag of another.
+    constexpr uint64_t tag_bytes = 8;
+    if (in_.size() < header_bytes || in_.size() - at >= tag_bytes)
+        error("load5: '%s' could not read header", file_);
     return false;
 }

@@ -17,6 +17,7 @@
 #include "quorvex/host.h"
 #include "quorvex/indexing.h"
 #include "quorvex/library.h"
+#include "quorvex/matfiles.h"
 #include "quorvex/memory.h"
 #include "quorvex/messages.h"
 #include "quorvex/operations.h"

@@ -228,6 +228,12 @@ bool is_directory(const char *name);
 // Renames a file or directory; a file that has the new name is replaced.
 bool rename_file(const char *from, const char *to);
 
+// Whether a new file may take this name: nothing has it, or a plain file that may be written and is no link.
+bool replaceable(const char *name);
+
+// Gives `to` the permissions of `from`, as far as it can.
+void copy_permissions(const char *from, const char *to);
+
 // Removes a file, not a directory.
 bool remove_file(const char *name);
 

@@ -51,6 +51,15 @@ bool rename_file(const char *from, const char *to) {
     return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED) || fail_as_told();
 }
 
+bool replaceable(const char *name) {
+    const DWORD kind = GetFileAttributesA(name);
+    if (kind == INVALID_FILE_ATTRIBUTES) return GetLastError() == ERROR_FILE_NOT_FOUND;
+    return (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT |
+                    FILE_ATTRIBUTE_READONLY)) == 0;
+}
+
+void copy_permissions(const char *, const char *) {} // a new file has those of its directory
+
 bool remove_file(const char *name) { return _unlink(name) == 0; }
 
 bool copy_file(const char *from, const char *to) { return CopyFileA(from, to, FALSE) || fail_as_told(); }

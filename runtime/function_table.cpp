@@ -127,8 +127,9 @@ constexpr auto functions = [] {
 }();
 
 // Functions that take what is behind so many inputs as one cell.
-constexpr std::pair<string_view, int> gathering[] = {{"addpath", 0}, {"fprintf", 2}, {"fullfile", 0},
-                                                     {"mstruct", 0}, {"printf", 1},  {"sprintf", 1}};
+constexpr std::pair<string_view, int> gathering[] = {
+    {"addpath", 0}, {"fprintf", 2}, {"fullfile", 0}, {"mstruct", 0},   {"printf", 1},
+    {"save", 1},    {"saveV4", 1},  {"sprintf", 1},  {"saveascii", 1}, {"vbsave", 0}};
 
 // ---- Finding a name ----
 

@@ -12,6 +12,7 @@
 #include "quorvex/classes.h"
 #include "quorvex/display.h"
 #include "quorvex/evaluation.h"
+#include "quorvex/matfiles.h"
 #include "quorvex/startup.h"
 #include "quorvex/structures.h"
 #include "runtime/mpath.h"
@@ -22,7 +23,7 @@ using namespace kn;
 
 namespace {
 
-constexpr int max_exist_name = 512, max_which_name = 1024, max_file_name = 2048, max_open_name = 40;
+constexpr int max_exist_name = 512, max_which_name = 1024, max_open_name = 40;
 
 bool has_value(const Mm *m) { return m && m->gettype() != kn_none; }
 
@@ -32,6 +33,13 @@ Mm extents(const Mm &m) {
     Mm row(0, 0, 0, 1, n, kn_double);
     if (!lacks(row, n)) std::copy_n(m.getdims(), n, row.addr());
     return row;
+}
+
+// The structures of columns with name, size, bytes and class.
+Mm whos_of(const Mm &columns) {
+    if (columns.size() == 0) return columns;
+    const Mm names = (CL(TM("name")), TM("size"), TM("bytes"), TM("class"));
+    return cell2struct(columns, transpose(names), one_M);
 }
 
 // The `name` fields of what whos gives.
@@ -104,8 +112,7 @@ Mm which(const Mm &m) {
 
 Mm whos() {
     const int level = Scopes::level(), n = Scopes::count(level);
-    if (n == 0) return cell(0.0, 0.0);
-    Mm columns = cell(4.0, n);
+    Mm columns = cell(n > 0 ? 4.0 : 0.0, n);
     if (lacks(columns, 4 * n)) return x_M;
     for (int k = 0; k < n; ++k) {
         const Mm &value = *Scopes::value(k, level);
@@ -114,19 +121,10 @@ Mm whos() {
         columns.mr(3, k + 1) = value.size() * 8.0;
         columns.mr(4, k + 1) = mclass(value);
     }
-    const Mm names = (CL(TM("name")), TM("size"), TM("bytes"), TM("class"));
-    return cell2struct(columns, transpose(names), one_M);
+    return whos_of(columns);
 }
 
-Mm whos(const Mm &, const Mm &file) {
-    char name[max_file_name];
-    Mstr(file, name, sizeof name);
-    if (os::file_exists(name))
-        error("%s is not yet implemented", "whos of a file");
-    else
-        error("load: %s not found", name);
-    return x_M;
-}
+Mm whos(const Mm &, const Mm &file) { return whos_of(kn_matfile_variables(file)); }
 
 Mm who() { return names_of(whos()); }
 Mm who(const Mm &keyword, const Mm &file) { return names_of(whos(keyword, file)); }

@@ -48,4 +48,26 @@ long read_lines(const char *name) {
     return characters;
 }
 
+void print_doubles(const char *name, int n, const double *x) {
+    std::FILE *f = std::fopen(name, "w");
+    if (!f) std::abort();
+    for (int k = 0; k < n; ++k) std::fprintf(f, "%23.13g\n", x[k]);
+    std::fclose(f);
+}
+
+int scan_doubles(const char *name, int n, double *out) {
+    std::ifstream in(name, std::ios::binary | std::ios::ate);
+    std::string text(static_cast<std::size_t>(in.tellg()), ' ');
+    in.seekg(0);
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    const char *at = text.c_str();
+    for (int k = 0; k < n; ++k) {
+        char *end;
+        out[k] = std::strtod(at, &end);
+        if (end == at) return k;
+        at = end;
+    }
+    return n;
+}
+
 } // namespace native

@@ -1,0 +1,63 @@
+// Loading and saving values: MAT-files of level 5 and 4, and text.
+//
+// The function says how to save; a file that is loaded tells by its first bytes what it is. A list of values
+// is a comma list, (CL(x), y): its items are the variables that are loaded, and their names are those in the
+// file. The name of a file, but for saveascii, gets ".mat" unless there is a "." anywhere in it, and has at
+// most 2047 characters. A file is saved under a name of its own and takes its place when all is written:
+// until then, and after any failure, an older one stays as it was. (A device, or what a link leads to, is
+// written to at once.)
+//
+// What a file says of itself is compared with what is there before any memory is asked for. A value that
+// can't be loaded is reported and, should the handler return, becomes x_M.
+#ifndef QUORVEX_MATFILES_H
+#define QUORVEX_MATFILES_H
+
+#include "quorvex/counts.h"
+#include "quorvex/indexing.h"
+
+// Loads from a file, which is looked for with ".mat" and as named, in the current directory and then on the M
+// path: "load: %s not found", "load: %s could not be read".
+//
+// Level 5: each variable of the list by its name, in any order, up to one that the file hasn't; ans is passed
+// over, i_ and j_ stand for i and j. Level 4: the matrices of the file, in their order, whatever their names
+// ("load4 '%s': variable named '%s' loaded into '%s'" is warned, unless the shorter name begins the other);
+// nop_M at the end of the file. A matrix of zeros and ones is logical, a sparse one sparse. Text: a matrix, a
+// row for each line, into the first variable. Numbers are separated by blanks, tabs and commas; other words,
+// and lines that begin with "%" or "#", are left out. NaN, Inf and -Inf are read as saveascii writes them,
+// any other word with a capital I or N is 0; "loadascii: matrix in %s is not rectangular".
+//
+// Without a list (an empty one, vbload): the value of the first variable.
+QUORVEX_API Mm load(const Mm &name, const Mc &list);
+QUORVEX_API Mm load(const Mm &name);
+QUORVEX_API Mm vbload(const Mm &name);
+
+// Save the values of a list: "%s: %s could not be created", "%s: %s could not be written" (saveascii for
+// both: "could not write %s"). A cell in place of the list holds the values, which so have no names; that of
+// vbsave begins with the name of the file.
+//
+// Level 5, save and vbsave: every kind of value. Level 4: matrices, as doubles ("save: matrix '%s' has more
+// than two dimensions and can not be saved in 4.0 format", "Can not convert %s into a numeric matrix" for
+// cells and structures); what has no name is called noname. Text: the real parts with 13 digits in fields of
+// 23 characters, a line for each row, page after page and value after value.
+QUORVEX_API Mm save(const Mm &name, const Mc &list);
+QUORVEX_API Mm save(const Mm &name, const Mm &list);
+QUORVEX_API Mm vbsave(const Mm &list);
+QUORVEX_API Mm saveV4(const Mm &name, const Mc &list);
+QUORVEX_API Mm saveV4(const Mm &name, const Mm &list);
+QUORVEX_API Mm saveascii(const Mm &name, const Mc &list);
+QUORVEX_API Mm saveascii(const Mm &name, const Mm &list);
+
+// What `whos` shows of a file, found as load finds it: a 4 by n cell with a column for each variable, its
+// name (39 characters), its extents, the bytes of its data and []. An empty cell when there are none.
+QUORVEX_API Mm kn_matfile_variables(const Mm &name);
+
+#define QUORVEX_MATFILE_COUNTS(ROW)                           \
+    ROW(load, "loads variables from a file", 1)               \
+    ROW(vbload, "the first value of a file", 1)               \
+    ROW(save, "saves values in a MAT-file", 2)                \
+    ROW(vbsave, "saves values in a MAT-file", 1)              \
+    ROW(saveV4, "saves matrices in a MAT-file of level 4", 2) \
+    ROW(saveascii, "saves matrices as text", 2)
+QUORVEX_MATFILE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
+
+#endif

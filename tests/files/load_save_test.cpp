@@ -1,0 +1,221 @@
+// Which file is found and what it is taken for; text; files that are replaced whole or not at all.
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/scratch.h"
+#include "files/folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::string;
+using test::col;
+using test::M;
+using test::named;
+using test::row;
+
+using LoadSave = test::Folder;
+
+TEST_F(LoadSave, names_of_files) {
+    saveV4(TM("a"), (CL(2.0)));
+    saveV4(TM("b.dat"), (CL(3.0)));
+    fs::create_directory("d.x");
+    saveV4(TM("d.x/c"), (CL(4.0)));
+    saveascii(TM("e"), (CL(5.0)));
+    for (const char *name : {"a.mat", "b.dat", "d.x/c", "e"}) EXPECT_TRUE(fs::exists(name)) << name;
+    EXPECT_SAME(vbload(TM("a")), 2);
+    EXPECT_SAME(load(TM("a.mat"), Mc()), 2);
+    EXPECT_SAME(load(TM("e")), 5) << "as named, when there is none with .mat";
+    saveV4(TM("e"), (CL(6.0)));
+    EXPECT_SAME(vbload(TM("e")), 6);
+    EXPECT_RAISES(vbload(TM("b")), "load: b not found");
+    EXPECT_RAISES(vbload(TM("")), "load:  not found");
+    EXPECT_RAISES(vbload(TM("d.x")), "load: d.x not found");
+    EXPECT_RAISES(saveV4(TM("no/f"), (CL(1.0))), "saveV4: no/f could not be created");
+    EXPECT_RAISES(save(TM("no/f"), (CL(1.0))), "save: no/f could not be created");
+    EXPECT_RAISES(saveascii(TM("no/f"), (CL(1.0))), "could not write no/f");
+    EXPECT_RAISES(saveascii(TM(""), (CL(1.0))), "could not write ");
+
+    struct Path {
+        kn_path_record *record = mpath_pointer = kn_new_path_record("");
+        ~Path() { kn_delete_path_record(record); }
+    } path;
+    addpath(TM("d.x"));
+    saveV4(TM("d.x/p.mat"), (CL(7.0)));
+    EXPECT_SAME(vbload(TM("p")), 7);
+
+    Mm y, no;
+    kn_feval(TM("saveV4"), (CL(TM("g")), row({8, 9})), i_o, no, no, no, no, no, no);
+    kn_feval(TM("load"), (CL(TM("g"))), i_o, y, no, no, no, no, no);
+    EXPECT_SAME(y, row({8, 9}));
+}
+
+TEST_F(LoadSave, kinds_of_files) {
+    put("f", "");
+    EXPECT_SAME(vbload(TM("f")), nop_M);
+    put("f", "1 2\n3 4\n");
+    EXPECT_SAME(vbload(TM("f")), M({{1, 2}, {3, 4}}));
+    put("f", "12345678 12345678 12345678 1234\n\xe9 5\n"); // text for 32 bytes
+    EXPECT_RAISES(vbload(TM("f")), "loadascii: matrix in f is not rectangular");
+    put("f", "MAT is not enough");
+    EXPECT_RAISES(vbload(TM("f")), "load5: 'f' could not read header");
+    put("f", "1 2 \xe9");
+    EXPECT_SAME(vbload(TM("f")), nop_M) << "less than a header of level 4";
+
+    const Mm x = named("x", row({1, 2})), y = named("y", test::cell_of(1, 1, {TM("text")}));
+    save(TM("g"), (CL(x), y));
+    EXPECT_SAME(who(TM("-file"), TM("g")), test::cell_of(2, 1, {TM("x"), TM("y")}));
+    EXPECT_SAME(Mm(whos(TM("-file"), TM("g"))(1).member("size")), row({1, 2}));
+    Mm to_x = named("x", 9), to_y = named("y", 9), to_z = named("z", 9);
+    load(TM("g"), (CL(to_y), to_x, to_z));
+    EXPECT_SAME(to_x, x);
+    EXPECT_SAME(to_y, y);
+    EXPECT_SAME(to_z, 9);
+    vbsave((CL(TM("v")), x, y));
+    EXPECT_SAME(vbload(TM("v")), x);
+}
+
+TEST_F(LoadSave, text) {
+    const string digits(40, '7');
+    for (const auto &[file, wanted] : std::vector<std::pair<string, Mm>>{
+             {"% head\n  # more\n\n \t 1,2\t 3 \r\n4;5 6,,7\v;\n", M({{1, 2, 3}, {4, 6, 7}})},
+             {"-1e3 +.5 1e400 0x1f 1d5\n", row({-1000, 0.5, INFINITY, 31, 1})},
+             {"name 1 - 2 e5\n3\t4 units", M({{1, 2}, {3, 4}})},
+             {"NaN Inf -Inf Index 1.#INF -1.#INF -1.#IND\n",
+              row({NAN, INFINITY, -INFINITY, 0, INFINITY, -INFINITY, NAN})},
+             {digits + "x " + digits + ",1",
+              row({std::stod(digits.substr(0, 31)), std::stod(digits.substr(0, 31)), 1})},
+             {"%" + digits + string("\n1 2\0 3\n4 5", 11), M({{1, 2}, {4, 5}})},
+             {"1\n2\n3", col({1, 2, 3})},
+             {"no numbers\n", nop_M}}) {
+        put("f", file);
+        Mm t = named("t", 1), u = named("u", 9);
+        EXPECT_EQ(test::raised([&] { load(TM("f"), (CL(t), u)); }), "(no error)") << file;
+        EXPECT_SAME(t, wanted) << file;
+        EXPECT_SAME(u, 9);
+    }
+    put("f.txt", "1 2\n3\n");
+    Mm t = named("t", 1);
+    EXPECT_RAISES(load(TM("f.txt"), (CL(t))), "loadascii: matrix in f.txt is not rectangular");
+    EXPECT_SAME(t, 1);
+    put("f.txt", "1 2\n3 4\n");
+    EXPECT_SAME(Mm(whos(TM("-file"), TM("f.txt"))(1).member("size")), row({2, 2}));
+    EXPECT_SAME(who(TM("-file"), TM("f.txt")), test::cell_of(1, 1, {TM("f")}));
+
+    saveascii(TM("f"), (CL(M({{1, -2.5}, {NAN, INFINITY}})), TM("a"), test::C(-INFINITY, 4), sparse(7)));
+    EXPECT_EQ(bytes("f"), "                      1                   -2.5\n"
+                          "                    NaN                    Inf\n"
+                          "                     97\n"
+                          "                   -Inf\n"
+                          "                      7\n");
+    saveascii(TM("f"), (CL(row({NAN, INFINITY, -INFINITY, 1.0 / 3, 1e300}))));
+    EXPECT_SAME(vbload(TM("f")), row({NAN, INFINITY, -INFINITY, 0.3333333333333, 1e300}));
+    EXPECT_RAISES(saveascii(TM("f"), test::cell_of(1, 1, {test::cell_of(1, 1, {1.0})})),
+                  "saveascii: numeric data expected, but matrix (temporary) is not");
+    const Mm big = round(randM(300, 200) * 1e6);
+    saveascii(TM("f"), (CL(big), big));
+    EXPECT_SAME(vbload(TM("f")), Mm((BR(big), semi, big)));
+}
+
+TEST_F(LoadSave, the_old_file_stays) {
+    saveV4(TM("f"), (CL(5.0)));
+    const Mm deep = named("deep", zeros(2, 2, 2));
+    const char *text = "save: matrix 'deep' has more than two dimensions and can not be saved in 4.0 format";
+    EXPECT_RAISES(saveV4(TM("f"), (CL(2.0), deep)), text);
+    EXPECT_RAISES(saveV4(TM("f"), (CL(2.0), test::cell_of(1, 1, {1.0}))),
+                  "Can not convert (temporary) into a numeric matrix");
+    EXPECT_SAME(vbload(TM("f")), 5);
+    {
+        test::Returning errors;
+        saveV4(TM("f"), (CL(deep), 2.0));
+        EXPECT_SAME(vbload(TM("f")), 2) << "without what can't be saved";
+    }
+#ifndef _WIN32
+    fs::permissions("f.mat", fs::perms(0640));
+    fs::create_symlink("f.mat", "link.mat");
+    saveV4(TM("link"), (CL(3.0)));
+    saveV4(TM("f"), (CL(4.0)));
+    EXPECT_TRUE(fs::is_symlink("link.mat"));
+    EXPECT_SAME(vbload(TM("link")), 4);
+    EXPECT_EQ(fs::status("f.mat").permissions(), fs::perms(0640));
+#endif
+#ifdef __linux__
+    const Mm x = zeros(100, 100);
+    fs::create_symlink("/dev/full", "full.mat");
+    for (const Mm &v : {x, Mm(1.0)}) {
+        EXPECT_RAISES(saveV4(TM("full"), (CL(v))), v.size() == 1 ? "saveV4: full.mat could not be written"
+                                                                 : "save: could not write real part");
+        EXPECT_RAISES(saveascii(TM("/dev/full"), (CL(v))), "could not write /dev/full");
+    }
+#endif
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 3)
+        << "nothing is left behind";
+}
+
+#ifdef QUORVEX_ALLOC_PROBE
+
+// The n-th call of the stream library, or the n-th allocation, fails, once or from there on: it is told, the
+// old file or the new one stands, whole, nothing is left open or behind, and what is loaded is all there.
+TEST_F(LoadSave, every_failing_call_is_told) {
+    const Mm old = named("x", row({3, 4, 5})), now = named("x", M({{1, 2}, {6, 7}}));
+    kn::StreamProbe &calls = kn::stream_probe;
+    kn::AllocProbe &blocks = kn::alloc_probe;
+    using Work = std::function<void()>;
+    // Does the work with each failure in turn; `then` hears whether it was told.
+    auto with_failures = [&](const Work &work, const std::function<void(bool)> &then) {
+        auto each = [&](auto &probe, long &count) {
+            const long start = count;
+            work();
+            const long most = count - start;
+            then(false);
+            for (bool after : {false, true})
+                for (long n = 1; n <= most; ++n) {
+                    const long live = blocks.live, open = calls.open;
+                    probe.fail_at = count + n, probe.fail_after = after;
+                    const string told = test::raised(work);
+                    probe.fail_at = 0;
+                    lasterr();
+                    then(told != "(no error)");
+                    EXPECT_EQ(blocks.live, live) << n << told;
+                    EXPECT_EQ(calls.open, open) << n << told;
+                }
+        };
+        each(calls, calls.calls);
+        each(blocks, blocks.allocations);
+    };
+    const std::vector<std::pair<const char *, std::function<void(const Mm &)>>> kinds = {
+        {"f.mat", [](const Mm &x) { saveV4(TM("f"), (CL(x), TM("text"), sparse(x))); }},
+        {"g.mat", [](const Mm &x) { save(TM("g"), (CL(x), TM("text"), test::cell_of(1, 1, {x}))); }},
+        {"h", [](const Mm &x) { saveascii(TM("h"), (CL(x), x)); }}};
+    for (const auto &[file, save_it] : kinds) {
+        const size_t head = file[0] == 'g' ? 128 : 0; // which holds the time
+        auto content = [&] { return bytes(file).substr(head); };
+        save_it(now);
+        const string after = content();
+        save_it(old);
+        const string before = content();
+        with_failures([&] { save_it(now); },
+                      [&](bool told) {
+                          EXPECT_TRUE(content() == (told ? before : after)) << file;
+                          save_it(old);
+                      });
+        save_it(old);
+        Mm x = named("x", nop_M);
+        const Mm name = TM(file);
+        load(name, (CL(x)));
+        const Mm whole = x;
+        with_failures([&] { load(name, (CL(x))); },
+                      [&](bool told) {
+                          EXPECT_SAME(x, told ? Mm(9.0) : whole) << file;
+                          x = 9;
+                      });
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 3);
+}
+
+#endif
+
+} // namespace
