@@ -2,7 +2,9 @@
 // it (sunspots.cpp explains the style).
 //
 // The columns are so nearly dependent that the normal equations lose half of all digits; `\` on the
-// rectangular system keeps them. longley FILE reads the numbers as columns of text.
+// rectangular system keeps them.
+//
+// longley FILE reads the numbers as columns of text.
 #include <quorvex.h>
 
 #include "examples/generated.h"
@@ -41,9 +43,9 @@ Mm numbers(Mm file) {
     return d;
 }
 
-void longley(Mm file) {
+void longley(Mm file, Mm written) {
     Frame frame("longley.m");
-    file.setname("file");
+    file.setname("file"), written.setname("written");
     Mm d(i_o, "d", 0), x(i_o, "x", 0), y(i_o, "y", 0), m(i_o, "m", 0), n(i_o, "n", 0), b(i_o, "b", 0),
         r(i_o, "r", 0), s(i_o, "s", 0), e(i_o, "e", 0), names(i_o, "names", 0), table(i_o, "table", 0),
         l(i_o, "l", 0), u(i_o, "u", 0), p(i_o, "p", 0), g(i_o, "g", 0), f(i_o, "f", 0),
@@ -96,12 +98,18 @@ void longley(Mm file) {
     line(22), disp((BR(max(abs(rdivide(normal, b) - 1))), max(abs(rdivide(factored, b) - 1))));
     // f = rcond(x' * x)
     line(23), f = rcond(ctranspose(x) * x), display(f);
+    // save(written, d, b, e)
+    line(25), save(written, (CL(d), b, e));
+    // clear d b e, load(written, b, e)
+    line(26), clear((CL(d), b, e)), load(written, (CL(b), e));
+    // fprintf('%14.6f %14.6f\n', [b e]')
+    line(27), fprintf(TM("%14.6f %14.6f\\n"), ctranspose((BR(b), e)));
 }
 
 } // namespace
 
 int main(int argc, char **argv) {
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    longley(TM(argc > 1 ? argv[1] : "longley.txt"));
+    longley(TM(argc > 1 ? argv[1] : "longley.txt"), TM(argc > 2 ? argv[2] : "longley_results"));
     exitM();
 }

@@ -5,7 +5,8 @@
 // calls on the values. Each statement first stores its line of the source file, whose text stands above it as
 // a comment.
 //
-// sunspots FILE REPORT reads the numbers, a line "year number" each, and writes what it found to REPORT.
+// sunspots FILE RESULTS reads the numbers, a line "year number" each, and writes what it found to
+// RESULTS.mat, and a table of it to RESULTS.txt.
 #include <quorvex.h>
 
 #include "examples/generated.h"
@@ -162,8 +163,9 @@ void sunspots(Mm file, Mm written) {
     line(18), disp(TM("the cycles, from minimum to minimum"));
     // c = cycles(t, x);
     line(19), c = cycles(t, x);
-    // report(written, title, c)
-    line(19), report(written, title, c);
+    // report([written '.txt'], title, c), save([written '.mat'], t, x, c)
+    line(19), report(Mm((BR(written), TM(".txt"))), title, c),
+        save(Mm((BR(written), TM(".mat"))), (CL(t), x, c));
     // disp([fieldnames(c)'; squeeze(struct2cell(c))'])
     line(20), disp((BR(ctranspose(fieldnames(c))), semi, ctranspose(squeeze(struct2cell(c)))));
     // m = [];
@@ -251,6 +253,6 @@ void sunspots(Mm file, Mm written) {
 
 int main(int argc, char **argv) {
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    sunspots(TM(argc > 1 ? argv[1] : "sunspots.txt"), TM(argc > 2 ? argv[2] : "sunspots_report.txt"));
+    sunspots(TM(argc > 1 ? argv[1] : "sunspots.txt"), TM(argc > 2 ? argv[2] : "sunspots_results"));
     exitM();
 }
