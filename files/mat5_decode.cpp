@@ -81,18 +81,16 @@ bool Mat5Decoder::tag(Tag &t, uint64_t end) {
 
 // ---- The head ----
 
-// The length of a name is its bytes times its type, which is 1.
 bool Mat5Decoder::name(char (&to)[Mat5Entry::name_size], uint64_t end) {
     Tag t;
     to[0] = '\0';
     if (!tag(t, end)) return failed("load5: could not read name name in file '%s'");
-    uint64_t length = uint64_t{t.bytes} * t.type;
-    const uint64_t behind = in_.at() + length;
+    size_t length = t.bytes;
     if (length >= sizeof to) {
         if (!quiet_) warning("load5: name field is too long in file '%s'", file_);
         length = sizeof to - 1;
     }
-    if (left(end) < length || !in_.get(to, length) || !in_.seek(std::min(behind, end)))
+    if (!in_.get(to, length) || !in_.seek(t.end))
         return failed("load5: could not read name name in file '%s'");
     to[length] = '\0';
     return true;

@@ -27,7 +27,7 @@
 //          2  bytes that follow these two words            6  of sparse: room for nonzeros, at least 1
 //          3  6, the flags                                 7  5, the dimensions
 //          4  8, their bytes                               8  4 times their number
-//     dimensions (words), then the name (type 1), then by class:
+//     dimensions (words), then the name (type 1, or 16), then by class:
 //
 //      0  nothing            no data
 //      1  cell               its elements in linear order, each a matrix element
@@ -36,7 +36,8 @@
 //                            structure, in each field by field, as matrix elements
 //      3  object             the name of the class (type 1), then as a structure
 //      4  text               codes of 16 bits (type 4)
-//      5  sparse             row indices, column starts (columns + 1), real values[, imaginary ones]
+//      5  sparse             row indices, column starts (columns + 1), real values[, imaginary ones];
+//                            logical ones may be bytes whose type says 9
 //      6  double             real values[, imaginary ones]; numbers may lie as any type
 //      9  uint8              the same
 //      7, 8, 10 to 15        single, int8, int16, uint16, int32, uint32, int64, uint64: the same

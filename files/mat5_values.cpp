@@ -96,12 +96,17 @@ int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int ro
 
 } // namespace
 
-// UTF-8 is read in the way that gives n characters, if need be as bytes.
+// UTF-8 is read in the way that gives n characters, if need be as bytes. Where there are none, though the
+// extents ask for some, they are blanks: so some programs write a text that they lack.
 bool Mat5Decoder::text(double *to, int n, uint64_t end) {
     Tag t;
     Layout l;
     if (n == 0) return true;
     if (!tag(t, end)) return unread();
+    if (t.bytes == 0) {
+        std::fill_n(to, n, ' ');
+        return in_.seek(t.end) || unread();
+    }
     if (t.type != utf8) return layout(t, text_class, l) && numbers(to, n, t, l);
     const int bytes = static_cast<int>(std::min<uint32_t>(t.bytes, INT32_MAX));
     Scratch<unsigned char> raw(bytes);
@@ -149,7 +154,11 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
     if (lacks(matrix, n) || !matrix.issparse()) return false;
     if (n > 0) {
         setIrJc(matrix, ir.get(), jc.get());
-        if (!plane(matrix.addr(), n, sparse_class, h.end)) return false;
+        // Logical values lie as bytes, but their type may say that they are doubles.
+        if (!tag(t, h.end)) return unread();
+        if (e.logical && t.type == float64 && t.bytes / sizeof(double) < static_cast<uint32_t>(n))
+            t.type = uint8;
+        if (!layout(t, sparse_class, l) || !numbers(matrix.addr(), n, t, l)) return false;
         if (matrix.isc() && !plane(matrix.addi(), n, sparse_class, h.end)) return false;
         matrix.sort();
         matrix.resparse();
@@ -273,7 +282,8 @@ bool Mat5Decoder::value(const Head &h, Mm &out, int level) {
     }
     if (!done) return false;
     check(out);
-    return in_.seek(h.end) || unread();
+    // A compressed variable may end before the bytes that it announces, with all its data there.
+    return in_.seek(h.end) || level == 1 || unread();
 }
 
 } // namespace kn

@@ -15,6 +15,7 @@ namespace kn {
 namespace {
 
 constexpr size_t text_sample = 32;
+constexpr int level5_version = 124; // two bytes in the writer's order: 1 0
 
 // "Characters of text" as in the "C" locale, whatever locale the program runs in.
 bool is_text_byte(char c) { return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r'); }
@@ -42,7 +43,7 @@ bool recognise(MatFile &file) {
     const std::string_view mark(head, 3);
     if (mark == level5_marks[0] || mark == level5_marks[1]) {
         file.kind = MatKind::level5;
-        return true;
+        return head[level5_version] != 2 && head[level5_version + 1] != 2; // a file of HDF5 in disguise
     }
     file.kind = std::all_of(head, head + text_sample, is_text_byte) ? MatKind::text : MatKind::level4;
     return io::seek(file.get(), 0, SEEK_SET) == 0;

@@ -1,25 +1,56 @@
-// mat5_exchange <from> <to>: loads all variables of a MAT-file of level 5 and saves them again. An error ends
-// the program.
+// mat5_exchange [-4] <from> <to>: loads all variables of a MAT-file, of level 4 or 5, and saves what could be
+// loaded, as level 5 or 4. Warnings and errors are printed; status 1 after an error.
 #include <cstdio>
+#include <cstring>
+#include <deque>
+#include <string>
 
-#include "files/mat5.h"
+#include "files/matfile.h"
 #include "quorvex.h"
 
-int main(int argc, char **argv) {
-    std::FILE *from = argc == 3 ? std::fopen(argv[1], "rb") : nullptr;
-    std::FILE *to = from ? std::fopen(argv[2], "wb") : nullptr;
-    if (!to) return 2;
-    int variables = 0;
-    kn::Mat5Entry entry;
-    kn::Mat5Reader reader(from, argv[1]);
-    kn::Mat5Writer writer(to, argv[2]);
-    bool done = writer.header();
-    while (reader.next(entry)) ++variables;
-    reader.rewind();
-    for (; done && variables > 0; --variables) {
-        Mm x;
-        done = reader.read(x) && writer.write(x, reader.name());
+namespace {
+
+bool failed = false;
+
+void caught(auto work) {
+    try {
+        work();
+    } catch (const char *text) {
+        std::printf("error: %s\n", text);
+        failed = true;
     }
-    std::fclose(from);
-    return std::fclose(to) == 0 && done ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const bool level4 = argc == 4 && std::strcmp(argv[1], "-4") == 0;
+    if (argc != 3 && !level4) return 2;
+    const Mm from = TM(argv[argc - 2]), to = TM(argv[argc - 1]);
+    kn_set_error_handler([](const char *text) { throw text; });
+    kn_set_warning_handler([](const char *text) { std::printf("warning: %s\n", text); });
+
+    Mm found;
+    bool in_order = false; // level 4 is read in its order, level 5 by names
+    caught([&] {
+        kn::MatFile file(argv[argc - 2]);
+        in_order = kn::mat_open_read(mpath_pointer, file) && file.kind == kn::MatKind::level4;
+        found = kn_matfile_variables(from);
+        if (found.cols() == 0) vbload(from); // which tells why
+    });
+    std::deque<std::string> names;
+    std::deque<Mm> values;
+    Mc all, loaded;
+    for (int k = 1; k <= found.cols(); ++k) {
+        char name[64];
+        Mstr_row(Mm(found.br(1, k)), name, sizeof name);
+        Mm &x = values.emplace_back(i_o, names.emplace_back(name).c_str(), 0);
+        all, x;
+        if (!in_order) caught([&] { load(from, (CL(x))); });
+    }
+    if (in_order) caught([&] { load(from, all); });
+    for (const Mm &x : values)
+        if (x.gettype() != kn_none) loaded, x;
+    caught([&] { level4 ? saveV4(to, loaded) : save(to, loaded); });
+    return failed ? 1 : 0;
 }
