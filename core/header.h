@@ -43,6 +43,8 @@ struct Header {
 // Whether the value has no room for the n stored elements it was made for.
 inline bool lacks(const Mm &m, int n) { return m.getnnz() < n; }
 
+inline bool is_cell(const Mm &m) { return m.gettype() == kn_Mm && !m.isstruct(); }
+
 // Whether two headers refer to one block.
 inline bool same_block(const Mm &a, const Mm &b) { return Header::refcount(a) == Header::refcount(b); }
 

@@ -14,6 +14,7 @@
 #include "quorvex/indexing.h"
 #include "quorvex/startup.h"
 #include "quorvex/structures.h"
+#include "text/date_parts.h"
 #include "text/text_buffer.h"
 
 using namespace kn;
@@ -55,9 +56,7 @@ class Listing {
     explicit Listing(const Mm &m) {
         char text[name_size];
         Mstr_row(m, text, name_size);
-        char *last = text;
-        for (char *c = text; *c; ++c)
-            if (*c == '/' || *c == '\\') last = c + 1;
+        char *last = text + (os::last_part(text) - text);
         os::FileStatus status;
         if (last[std::strcspn(last, "*?")]) {
             char pattern[name_size];
@@ -108,13 +107,11 @@ class Listing {
 
 // "21-Nov-2026 09:30:00"
 void write_date(char *out, size_t size, const os::FileStatus &status) {
-    static const char *const months[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                         "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     os::LocalTime t;
     *out = '\0';
     if (os::local_time(status.modified, t))
-        std::snprintf(out, size, "%02d-%s-%04d %02d:%02d:%02d", t.day, months[t.month - 1], t.year, t.hour,
-                      t.minute, static_cast<int>(t.second));
+        std::snprintf(out, size, "%02d-%s-%04d %02d:%02d:%02d", t.day, month_names[t.month - 1], t.year,
+                      t.hour, t.minute, static_cast<int>(t.second));
 }
 
 } // namespace

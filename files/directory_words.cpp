@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/header.h"
 #include "core/scratch.h"
 #include "files/file_table.h"
 #include "files/stream_calls.h"
@@ -30,8 +31,6 @@ Mm done(bool ok, const char *what, const char *name) {
     if (!ok) warning("Could not %s %s", what, name);
     return ok ? 1.0 : 0.0;
 }
-
-bool is_separator(char c) { return c == '/' || c == '\\'; }
 
 // Whether both name one file, which a copy would empty.
 bool same_name(const char *a, const char *b) {
@@ -113,16 +112,16 @@ Mm filesep() {
 Mm pathsep() { return TM(";"); }
 
 Mm fullfile(const Mm &parts) {
-    const bool several = parts.gettype() == kn_Mm && !parts.isstruct();
+    const bool several = is_cell(parts);
     TextBuffer whole;
     for (int k = 1; k <= (several ? parts.size() : 1); ++k) {
         const Name part(several ? parts.safebr(k) : parts);
         std::string_view text(part);
         if (k > 1) {
             whole.append(file_separator);
-            if (!text.empty() && is_separator(text.front())) text.remove_prefix(1);
+            if (!text.empty() && os::is_separator(text.front())) text.remove_prefix(1);
         }
-        if (!text.empty() && is_separator(text.back())) text.remove_suffix(1);
+        if (!text.empty() && os::is_separator(text.back())) text.remove_suffix(1);
         whole.append(text);
     }
     return whole ? TM(whole.c_str()) : x_M;
@@ -137,7 +136,7 @@ Mm tempdir() {
             break;
         }
     if (out.size() == 0) out.append(os::is_directory("/tmp") ? "/tmp" : ".");
-    if (!is_separator(out.view().back())) out.append(os::separator);
+    if (!os::is_separator(out.view().back())) out.append(os::separator);
     return out ? TM(out.c_str()) : x_M;
 }
 

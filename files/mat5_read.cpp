@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "files/byte_order.h"
 #include "files/mat5_decode.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -12,8 +13,6 @@ using namespace kn;
 using namespace kn::mat5;
 
 namespace {
-
-uint32_t reversed(uint32_t w) { return w << 24 | (w & 0xff00) << 8 | (w >> 8 & 0xff00) | w >> 24; }
 
 // Whether one name is the beginning of the other.
 bool agree(const char *a, const char *b) {
@@ -97,9 +96,8 @@ bool Mat5Reader::read_named(Mm &target) {
     uint64_t at = in_.at();
     for (; next(entry); at = in_.at())
         if (std::strncmp(entry.name, wanted, 127) == 0) return in_.seek(at) && read(target);
-    // Behind the last variable stands less than the tag of another.
+    // Behind the last variable stands less than the tag of another. A file without a size can't be read.
     constexpr uint64_t tag_bytes = 8;
-    if (in_.size() < header_bytes || in_.size() - at >= tag_bytes)
-        error("load5: '%s' could not read header", file_);
+    if (in_.size() == 0 || in_.size() - at >= tag_bytes) error("load5: '%s' could not read header", file_);
     return false;
 }

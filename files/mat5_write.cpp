@@ -7,6 +7,7 @@
 
 #include "files/mat5.h"
 #include "files/mat5_layout.h"
+#include "files/precision.h"
 #include "platform/platform.h"
 #include "quorvex/classes.h"
 #include "quorvex/display.h"
@@ -27,12 +28,6 @@ Class class_of(const Mm &x) {
     if (x.gettype() == kn_Mm)
         return !x.isstruct() ? cell_class : x.getclassid() != 0 ? object_class : struct_class;
     return double_class;
-}
-
-// The low bytes of a truncated number; 0 for those outside 64-bit integers.
-uint16_t code_of(double x) {
-    constexpr double limit = 9223372036854775808.0;
-    return x > -limit && x < limit ? static_cast<uint16_t>(static_cast<int64_t>(x)) : 0;
 }
 
 // An array of getIr or getJc.
@@ -101,7 +96,8 @@ bool Mat5Encoder::codes(const Mm &x) const {
         bool characters = true; // as nearly all are: converted several at once
         for (int k = 0; k < m; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
         for (int k = 0; k < m; ++k)
-            block[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k])) : code_of(from[k]);
+            block[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k]))
+                                  : static_cast<uint16_t>(low_bits(from[k]));
         if (!out.put(block, sizeof *block * static_cast<size_t>(m))) return false;
     }
     return true;

@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "core/scratch.h"
+#include "files/byte_order.h"
 #include "files/stream_calls.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
@@ -61,12 +62,6 @@ constexpr struct {
 
 // ---- Bytes ----
 
-constexpr uint16_t reversed(uint16_t x) { return static_cast<uint16_t>(x << 8 | x >> 8); }
-constexpr uint32_t reversed(uint32_t x) { return x << 24 | (x & 0xff00) << 8 | (x >> 8 & 0xff00) | x >> 24; }
-constexpr uint64_t reversed(uint64_t x) {
-    return uint64_t(reversed(static_cast<uint32_t>(x))) << 32 | reversed(static_cast<uint32_t>(x >> 32));
-}
-
 template <size_t bytes>
 using Unsigned = std::conditional_t<bytes == 2, uint16_t, std::conditional_t<bytes == 4, uint32_t, uint64_t>>;
 
@@ -83,12 +78,6 @@ template <class T> void reverse(T *x, size_t n) {
 }
 
 // ---- Numbers to integers ----
-
-// The low bytes of a truncated number.
-uint64_t low_bits(double x) {
-    constexpr double limit = 9223372036854775808.0;
-    return x > -limit && x < limit ? static_cast<uint64_t>(static_cast<int64_t>(x)) : 0;
-}
 
 uint64_t two_words(double x) {
     return low_bits(x / two32) << 32 | static_cast<uint32_t>(low_bits(x - std::floor(x / two32) * two32));

@@ -15,6 +15,7 @@
 #define QUORVEX_FILES_PRECISION_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 
 #include "quorvex/values.h"
@@ -24,6 +25,12 @@ namespace kn {
 struct Precision {
     int code, size; // bytes of an element
 };
+
+// The low bytes of a truncated number; 0 for those outside 64-bit integers.
+inline uint64_t low_bits(double x) {
+    constexpr double limit = 9223372036854775808.0;
+    return x > -limit && x < limit ? static_cast<uint64_t>(static_cast<int64_t>(x)) : 0;
+}
 
 // By name; "fileio: unknown precision %s", then double.
 Precision file_precision(const Mm &name);

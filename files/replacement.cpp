@@ -16,10 +16,7 @@ Replacement::Replacement(const char *name) : name_(name) {
         stream_.swap(straight);
         return;
     }
-    const char *last = name;
-    for (const char *c = name; *c; ++c)
-        if (*c == '/' || *c == '\\') last = c + 1;
-    const int directory = static_cast<int>(last - name);
+    const int directory = static_cast<int>(os::last_part(name) - name);
     if (directory > name_size - 40) return;
     for (int k = 0; k < 1000; ++k) {
         std::snprintf(own_, sizeof own_, "%.*skn%u_%d.tmp", directory, name, os::process_id(), k);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/header.h"
 #include "files/mat5.h"
 #include "files/matfile.h"
 #include "files/replacement.h"
@@ -20,15 +21,14 @@ class Values {
   public:
     explicit Values(const Mc &list) : list_(&list), count_(list.count()) {}
     explicit Values(const Mm &m, int first = 0)
-        : cell_(&m), first_(first), count_(is_cell() ? std::max(m.getnnz() - first, 0) : 1) {}
+        : cell_(&m), first_(first), count_(is_cell(m) ? std::max(m.getnnz() - first, 0) : 1) {}
     int count() const { return count_; }
     const Mm &operator[](int k) const {
         if (list_) return list_->item(k);
-        return is_cell() ? cell_->getpr(static_cast<Mm *>(nullptr))[first_ + k] : *cell_;
+        return is_cell(*cell_) ? cell_->getpr(static_cast<Mm *>(nullptr))[first_ + k] : *cell_;
     }
 
   private:
-    bool is_cell() const { return cell_->gettype() == kn_Mm && !cell_->isstruct(); }
     const Mc *list_ = nullptr;
     const Mm *cell_ = nullptr;
     int first_ = 0, count_;
@@ -94,6 +94,6 @@ Mm saveascii(const Mm &name, const Mm &list) { return save_as<Text>(name, Values
 
 // A value that is no cell is the name, and there are no values.
 Mm vbsave(const Mm &list) {
-    const bool is_list = list.gettype() == kn_Mm && !list.isstruct();
-    return is_list ? save_as<Level5>(list.safebr(1), Values(list, 1)) : save_as<Level5>(list, Values(Mc()));
+    return is_cell(list) ? save_as<Level5>(list.safebr(1), Values(list, 1))
+                         : save_as<Level5>(list, Values(Mc()));
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/header.h"
 #include "core/numbers.h"
 #include "quorvex/classes.h"
 
@@ -19,7 +20,7 @@ bool is_complex(Mm m) { return m.getreal(0); } // of a copy: getreal changes the
 } // namespace
 
 Mm isstruct(const Mm &m) { return answer(m.isstruct() && m.getclassid() == 0); }
-Mm iscell(const Mm &m) { return answer(m.gettype() == kn_Mm && !m.isstruct()); }
+Mm iscell(const Mm &m) { return answer(kn::is_cell(m)); }
 Mm islogical(const Mm &m) { return answer(m.islogical() && !m.isc()); }
 Mm iscomplex(const Mm &m) { return answer(is_complex(m)); }
 Mm isreal(const Mm &m) { return answer(m.gettype() != kn_Mm && !is_complex(m)); }

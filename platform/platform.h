@@ -215,6 +215,16 @@ inline constexpr char separator = '\\';
 inline constexpr char separator = '/';
 #endif
 
+inline bool is_separator(char c) { return c == '/' || c == '\\'; }
+
+// What stands behind the last separator of a name, of either kind.
+inline const char *last_part(const char *name) {
+    const char *last = name;
+    for (; *name; ++name)
+        if (is_separator(*name)) last = name + 1;
+    return last;
+}
+
 // Opens a stream as `fopen` does; a directory can't be opened. Programs that are started don't inherit it.
 std::FILE *open_file(const char *name, const char *mode);
 

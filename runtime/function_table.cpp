@@ -11,6 +11,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/header.h"
+#include "core/name_hash.h"
 #include "quorvex.h"
 
 namespace kn {
@@ -133,11 +135,8 @@ constexpr std::pair<string_view, int> gathering[] = {
 
 // ---- Finding a name ----
 
-constexpr unsigned hash(string_view name) {
-    unsigned h = 2166136261u;
-    for (char c : name) h = (h ^ static_cast<unsigned char>(c)) * 16777619u;
-    return h ^ h >> 15;
-}
+// The place where the search for a name begins, before the remainder.
+constexpr unsigned hash(string_view name) { return name_hash(name) ^ name_hash(name) >> 15; }
 
 constexpr size_t n_slots = [] {
     size_t n = 64;
@@ -225,7 +224,7 @@ bool call_named(const char *name, const Mm &args, int wanted, Mm *const *out) {
         return false;
     }
     const Entry &e = table[slot->row];
-    if (args.gettype() != kn_Mm || args.isstruct()) { // one plain input, or none
+    if (!is_cell(args)) { // one plain input, or none
         const Mm held(args);
         return call(e, &held, args.size() > 0 ? 1 : 0, wanted, out);
     }

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/platform.h"
 #include "quorvex/classes.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
@@ -111,9 +112,7 @@ Mm lasterr(const Mm &text) {
 Mm mfilename() {
     int depth = kn_error_stack.depth;
     if (depth < 1 || depth > 512 || !kn_error_stack.file[depth]) return TM("unknown");
-    const char *file = kn_error_stack.file[depth];
-    for (const char *c = file; *c; ++c)
-        if (*c == '/' || *c == '\\') file = c + 1;
+    const char *file = kn::os::last_part(kn_error_stack.file[depth]);
     char name[512];
     std::snprintf(name, sizeof name, "%.*s", static_cast<int>(std::strcspn(file, ".")), file);
     return TM(name);

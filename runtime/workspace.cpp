@@ -11,6 +11,7 @@
 
 #include "core/header.h"
 #include "core/hooks.h"
+#include "core/name_hash.h"
 #include "core/scratch.h"
 #include "quorvex/memory.h"
 #include "quorvex/messages.h"
@@ -18,12 +19,8 @@
 namespace kn {
 namespace {
 
-// FNV-1a, and never 0, which fills the last group of keys.
-unsigned key_of(const char *name) {
-    unsigned key = 2166136261u;
-    for (; *name; ++name) key = (key ^ static_cast<unsigned char>(*name)) * 16777619u;
-    return key | 1;
-}
+// Never 0, which fills the last group of keys.
+unsigned key_of(const char *name) { return name_hash(name) | 1; }
 
 constexpr int group = 16; // keys that are compared at once
 

@@ -54,7 +54,7 @@ Mm names_of(const Mm &list) {
 bool start_viewer(const Mm &value) {
     const char *directory = mpath_pointer ? mpath_pointer->host_directory : "";
     const size_t n = std::strlen(directory);
-    const bool ended = n == 0 || directory[n - 1] == '/' || directory[n - 1] == '\\';
+    const bool ended = n == 0 || os::is_separator(directory[n - 1]);
     char command[sizeof mpath_pointer->host_directory + 80];
     std::snprintf(command, sizeof command, "%s%.*solenview.exe %u %llu", directory, ended ? 0 : 1,
                   &os::separator, os::process_id(),

@@ -92,7 +92,7 @@ void value_summary(const Mm &m, char *buf, int size) {
 }
 
 Mm celldisp(const Mm &m) {
-    if (m.gettype() != kn_Mm || m.isstruct()) {
+    if (!is_cell(m)) {
         error("%s is not a cell array.", kn_display_name(m));
         return x_M;
     }
@@ -101,7 +101,7 @@ Mm celldisp(const Mm &m) {
         for (int c = 1; c <= m.cols(); ++c) {
             kn_printf("%s{%d,%d}\n", title, r, c);
             const Mm &element = m.mr(r, c);
-            if (element.gettype() == kn_Mm && !element.isstruct())
+            if (is_cell(element))
                 celldisp(element);
             else
                 disp(element);

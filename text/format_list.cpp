@@ -123,11 +123,9 @@ bool format_unescape(const Mm &fmt, TextBuffer &out) {
     return true;
 }
 
-int values_of(const Mm &list) { return list.gettype() == kn_Mm && !list.isstruct() ? list.size() : 1; }
+int values_of(const Mm &list) { return is_cell(list) ? list.size() : 1; }
 
-const Mm &value_of(const Mm &list, int k) {
-    return list.gettype() == kn_Mm && !list.isstruct() ? list.mr(k) : list;
-}
+const Mm &value_of(const Mm &list, int k) { return is_cell(list) ? list.mr(k) : list; }
 
 FormatList::FormatList(const Mm &fmt) {
     TextBuffer format;

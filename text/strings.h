@@ -29,8 +29,6 @@ class Codes {
     const double *data_ = nullptr;
 };
 
-inline bool is_cell(const Mm &m) { return m.gettype() == kn_Mm && !m.isstruct(); }
-
 // Characters, or an empty array: what counts as text.
 inline bool is_text(const Mm &m) { return m.gettype() != kn_Mm && (m.isstr() || m.size() == 0); }
 
