@@ -1,4 +1,6 @@
-// The columns of sparse entries: positions ascend, so that the entries of a column stand together.
+// The columns of sparse entries: positions ascend, so that the entries of a column stand together. A value of
+// more than two dimensions counts as the matrix of all its columns, those of each page behind the ones of the
+// page before.
 #ifndef QUORVEX_CORE_COLUMNS_H
 #define QUORVEX_CORE_COLUMNS_H
 
@@ -32,7 +34,15 @@ class ColumnWalk {
     unsigned rows_, begin_ = 0, column_ = 0;
 };
 
-// f(slot, row, column) for each entry of a sparse matrix, column after column.
+// The columns of all pages.
+inline ptrdiff_t column_count(const Mm &a) {
+    const int *d = a.getdims();
+    ptrdiff_t n = d[1];
+    for (int k = 2; k < a.getndims(); ++k) n *= d[k];
+    return n;
+}
+
+// f(slot, row, column) for each entry of a sparse value, column after column.
 template <class F> void for_entries(const Mm &a, F f) {
     const int *index = a.getindex(), nnz = a.getnnz();
     ColumnWalk walk(a.rows());
@@ -44,13 +54,13 @@ template <class F> void for_entries(const Mm &a, F f) {
     }
 }
 
-// starts[c] is the slot of the first entry at or behind column c, for c from 0 to the number of columns.
+// starts[c] is the slot of the first entry at or behind column c, for c from 0 to column_count(a).
 inline void column_starts(const Mm &a, int *starts) {
-    int c = 0;
+    ptrdiff_t c = 0;
     for_entries(a, [&](int k, int, int column) {
         while (c <= column) starts[c++] = k;
     });
-    while (c <= a.cols()) starts[c++] = a.getnnz();
+    for (const ptrdiff_t n = column_count(a); c <= n;) starts[c++] = a.getnnz();
 }
 
 } // namespace kn

@@ -17,9 +17,9 @@ int *ints(size_t n) {
     return p;
 }
 
-// The column starts of a sparse matrix, closed by -1.
+// The column starts of a sparse value, closed by -1.
 int *starts_of(const Mm &a) {
-    const size_t cols = static_cast<size_t>(a.cols());
+    const size_t cols = static_cast<size_t>(kn::column_count(a));
     int *jc = ints(cols + 2);
     if (!jc) return nullptr;
     kn::column_starts(a, jc);
@@ -62,12 +62,12 @@ void setIrJc(Mm &a, const int *ir, const int *jc) {
     if (error_sparse(a, "IrJc") || !ir || !jc || !kn::unshared(a)) return;
     const int rows = a.rows(), room = a.getp();
     int *index = a.getindex();
-    for (int c = 0; c < a.cols(); c++)
+    for (ptrdiff_t c = 0, cols = kn::column_count(a); c < cols; c++)
         for (int k = jc[c]; k < jc[c + 1]; k++) {
             if (k < 0 || k >= room || ir[k] < 0 || ir[k] >= rows) {
                 error("IrJc: entry outside of matrix %s", kn_display_name(a));
                 return;
             }
-            index[k] = ir[k] + c * rows;
+            index[k] = static_cast<int>(ir[k] + c * rows);
         }
 }

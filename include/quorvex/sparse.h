@@ -69,8 +69,9 @@ QUORVEX_API Mm colmmd(const Mm &a);   // the same
 QUORVEX_API Mm randperm(const Mm &n); // a random permutation of 1 to n
 
 // -- The compressed-column view, 0-based: the row of each entry, column after column; and for each column the
-// slot of its first entry, then the number of entries, then -1. The arrays come from the C heap and belong to
-// the caller; null after a report. Both begin with error_sparse.
+// slot of its first entry, then the number of entries, then -1. The columns of a value of three or four
+// dimensions are those of all its pages, page after page. The arrays come from the C heap and belong to the
+// caller; null after a report. Both begin with error_sparse.
 
 QUORVEX_API int *getIr(const Mm &a);
 QUORVEX_API int *getJc(const Mm &a);
