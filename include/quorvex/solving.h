@@ -35,6 +35,12 @@ QUORVEX_API Mm invdiv(const Mm &a, const Mm &b);
 // order. NaN when a is singular. "getIr: sparse matrix expected, but matrix %s is full".
 QUORVEX_API Mm lusolve(const Mm &a, const Mm &b, const Mm &p);
 
+// a ^ b. Of scalars power(a, b). A square matrix to a whole power: products, of inv(a) where b is negative;
+// the identity for 0. Bytes give doubles, sparse matrices sparse ones. Other powers of a matrix, and powers
+// of a scalar to a matrix, are reported: "mpower: only whole powers of a matrix are supported"; of two
+// matrices "mpower: base or exponent must be a scalar". Structures: the class method "mpower".
+QUORVEX_API Mm mpower(const Mm &a, const Mm &b);
+
 // The triangular factors of a square matrix, by elimination with row interchanges; the pivot is the largest
 // element of its column, of a complex one by |re| + |im|. One output: u, and below its diagonal the negated
 // multipliers, in each column in the rows they had when it was eliminated; full. Two: a = l u, l with
@@ -67,6 +73,7 @@ QUORVEX_API Mm ishermitian(const Mm &a);
     ROW(mldivide, "matrix division from the left", 2)                     \
     ROW(invdiv, "matrix division from the left", 2)                       \
     ROW(lusolve, "solves a sparse system in a given order of columns", 3) \
+    ROW(mpower, "power of a matrix", 2)                                   \
     ROW(lu, "triangular factors", 1)                                      \
     ROW(lu_L, "lower triangular factor", 1)                               \
     ROW(lu_U, "upper triangular factor", 1)                               \

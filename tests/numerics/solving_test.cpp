@@ -188,6 +188,28 @@ TEST(Solving, singular_matrices_give_what_the_kernels_leave) {
     EXPECT_SAME(det(sparse_of(2, 2, {{0, 1}, {2, 1}})), Mm(0.0));
 }
 
+TEST(Solving, matrix_powers) {
+    Mm a = M({{1, 1}, {1, 0}}), z = C(0, 1) * a;
+    EXPECT_SAME(mpower(a, 30), M({{1346269, 832040}, {832040, 514229}}));
+    EXPECT_SAME(mpower(a, -3), M({{-1, 2}, {2, -3}}));
+    EXPECT_SAME(real(mpower(z, U8({{2}}))), -(a * a));
+    EXPECT_SAME(mpower(TM("ab;c")(M({{1, 2}, {3, 4}})), 1), M({{97, 98}, {59, 99}}));
+    EXPECT_SAME(mpower(U8({{0, 20}, {20, 0}}), 2), 400 * eye(2));
+    EXPECT_SAME(mpower(sparse(a), 5), sparse(mpower(a, 5)));
+    EXPECT_SAME(mpower(sparse(a), -1), sparse(inv(a)));
+    EXPECT_SAME(mpower(sparse(a), 0), speye(2));
+    EXPECT_SAME(mpower(z, 0), eye(2));
+    EXPECT_SAME(mpower(2, 0.5), power(2, 0.5));
+    EXPECT_EQ(mpower(Mm(), 2).size(), 0);
+    EXPECT_SAME(mpower(0.5 * eye(2), 1e300), zeros(2, 2));
+    EXPECT_RAISES(mpower(a, a), "mpower: base or exponent must be a scalar");
+    for (const Mm &e : {Mm(0.5), Mm(nan_), Mm(inf), C(2, 1)})
+        EXPECT_RAISES(mpower(a, e), "mpower: only whole powers of a matrix are supported");
+    EXPECT_RAISES(mpower(2, a), "mpower: only whole powers of a matrix are supported");
+    EXPECT_RAISES(mpower(named("r", ones(1, 2)), 2),
+                  "mpower: square matrix expected, but matrix r has 1 rows and 2 columns");
+}
+
 TEST(Solving, dispatch_and_shapes) {
     EXPECT_SAME(mldivide(2, M({{2, 4}})), M({{1, 2}}));
     EXPECT_SAME(invdiv(2, M({{2, 4}})), M({{1, 2}}));
