@@ -15,6 +15,7 @@
 #include "core/op_core.h"
 #include "core/op_names.h"
 #include "core/parallel.h"
+#include "core/poll.h"
 #include "core/sparse_plan.h"
 #include "quorvex/classes.h"
 #include "quorvex/sparse.h"
@@ -125,12 +126,43 @@ constexpr ptrdiff_t shared_from = 300000, grain = 50000;
 
 bool is_shared(ptrdiff_t n, ptrdiff_t cost) { return n >= shared_from / cost; }
 
-// f(begin, end) on ranges of n elements.
-template <class F> void by_ranges(ptrdiff_t n, ptrdiff_t cost, F f) {
-    if (is_shared(n, cost))
-        parallel_for(n, std::max<ptrdiff_t>(grain / cost, 64) / 64 * 64, f);
-    else
+// Between portions of this much work, 15 ms of one thread, a call can be interrupted.
+constexpr ptrdiff_t portion = ptrdiff_t{60} << 20;
+
+// f(begin, end) on ranges of n elements. False when interrupted.
+template <class F> bool by_ranges(ptrdiff_t n, ptrdiff_t cost, F f) {
+    if (!is_shared(n, cost)) {
         f(ptrdiff_t(0), n);
+        return true;
+    }
+    for (ptrdiff_t from = 0; from < n;) {
+        const ptrdiff_t size = std::min(n - from, std::max<ptrdiff_t>(portion / cost, 64) / 64 * 64);
+        parallel_for(size, std::max<ptrdiff_t>(grain / cost, 64) / 64 * 64,
+                     [=](ptrdiff_t begin, ptrdiff_t end) { f(from + begin, from + end); });
+        from += size;
+        if (from < n && interrupted()) return false;
+    }
+    return true;
+}
+
+// The same for slices, by whole outer ones.
+template <class T> bool by_slices(const Loops<T> &loops, const Slices<T> &s) {
+    const ptrdiff_t each = s.len * s.stride, results = s.total / s.outer;
+    const ptrdiff_t step = std::max<ptrdiff_t>(portion / 16 / each, 1); // along slices an element costs more
+    auto from = [](auto *p, ptrdiff_t k) { return p ? p + k : p; };
+    for (ptrdiff_t o = 0; o < s.outer; o += step) {
+        if (o > 0 && interrupted()) return false;
+        Slices<T> part = s;
+        part.outer = std::min(step, s.outer - o);
+        part.total = part.outer * results;
+        part.are = from(s.are, o * each);
+        part.aim = from(s.aim, o * each);
+        part.re = from(s.re, o * results);
+        part.im = from(s.im, o * results);
+        part.position = from(s.position, o * results);
+        loops.along(part);
+    }
+    return true;
 }
 
 // A scalar operand moved to `first`.
@@ -141,49 +173,50 @@ template <class T> void settle(Operand<T> &o, T (&first)[2]) {
     o = {first, o.im ? first + 1 : nullptr, 0};
 }
 
-template <class T> void run_elements(const Loops<T> &loops, Elements<T> e) {
+template <class T> bool run_elements(const Loops<T> &loops, Elements<T> e) {
     const int cost = loops.cost[e.im || e.a.im || e.b.im];
-    if (!is_shared(e.n, cost)) return loops.elements(e);
+    if (!is_shared(e.n, cost)) {
+        loops.elements(e);
+        return true;
+    }
     T a[2], b[2]; // no range may find a scalar overwritten by another one's results
     settle(e.a, a);
     settle(e.b, b);
-    by_ranges(e.n, cost, [&](ptrdiff_t begin, ptrdiff_t end) { loops.elements(part(e, begin, end)); });
+    return by_ranges(e.n, cost, [&](ptrdiff_t begin, ptrdiff_t end) { loops.elements(part(e, begin, end)); });
 }
 
+// False when interrupted.
 template <class T>
-void run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
+bool run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
     T *tag = nullptr;
     T *re = out.getpr(tag), *im = out.getpi(tag);
     ptrdiff_t n = out.getnnz();
     if (!is_op(op)) {
         error("op_core: unknown op");
         clear(re, im, n);
-        return;
+        return true;
     }
     const Loops<T> &loops = loops_of<T>()[op];
-    if (loops.elements) {
-        run_elements(loops, {re, im, n, operand<T>(a), operand<T>(b)});
-        return;
-    }
+    if (loops.elements) return run_elements(loops, {re, im, n, operand<T>(a), operand<T>(b)});
     // Without a dimension one element is looked at; the others are zero.
     if (static_cast<ptrdiff_t>(s.len) * s.stride * s.outer < a.getnnz()) clear(re, im, n);
-    loops.along({re, im, n, a.getpr(tag), a.getpi(tag), b.getpr(tag), b.getpi(tag), s.len, s.stride, s.outer,
-                 position});
+    return by_slices(loops, {re, im, n, a.getpr(tag), a.getpi(tag), b.getpr(tag), b.getpi(tag), s.len,
+                             s.stride, s.outer, position});
 }
 
-void run(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
+bool run(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, double *position) {
     if (a.gettype() == kn_uint8)
-        run_loops<unsigned char>(out, a, b, op, s, position);
+        return run_loops<unsigned char>(out, a, b, op, s, position);
     else
-        run_loops<double>(out, a, b, op, s, position);
+        return run_loops<double>(out, a, b, op, s, position);
 }
 
-// False when there is no memory for the positions.
+// False when there is no memory for the positions, or interrupted.
 bool with_positions(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, Mm &extra) {
     Mm positions(0, 0, 0, 4, s.dims, kn_double);
     if (lacks(positions, out.getnnz())) return false;
     std::fill(positions.addr(), positions.addr() + positions.getnnz(), 0.0);
-    run(out, a, b, op, s, positions.addr());
+    if (!run(out, a, b, op, s, positions.addr())) return false;
     extra = positions;
     return true;
 }
@@ -198,8 +231,7 @@ Mm computed(int complex_result, const Mm &a, const Mm &b, op_t op, const Shape &
         return out;
     }
     bool wanted = (op == op_max_1 || op == op_min_1) && !extra.issamename(kn_l_name);
-    if (wanted && !with_positions(out, a, b, op, s, extra)) out = x_M;
-    if (!wanted) run(out, a, b, op, s, nullptr);
+    if (!(wanted ? with_positions(out, a, b, op, s, extra) : run(out, a, b, op, s, nullptr))) out = x_M;
     check(out);
     return out;
 }
@@ -235,17 +267,20 @@ Mm operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t o
 
 } // namespace
 
-void element_loops(Mm &out, const Mm &a, const Mm &b, op_t op) { run(out, a, b, op, Shape(), nullptr); }
+bool element_loops(Mm &out, const Mm &a, const Mm &b, op_t op) {
+    return run(out, a, b, op, Shape(), nullptr);
+}
 
-bool real_elements(op_t op, double *out, const double *x, ptrdiff_t n) {
+Realness real_elements(op_t op, double *out, const double *x, ptrdiff_t n) {
     const KernelTable &table = kernels();
     const auto within = table.numbers[op].within;
     std::atomic<bool> left = false;
-    by_ranges(n, table.doubles[op].cost[0], [&](ptrdiff_t begin, ptrdiff_t end) {
+    const bool done = by_ranges(n, table.doubles[op].cost[0], [&](ptrdiff_t begin, ptrdiff_t end) {
         if (left.load(std::memory_order_relaxed)) return;
         if (!within(out + begin, x + begin, end - begin)) left.store(true, std::memory_order_relaxed);
     });
-    return !left;
+    if (!done) return Realness::interrupted;
+    return left ? Realness::left : Realness::real;
 }
 
 Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,

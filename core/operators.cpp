@@ -105,7 +105,7 @@ bool can_take(const Mm *t, const Mm &other, int complex_result) {
 
 // The engine's result, made in the place.
 Mm taken(Mm &t, const Mm &a, const Mm &b, op_t op, bool logical) {
-    element_loops(t, a, b, op);
+    if (!element_loops(t, a, b, op)) return x_M;
     t.getflags() = {0, 0, logical, 0, 0, 0, t.gettype()};
     return std::move(t);
 }
@@ -120,10 +120,7 @@ Mm marked(int complex, const Mm &a, const Mm &b, const Mm &dim, int do_dim, op_t
 // The same where the operands are real and full and fit, and so is the result, which looks like `like`.
 Mm computed(const Mm &like, const Mm &a, const Mm &b, op_t op, bool logical) {
     Mm out = Header::real_like(like);
-    if (lacks(out, like.getnnz()))
-        out = x_M;
-    else
-        element_loops(out, a, b, op);
+    if (lacks(out, like.getnnz()) || !element_loops(out, a, b, op)) return x_M;
     out.getflags().logical = logical;
     return out;
 }
@@ -152,7 +149,8 @@ template <op_t op> [[gnu::noinline]] Mm of_values(const Mm &a, Mm *t) {
     if (looks_at_elements(rule_of<op>) && !t && is_plain(a)) { // computes while it asks
         Mm out = Header::real_like(a);
         if (lacks(out, a.getnnz())) return x_M;
-        if (real_elements(op, out.addr(), a.addr(), a.getnnz())) return out;
+        const Realness found = real_elements(op, out.addr(), a.addr(), a.getnnz());
+        if (found != Realness::left) return found == Realness::real ? out : x_M;
     }
     return elements(complex_result(op, a), a, t, op, is_logical<op>);
 }
@@ -542,7 +540,9 @@ KN_ALONG(median) {
     int d = dimension_of(a, dim);
     bool numbers = a.gettype() == kn_double || a.gettype() == kn_uint8;
     if (d == 0 || !numbers || a.size() < 1) return along<op_median>(a, dim);
-    Mm middle = along<op_median>(sorted_along(full(a), d), static_cast<double>(d));
+    Mm in_order = sorted_along(full(a), d);
+    if (same_block(in_order, x_M)) return x_M;
+    Mm middle = along<op_median>(in_order, static_cast<double>(d));
     return a.issparse() ? sparse(middle) : middle;
 }
 #undef KN_ALONG

@@ -7,6 +7,7 @@
 
 #include "core/header.h"
 #include "core/kernels/complex_math.h"
+#include "core/poll.h"
 #include "core/scratch.h"
 #include "quorvex/startup.h"
 
@@ -30,36 +31,40 @@ struct Slices {
     ptrdiff_t stride = 1, outer = 1;
 };
 
-// read(offset) and write(offset, element) reach the value; `slice` has room for one slice.
+// read(offset) and write(offset, element) reach the value; `slice` has room for one slice. False when
+// interrupted.
 template <class E, class Read, class Write>
-void sort_slices(const Slices &s, E *slice, Read read, Write write) {
+bool sort_slices(const Slices &s, E *slice, Read read, Write write) {
     for (ptrdiff_t o = 0; o < s.outer; ++o)
         for (ptrdiff_t i = 0; i < s.stride; ++i) {
+            if (interrupted()) return false;
             ptrdiff_t start = o * s.len * s.stride + i;
             for (int k = 0; k < s.len; ++k) slice[k] = read(start + k * s.stride);
             std::sort(slice, slice + s.len, [](const E &x, const E &y) { return before(x, y); });
             for (int k = 0; k < s.len; ++k) write(start + k * s.stride, slice[k]);
         }
+    return true;
 }
 
 template <class T> bool sort_real(const Slices &s, const T *from, T *to) {
     if (s.stride == 1) {
         std::copy(from, from + s.len * s.outer, to);
-        for (ptrdiff_t o = 0; o < s.outer; ++o)
+        for (ptrdiff_t o = 0; o < s.outer; ++o) {
+            if (interrupted()) return false;
             std::sort(to + o * s.len, to + (o + 1) * s.len, [](T x, T y) { return before(x, y); });
+        }
         return true;
     }
     Scratch<T> slice(s.len);
     if (!slice) return false;
-    sort_slices(
+    return sort_slices(
         s, slice.get(), [from](ptrdiff_t k) { return from[k]; }, [to](ptrdiff_t k, T x) { to[k] = x; });
-    return true;
 }
 
 bool sort_complex(const Slices &s, const Mm &a, Mm &out) {
     Scratch<Keyed> slice(s.len);
     if (!slice) return false;
-    sort_slices(
+    return sort_slices(
         s, slice.get(),
         [&a](ptrdiff_t k) {
             Z z = {a.addr()[k], a.addi()[k]};
@@ -69,7 +74,6 @@ bool sort_complex(const Slices &s, const Mm &a, Mm &out) {
             out.addr()[k] = x.z.re;
             out.addi()[k] = x.z.im;
         });
-    return true;
 }
 
 } // namespace

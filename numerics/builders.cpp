@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "core/header.h"
+#include "core/poll.h"
 #include "core/scratch.h"
 #include "numerics/element.h"
 #include "numerics/random.h"
@@ -19,29 +20,44 @@ namespace {
 
 // ---- Filling ----
 
-void fill_zeros(const Mm &x) { std::fill_n(x.addr(), x.getnnz(), 0.0); }
-void fill_ones(const Mm &x) { std::fill_n(x.addr(), x.getnnz(), 1.0); }
+bool fill_zeros(const Mm &x) {
+    std::fill_n(x.addr(), x.getnnz(), 0.0);
+    return true;
+}
+bool fill_ones(const Mm &x) {
+    std::fill_n(x.addr(), x.getnnz(), 1.0);
+    return true;
+}
 
 void fill_diagonal(const Mm &x) {
     int m = x.rows(), n = std::min(m, x.cols());
     for (int k = 1; k <= n; k++) *x.addr(k, k) = 1;
 }
 
-void fill_eye(const Mm &x) { // the first page only
+bool fill_eye(const Mm &x) { // the first page only
     fill_zeros(x);
     fill_diagonal(x);
+    return true;
 }
 
-void fill_randM(const Mm &x) { kn::uniform_random.fill(x.addr(), x.getnnz()); }
-void fill_randn(const Mm &x) { kn::normal_random.fill(x.addr(), x.getnnz()); }
+template <class Random> bool fill_random(Random &random, const Mm &x) {
+    constexpr ptrdiff_t portion = ptrdiff_t{1} << 18; // 1 ms
+    for (ptrdiff_t from = 0; from < x.getnnz(); from += portion) {
+        if (from > 0 && kn::interrupted()) return false;
+        random.fill(x.addr() + from, std::min(portion, x.getnnz() - from));
+    }
+    return true;
+}
+bool fill_randM(const Mm &x) { return fill_random(kn::uniform_random, x); }
+bool fill_randn(const Mm &x) { return fill_random(kn::normal_random, x); }
 
-using Fill = void (*)(const Mm &);
+// False when interrupted.
+using Fill = bool (*)(const Mm &);
 
 Mm build(Fill fill, int ndims, const int *dims) {
     int n = kn::product(ndims, dims);
     Mm out(0, 0, 0, ndims, dims, kn_double);
-    if (n < 0 || kn::lacks(out, n)) return x_M;
-    fill(out);
+    if (n < 0 || kn::lacks(out, n) || !fill(out)) return x_M;
     kn::check(out);
     return out;
 }

@@ -127,6 +127,17 @@ void clear_screen() { write_to_terminal("\x1b[2J\x1b[H"); }
 
 void home_cursor() { write_to_terminal("\x1b[H"); }
 
+long long coarse_milliseconds() {
+#ifdef CLOCK_MONOTONIC_COARSE
+    constexpr clockid_t clock = CLOCK_MONOTONIC_COARSE;
+#else
+    constexpr clockid_t clock = CLOCK_MONOTONIC;
+#endif
+    timespec t = {};
+    clock_gettime(clock, &t);
+    return t.tv_sec * 1000LL + t.tv_nsec / 1000000;
+}
+
 double processor_time() {
     timespec t = {};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);

@@ -105,6 +105,8 @@ void clear_screen() {
     FillConsoleOutputAttribute(console, screen.wAttributes, cells, COORD{0, 0}, &written);
 }
 
+long long coarse_milliseconds() { return static_cast<long long>(GetTickCount64()); }
+
 double processor_time() {
     FILETIME created, ended, kernel, user;
     if (!GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user)) return 0;

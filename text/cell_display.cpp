@@ -34,14 +34,14 @@ void print_page(const Mm &m) {
     TextBuffer line;
     size_t longest = 0;
     for (int r = 0; r < rows; ++r)
-        for (int c = 0; c < cols; ++c) {
+        for (int c = 0; c < cols && line.goes_on(); ++c) {
             line.clear();
             append_summary(line, element(r, c));
             longest = std::max(longest, line.size());
         }
     for (int r = 0; r < rows; ++r) {
         line.clear();
-        for (int c = 0; c < cols; ++c) {
+        for (int c = 0; c < cols && line.goes_on(); ++c) {
             line.append('[');
             size_t start = line.size();
             append_summary(line, element(r, c));

@@ -173,7 +173,7 @@ bool format_print(FormatList &list, const Mm &value, TextBuffer &out) {
         default: error("sprintf: unknown type character"); return false;
         }
         rest.next();
-        if (!out) return false;
+        if (!out.goes_on()) return false;
         if (out.size() > INT_MAX) {
             out_of_memory();
             return false;

@@ -86,10 +86,11 @@ void append_int(TextBuffer &out, int n, int width) {
     out.append({text, length});
 }
 
-template <class T> size_t longest(const T *x, int n, const Digits &digits) {
+// Stops when the text can't be finished.
+template <class T> size_t longest(const T *x, int n, const Digits &digits, TextBuffer &out) {
     char text[Digits::room];
     size_t w = 0;
-    for (int k = 0; k < n; ++k) w = std::max(w, digits.write(text, x[k]));
+    for (int k = 0; k < n && out.goes_on(); ++k) w = std::max(w, digits.write(text, x[k]));
     return w;
 }
 
@@ -109,7 +110,7 @@ template <class T> struct Fields {
 template <class T> void append_full(const Mm &m, const Fields<T> &fields, TextRows &out, size_t &width) {
     int rows = m.rows(), cols = m.cols();
     for (int r = 0; r < rows && out; ++r) {
-        for (int c = 0; c < cols; ++c) {
+        for (int c = 0; c < cols && out.text.goes_on(); ++c) {
             fields.append(out.text, r + static_cast<ptrdiff_t>(c) * rows);
             if (r == 0 && c == 0) width = out.text.size();
         }
@@ -121,7 +122,7 @@ template <class T> void append_full(const Mm &m, const Fields<T> &fields, TextRo
 template <class T> void append_sparse(const Mm &m, const Fields<T> &fields, TextRows &out, size_t &width) {
     bool vector = m.vectordim() != 0;
     int rows = m.rows(), digits = decimal_digits(vector ? m.size() : std::max(rows, m.cols()));
-    for (int k = 0; k < m.getnnz() && out; ++k) {
+    for (int k = 0; k < m.getnnz() && out.text.goes_on(); ++k) {
         int at = m.getindex()[k];
         out.text.append('(');
         if (vector) {
@@ -270,8 +271,8 @@ bool number_rows(const Mm &m, int precision, TextRows &out, size_t &width) {
     } else {
         m.getreal(0);
         Fields<double> fields{m.addr(), m.addi(), {digits}, {digits, 1}};
-        fields.re_format.width = longest(fields.re, m.getnnz(), digits) + 2;
-        if (fields.im) fields.im_format.width = longest(fields.im, m.getnnz(), digits);
+        fields.re_format.width = longest(fields.re, m.getnnz(), digits, out.text) + 2;
+        if (fields.im) fields.im_format.width = longest(fields.im, m.getnnz(), digits, out.text);
         append_rows(m, fields, out, width);
     }
     return out.finish();

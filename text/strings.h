@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "core/header.h"
+#include "core/poll.h"
 #include "quorvex/startup.h"
 
 namespace kn {
@@ -56,12 +57,15 @@ class Elements {
 // cell arrays must be of same size".
 const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> values);
 
-// A cell of the extents of `like`, whose element k is f(k); x_M when memory is exhausted.
+// A cell of the extents of `like`, whose element k is f(k); x_M when memory is exhausted, or interrupted.
 template <class F> Mm cell_of_answers(const Mm &like, F f) {
     Mm out = fresh_like(like, 0, kn_Mm);
     const int n = like.getnnz();
     if (lacks(out, n)) return x_M;
-    for (int k = 0; k < n; ++k) out.mr(k + 1) = f(k);
+    for (int k = 0; k < n; ++k) {
+        if (interrupted()) return x_M;
+        out.mr(k + 1) = f(k);
+    }
     return out;
 }
 

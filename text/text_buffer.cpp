@@ -94,7 +94,7 @@ size_t TextRows::leading_blanks() {
 
 void TextRows::print(size_t from) {
     text.c_str();
-    for (size_t r = 0; r < static_cast<size_t>(rows_); ++r) {
+    for (size_t r = 0; r < static_cast<size_t>(rows_) && text.goes_on(); ++r) {
         char *row = text.data() + r * (width_ + 1), *end = row + width_ + 1, after = *end;
         if (void *null = std::memchr(row + from, '\0', width_ - from)) {
             char *cut = static_cast<char *>(null);

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/poll.h"
 #include "quorvex/values.h"
 
 namespace kn {
@@ -22,6 +23,11 @@ class TextBuffer {
     TextBuffer &operator=(const TextBuffer &) = delete;
 
     explicit operator bool() const { return !failed_; }
+    // The same, asked for each element of a long text: an interrupted call takes nothing more either.
+    bool goes_on() {
+        if (poll_.interrupted()) failed_ = true;
+        return !failed_;
+    }
     size_t size() const { return size_; }
     char *data() { return data_; }
     std::string_view view() const { return {data_, size_}; }
@@ -58,6 +64,7 @@ class TextBuffer {
     char *data_ = inline_;
     size_t size_ = 0, capacity_ = inline_size; // one byte of the capacity is kept for the null character
     bool failed_ = false;
+    Poll poll_{64};
 };
 
 // Rows of text, each followed by a newline. Write a row through `text`, then call `end_row`; after `finish`

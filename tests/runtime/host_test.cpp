@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/header.h"
+#include "platform/platform.h"
 #include "support/recording_engine.h"
 #include "support/support.h"
 
@@ -175,6 +176,48 @@ TEST_F(Host, the_engine_and_what_is_to_come) {
     for (auto [command, text] : later) EXPECT_RAISES(ive_do(command, 0, at("nobody")), text);
     ive_do(4, 0, at("nobody")); // forgets nothing
     for (int command : {-1, 7, 8, 39, 1000}) EXPECT_EQ(ive_do(command, 1, 1), 0);
+}
+
+// -- The poll hook.
+
+int asked;
+
+TEST(PollHook, interrupts_long_calls_whatever_the_handlers_do) {
+    const Mm x = randM(3000, 3000), words = cell(1, 1000);
+    for (int k = 1; k <= 1000; ++k) words.mr(k) = TM("word");
+    const std::pair<const char *, std::function<Mm()>> long_calls[] = {
+        {"of elements", [&] { return sin(x); }},
+        {"in place", [&] { return sin(x + 1.0); }},
+        {"on what may be complex", [&] { return log(x); }},
+        {"along slices", [&] { return sum(x); }},
+        {"sorted", [&] { return median(x); }},
+        {"numbers as text", [&] { return num2str(x); }},
+        {"formatted", [&] { return sprintf(TM("%g"), x); }},
+        {"random", [] { return randn(3000); }},
+        {"cells", [&] { return upper(words); }},
+        {"display", [&] { return disp(x); }},
+    };
+    kn_poll_hook const hooks[] = {[] { return ++asked; },
+                                  []() -> int {
+                                      ++asked;
+                                      throw "Ctrl-C";
+                                  }};
+    for (const auto &[name, call] : long_calls)
+        for (kn_poll_hook hook : hooks) {
+            SCOPED_TRACE(name);
+            asked = 0;
+            kn::os::pause_milliseconds(30);
+            test::Returning errors;
+            kn_poll_handler = hook;
+            try {
+                EXPECT_TRUE(kn::same_block(call(), x_M));
+                EXPECT_EQ(errors.errors(), std::vector<std::string>{"Interrupted"});
+            } catch (const char *text) {
+                EXPECT_STREQ(text, "Ctrl-C");
+            }
+            kn_poll_handler = nullptr;
+            EXPECT_GE(asked, 1);
+        }
 }
 
 } // namespace
