@@ -1,36 +1,33 @@
-// The block allocator: a front layer over power-of-two buckets over a private heap, and above 128 KB the
-// layer of large blocks.
+// The block allocator: blocks of 48 sizes up to 128 KB, cut from spans of pages, and above that the layer of
+// large blocks.
 //
-// A block from the buckets, of 2^(b+3) bytes in bucket b, starts 4 bytes before an 8-byte boundary:
+// Eight bytes stand before the data of a small block:
 //
-//     | 0xEF, b, -, - | 8 bytes of the front layer, the last of them 0 | data ... |
-//       header          (while free: the next free block)
+//     | - | - | - | - | - | 0xEF while in use, else 0 | size class | 0 | data (while free: the next free
+//     block)
 //
-// In a large block the byte before the data isn't 0 (core/large_blocks.h). So that byte tells where to give a
-// block back. Blocks of a bucket are cut from pieces of the page unit (8 system pages); they return to their
-// bucket, last in, first out, and never to the system. Nothing is searched, split or merged.
+// The last byte isn't 0 in a large block (core/large_blocks.h), so it tells where to give a block back. The
+// size class and the 0 are written once, when the span is cut. Data are aligned to 16.
 //
-// The private heap is contiguous: chunks of 128 MB are reserved one behind the other and committed as they
-// are used.
+// A freed block returns to the list of its size, last in, first out. When more lies there than a loop is
+// likely to need again, the spans all of whose blocks are free go back to the page heap, and their memory to
+// the system.
 //
 // Under the address sanitizer only the data of a live block is addressable.
 
 #include "quorvex/memory.h"
 
-#include <bit>
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 
 #include "core/block_alloc.h"
 #include "core/large_blocks.h"
 #include "core/lock.h"
+#include "core/page_heap.h"
 #include "core/scratch.h"
-#include "platform/platform.h"
 
 #ifdef KN_ASAN
 #include <sanitizer/asan_interface.h>
-#include <sanitizer/lsan_interface.h>
 #else
 #define ASAN_POISON_MEMORY_REGION(p, n) ((void)(p), (void)(n))
 #define ASAN_UNPOISON_MEMORY_REGION(p, n) ((void)(p), (void)(n))
@@ -38,147 +35,171 @@
 
 namespace kn {
 
+using namespace block_format;
 using byte = unsigned char;
 
-constinit byte *bucket_heads[bucket_count] = {};
+constinit byte *free_blocks[class_count] = {};
 
 namespace {
 
-using namespace block_format;
-
-constexpr size_t small_limit = 0x20000; // front layer included
-constexpr size_t chunk_size = 0x8000000;
-
-struct PrivateHeap {
-    byte *commit_end = nullptr;
-    byte *reserve_end = nullptr;
-    byte *brk = nullptr;
-
-    // `incr` more bytes at the end of the heap, or null.
-    byte *grow(size_t incr, size_t unit) {
-        if (!reserve_end || brk + incr >= reserve_end) {
-            if (commit_end != reserve_end) {
-                if (!os::commit(commit_end, static_cast<size_t>(reserve_end - commit_end))) return nullptr;
-                commit_end = reserve_end;
-            }
-            byte *chunk = static_cast<byte *>(os::reserve(reserve_end, chunk_size));
-            if (!chunk) return nullptr;
-#ifdef KN_ASAN
-            __lsan_register_root_region(chunk, chunk_size);
-#endif
-            if (!reserve_end) commit_end = brk = chunk;
-            reserve_end = chunk + chunk_size;
-        }
-        byte *start = brk;
-        brk += incr;
-        if (brk > commit_end) {
-            size_t excess = (static_cast<size_t>(brk - commit_end) + unit - 1) / unit * unit;
-            size_t left = static_cast<size_t>(reserve_end - commit_end);
-            if (excess > left) excess = left;
-            if (!os::commit(commit_end, excess)) {
-                brk = start;
-                return nullptr;
-            }
-            commit_end += excess;
-        }
-        return start;
-    }
-};
-
-struct Buckets {
-    static constexpr auto &heads = bucket_heads;
-
-    size_t page_unit = 0;
-    int page_bucket = 0;
-    PrivateHeap heap;
-
-    bool start() {
-        page_unit = os::page_size() * 8;
-        page_bucket = std::bit_width(page_unit) - 4;
-        // Blocks start 4 bytes before a page, so that what lies behind their header is aligned.
-        return heap.grow(page_unit - header_size, page_unit) != nullptr;
-    }
-
-    int bucket_of(size_t m) const {
-        if (m <= page_unit - header_size) return std::bit_width(m + header_size - 1) - 3;
-        // A large block comes with one page unit more than its size.
-        size_t size = m + header_size > page_unit ? m + header_size - page_unit : 1;
-        int b = std::bit_width(size - 1) - 3;
-        return b > page_bucket ? b : page_bucket;
-    }
-
-    void refill(int b) {
-        size_t size = size_t(1) << (b + 3);
-        size_t bytes = size >= page_unit ? size + page_unit : page_unit;
-        size_t blocks = size >= page_unit ? 1 : page_unit / size;
-        byte *piece = heap.grow(bytes, page_unit);
-        if (!piece) return;
-        for (size_t k = 0; k < blocks; ++k)
-            next(piece + k * size) = k + 1 < blocks ? piece + (k + 1) * size : nullptr;
-        heads[b] = piece;
-        ASAN_POISON_MEMORY_REGION(piece, bytes);
-    }
-
-    // What lies behind the header of a block with room for m bytes, or null.
-    byte *take(size_t m) {
-        if (!page_unit && !start()) {
-            page_unit = 0;
-            return nullptr;
-        }
-        int b = bucket_of(m);
-        if (!heads[b]) {
-            refill(b);
-            if (!heads[b]) return nullptr;
-        }
-        byte *block = heads[b];
-        ASAN_UNPOISON_MEMORY_REGION(block, header_size + m);
-        heads[b] = next(block);
-        block[0] = magic;
-        block[1] = static_cast<byte>(b);
-        return block + header_size;
-    }
-
-    // A block without the magic value is not ours and is left alone.
-    void give(byte *p) {
-        byte *block = p - header_size;
-        if (block[0] != magic) return;
-        int b = block[1];
-        block[0] = 0;
-        next(block) = heads[b];
-        heads[b] = block;
-        size_t size = size_t(1) << (b + 3);
-        ASAN_POISON_MEMORY_REGION(block, size >= page_unit ? size + page_unit : size);
-    }
-};
-
-constinit Buckets buckets;
-
+constexpr size_t small_limit = 0x20000; // front included
 constexpr int block_lock = 2;
+constexpr ptrdiff_t kept = ptrdiff_t{16} << 20; // bytes in free blocks that are left alone
+
+static_assert(class_of(small_limit) == class_count - 1 && size_of(class_count - 1) == small_limit);
+static_assert([] {
+    for (size_t size = 1; size <= small_limit; ++size) {
+        const int c = class_of(size);
+        if (size_of(c) < size || (c > 0 && size_of(c - 1) >= size)) return false;
+        if (size > 1000) size += size / 100;
+    }
+    return true;
+}());
+
+// 32 KB, at least 8 blocks, but one block of those above 16 KB.
+constexpr uint32_t span_pages(int size_class) {
+    const size_t size = size_of(size_class), blocks = size > 16384 ? 1 : 8;
+    return std::max<uint32_t>(blocks * size < 32768 && blocks > 1 ? 8 : 0,
+                              (blocks * size + front_size + heap_page - 1) / heap_page);
+}
+constexpr uint32_t span_blocks(int size_class) {
+    return (span_pages(size_class) * heap_page - front_size) / size_of(size_class);
+}
+
+class SmallBlocks {
+  public:
+    byte *take(int c) {
+        if (!free_blocks[c] && !refill(c)) return nullptr;
+        byte *p = free_blocks[c];
+        ASAN_UNPOISON_MEMORY_REGION(p, size_of(c) - front_size);
+        ASAN_UNPOISON_MEMORY_REGION(p - front_size, front_size);
+        free_blocks[c] = next(p);
+        state(p) = in_use;
+        count(c, -1);
+        return p;
+    }
+
+    // A block that is not in use is not ours and is left alone.
+    void give(byte *p) {
+        if (state(p) != in_use) return;
+        const int c = p[-2];
+        state(p) = 0;
+        next(p) = free_blocks[c];
+        free_blocks[c] = p;
+        ASAN_POISON_MEMORY_REGION(p - front_size, size_of(c));
+        count(c, 1);
+        trim_excess();
+    }
+
+    void count(int c, ptrdiff_t n) {
+        free_in_[c] += n;
+        free_bytes_ += n * static_cast<ptrdiff_t>(size_of(c));
+    }
+
+    void trim_excess() {
+        if (free_bytes_ > limit_) trim();
+    }
+
+    // Gives the spans without a block in use back.
+    void trim() {
+        for (int c = 0; c < class_count; ++c)
+            if (free_in_[c] * static_cast<ptrdiff_t>(size_of(c)) > kept / class_count) trim(c);
+        limit_ = std::max(kept, 2 * free_bytes_);
+    }
+
+  private:
+    bool refill(int c) {
+        Span *span = heap_.take(span_pages(c));
+        if (!span) return false;
+        const size_t size = size_of(c);
+        const uint32_t n = span_blocks(c);
+        byte *memory = PageHeap::memory(span), *first = memory + 2 * front_size;
+        ASAN_UNPOISON_MEMORY_REGION(memory, span->pages * heap_page);
+        for (uint32_t k = 0; k < n; ++k) {
+            byte *p = first + k * size;
+            next(p) = k + 1 < n ? p + size : nullptr;
+            p[-1] = 0;
+            p[-2] = static_cast<byte>(c);
+            state(p) = 0;
+        }
+        ASAN_POISON_MEMORY_REGION(memory, span->pages * heap_page);
+        free_blocks[c] = first;
+        count(c, static_cast<ptrdiff_t>(n) - free_in_[c]); // the list was empty, whatever was counted
+        return true;
+    }
+
+    // Marks in each span count its free blocks: up for all blocks of the list, then down again.
+    [[gnu::no_sanitize_address]] void trim(int c) {
+        const uint32_t blocks = span_blocks(c);
+        ptrdiff_t n = 0;
+        for (byte *p = free_blocks[c]; p; p = next(p), ++n) ++PageHeap::span_of(p)->marks;
+        byte **link = &free_blocks[c];
+        Span *full = nullptr;
+        for (byte *p = *link, *after; p; p = after) {
+            after = next(p);
+            Span *span = PageHeap::span_of(p);
+            if (span->marks >= blocks) { // stays above until the last of its blocks has been taken out
+                --n;
+                if (++span->marks == 2 * blocks) {
+                    span->next = full;
+                    full = span;
+                }
+            } else {
+                *link = p;
+                link = &next(p);
+            }
+        }
+        *link = nullptr;
+        for (byte *p = free_blocks[c]; p; p = next(p)) PageHeap::span_of(p)->marks = 0;
+        while (full) {
+            Span *after = full->next;
+            full->marks = 0;
+            heap_.give(full);
+            full = after;
+        }
+        count(c, n - free_in_[c]);
+    }
+
+    PageHeap heap_;
+    ptrdiff_t free_in_[class_count] = {}, free_bytes_ = 0; // but for what quick_alloc and quick_free do
+    ptrdiff_t limit_ = kept;
+};
+
+constinit SmallBlocks small_blocks;
 
 } // namespace
+
+void quick_freed(size_t blocks, size_t n) {
+    Lock lock(block_lock);
+    small_blocks.count(class_of(n + front_size), static_cast<ptrdiff_t>(blocks));
+    small_blocks.trim_excess();
+}
+
+void *extend_block(void *block, size_t n) {
+    const byte *p = static_cast<byte *>(block);
+    return p[-1] && !allocation_fails(n) ? large_grow(block, n) : nullptr;
+}
+
 } // namespace kn
 
 using namespace kn;
 
 void *kn_block_alloc(size_t n) {
     if (n > SIZE_MAX - small_limit || allocation_fails(n)) return nullptr;
-    size_t m = n + front_size;
     byte *p;
-    if (m > small_limit) {
+    if (n > small_limit - front_size) {
         p = static_cast<byte *>(large_alloc(n));
-        if (!p) return nullptr;
     } else {
+        const int c = class_of(n + front_size);
         Lock lock(block_lock);
-        p = buckets.take(m);
+        p = small_blocks.take(c);
         if (!p) {
             release_large_blocks();
-            p = buckets.take(m);
+            small_blocks.trim();
+            p = small_blocks.take(c);
         }
-        if (!p) return nullptr;
-        p += front_size;
-        p[-1] = 0;
     }
-    count_live(1);
+    if (p) count_live(1);
     return p;
 }
 
@@ -190,6 +211,6 @@ void kn_block_free(void *block) {
         large_free(p);
     } else {
         Lock lock(block_lock);
-        buckets.give(p - front_size);
+        small_blocks.give(p);
     }
 }

@@ -8,6 +8,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdint>
 
 #include "quorvex/memory.h"
 #include "quorvex/startup.h"
@@ -22,54 +23,69 @@
 
 namespace kn {
 
-inline constexpr int bucket_count = 32;
-
-// The free blocks of each bucket.
-extern unsigned char *bucket_heads[bucket_count];
-
-// How a block of a bucket lies in memory: see block_alloc.cpp.
+// How a small block lies in memory, and the sizes there are: see block_alloc.cpp.
 namespace block_format {
-inline constexpr std::size_t front_size = 8;  // before the data, inside what the bucket layer hands out
-inline constexpr std::size_t header_size = 4; // before that
-inline constexpr unsigned char magic = 0xEF;
-inline unsigned char *&next(unsigned char *block) {
-    return *reinterpret_cast<unsigned char **>(block + header_size);
+
+inline constexpr std::size_t front_size = 8; // before the data
+inline constexpr unsigned char in_use = 0xEF;
+inline constexpr int class_count = 48;
+
+// The next free block of the size, while this one is free.
+inline unsigned char *&next(unsigned char *data) { return *reinterpret_cast<unsigned char **>(data); }
+inline unsigned char &state(unsigned char *data) { return data[-3]; }
+
+// Sizes are the multiples of 16 up to 128, then four between each power of two and the next.
+constexpr int class_of(std::size_t size) {
+    if (size <= 128) return static_cast<int>((size + 15) / 16) - 1;
+    const int log2 = std::bit_width(size - 1) - 1;
+    return 4 * log2 - 24 + static_cast<int>((size - 1) >> (log2 - 2));
 }
-constexpr int small_bucket(std::size_t n) { return std::bit_width(n + front_size + header_size - 1) - 3; }
+constexpr std::size_t size_of(int size_class) {
+    if (size_class < 8) return 16 * static_cast<std::size_t>(size_class + 1);
+    return (std::size_t{5} + size_class % 4) << (size_class / 4 + 3);
+}
+
 } // namespace block_format
+
+// The free blocks of each size, by their data.
+extern unsigned char *free_blocks[block_format::class_count];
 
 // A block that kn_block_alloc(n) would give, from the list of its size; null where it takes the call.
 template <std::size_t n> unsigned char *quick_alloc() {
 #if defined(KN_ASAN) || defined(QUORVEX_ALLOC_PROBE)
     return nullptr;
 #else
-    constexpr int b = block_format::small_bucket(n);
-    unsigned char *block = bucket_heads[b];
-    if (!block || kn_threads_flag) return nullptr;
-    bucket_heads[b] = block_format::next(block);
-    block[0] = block_format::magic;
-    block[1] = b;
-    unsigned char *p = block + block_format::header_size + block_format::front_size;
-    p[-1] = 0;
+    unsigned char *&list = free_blocks[block_format::class_of(n + block_format::front_size)];
+    unsigned char *p = list;
+    if (!p || kn_threads_flag) return nullptr;
+    list = block_format::next(p);
+    block_format::state(p) = block_format::in_use;
     return p;
 #endif
 }
 
 // kn_block_free of a block that was asked for with n; false where it takes the call.
-template <std::size_t n> bool quick_free([[maybe_unused]] void *p) {
+template <std::size_t n> bool quick_free([[maybe_unused]] void *block) {
 #if defined(KN_ASAN) || defined(QUORVEX_ALLOC_PROBE)
     return false;
 #else
     if (kn_threads_flag) return false;
-    constexpr int b = block_format::small_bucket(n);
-    unsigned char *block =
-        static_cast<unsigned char *>(p) - block_format::front_size - block_format::header_size;
-    block[0] = 0;
-    block_format::next(block) = bucket_heads[b];
-    bucket_heads[b] = block;
+    unsigned char *&list = free_blocks[block_format::class_of(n + block_format::front_size)];
+    unsigned char *p = static_cast<unsigned char *>(block);
+    block_format::state(p) = 0;
+    block_format::next(p) = list;
+    list = p;
     return true;
 #endif
 }
+
+// Makes a block longer without copying it, though it may move. Null: nothing was done, as always for small
+// blocks.
+void *extend_block(void *block, std::size_t n);
+
+// Tells that about so many blocks for n bytes each went through quick_free, which counts nothing: their
+// memory may be worth giving back.
+void quick_freed(std::size_t blocks, std::size_t n);
 
 } // namespace kn
 

@@ -33,6 +33,10 @@ struct Header {
     // left without elements.
     static void move_values(Mm &to, Mm &from);
 
+    // Makes room for more elements in the block of an unshared full real array, which may move; false where
+    // a new block has to be made.
+    static bool extend(Mm &m, int room);
+
     // Of numbers: core/numbers.h.
     static bool has_number_block(const Mm &m);
     static Mm number(double x, bool logical);

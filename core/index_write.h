@@ -11,6 +11,7 @@
 
 #include "core/index_messages.h"
 #include "core/index_move.h"
+#include "core/numbers.h"
 #include "quorvex/messages.h"
 #include "quorvex/sparse.h"
 
@@ -44,6 +45,11 @@ template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear)
     }
 
     int room = m > n ? grown_room(n, m) : m;
+    if (linear && !complex && m > n && room <= INT_MAX - block_slack && Header::extend(t, room)) {
+        clear<T>(t, n, m);
+        set_extents(t, dims);
+        return true;
+    }
     Mm fresh(complex || t.isc(), 0, 0, room, 1, t.gettype());
     if (lacks(fresh, room) || !copy_fields(fresh, t)) return false;
     bool cleared = std::is_same_v<T, Mm> && !t.isstruct(); // new cells are empty from the start

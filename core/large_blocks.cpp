@@ -4,16 +4,21 @@
 //       0                           63  64
 //
 // From os::huge_page on it is in huge pages: one takes about as long to make as thirty small ones, which hold
-// a sixteenth as much. The end of a block is rounded up to a huge page unless that wastes more than a
-// quarter.
+// a sixteenth as much. The end of a block is rounded up to a huge page unless that wastes more than an
+// eighth.
 //
-// The cache keeps freed blocks in the order of their freeing and gives a request the smallest that is large
-// enough and no more than twice as large as needed; so at least half of each live block is of use. It is
-// bounded by the number of blocks, by bytes, and by bytes in small pages; the blocks freed first leave it
-// first. Blocks in huge pages are offered to the system while they lie here: it takes their memory back when
-// it needs some, also from an idle program. That costs less than 1 us for a huge page, a hundredth of an
-// operation that fills it. For small pages it costs as much as filling them, therefore they are not offered,
-// and few are kept.
+// The cache keeps freed blocks in the order of their freeing, so that temporaries that come and go in a loop
+// don't have their pages made anew each time. It keeps no more than a loop can use:
+//
+// - as many bytes as live blocks have, and 24 MB;
+// - at most 32 blocks, 512 MB and an eighth of the machine's memory;
+// - no block for which live and cached ones together would exceed what was alive at once before, and 8 MB.
+//
+// A request gets the smallest kept block that suffices and is not larger by more than an eighth, else new
+// memory within the last of these bounds, else the beginning of a larger kept block. The blocks freed first
+// leave the cache first. Those in huge pages are offered to the system while they lie here: it takes their
+// memory back when it needs some, also from an idle program. That costs less than 1 us for a huge page, a
+// hundredth of an operation that fills it.
 
 #include "core/large_blocks.h"
 
@@ -45,6 +50,8 @@ void large_free(void *p) {
     std::free(data - data[-1]);
 }
 
+void *large_grow(void *, size_t) { return nullptr; }
+
 void release_large_blocks() {}
 
 LargeCacheUse large_cache_use() { return {}; }
@@ -59,21 +66,22 @@ constexpr int block_lock = 2;
 constexpr size_t header = 64; // before the data
 constexpr char origin = 9;
 constexpr size_t max_blocks = 32;
-constexpr size_t max_bytes = size_t(512) << 20;
-constexpr size_t max_small_pages = size_t(16) << 20;
+constexpr size_t MB = size_t(1) << 20;
+constexpr size_t max_bytes = 512 * MB;
+constexpr size_t spare = 24 * MB;   // kept whatever is alive
+constexpr size_t overhang = 8 * MB; // of live and kept blocks over the most that was alive
 
 struct Mapping {
     char *start;
     size_t size;
-
-    bool in_small_pages() const { return size < os::huge_page; }
 };
 
 // Without constructor and destructor, since values live before and after all static objects. All members are
 // used under the lock.
 struct Cache {
     Mapping blocks[max_blocks]; // those freed first come first
-    size_t count, bytes, small_pages, limit;
+    size_t count, bytes;        // kept
+    size_t live, most_live, limit;
     bool measured;
 
     size_t byte_limit() {
@@ -89,30 +97,46 @@ struct Cache {
         std::copy(place + 1, blocks + count, place);
         --count;
         bytes -= m.size;
-        if (m.in_small_pages()) small_pages -= m.size;
         return m;
     }
 
-    // The block for a request, its start null when there is none. Of equal ones the one freed last, which may
-    // still be in the processor's caches.
-    Mapping take(size_t size) {
+    // The smallest that suffices, of equal ones the one freed last, which may still be in the processor's
+    // caches; null when there is none.
+    Mapping *find(size_t size, size_t largest) {
         Mapping *best = nullptr;
         for (Mapping *m = blocks; m != blocks + count; ++m)
-            if (m->size >= size && m->size / 2 <= size && (!best || m->size <= best->size)) best = m;
-        return best ? remove(best) : Mapping{};
+            if (m->size >= size && m->size <= largest && (!best || m->size <= best->size)) best = m;
+        return best;
+    }
+
+    // The block for a request; null when it needs new memory, for which there is room then.
+    Mapping take(size_t size) {
+        Mapping *kept = find(size, size + size / 8);
+        const size_t most = std::max(most_live, live + size) + overhang;
+        if (!kept && live + bytes + size > most) {
+            kept = find(size, SIZE_MAX);
+            while (!kept && count > 0 && live + bytes + size > most) drop(blocks);
+        }
+        if (!kept) return {};
+        Mapping m = remove(kept);
+        if (m.size - size > size / 8 && os::unmap_end(m.start + size, m.size - size)) m.size = size;
+        lives(m.size);
+        return m;
+    }
+
+    void lives(size_t size) {
+        live += size;
+        most_live = std::max(most_live, live);
     }
 
     // Keeps a block, or gives it back.
     void give(Mapping m) {
-        if (m.size > byte_limit()) return os::unmap(m.start, m.size);
-        while (count == max_blocks || bytes + m.size > limit) drop(blocks);
-        if (m.in_small_pages()) {
-            for (Mapping *old = blocks; small_pages + m.size > max_small_pages;)
-                old->in_small_pages() ? drop(old) : void(++old);
-            small_pages += m.size;
-        } else {
-            os::offer(m.start, m.size);
-        }
+        live -= m.size;
+        const size_t most = std::min(live + spare, byte_limit());
+        const bool keep = m.size <= most;
+        while (bytes > most - (keep ? m.size : 0) || (keep && count == max_blocks)) drop(blocks);
+        if (!keep) return os::unmap(m.start, m.size);
+        if (m.size >= os::huge_page) os::offer(m.start, m.size);
         bytes += m.size;
         blocks[count++] = m;
     }
@@ -143,27 +167,45 @@ struct AtEnd {
 size_t mapping_size(size_t n) {
     auto rounded = [](size_t bytes, size_t unit) { return (bytes + unit - 1) / unit * unit; };
     const size_t pages = rounded(header + n, os::page_size()), huge = rounded(header + n, os::huge_page);
-    return huge - pages <= pages / 4 ? huge : pages;
+    return huge - pages <= pages / 8 ? huge : pages;
 }
 
 } // namespace
 
 void *large_alloc(size_t n) {
     if (n > SIZE_MAX / 2) return nullptr;
-    Mapping m = {nullptr, mapping_size(n)};
+    const size_t size = mapping_size(n);
+    Mapping m;
     {
         Lock lock(block_lock);
-        if (const Mapping kept = cache.take(m.size); kept.start) m = kept;
+        m = cache.take(size);
     }
-    if (!m.start) m.start = static_cast<char *>(os::map(m.size));
     if (!m.start) {
-        release_large_blocks();
-        m.start = static_cast<char *>(os::map(m.size));
-        if (!m.start) return nullptr;
+        m = {static_cast<char *>(os::map(size)), size};
+        if (!m.start) {
+            release_large_blocks();
+            m.start = static_cast<char *>(os::map(size));
+            if (!m.start) return nullptr;
+        }
+        Lock lock(block_lock);
+        cache.lives(size);
     }
     *reinterpret_cast<size_t *>(m.start) = m.size;
     m.start[header - 1] = origin;
     return m.start + header;
+}
+
+void *large_grow(void *p, size_t n) {
+    char *start = static_cast<char *>(p) - header;
+    const size_t size = *reinterpret_cast<size_t *>(start);
+    const size_t longer = n > SIZE_MAX / 2 ? 0 : mapping_size(n);
+    if (longer <= size) return nullptr;
+    start = static_cast<char *>(os::remap(start, size, longer));
+    if (!start) return nullptr;
+    *reinterpret_cast<size_t *>(start) = longer;
+    Lock lock(block_lock);
+    cache.lives(longer - size);
+    return start + header;
 }
 
 void large_free(void *p) {
@@ -179,12 +221,12 @@ void release_large_blocks() {
 
 LargeCacheUse large_cache_use() {
     Lock lock(block_lock);
-    return {cache.count, cache.bytes, cache.small_pages};
+    return {cache.count, cache.bytes};
 }
 
 LargeCacheUse large_cache_bound() {
     Lock lock(block_lock);
-    return {max_blocks, cache.byte_limit(), max_small_pages};
+    return {max_blocks, cache.byte_limit()};
 }
 
 #endif

@@ -12,17 +12,20 @@ namespace kn {
 void *large_alloc(size_t n);
 void large_free(void *p);
 
+// Room for n bytes, contents kept; the block may move. Null: nothing was done, and a new block has to be
+// made.
+void *large_grow(void *p, size_t n);
+
 // Gives all cached blocks back to the system.
 void release_large_blocks();
 
-// Blocks and bytes in the cache, and how much of them is in small pages, which the system can't take back
-// from there.
+// Blocks and bytes in the cache.
 struct LargeCacheUse {
-    size_t blocks, bytes, small_pages;
+    size_t blocks, bytes;
 };
 LargeCacheUse large_cache_use();
 
-// The most of each that the cache may hold; nothing under the address sanitizer.
+// The most of each that the cache ever holds; nothing under the address sanitizer.
 LargeCacheUse large_cache_bound();
 
 } // namespace kn

@@ -30,7 +30,8 @@ constinit EmptyBlock empty_block = {{}, 2};
 namespace {
 
 constexpr int slack = block_slack;
-constexpr int value_slack = 5; // of a block of values
+constexpr int value_slack = 5;    // of a block of values
+constexpr int many_values = 4096; // that are likely to free much memory together
 
 bool is_counted(const unsigned *count) { return count != &empty_block.count; }
 
@@ -62,8 +63,10 @@ struct ValueArray {
         return array;
     }
     void free() {
+        const int freed = n;
         for (int k = n; k-- > 0;) values()[k].~Mm();
         kn_block_free(this);
+        if (freed >= many_values) quick_freed(static_cast<size_t>(freed), number_bytes);
     }
 };
 
@@ -198,6 +201,19 @@ Mm Header::values(int n) {
     out.pr = array->values();
     out.refcount = &array->count;
     return out;
+}
+
+bool Header::extend(Mm &m, int room) {
+    if (m.flags.type == kn_Mm || m.pi || m.index || !is_counted(m.refcount) || *m.refcount != 1) return false;
+    const size_t end =
+        aligned(static_cast<size_t>(room + slack) * (m.flags.type == kn_uint8 ? 1 : sizeof(double)));
+    char *start = static_cast<char *>(extend_block(m.pr, end + sizeof(double)));
+    if (!start) return false;
+    m.pr = start;
+    m.p = room + slack;
+    m.refcount = reinterpret_cast<unsigned *>(start + end);
+    *m.refcount = 1;
+    return true;
 }
 
 // Headers are moved as they are: no count changes. A name stays behind, as when elements are copied.

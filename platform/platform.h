@@ -18,29 +18,35 @@ namespace kn::os {
 // Bytes in a page of memory.
 std::size_t page_size();
 
-// What the addresses of separate reservations are multiples of: at least a page.
-std::size_t allocation_granularity();
-
-// Reserves address space without access; null when it can't be had. With `at` null the system chooses a place
-// with as much free space behind it as can be found, so that later reservations can continue it; else exactly
-// `at` is meant, a multiple of the granularity.
-void *reserve(void *at, std::size_t bytes);
+// Reserves address space without access, at a multiple of `alignment`, a power of two; null when it can't be
+// had.
+void *reserve(std::size_t bytes, std::size_t alignment);
 
 // Makes whole pages within one reservation readable and writable. They read as zeros at first.
 bool commit(void *at, std::size_t bytes);
 
 // A mapping of its own for a large block, readable and writable, which reads as zeros at first. From
 // `huge_page` bytes on it starts at a multiple of that and is kept in pages of that size where the system has
-// them; a smaller one has its memory at once, without a fault at each page.
+// them.
 constexpr std::size_t huge_page = std::size_t{1} << 21;
 void *map(std::size_t bytes);
 
 // Gives a mapping back.
 void unmap(void *p, std::size_t bytes);
 
+// Gives the end of a mapping back, `bytes` from p on; false where the system only takes whole ones.
+bool unmap_end(void *p, std::size_t bytes);
+
+// Makes a mapping longer, which may move it; the new bytes read as zeros. Null, and nothing done, where the
+// system can't.
+void *remap(void *p, std::size_t bytes, std::size_t longer);
+
 // The contents of a mapping are of no use any more: the system may take its pages when it needs memory. Who
 // writes has them again; until then it reads as zeros or as before.
 void offer(void *p, std::size_t bytes);
+
+// Takes the memory of whole pages away at once. They stay accessible, and read as zeros or as before.
+void discard(void *p, std::size_t bytes);
 
 // Bytes of memory in the machine, and in use by this process (0 where the system doesn't tell).
 std::size_t physical_memory();

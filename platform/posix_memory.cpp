@@ -14,25 +14,20 @@ namespace kn::os {
 
 namespace {
 
-// The first hole to look for. Its use is aligned to a huge page, so that the system may use them.
-constexpr std::size_t largest_hole = std::size_t{1} << (sizeof(void *) == 8 ? 40 : 30);
-
-void *map_anonymous(void *at, std::size_t bytes, int access, int flags) {
-    void *p = mmap(at, bytes, access, MAP_PRIVATE | MAP_ANONYMOUS | flags, -1, 0);
+void *map_anonymous(std::size_t bytes, int access) {
+    void *p = mmap(nullptr, bytes, access, MAP_PRIVATE | MAP_ANONYMOUS | (access ? 0 : MAP_NORESERVE), -1, 0);
     return p == MAP_FAILED ? nullptr : p;
 }
 
-void *map_without_access(void *at, std::size_t bytes, int flags) {
-    return map_anonymous(at, bytes, PROT_NONE, flags);
-}
-
-void *map_exactly(void *at, std::size_t bytes) {
-    void *p = map_without_access(at, bytes, MAP_FIXED_NOREPLACE);
-    if (p && p != at) { // a kernel that doesn't know the flag takes the place as a mere hint
-        munmap(p, bytes);
-        return nullptr;
-    }
-    return p;
+// A mapping can't be asked for by its alignment: one that is larger by that much is cut to the right place.
+char *map_aligned(std::size_t bytes, std::size_t alignment, int access) {
+    if (bytes > SIZE_MAX - alignment) return nullptr;
+    char *wide = static_cast<char *>(map_anonymous(bytes + alignment, access));
+    if (!wide) return nullptr;
+    const std::size_t before = -reinterpret_cast<std::uintptr_t>(wide) & (alignment - 1);
+    if (before > 0) munmap(wide, before);
+    munmap(wide + before + bytes, alignment - before);
+    return wide + before;
 }
 
 } // namespace
@@ -42,36 +37,16 @@ std::size_t page_size() {
     return size;
 }
 
-std::size_t allocation_granularity() { return page_size(); }
-
-// The system fills free space from its upper end, or from its lower end under an unlimited stack. A quarter
-// up a large hole is a place that both reach late, with three quarters of the hole behind it.
-void *reserve(void *at, std::size_t bytes) {
-    if (at) return map_exactly(at, bytes);
-    for (std::size_t hole = largest_hole; hole / 4 > bytes; hole /= 4) {
-        void *low = map_without_access(nullptr, hole, MAP_NORESERVE);
-        if (!low) continue;
-        munmap(low, hole);
-        const std::uintptr_t place = (reinterpret_cast<std::uintptr_t>(low) + hole / 4) & ~(huge_page - 1);
-        if (void *p = map_exactly(reinterpret_cast<void *>(place), bytes)) return p;
-    }
-    return map_without_access(nullptr, bytes, 0);
-}
+void *reserve(std::size_t bytes, std::size_t alignment) { return map_aligned(bytes, alignment, PROT_NONE); }
 
 bool commit(void *at, std::size_t bytes) { return mprotect(at, bytes, PROT_READ | PROT_WRITE) == 0; }
 
-// A mapping can't be asked for by its alignment: one that is larger by a huge page is cut to the right place.
 void *map(std::size_t bytes) {
     constexpr int access = PROT_READ | PROT_WRITE;
-    if (bytes < huge_page) return map_anonymous(nullptr, bytes, access, MAP_POPULATE);
-    if (bytes > SIZE_MAX - huge_page) return nullptr;
-    char *wide = static_cast<char *>(map_anonymous(nullptr, bytes + huge_page, access, 0));
-    if (!wide) return nullptr;
-    const std::size_t before = -reinterpret_cast<std::uintptr_t>(wide) & (huge_page - 1);
-    if (before > 0) munmap(wide, before);
-    munmap(wide + before + bytes, huge_page - before);
-    madvise(wide + before, bytes, MADV_HUGEPAGE);
-    return wide + before;
+    if (bytes < huge_page) return map_anonymous(bytes, access);
+    void *p = map_aligned(bytes, huge_page, access);
+    if (p) madvise(p, bytes, MADV_HUGEPAGE);
+    return p;
 }
 
 // A process that has all the mappings it may have can't cut one in two; then at least the memory goes back.
@@ -79,7 +54,26 @@ void unmap(void *p, std::size_t bytes) {
     if (munmap(p, bytes) != 0) madvise(p, bytes, MADV_DONTNEED);
 }
 
+bool unmap_end(void *p, std::size_t bytes) {
+    unmap(p, bytes);
+    return true;
+}
+
+// To a place with the alignment of a new mapping.
+void *remap(void *p, std::size_t bytes, std::size_t longer) {
+    char *place = map_aligned(longer, longer < huge_page ? page_size() : huge_page, PROT_NONE);
+    if (!place) return nullptr;
+    if (mremap(p, bytes, longer, MREMAP_MAYMOVE | MREMAP_FIXED, place) == MAP_FAILED) {
+        munmap(place, longer);
+        return nullptr;
+    }
+    if (longer >= huge_page) madvise(place, longer, MADV_HUGEPAGE);
+    return place;
+}
+
 void offer(void *p, std::size_t bytes) { madvise(p, bytes, MADV_FREE); }
+
+void discard(void *p, std::size_t bytes) { madvise(p, bytes, MADV_DONTNEED); }
 
 std::size_t physical_memory() { return static_cast<std::size_t>(sysconf(_SC_PHYS_PAGES)) * page_size(); }
 

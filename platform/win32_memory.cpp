@@ -22,15 +22,19 @@ const SYSTEM_INFO &system_info() {
 
 std::size_t page_size() { return system_info().dwPageSize; }
 
-std::size_t allocation_granularity() { return system_info().dwAllocationGranularity; }
-
-void *reserve(void *at, std::size_t bytes) {
-    void *p = VirtualAlloc(at, bytes, MEM_RESERVE, PAGE_NOACCESS);
-    if (p && at && p != at) { // an address between two multiples of the granularity was rounded down
-        VirtualFree(p, 0, MEM_RELEASE);
-        return nullptr;
+// A place is found by a larger reservation, which can't be cut: it is given up, and its aligned part
+// reserved. Another thread may have taken it by then.
+void *reserve(std::size_t bytes, std::size_t alignment) {
+    if (bytes > SIZE_MAX - alignment) return nullptr;
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        void *wide = VirtualAlloc(nullptr, bytes + alignment, MEM_RESERVE, PAGE_NOACCESS);
+        if (!wide) return nullptr;
+        const auto start = (reinterpret_cast<std::uintptr_t>(wide) + alignment - 1) & ~(alignment - 1);
+        VirtualFree(wide, 0, MEM_RELEASE);
+        if (void *p = VirtualAlloc(reinterpret_cast<void *>(start), bytes, MEM_RESERVE, PAGE_NOACCESS))
+            return p;
     }
-    return p;
+    return nullptr;
 }
 
 bool commit(void *at, std::size_t bytes) {
@@ -44,7 +48,15 @@ void *map(std::size_t bytes) {
 
 void unmap(void *p, std::size_t) { VirtualFree(p, 0, MEM_RELEASE); }
 
+bool unmap_end(void *, std::size_t) { return false; }
+
+void *remap(void *, std::size_t, std::size_t) { return nullptr; }
+
 void offer(void *p, std::size_t bytes) { VirtualAlloc(p, bytes, MEM_RESET, PAGE_READWRITE); }
+
+void discard(void *p, std::size_t bytes) {
+    if (VirtualFree(p, bytes, MEM_DECOMMIT)) commit(p, bytes);
+}
 
 std::size_t physical_memory() {
     MEMORYSTATUSEX status = {};

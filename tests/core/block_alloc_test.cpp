@@ -5,7 +5,8 @@
 #include <thread>
 #include <vector>
 
-#include "quorvex/memory.h"
+#include "core/block_alloc.h"
+#include "platform/platform.h"
 #include "support/support.h"
 
 namespace {
@@ -18,13 +19,13 @@ byte *take(size_t n) {
     return p;
 }
 
-bool from_buckets(const byte *p) { return p[-1] == 0; }
+bool is_small(const byte *p) { return p[-1] == 0; }
 
 TEST(BlockAlloc, the_byte_before_a_block_tells_its_layer) {
     constexpr size_t limit = 0x20000 - 8;
     for (size_t n : {size_t(0), size_t(5), limit, limit + 1, size_t(1) << 22}) {
         byte *p = take(n);
-        EXPECT_EQ(from_buckets(p), n <= limit) << n;
+        EXPECT_EQ(is_small(p), n <= limit) << n;
         EXPECT_LE(p[-1], 9) << n;
         std::memset(p, 1, n);
         kn_block_free(p);
@@ -33,11 +34,10 @@ TEST(BlockAlloc, the_byte_before_a_block_tells_its_layer) {
     EXPECT_EQ(kn_block_alloc(SIZE_MAX), nullptr);
 }
 
-TEST(BlockAlloc, a_freed_block_comes_back_first_to_its_bucket) {
-    // A block has 12 bytes more than its data. From the page unit of 32 KB on it has that unit more, too.
-    // The least and the most data of one bucket.
-    const size_t buckets[][2] = {{0, 4}, {21, 52}, {8181, 16372}, {16373, 65524}, {65525, 98292}};
-    for (auto [smallest, largest] : buckets) {
+TEST(BlockAlloc, a_freed_block_comes_back_first_to_its_size) {
+    // The least and the most data of one size.
+    const size_t sizes[][2] = {{0, 8}, {9, 24}, {121, 152}, {16377, 20472}, {114681, 131064}};
+    for (auto [smallest, largest] : sizes) {
         byte *a = take(largest), *b = take(largest);
         kn_block_free(a);
         kn_block_free(b);
@@ -66,15 +66,25 @@ TEST(BlockAlloc, blocks_do_not_overlap) {
     for (auto &b : live) kn_block_free(b.p);
 }
 
-TEST(BlockAlloc, the_heap_grows_past_its_first_chunk) {
-    std::vector<byte *> live;
-    for (int k = 0; k < 1200; ++k) { // of 128 KB and a page unit each, in chunks of 128 MB
-        live.push_back(take(0x20000 - 8));
-        live.back()[0] = live.back()[0x20000 - 9] = static_cast<byte>(k);
-    }
-    for (int k = 0; k < 1200; ++k) {
-        EXPECT_TRUE(live[k][0] == static_cast<byte>(k) && live[k][0x20000 - 9] == static_cast<byte>(k));
-        kn_block_free(live[k]);
+// Sizes of many blocks and of one in a span, in more memory than one chunk has; every 1000th stays.
+TEST(BlockAlloc, memory_of_freed_blocks_goes_back_and_live_ones_keep_their_contents) {
+    const double before = static_cast<double>(kn::os::process_memory());
+    for (size_t n : {size_t(80), size_t(5000), size_t(40000), size_t(131064)}) {
+        const size_t count = (size_t(100) << 20) / n;
+        std::vector<byte *> live;
+        for (size_t k = 0; k < count; ++k) {
+            live.push_back(take(n));
+            std::memset(live.back(), static_cast<int>(k / 1000 % 251), n);
+        }
+        for (size_t k = 0; k < count; ++k)
+            if (k % 1000 != 0) kn_block_free(live[k]);
+#ifndef KN_ASAN
+        EXPECT_LT(static_cast<double>(kn::os::process_memory()) - before, 64e6) << n;
+#endif
+        for (size_t k = 0; k < count; k += 1000) {
+            EXPECT_TRUE(live[k][0] == k / 1000 % 251 && live[k][n - 1] == k / 1000 % 251) << n;
+            kn_block_free(live[k]);
+        }
     }
 }
 

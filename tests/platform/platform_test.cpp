@@ -37,30 +37,34 @@ namespace {
 
 // ---- Memory ----
 
-TEST(Memory, chunks_continue_the_first_one_while_others_take_memory) {
-    const std::size_t chunk = 0x8000000;
-    char *base = static_cast<char *>(os::reserve(nullptr, chunk));
+TEST(Memory, reserved_committed_discarded_and_made_longer) {
+    const std::size_t chunk = std::size_t{32} << 20, page = os::page_size();
+    EXPECT_EQ(os::reserve(~std::size_t{0} / 2, page), nullptr) << "no room";
+    char *base = static_cast<char *>(os::reserve(chunk, chunk));
     ASSERT_NE(base, nullptr);
-    std::vector<std::unique_ptr<char[]>> others;
-    for (int k = 1; k < 4; ++k) {
-        for (int i = 0; i < 16; ++i) others.emplace_back(new char[4 << 20]);
-        ASSERT_EQ(os::reserve(base + k * chunk, chunk), base + k * chunk);
-    }
-    EXPECT_EQ(os::reserve(base, chunk), nullptr) << "taken already";
-    EXPECT_EQ(os::reserve(nullptr, ~std::size_t{0} / 2), nullptr) << "no room";
-
-    const std::size_t page = os::page_size();
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(base) % chunk, 0u);
     EXPECT_FALSE(os::readable(base, 1));
-    ASSERT_TRUE(os::commit(base + chunk - page, page));
-    ASSERT_TRUE(os::commit(base + chunk, 2 * page));
-    EXPECT_EQ(base[chunk - 1], 0);
-    std::memset(base + chunk - page, 'x', 3 * page);
-    EXPECT_EQ(base[chunk + 2 * page - 1], 'x');
+    ASSERT_TRUE(os::commit(base + chunk - 2 * page, 2 * page));
+    std::memset(base + chunk - 2 * page, 'x', 2 * page);
+    os::discard(base + chunk - 2 * page, page);
+    base[chunk - 2 * page] = 'y';
+    EXPECT_EQ(base[chunk - 1], 'x');
+
+    char *p = static_cast<char *>(os::map(3 * page));
+    ASSERT_NE(p, nullptr);
+    p[0] = p[3 * page - 1] = 'z';
+    if (void *longer = os::remap(p, 3 * page, os::huge_page)) {
+        p = static_cast<char *>(longer);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p) % os::huge_page, 0u);
+        EXPECT_TRUE(p[0] == 'z' && p[3 * page - 1] == 'z' && p[os::huge_page - 1] == 0);
+        os::unmap(p, os::huge_page);
+        EXPECT_FALSE(os::readable(p, 1));
+    }
 }
 
 TEST(Memory, readable_to_the_byte) {
     const std::size_t page = os::page_size();
-    char *p = static_cast<char *>(os::reserve(nullptr, 4 * os::allocation_granularity()));
+    char *p = static_cast<char *>(os::reserve(4 * page, page));
     ASSERT_TRUE(p && os::commit(p + page, 2 * page));
     errno = 0;
     EXPECT_TRUE(os::readable(p + page, 2 * page));
@@ -228,7 +232,7 @@ TEST_F(Files, end_process_writes_out_standard_output) {
 
 #if defined(__linux__) && defined(__x86_64__)
 
-void touch_reserved() { *static_cast<volatile char *>(os::reserve(nullptr, os::page_size())) = 1; }
+void touch_reserved() { *static_cast<volatile char *>(os::reserve(os::page_size(), os::page_size())) = 1; }
 
 void divide_integers() {
     int dividend = 1, high = 0;

@@ -150,7 +150,7 @@ TEST(StartupChild, traces_its_steps_and_finds_the_programs) {
               trace + std::string(255, 'v') + "|kelvox|wgnuplot");
 }
 
-void fault() { *static_cast<volatile char *>(kn::os::reserve(nullptr, kn::os::page_size())) = 1; }
+void fault() { *static_cast<volatile char *>(kn::os::reserve(kn::os::page_size(), kn::os::page_size())) = 1; }
 
 // Everything shown goes to the standard error that the parent reads.
 void show_on_stderr() {
