@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 #include "core/header.h"
 #include "core/scratch.h"
@@ -17,6 +18,7 @@
 #include "quorvex/files.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
+#include "text/text_buffer.h"
 
 using namespace kn;
 
@@ -38,12 +40,27 @@ struct Layout {
     long long stride() const { return static_cast<long long>(precision.size) + skip; }
 };
 
-// Bytes up to the end of the file; 0 where that can't be told.
+// Gaps up to here are read and written with the elements around them, many elements a call.
+constexpr long long block_bytes = 1 << 16, largest_gap = 1 << 10;
+
+// Bytes up to the end of the file; 0 where that can't be told: of pipes, of devices.
 long long bytes_left(std::FILE *stream) {
-    const long at = io::tell(stream);
+    const long long at = io::tell(stream);
     if (at < 0 || io::seek(stream, 0, SEEK_END) != 0) return 0;
-    const long end = io::tell(stream);
+    const long long end = io::tell(stream);
     return io::seek(stream, at, SEEK_SET) == 0 && end > at ? end - at : 0;
+}
+
+// Moves on by a gap. Where a stream can't be moved, by reading it.
+bool pass(std::FILE *stream, long long bytes) {
+    if (io::seek(stream, bytes, SEEK_CUR) == 0) return true;
+    char block[4096];
+    while (bytes > 0) {
+        const size_t n = static_cast<size_t>(std::min<long long>(bytes, sizeof block));
+        if (io::read(block, 1, n, stream) < n) return false;
+        bytes -= static_cast<long long>(n);
+    }
+    return true;
 }
 
 struct Shape {
@@ -69,14 +86,12 @@ Shape shape_of(const Mm &size, long long avail, const Layout &f) {
     return {rows, cols, true};
 }
 
-// Reads elements with gaps; the stream's count of items. Small gaps are read along, many elements a call.
+// Reads elements with gaps; the stream's count of items.
 ptrdiff_t read_apart(double *to, ptrdiff_t n, const Layout &f) {
-    constexpr long long block_bytes = 1 << 16, largest_gap = 1 << 10;
     const size_t e = static_cast<size_t>(f.precision.size);
-    const long long stride = f.stride();
-    const long start = io::tell(f.stream);
+    const long long stride = f.stride(), start = io::tell(f.stream);
     ptrdiff_t done = 0, end = n;
-    if (f.skip <= largest_gap && f.precision.code < 9 && start >= 0) {
+    if (f.skip <= largest_gap && f.precision.code < 9) {
         char block[block_bytes];
         const ptrdiff_t room = static_cast<ptrdiff_t>(block_bytes / stride);
         const size_t step = static_cast<size_t>(stride);
@@ -90,8 +105,7 @@ ptrdiff_t read_apart(double *to, ptrdiff_t n, const Layout &f) {
             done += whole;
             if (whole < wanted) break;
         }
-        const long long behind = start + done * stride;
-        if (behind > LONG_MAX || io::seek(f.stream, static_cast<long>(behind), SEEK_SET) != 0) end = done;
+        if (start < 0 || io::seek(f.stream, start + done * stride, SEEK_SET) != 0) end = done;
     }
     ptrdiff_t items = done;
     for (bool more = true; more && done < end;) {
@@ -99,54 +113,127 @@ ptrdiff_t read_apart(double *to, ptrdiff_t n, const Layout &f) {
         if (got < 1) break;
         items += got;
         ++done;
-        more = io::seek(f.stream, f.skip, SEEK_CUR) == 0;
+        more = pass(f.stream, f.skip);
     }
     std::fill(to + done, to + n, 0.0);
     return items;
+}
+
+ptrdiff_t read_items(double *to, ptrdiff_t n, const Layout &f) {
+    const ptrdiff_t items =
+        f.skip ? read_apart(to, n, f) : read_elements(to, n, f.stream, f.precision.code, f.swap);
+    if (items == 0) std::fill(to, to + n, 0.0);
+    return items;
+}
+
+// A matrix for the shape; an empty one for none, and without memory.
+Mm matrix_of(const Shape &shape) {
+    if (shape.rows < 1 || shape.cols < 1) return nop_M;
+    if (shape.rows * shape.cols > INT_MAX) return out_of_memory(), nop_M;
+    return Mm(0, 0, 0, static_cast<int>(shape.rows), static_cast<int>(shape.cols), kn_double);
+}
+
+// From a file that tells how much is left.
+Mm read_sized(const Shape &shape, const Layout &f, ptrdiff_t &items) {
+    Mm out = matrix_of(shape);
+    if (out.getnnz() > 0) items = read_items(out.addr(), out.getnnz(), f);
+    if (shape.clamped) {
+        char beyond;
+        io::read(&beyond, 1, 1, f.stream);
+    }
+    return out;
+}
+
+// From a pipe, a device, or the end of a file: until the size asked for, or the end, is met.
+Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
+    const Shape most = shape_of(size, LLONG_MAX, f);
+    const double limit = most.rows >= 1 && most.cols >= 1 ? most.rows * most.cols : 0;
+    const ptrdiff_t per_element = f.precision.code < 9 ? 1 : 2;
+    TextBuffer bytes;
+    double block[4096];
+    long long stored = 0;
+    for (bool more = true; more && static_cast<double>(stored) < limit && stored <= INT_MAX;) {
+        const ptrdiff_t n = static_cast<ptrdiff_t>(std::min<double>(limit - stored, std::size(block))),
+                        got = read_items(block, n, f);
+        const size_t elements = static_cast<size_t>((got + per_element - 1) / per_element);
+        bytes.append({reinterpret_cast<const char *>(block), elements * sizeof *block});
+        if (!bytes) return nop_M;
+        stored += static_cast<long long>(elements);
+        items += got;
+        more = got == n * per_element;
+    }
+    const Shape shape =
+        stored > INT_MAX ? Shape{INFINITY, 1, false} : shape_of(size, stored * f.stride() - f.skip, f);
+    if (shape.clamped && limit == 0) { // nothing was asked for, but the end may be here
+        const int next = std::getc(f.stream);
+        if (next != EOF) std::ungetc(next, f.stream);
+    }
+    Mm out = matrix_of(shape);
+    if (out.getnnz() == 0) return out;
+    std::memcpy(out.addr(), bytes.data(), bytes.size());
+    std::fill(out.addr() + stored, out.addr() + out.getnnz(), 0.0);
+    return out;
 }
 
 Mm read_matrix(const Mm &fid, const Mm &size, const Mm &precision, const Mm &skip, const Mm &format,
                Mm &count) {
     if (size.isstr()) return read_matrix(fid, Inf, size, skip, format, count);
     count = 0.0;
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fread");
     if (slot < 0) return nop_M;
     if (size.size() > 2) {
         error("fread: can not read multi-dimensional matrices");
         return nop_M;
     }
-    const Mm sides = mdouble(size);
-    if (sides.gettype() != kn_double || sides.issparse() || sides.size() != size.size()) return nop_M;
+    const Mm sides = full(mdouble(size));
+    if (sides.gettype() != kn_double || sides.size() != size.size()) return nop_M;
     const Layout f(slot, precision, skip, format);
-    const Shape shape = shape_of(sides, bytes_left(f.stream), f);
-
-    Mm out;
-    if (shape.rows >= 1 && shape.cols >= 1) {
-        if (shape.rows * shape.cols > INT_MAX) {
-            out_of_memory();
-            return nop_M;
-        }
-        const int m = static_cast<int>(shape.rows), n = static_cast<int>(shape.cols);
-        out = Mm(0, 0, 0, m, n, kn_double);
-        if (lacks(out, m * n)) return nop_M;
-        double *to = out.addr();
-        const ptrdiff_t items =
-            f.skip ? read_apart(to, m * n, f) : read_elements(to, m * n, f.stream, f.precision.code, f.swap);
-        if (items == 0) std::fill(to, to + m * n, 0.0);
-        count = static_cast<double>(items);
-    }
-    if (shape.clamped) {
-        char beyond;
-        io::read(&beyond, 1, 1, f.stream);
-    }
+    const long long avail = bytes_left(f.stream);
+    ptrdiff_t items = 0;
+    Mm out = avail > 0 ? read_sized(shape_of(sides, avail, f), f, items) : read_unsized(sides, f, items);
+    count = static_cast<double>(out.size() > 0 ? items : 0);
     check(out);
     return out;
 }
 
+// Writes elements and the gaps between them from a copy of what the file holds there, many a call.
+template <class T> ptrdiff_t write_over(const T *from, ptrdiff_t n, const Layout &f, std::FILE *old) {
+    char block[block_bytes];
+    const size_t e = static_cast<size_t>(f.precision.size), step = static_cast<size_t>(f.stride());
+    const ptrdiff_t room = static_cast<ptrdiff_t>(sizeof block / step);
+    bool more = true; // of the old contents: behind their end stands what was written meanwhile
+    for (ptrdiff_t done = 0; done < n;) {
+        const ptrdiff_t m = std::min(n - done, room);
+        const size_t bytes = static_cast<size_t>(m) * step - (done + m < n ? 0 : step - e),
+                     held = more ? io::read(block, 1, bytes, old) : 0;
+        more = more && held == bytes;
+        if (!more && !std::feof(old)) return done;
+        std::memset(block + held, 0, bytes - held);
+        encode_elements(from + done, m, f.precision.code, f.swap, block, step);
+        const size_t written = io::write(block, 1, bytes, f.stream);
+        if (written < bytes) return done + static_cast<ptrdiff_t>((written + step - e) / step);
+        done += m;
+    }
+    io::seek(f.stream, f.skip, SEEK_CUR);
+    return n;
+}
+
 // Writes elements, each followed by a gap; how many the stream took. Where no gap can be made, the first is
-// the last.
+// the last. A file that is appended to takes them side by side.
 template <class T> ptrdiff_t write_all(const T *from, ptrdiff_t n, const Layout &f) {
-    if (!f.skip) return write_elements(from, n, f.stream, f.precision.code, f.swap);
+    constexpr ptrdiff_t worth_a_copy = 16;
+    const bool appends = std::strchr(fid_mode(f.slot), 'a');
+    if (!f.skip || appends) {
+        const ptrdiff_t done = write_elements(from, n, f.stream, f.precision.code, f.swap);
+        if (f.skip && done > 0) io::seek(f.stream, f.skip, SEEK_CUR);
+        return done;
+    }
+    if (n >= worth_a_copy && f.skip <= largest_gap && io::flush(f.stream) == 0) {
+        const Stream old(io::open_again(f.stream));
+        const long long at = io::tell(f.stream);
+        if (old && at >= 0 && io::seek(old.get(), at, SEEK_SET) == 0)
+            return write_over(from, n, f, old.get());
+    }
     ptrdiff_t done = 0;
     for (bool more = true; more && done < n;) {
         if (write_elements(from + done, 1, f.stream, f.precision.code, f.swap) < 1) break;
@@ -198,7 +285,7 @@ Mm fwrite(const Mm &fid, const Mm &a, const Mm &precision, const Mm &skip) {
 }
 
 Mm fwrite(const Mm &fid, const Mm &a, const Mm &precision, const Mm &skip, const Mm &format) {
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fwrite");
     if (slot < 0 || error_numeric(a, "fwrite")) return 0.0;
     if (!precision.isstr()) {
         error("fwrite: precision not a string");

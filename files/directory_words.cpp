@@ -32,19 +32,6 @@ Mm done(bool ok, const char *what, const char *name) {
     return ok ? 1.0 : 0.0;
 }
 
-// Whether both name one file, which a copy would empty.
-bool same_name(const char *a, const char *b) {
-    char x[file_name_size], y[file_name_size];
-    return os::absolute_path(a, x, sizeof x) && os::absolute_path(b, y, sizeof y) && std::strcmp(x, y) == 0;
-}
-
-bool copy(std::FILE *from, Stream &to) {
-    char block[8192];
-    while (const size_t n = io::read(block, 1, sizeof block, from))
-        if (io::write(block, 1, n, to.get()) < n) return false;
-    return std::feof(from) && to.close();
-}
-
 constexpr int longest_value = 1 << 15; // of an environment variable
 
 } // namespace
@@ -89,18 +76,12 @@ Mm deleteM(const Mm &x) {
 
 Mm copyfile(const Mm &from, const Mm &to) {
     const Name source(from), target(to);
-    Stream in(io::open(source, "rb"));
-    if (!in) {
-        error("copyfile:Could not read %s", source.text);
-        return 0.0;
+    switch (os::copy_file(source, target)) {
+    case os::Copied::all: return 1.0;
+    case os::Copied::no_source: error("copyfile:Could not read %s", source.text); break;
+    case os::Copied::no_target: error("copyfile:Could not write %s", target.text); break;
+    case os::Copied::not_all: error("copyfile:Failed on copy");
     }
-    Stream out(same_name(source, target) ? nullptr : io::open(target, "wb"));
-    if (!out) {
-        error("copyfile:Could not write %s", target.text);
-        return 0.0;
-    }
-    if (copy(in.get(), out)) return 1.0;
-    error("copyfile:Failed on copy");
     return 0.0;
 }
 

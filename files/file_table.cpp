@@ -75,10 +75,10 @@ int fid_lookup(const Mm &fid, bool strict) {
     return slot;
 }
 
-int file_lookup(const Mm &fid) {
+int file_lookup(const Mm &fid, const char *caller) {
     const int slot = fid_lookup(fid, true);
     if (slot < 0 || slot >= first_fid) return slot;
-    error("Illegal fid.");
+    error("%s: Illegal fid.", caller);
     return -1;
 }
 

@@ -29,11 +29,11 @@ inline constexpr int file_name_size = 1024, file_mode_size = 32; // with the nul
 int fid_lookup(const Mm &fid, bool strict);
 
 // The stream of a slot that fid_lookup has answered; null for the standard ones. (Functions that need a
-// stream report "Illegal fid." for these and give their failure result.)
+// stream report "%s: Illegal fid." for these, with their name, and give their failure result.)
 std::FILE *fid_stream(int slot);
 
 // Both of these: the slot of an open file, or -1 after a report.
-int file_lookup(const Mm &fid);
+int file_lookup(const Mm &fid, const char *caller);
 
 // Of a stream open for reading and writing: to be called between the one and the other.
 void fid_turn(int slot);

@@ -97,7 +97,7 @@ Mm fscanf(const Mm &fid, const Mm &fmt, const Mm &size, i_o_t, Mm &a, Mm &count)
     return fscanf(fid, fmt, size, i_o, a, count, msg);
 }
 Mm fscanf(const Mm &fid, const Mm &fmt, const Mm &size, i_o_t, Mm &a, Mm &count, Mm &msg) {
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fscanf");
     if (slot >= 0) fid_turn(slot);
     if (slot < 0 || !format_scan(fid_stream(slot), {}, fmt, size, a, count, msg)) a = count = msg = x_M;
     return x_M;

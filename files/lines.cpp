@@ -27,8 +27,8 @@ Mm text_of(const char *s, size_t n) {
 }
 
 // A piece of at most n characters, which `finish(text, length)` shortens to what is wanted of it.
-template <class F> Mm next_line(const Mm &fid, int n, F finish) {
-    const int slot = file_lookup(fid);
+template <class F> Mm next_line(const char *caller, const Mm &fid, int n, F finish) {
+    const int slot = file_lookup(fid, caller);
     if (slot < 0) return -1;
     std::FILE *stream = fid_stream(slot);
     if (std::feof(stream) || n < 0) return -1;
@@ -56,7 +56,7 @@ size_t drop_line_ends(char *line, size_t n) {
 Mm fgets(const Mm &fid) { return fgets(fid, longest); }
 
 Mm fgets(const Mm &fid, const Mm &n) {
-    return next_line(fid, std::min(double_to_int(number_in(n)), longest), keep_newline);
+    return next_line("fgets", fid, std::min(double_to_int(number_in(n)), longest), keep_newline);
 }
 
-Mm fgetl(const Mm &fid) { return next_line(fid, longest, drop_line_ends); }
+Mm fgetl(const Mm &fid) { return next_line("fgetl", fid, longest, drop_line_ends); }

@@ -193,6 +193,21 @@ ptrdiff_t write_as(const From *from, ptrdiff_t n, std::FILE *stream, int code, b
                      [&](auto raw) { return n < 1 ? 0 : write<decltype(raw)>(from, n, stream, swap); });
 }
 
+template <class From>
+void encode_apart(const From *from, ptrdiff_t count, int code, bool swap, char *to, size_t stride) {
+    with_type(code, false, [&](auto raw) {
+        using Raw = decltype(raw);
+        Raw block[512];
+        for (size_t n = static_cast<size_t>(count), m; n > 0; n -= m, from += m) {
+            m = std::min(n, std::size(block));
+            encode(from, m, block);
+            if (swap) reverse(block, m);
+            for (size_t k = 0; k < m; ++k, to += stride) std::memcpy(to, block + k, sizeof(Raw));
+        }
+        return true;
+    });
+}
+
 } // namespace
 
 Precision file_precision(const Mm &m) {
@@ -232,6 +247,13 @@ void decode_elements(const void *from, double *to, ptrdiff_t n, int code, bool s
         }
         return true;
     });
+}
+
+void encode_elements(const double *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride) {
+    encode_apart(from, n, code, swap, to, stride);
+}
+void encode_elements(const unsigned char *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride) {
+    encode_apart(from, n, code, swap, to, stride);
 }
 
 ptrdiff_t write_elements(const double *from, ptrdiff_t n, std::FILE *stream, int code, bool swap) {

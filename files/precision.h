@@ -46,6 +46,10 @@ ptrdiff_t read_elements_byte(unsigned char *to, ptrdiff_t n, std::FILE *stream, 
 // The same of elements in memory.
 void decode_elements(const void *from, double *to, ptrdiff_t n, int code, bool swap);
 
+// The bytes of elements, so many from one to the next; codes as write_elements has them.
+void encode_elements(const double *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride);
+void encode_elements(const unsigned char *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride);
+
 // Writes n numbers; the answer is how many elements the stream took. An integer code truncates and keeps the
 // low bytes; numbers outside 64-bit integers give 0. In 64-bit elements the high word is trunc(x / 2^32) and
 // the low one trunc(x - floor(x / 2^32) * 2^32), so that -1 has the high word 0. An unknown code writes

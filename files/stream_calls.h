@@ -38,6 +38,8 @@ inline std::FILE *opened(std::FILE *f) {
 inline std::FILE *open(const char *name, const char *mode) {
     return stream_fails() ? nullptr : opened(os::open_file(name, mode));
 }
+// A second one, for reading, to the file of a stream.
+inline std::FILE *open_again(std::FILE *f) { return stream_fails() ? nullptr : opened(os::open_again(f)); }
 inline int close(std::FILE *f) {
     count_open(-1);
     const bool fails = stream_fails();
@@ -50,10 +52,10 @@ inline size_t write(const void *from, size_t size, size_t n, std::FILE *f) {
     return stream_fails() ? 0 : std::fwrite(from, size, n, f);
 }
 inline char *gets(char *to, int n, std::FILE *f) { return stream_fails() ? nullptr : std::fgets(to, n, f); }
-inline int seek(std::FILE *f, long offset, int origin) {
-    return stream_fails() ? -1 : std::fseek(f, offset, origin);
+inline int seek(std::FILE *f, long long offset, int origin) {
+    return stream_fails() ? -1 : os::seek(f, offset, origin);
 }
-inline long tell(std::FILE *f) { return stream_fails() ? -1 : std::ftell(f); }
+inline long long tell(std::FILE *f) { return stream_fails() ? -1 : os::tell(f); }
 inline int flush(std::FILE *f) { return stream_fails() ? EOF : std::fflush(f); }
 
 } // namespace io

@@ -1,6 +1,5 @@
 // Opening and closing files, their state and position.
 
-#include <climits>
 #include <cstring>
 #include <string_view>
 
@@ -104,7 +103,7 @@ int origin_of(const Mm &origin) {
 }
 
 Mm ferror_flag(const Mm &fid, bool clear, Mm &message, Mm &number) {
-    const int slot = file_lookup(fid), flag = slot < 0 ? -1 : std::ferror(fid_stream(slot));
+    const int slot = file_lookup(fid, "ferror"), flag = slot < 0 ? -1 : std::ferror(fid_stream(slot));
     if (slot >= 0 && clear) std::clearerr(fid_stream(slot));
     message = TM(flag ? file_error : "");
     number = flag;
@@ -149,7 +148,7 @@ Mm fclose(const Mm &fid) {
         error("fclose: can not close stdin/stdout/stderr, fid is %s", kn_display_name(fid));
         return x_M;
     }
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fclose");
     return slot < 0 ? -1 : fid_close(slot);
 }
 
@@ -158,12 +157,12 @@ Mm stderrM() { return 2; }
 // ---- State and position ----
 
 Mm feof(const Mm &fid) {
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "feof");
     return slot < 0 || std::feof(fid_stream(slot)) ? 1 : 0;
 }
 
 Mm fflush(const Mm &fid) {
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fflush");
     return slot < 0 || io::flush(fid_stream(slot)) != 0 ? 1 : 0;
 }
 
@@ -181,16 +180,18 @@ Mm ferror(const Mm &fid, const Mm &x, i_o_t, Mm &message, Mm &number) {
 }
 
 Mm fseek(const Mm &fid, const Mm &offset, const Mm &origin) {
-    const int slot = file_lookup(fid);
+    const int slot = file_lookup(fid, "fseek");
     if (slot < 0) return -1;
-    const int bytes = double_to_int(number_in(offset)), from = origin_of(origin);
-    return io::seek(fid_stream(slot), bytes, from) == 0 ? 0 : -1;
+    const long long bytes = offset_in(offset);
+    return io::seek(fid_stream(slot), bytes, origin_of(origin)) == 0 ? 0 : -1;
 }
 
 Mm ftell(const Mm &fid) {
-    const int slot = file_lookup(fid);
-    const long at = slot < 0 ? -1 : io::tell(fid_stream(slot));
-    return at > INT_MAX ? -1 : static_cast<double>(at);
+    const int slot = file_lookup(fid, "ftell");
+    return slot < 0 ? -1 : static_cast<double>(io::tell(fid_stream(slot)));
 }
 
-Mm frewind(const Mm &fid) { return fseek(fid, 0.0, -1.0); }
+Mm frewind(const Mm &fid) {
+    const int slot = file_lookup(fid, "frewind");
+    return slot >= 0 && io::seek(fid_stream(slot), 0, SEEK_SET) == 0 ? 0 : -1;
+}

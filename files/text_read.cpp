@@ -11,10 +11,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/constants.h"
 #include "core/header.h"
 #include "core/scratch.h"
 #include "files/matfile.h"
+#include "platform/platform.h"
 #include "quorvex/arrays.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -27,7 +29,6 @@ constexpr int line_size = 262144;
 constexpr size_t token_length = 31;
 
 bool separates(char c) { return c == ' ' || c == ',' || c == '\t' || c == '\r' || c == '\n'; }
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 // A token with a capital I or N, as any formatter has spelt it.
 double not_finite(std::string_view token) {
@@ -47,6 +48,7 @@ bool number_of(std::string_view token, double &x) {
         return true;
     }
     char *end;
+    const os::PlainNumbers plain;
     x = std::strtod(text, &end);
     if (std::isnan(x)) x = raw_nan;
     return end != text;
@@ -68,7 +70,7 @@ class Table {
 
     // Appends a line. False when it has another number of numbers than the lines before.
     bool append(const char *at, const char *end) {
-        while (at < end && is_space(*at)) ++at;
+        while (at < end && is_white(*at)) ++at;
         if (at == end || *at == '%' || *at == '#') return true;
         ptrdiff_t n = 0;
         for (; at < end; ++at) {

@@ -138,6 +138,26 @@ bool has_avx512();
 // The state all arithmetic runs in: every exception masked and cleared, rounding to nearest, denormals kept.
 void reset_floating_point();
 
+// ---- Numbers as text ----
+
+// While one lives, what its thread asks of the C library about numbers and characters goes as in the "C"
+// locale, whatever locale the program has chosen: a point stands before the decimals.
+class PlainNumbers {
+  public:
+    PlainNumbers();
+    ~PlainNumbers();
+    PlainNumbers(const PlainNumbers &) = delete;
+    PlainNumbers &operator=(const PlainNumbers &) = delete;
+
+  private:
+#ifdef _WIN32
+    int mode_;
+    char before_[256];
+#else
+    void *before_;
+#endif
+};
+
 // ---- Crashes ----
 
 enum class CrashAction {
@@ -237,6 +257,13 @@ inline const char *last_part(const char *name) {
 // Opens a stream as `fopen` does; a directory can't be opened. Programs that are started don't inherit it.
 std::FILE *open_file(const char *name, const char *mode);
 
+// As fseek and ftell, with positions of 64 bits.
+int seek(std::FILE *stream, long long offset, int origin);
+long long tell(std::FILE *stream);
+
+// A second stream, for reading, to the plain file that `stream` leads to; null where that can't be had.
+std::FILE *open_again(std::FILE *stream);
+
 // Size, time and kind of what has this name, links followed. False when there is nothing.
 bool file_status(const char *name, FileStatus &out);
 
@@ -256,8 +283,11 @@ void copy_permissions(const char *from, const char *to);
 // Removes a file, not a directory.
 bool remove_file(const char *name);
 
-// Copies a file's contents; a target that exists is replaced. A copy that fails halfway is removed.
-bool copy_file(const char *from, const char *to);
+// Copies a file's contents; a target that exists is overwritten and keeps its permissions, a new one has
+// those of the source. A source that is the target itself, by whatever name, isn't written. A copy that fails
+// halfway is removed.
+enum class Copied { all, no_source, no_target, not_all };
+Copied copy_file(const char *from, const char *to);
 
 // Makes one directory; removes an empty one.
 bool make_directory(const char *name);

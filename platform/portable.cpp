@@ -1,8 +1,8 @@
 // The parts of the platform that the C++ library does alike on every system: the numbered locks, the clocks,
 // and a few functions that rest on the others.
 //
-// The locks hang on one atomic pointer, null while they don't exist. It needs no constructor, so they can be
-// entered while static objects are still being built.
+// The locks have a place of their own, and one atomic state tells whether they stand there. It needs no
+// constructor, so they can be entered while static objects are still being built, and no memory.
 #include "platform/platform.h"
 
 #include <array>
@@ -11,8 +11,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <mutex>
+#include <new>
 #include <thread>
 
 namespace kn::os {
@@ -21,20 +21,16 @@ namespace {
 
 using Locks = std::array<std::recursive_mutex, 3>;
 
-constinit std::atomic<Locks *> locks = nullptr;
+enum class LockState { none, in_work, there };
+constinit std::atomic<LockState> lock_state = LockState::none;
+alignas(Locks) std::byte lock_room[sizeof(Locks)];
+
+Locks &locks() { return *std::launder(reinterpret_cast<Locks *>(lock_room)); }
 
 // A lock number is never computed from what a program gives.
-std::recursive_mutex &numbered(Locks &from, int n) {
-    assert(0 <= n && n < static_cast<int>(from.size()));
-    return from[n];
-}
-
-Locks &existing_locks() {
-    Locks *present = locks.load(std::memory_order_acquire);
-    if (present) return *present;
-    auto fresh = std::make_unique<Locks>();
-    if (locks.compare_exchange_strong(present, fresh.get())) return *fresh.release();
-    return *present; // another thread was faster
+std::recursive_mutex &numbered(int n) {
+    assert(0 <= n && n < static_cast<int>(std::tuple_size_v<Locks>));
+    return locks()[static_cast<std::size_t>(n)];
 }
 
 template <class Clock> double seconds_of() {
@@ -43,14 +39,33 @@ template <class Clock> double seconds_of() {
 
 } // namespace
 
-void create_locks() { existing_locks(); }
+void create_locks() {
+    LockState state = lock_state.load(std::memory_order_acquire);
+    while (state != LockState::there) {
+        if (state == LockState::none && lock_state.compare_exchange_strong(state, LockState::in_work)) {
+            new (lock_room) Locks;
+            lock_state.store(LockState::there, std::memory_order_release);
+            return;
+        }
+        std::this_thread::yield(); // while another thread is faster
+        state = lock_state.load(std::memory_order_acquire);
+    }
+}
 
-void delete_locks() { delete locks.exchange(nullptr); }
+void delete_locks() {
+    LockState state = LockState::there;
+    if (!lock_state.compare_exchange_strong(state, LockState::in_work)) return;
+    locks().~Locks();
+    lock_state.store(LockState::none, std::memory_order_release);
+}
 
-void enter_lock(int n) { numbered(existing_locks(), n).lock(); }
+void enter_lock(int n) {
+    create_locks();
+    numbered(n).lock();
+}
 
 void leave_lock(int n) {
-    if (Locks *present = locks.load(std::memory_order_acquire)) numbered(*present, n).unlock();
+    if (lock_state.load(std::memory_order_acquire) == LockState::there) numbered(n).unlock();
 }
 
 void pause_milliseconds(unsigned milliseconds) {

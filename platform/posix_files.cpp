@@ -6,9 +6,6 @@
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
-#include <memory>
-#include <string>
-#include <string_view>
 #include <unistd.h>
 
 namespace kn::os {
@@ -62,12 +59,6 @@ bool copy_bytes(int in, int out) {
     }
 }
 
-bool copy_out(std::string_view text, char *out, std::size_t size) {
-    if (text.size() >= size) return fail(ERANGE);
-    out[text.copy(out, size)] = 0;
-    return true;
-}
-
 } // namespace
 
 std::FILE *open_file(const char *name, const char *mode) {
@@ -81,6 +72,17 @@ std::FILE *open_file(const char *name, const char *mode) {
     }
     fcntl(fileno(f), F_SETFD, FD_CLOEXEC);
     return f;
+}
+
+int seek(std::FILE *stream, long long offset, int origin) { return fseeko(stream, offset, origin); }
+long long tell(std::FILE *stream) { return ftello(stream); }
+
+std::FILE *open_again(std::FILE *stream) {
+    struct stat s;
+    if (fstat(fileno(stream), &s) != 0 || !S_ISREG(s.st_mode)) return nullptr;
+    char name[40];
+    std::snprintf(name, sizeof name, "/proc/self/fd/%d", fileno(stream));
+    return open_file(name, "rb");
 }
 
 bool file_status(const char *name, FileStatus &out) {
@@ -108,25 +110,30 @@ void copy_permissions(const char *from, const char *to) {
 
 bool remove_file(const char *name) { return unlink(SystemName(name)) == 0; }
 
-bool copy_file(const char *from, const char *to) {
+Copied copy_file(const char *from, const char *to) {
     const SystemName target(to);
     struct stat source, before;
     Descriptor in(open(SystemName(from), O_RDONLY | O_CLOEXEC));
-    if (in < 0 || fstat(in, &source) != 0) return false;
-    if (S_ISDIR(source.st_mode)) return fail(EISDIR);
+    if (in < 0 || fstat(in, &source) != 0) return Copied::no_source;
+    if (S_ISDIR(source.st_mode)) return fail(EISDIR), Copied::no_source;
 
     // The target is emptied only once it is known to be another file; what is no plain file is written to,
-    // not removed.
-    Descriptor out(open(target, O_WRONLY | O_CREAT | O_CLOEXEC, source.st_mode & 0777));
-    if (out < 0 || fstat(out, &before) != 0) return false;
-    if (before.st_dev == source.st_dev && before.st_ino == source.st_ino) return fail(EINVAL);
+    // not removed. Nobody else may read a new one before it has the permissions of the source.
+    const bool fresh = !file_exists(to);
+    Descriptor out(open(target, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    if (out < 0 || fstat(out, &before) != 0) return Copied::no_target;
+    if (before.st_dev == source.st_dev && before.st_ino == source.st_ino)
+        return fail(EINVAL), Copied::no_target;
     const bool plain = S_ISREG(before.st_mode);
-    if (plain && ftruncate(out, 0) != 0) return false;
+    if (plain && ftruncate(out, 0) != 0) return Copied::no_target;
 
-    if (copy_bytes(in, out) && out.close()) return true;
+    if (copy_bytes(in, out)) {
+        if (fresh) (void)!fchmod(out, source.st_mode & 0777); // where the file system has permissions
+        if (out.close()) return Copied::all;
+    }
     const int reason = errno;
     if (plain) unlink(target);
-    return fail(reason);
+    return fail(reason), Copied::not_all;
 }
 
 bool make_directory(const char *name) { return mkdir(SystemName(name), 0777) == 0; }
@@ -139,43 +146,48 @@ bool change_directory(const char *name) { return chdir(SystemName(name)) == 0; }
 
 bool absolute_path(const char *name, char *out, std::size_t size) {
     const SystemName given(name);
-    std::string all(given), path;
-    if (all.empty() || all[0] != '/') {
+    char path[PATH_MAX];
+    std::size_t n = 0; // of the path, which ends in no separator
+    auto add = [&](const char *parts) {
+        while (*parts) {
+            const std::size_t length = std::strcspn(parts, "/");
+            if (length == 2 && parts[0] == '.' && parts[1] == '.') {
+                while (n > 0 && path[--n] != '/') {
+                }
+            } else if (length > 1 || (length == 1 && *parts != '.')) {
+                if (length + 1 >= sizeof path - n) return fail(ERANGE);
+                path[n++] = '/';
+                std::memcpy(path + n, parts, length);
+                n += length;
+            }
+            parts += length + (parts[length] == '/');
+        }
+        return true;
+    };
+    if (*given != '/') {
         char here[PATH_MAX];
-        if (!current_directory(here, sizeof here)) return false;
-        all = std::string(here) + '/' + all;
+        if (!current_directory(here, sizeof here) || !add(here)) return false;
     }
-    for (std::size_t at = 0; at < all.size();) {
-        const std::size_t end = std::min(all.find('/', at), all.size());
-        const std::string_view part = std::string_view(all).substr(at, end - at);
-        if (part == "..")
-            path.erase(path.empty() ? 0 : path.rfind('/'));
-        else if (!part.empty() && part != ".")
-            (path += '/') += part;
-        at = end + 1;
-    }
-    return copy_out(path.empty() ? "/" : path, out, size);
+    if (!add(given)) return false;
+    if (n == 0) path[n++] = '/';
+    if (n >= size) return fail(ERANGE);
+    std::memcpy(out, path, n);
+    out[n] = '\0';
+    return true;
 }
 
-struct Directory::State {
-    DIR *stream;
-};
-
-Directory::Directory(const char *name) {
-    auto state = std::make_unique<State>();
-    state->stream = opendir(SystemName(name));
-    if (state->stream) state_ = state.release();
-}
+// The state is the system's stream itself.
+Directory::Directory(const char *name) : state_(reinterpret_cast<State *>(opendir(SystemName(name)))) {}
 
 Directory::~Directory() {
-    if (state_) closedir(state_->stream);
-    delete state_;
+    if (state_) closedir(reinterpret_cast<DIR *>(state_));
 }
 
 bool Directory::next() {
-    while (dirent *entry = state_ ? readdir(state_->stream) : nullptr) {
+    DIR *const stream = reinterpret_cast<DIR *>(state_);
+    while (dirent *entry = stream ? readdir(stream) : nullptr) {
         struct stat s;
-        const int at = dirfd(state_->stream);
+        const int at = dirfd(stream);
         // A link that leads nowhere is told as itself; what vanished meanwhile is passed over.
         if (fstatat(at, entry->d_name, &s, 0) != 0 &&
             fstatat(at, entry->d_name, &s, AT_SYMLINK_NOFOLLOW) != 0)

@@ -39,13 +39,16 @@ void write_to_terminal(const char *sequence) {
 } // namespace
 
 Module load_module(const char *path, char *why, std::size_t why_size) {
-    std::string file(SystemName{path});
+    const SystemName name(path);
+    char file[PATH_MAX];
     // The loader looks for a bare name only where libraries are kept, and takes the empty one for this
     // program.
-    if (file.empty() || (file.find('/') == std::string::npos && file_exists(path))) file.insert(0, "./");
-    void *module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    const bool here = !*path || (!std::strchr(name, '/') && file_exists(path));
+    const bool fits = std::snprintf(file, sizeof file, "%s%s", here ? "./" : "",
+                                    static_cast<const char *>(name)) < static_cast<int>(sizeof file);
+    void *module = fits ? dlopen(file, RTLD_NOW | RTLD_LOCAL) : nullptr;
     if (!module) {
-        const char *reason = dlerror();
+        const char *reason = fits ? dlerror() : "name too long";
         std::snprintf(why, why_size, "%s", reason ? reason : "");
     }
     return static_cast<Module>(module);

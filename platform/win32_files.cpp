@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <direct.h>
+#include <fcntl.h>
 #include <io.h>
-#include <memory>
-#include <string>
+#include <new>
 
 namespace kn::os {
 
@@ -40,6 +40,24 @@ template <class Data> FileStatus status_of(const Data &d) {
 
 std::FILE *open_file(const char *name, const char *mode) { return std::fopen(name, mode); }
 
+int seek(std::FILE *stream, long long offset, int origin) { return _fseeki64(stream, offset, origin); }
+long long tell(std::FILE *stream) { return _ftelli64(stream); }
+
+std::FILE *open_again(std::FILE *stream) {
+    const HANDLE file = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    if (GetFileType(file) != FILE_TYPE_DISK) return nullptr;
+    constexpr DWORD all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE again = ReOpenFile(file, GENERIC_READ, all, 0);
+    if (again == INVALID_HANDLE_VALUE) return nullptr;
+    const int fd = _open_osfhandle(reinterpret_cast<intptr_t>(again), _O_RDONLY | _O_BINARY);
+    std::FILE *f = fd < 0 ? nullptr : _fdopen(fd, "rb");
+    if (fd < 0)
+        CloseHandle(again);
+    else if (!f)
+        _close(fd);
+    return f;
+}
+
 bool file_status(const char *name, FileStatus &out) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!GetFileAttributesExA(name, GetFileExInfoStandard, &data)) return fail_as_told();
@@ -62,7 +80,16 @@ void copy_permissions(const char *, const char *) {} // a new file has those of 
 
 bool remove_file(const char *name) { return _unlink(name) == 0; }
 
-bool copy_file(const char *from, const char *to) { return CopyFileA(from, to, FALSE) || fail_as_told(); }
+// The system opens the source for readers only, so that the target can't be the same file.
+Copied copy_file(const char *from, const char *to) {
+    if (CopyFileA(from, to, FALSE)) return Copied::all;
+    fail_as_told();
+    if (errno == ENOSPC) return Copied::not_all;
+    std::FILE *source = open_file(from, "rb");
+    if (!source) return Copied::no_source;
+    std::fclose(source);
+    return Copied::no_target;
+}
 
 bool make_directory(const char *name) { return _mkdir(name) == 0; }
 
@@ -86,12 +113,21 @@ struct Directory::State {
 };
 
 Directory::Directory(const char *name) {
-    auto state = std::make_unique<State>();
-    state->search = FindFirstFileA((std::string(*name ? name : ".") + "\\*").c_str(), &state->entry);
-    if (state->search == INVALID_HANDLE_VALUE)
+    char pattern[4096];
+    State *state = new (std::nothrow) State;
+    const int n = std::snprintf(pattern, sizeof pattern, "%s\\*", *name ? name : ".");
+    if (!state || n >= static_cast<int>(sizeof pattern)) {
+        errno = state ? ERANGE : ENOMEM;
+        delete state;
+        return;
+    }
+    state->search = FindFirstFileA(pattern, &state->entry);
+    if (state->search == INVALID_HANDLE_VALUE) {
         fail_as_told();
-    else
-        state_ = state.release();
+        delete state;
+    } else {
+        state_ = state;
+    }
 }
 
 Directory::~Directory() {

@@ -1,11 +1,11 @@
 // What a person at a console asks for: help on functions, the version, the memory in use.
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
 
+#include "core/ascii.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"
 #include "quorvex/library.h"
@@ -21,9 +21,8 @@ using std::string_view;
 constexpr int word_size = 256, line_size = 512;
 
 bool holds(string_view text, string_view part) {
-    auto lower = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
     return std::search(text.begin(), text.end(), part.begin(), part.end(),
-                       [&](char a, char b) { return lower(a) == lower(b); }) != text.end();
+                       [](char a, char b) { return to_lower(a) == to_lower(b); }) != text.end();
 }
 
 void print_line(const kn_function &f) { kn_printf("%-20s %s\n", f.word, f.description); }
@@ -99,6 +98,7 @@ Mm helpwin(const Mm &name) { return name.size() < 1 ? helpwin() : help(name); }
 
 Mm version() {
     char text[16];
+    const os::PlainNumbers plain;
     std::snprintf(text, sizeof text, "%g", QUORVEX_VERSION * 0.001);
     return TM(text);
 }

@@ -34,7 +34,10 @@ kn_box_handler box_handler = nullptr;
 // The arguments may point into the buffer, as when a caught text is reported again.
 const char *formatted(const char *fmt, va_list args) {
     char text[text_size];
-    std::vsnprintf(text, sizeof text, fmt, args);
+    {
+        const os::PlainNumbers plain;
+        std::vsnprintf(text, sizeof text, fmt, args);
+    }
     std::memcpy(format_buffer, text, std::strlen(text) + 1);
     return format_buffer;
 }

@@ -3,11 +3,11 @@
 #include "runtime/mpath.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <new>
 #include <string_view>
 
+#include "core/ascii.h"
 #include "core/scratch.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"
@@ -82,7 +82,7 @@ void path_add(kn_path_record &record, const char *text, bool append) {
     for (string_view rest = text; !rest.empty();) {
         string_view piece = rest.substr(0, rest.find(';'));
         rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
-        while (!piece.empty() && std::isspace(static_cast<unsigned char>(piece[0]))) piece.remove_prefix(1);
+        while (!piece.empty() && is_white(piece[0])) piece.remove_prefix(1);
         char directory[path_name_size + 1];
         if (!directory_of(piece, directory, sizeof directory) || path_has(record, directory)) continue;
         const ptrdiff_t n = static_cast<ptrdiff_t>(std::strlen(directory)), used = record.end - record.start;

@@ -11,10 +11,14 @@ namespace kn {
 
 // Whether x is the row of exactly these characters.
 inline bool is_word(const Mm &x, std::string_view word) {
-    if (!x.isstr() || x.issparse() || x.gettype() != kn_double) return false;
-    if (x.rows() != 1 || x.getnnz() != static_cast<int>(word.size())) return false;
-    return std::equal(word.begin(), word.end(), x.addr(),
-                      [](char c, double code) { return static_cast<unsigned char>(c) == code; });
+    if (!x.isstr() || x.issparse() || x.rows() != 1 || x.getnnz() != static_cast<int>(word.size()))
+        return false;
+    auto has = [&](const auto *codes) {
+        return std::equal(word.begin(), word.end(), codes,
+                          [](char c, auto code) { return static_cast<unsigned char>(c) == code; });
+    };
+    if (x.gettype() == kn_uint8) return has(x.getpr(static_cast<unsigned char *>(nullptr)));
+    return x.gettype() == kn_double && has(x.addr());
 }
 
 } // namespace kn

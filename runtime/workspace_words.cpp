@@ -1,10 +1,10 @@
 // The language's words about variables: clear, exist, which, who, whos, openvar.
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/fields.h"
 #include "core/header.h"
 #include "platform/platform.h"
@@ -133,7 +133,7 @@ Mm openvar(const Mm &m) {
     char text[max_open_name];
     Mstr(m, text, sizeof text);
     const char *name = text;
-    while (std::isspace(static_cast<unsigned char>(*name))) ++name;
+    while (is_white(*name)) ++name;
     if (const Mm *value = Scopes::lookup_visible(name)) {
         if (!start_viewer(*value)) display(*value);
     } else {

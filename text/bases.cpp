@@ -9,6 +9,7 @@
 
 #include "core/scalar_kernels.h"
 #include "core/scratch.h"
+#include "platform/platform.h"
 #include "quorvex/classes.h"
 #include "quorvex/conversions.h"
 #include "quorvex/messages.h"
@@ -31,10 +32,54 @@ double digit_code(double r) { return r < 10 ? r + '0' : r + 'A' - 10; }
 // Half up; a negative number, and NaN, counts 0.
 int rounded(const Mm &x) { return std::max(double_to_int(mdouble(x).r() + 0.5), 0); }
 
-// The width of the largest number.
-int width_in(double largest, double base) {
+// A whole number of any size, in words of 32 bits, from which digits are taken off. The mantissa is a whole
+// number of 53 bits.
+class Whole {
+  public:
+    explicit Whole(double x) {
+        int exponent;
+        const double fraction = std::frexp(x, &exponent);
+        const uint64_t mantissa = static_cast<uint64_t>(std::ldexp(fraction, mantissa_bits));
+        const int shift = exponent - mantissa_bits;
+        if (shift < 0) {
+            put(0, mantissa >> -shift);
+        } else {
+            put(shift / 32, mantissa << shift % 32);
+            if (shift % 32 > 0) words_[shift / 32 + 2] = static_cast<uint32_t>(mantissa >> (64 - shift % 32));
+        }
+        while (n_ > 0 && words_[n_ - 1] == 0) --n_;
+    }
+    explicit operator bool() const { return n_ > 0; }
+    int take_digit(int base) {
+        uint64_t rest = 0;
+        for (int k = n_ - 1; k >= 0; --k) {
+            rest = rest << 32 | words_[k];
+            words_[k] = static_cast<uint32_t>(rest / static_cast<unsigned>(base));
+            rest %= static_cast<unsigned>(base);
+        }
+        while (n_ > 0 && words_[n_ - 1] == 0) --n_;
+        return static_cast<int>(rest);
+    }
+
+  private:
+    static constexpr int mantissa_bits = 53, most = 1024 / 32 + 2;
+    void put(int at, uint64_t value) {
+        words_[at] = static_cast<uint32_t>(value);
+        words_[at + 1] = static_cast<uint32_t>(value >> 32);
+    }
+    uint32_t words_[most] = {};
+    int n_ = most;
+};
+
+bool is_whole(double x) { return x >= 0 && x == std::floor(x); }
+
+// The width of the largest number, which has room for all its digits.
+int width_in(double largest, int base) {
+    int digits = 1;
+    if (is_whole(largest))
+        for (Whole rest(largest); rest.take_digit(base), rest;) ++digits;
     const double width = std::ceil(std::log10(largest + 1) / std::log10(base));
-    return width >= 1 ? double_to_int(width) : 1;
+    return width >= digits ? double_to_int(width) : digits;
 }
 
 Mm digits_of(const Mm &d, int base, int len) {
@@ -57,8 +102,12 @@ Mm digits_of(const Mm &d, int base, int len) {
     if (out.getnnz() == 0) return x_M;
     double *const to = out.addr();
     for (int r = 0; r < m; ++r) {
-        double v = x[r];
-        for (ptrdiff_t c = width - 1; c >= 0; --c, v = std::floor(v / base))
+        ptrdiff_t c = width - 1;
+        if (is_whole(x[r])) {
+            for (Whole rest(x[r]); c >= 0; --c) to[r + c * m] = digit_code(rest.take_digit(base));
+            continue;
+        }
+        for (double v = x[r]; c >= 0; --c, v = std::floor(v / base))
             to[r + c * m] = digit_code(v == 0 ? 0 : rem_real(v, base));
     }
     out.setstr(1);
@@ -114,6 +163,7 @@ Mm hex2num(const Mm &s) {
     k = static_cast<int>(std::find(digits, digits + k, '\0') - digits);
     std::fill(digits + k, digits + n, '0');
 
+    const os::PlainNumbers plain;
     uint64_t bits = 0;
     for (k = 0; k < n; k += 2) {
         const char pair[] = {digits[k], digits[k + 1], '\0'};

@@ -1,10 +1,10 @@
 // The console: formatted output, the display format, input, waiting for a key, and the words for the screen.
 
-#include <cctype>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/scratch.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"
@@ -75,7 +75,10 @@ int kn_printf(const char *fmt, ...) {
     *text.get() = '\0';
     va_list args;
     va_start(args, fmt);
-    std::vsnprintf(text.get(), size, fmt, args);
+    {
+        const os::PlainNumbers plain;
+        std::vsnprintf(text.get(), size, fmt, args);
+    }
     va_end(args);
     kn_print_handler(text.get());
     return static_cast<int>(std::strlen(text.get()));
@@ -86,7 +89,7 @@ Mm format() { return format(TM("short")); }
 Mm format(const Mm &mode) {
     char word[10];
     Mstr(mode, word, sizeof word);
-    format_short = std::toupper(static_cast<unsigned char>(*word)) != 'L';
+    format_short = to_upper(*word) != 'L';
     return x_M;
 }
 

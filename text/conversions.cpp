@@ -12,6 +12,7 @@
 #include "quorvex/structures.h"
 #include "text/number_text.h"
 #include "text/strings.h"
+#include "text/text_number.h"
 
 namespace {
 
@@ -67,18 +68,23 @@ Mm str2double(const Mm &s) {
     Mm out = czeros(0, s.getndims(), s.getdims());
     const int n = s.size();
     if (lacks(out, n)) return x_M;
-    for (int k = 1; k <= n; ++k) {
-        const Mm x = str2double(s.mr(k));
-        if (x.size() != 1) {
-            error("str2double: element %d of %s is not one number", k, kn_display_name(s));
-            return x_M;
+    for (int k = 0; k < n; ++k) {
+        const Mm &element = s.mr(k + 1);
+        TextNumber number;
+        if (!text_number(element, number)) {
+            const Mm x = str2double(element);
+            if (x.size() != 1) {
+                error("str2double: element %d of %s is not one number", k + 1, kn_display_name(s));
+                return x_M;
+            }
+            number = {x.r(), x.isc() ? x.i() : 0, x.isc() != 0};
         }
-        if (x.isc() && !out.isc()) {
+        if (number.complex && !out.isc()) {
             out.getcomplex();
             if (!out.isc()) return x_M;
         }
-        out.r(k) = x.r();
-        if (out.isc()) out.i(k) = x.isc() ? x.i() : 0;
+        out.addr()[k] = number.re;
+        if (out.isc()) out.addi()[k] = number.im;
     }
     return out;
 }

@@ -5,10 +5,10 @@
 // that the larger numbers leave; without one, month, day and year, or year, month and day when the first is
 // no month. Names of week days are passed over.
 
-#include <cctype>
 #include <charconv>
 #include <cmath>
 
+#include "core/ascii.h"
 #include "text/date_parts.h"
 
 namespace kn {
@@ -25,8 +25,8 @@ class Reader {
 
     bool read(double &date) {
         while (!text_.empty()) {
-            const auto c = static_cast<unsigned char>(text_[0]);
-            if (std::isdigit(c) ? !number() : std::isalpha(c) ? !name() : !sign(text_[0])) return false;
+            const char c = text_[0];
+            if (is_digit(c) ? !number() : is_letter(c) ? !name() : !sign(c)) return false;
         }
         return settle(date);
     }
@@ -46,11 +46,11 @@ class Reader {
 
     bool number() {
         size_t n = 0;
-        while (n < text_.size() && std::isdigit(static_cast<unsigned char>(text_[n]))) ++n;
+        while (n < text_.size() && is_digit(text_[n])) ++n;
         const bool time = in_time_ || (n < text_.size() && text_[n] == ':');
         Number x{0, n};
         if (time && n < text_.size() && text_[n] == '.') // the fraction of a second
-            for (++n; n < text_.size() && std::isdigit(static_cast<unsigned char>(text_[n]));) ++n;
+            for (++n; n < text_.size() && is_digit(text_[n]);) ++n;
         std::from_chars(text_.data(), text_.data() + n, x.value);
         text_.remove_prefix(n);
         int &count = time ? n_times_ : n_dates_;
@@ -58,15 +58,14 @@ class Reader {
         (time ? times_ : dates_)[count++] = x;
         in_time_ = time && !text_.empty() && text_[0] == ':';
         if (in_time_) text_.remove_prefix(1);
-        return !in_time_ || (!text_.empty() && std::isdigit(static_cast<unsigned char>(text_[0])));
+        return !in_time_ || (!text_.empty() && is_digit(text_[0]));
     }
 
     bool name() {
         size_t n = 0;
         char word[name_length + 1] = {};
-        for (; n < text_.size() && std::isalpha(static_cast<unsigned char>(text_[n])); ++n)
-            if (n < name_length)
-                word[n] = static_cast<char>(std::tolower(static_cast<unsigned char>(text_[n])));
+        for (; n < text_.size() && is_letter(text_[n]); ++n)
+            if (n < name_length) word[n] = to_lower(text_[n]);
         text_.remove_prefix(n);
         if (n == 2 && word[1] == 'm' && (word[0] == 'a' || word[0] == 'p')) {
             const bool first = half_ == 0;
@@ -75,7 +74,7 @@ class Reader {
         }
         if (n == 1 && word[0] == 't') return n_dates_ > 0; // 2000-03-01T12:00
         if (n < name_length) return false;
-        word[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(word[0])));
+        word[0] = to_upper(word[0]);
         const std::string_view name(word);
         for (const auto &day : week_day_names)
             if (name == day) return true;

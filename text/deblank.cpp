@@ -12,11 +12,13 @@ Mm deblank(const Mm &s) {
         return cell_of_answers(s, [&](int k) { return deblank(texts[k]); });
     }
     if (s.size() == 0) return s;
-    if (!s.isstr() || s.gettype() != kn_double || s.issparse() || s.getndims() > 2) {
+    if (!s.isstr() || !is_text(s) || s.issparse() || s.getndims() > 2) {
         error("deblank: input is not a string");
         return x_M;
     }
-    const double *begin = s.addr(), *end = begin + s.getnnz();
+    const Codes codes(s);
+    if (!codes) return x_M;
+    const double *begin = codes.data(), *end = begin + codes.size();
     while (end > begin && is_blank(end[-1])) --end;
     int m = s.rows(), n = static_cast<int>((end - begin + m - 1) / m);
     if (n == s.cols()) return s;

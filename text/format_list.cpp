@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/scalar_kernels.h"
 #include "quorvex/messages.h"
 #include "text/strings.h"
@@ -21,7 +22,6 @@ namespace {
 constexpr int largest_field = 1000000;
 
 bool is_one_of(char c, const char *set) { return c && std::strchr(set, c); }
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // The digits at `at`, which is moved behind them; INT_MAX for more than an int holds.
 int read_int(const char *&at) {
@@ -77,7 +77,9 @@ bool read_fields(Piece &piece, std::string_view conversion) {
     if (columns > largest_field) piece.too_large = {width, static_cast<size_t>(behind_width - width)};
     if (piece.precision > largest_field) piece.too_large = {point, static_cast<size_t>(at - point)};
     if (is_one_of(piece.conversion, "cp")) piece.precision = -1;
-    piece.plain = flag == flags && columns == 0;
+    piece.left = is_one_of('-', flags);
+    piece.plain = flags[piece.left] == '\0';
+    piece.columns = columns;
     char size[12] = "", precision[14] = "";
     if (columns > 0) std::snprintf(size, sizeof size, "%d", columns);
     if (piece.precision >= 0) std::snprintf(precision, sizeof precision, ".%d", piece.precision);

@@ -27,7 +27,9 @@ struct Piece {
 
     // For writing.
     char c_format[48] = "";     // "%-8.3lf"
-    bool plain = false;         // neither flags nor width
+    bool plain = false;         // no flag but "-"
+    bool left = false;          // which is there
+    int columns = 0;            // least width
     int precision = -1;         // none
     std::string_view too_large; // width or precision beyond the bound
 

@@ -10,6 +10,7 @@
 #include <limits>
 
 #include "core/scalar_kernels.h"
+#include "platform/platform.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
 #include "text/format_list.h"
@@ -34,18 +35,33 @@ struct Rest {
 
 template <class T> void append_by(TextBuffer &out, const char *c_format, T value) {
     constexpr size_t usual = 120;
+    auto write = [&](char *to, size_t room) {
+        const os::PlainNumbers plain;
+        return std::snprintf(to, room + 1, c_format, value);
+    };
     char *to = out.room(usual);
     if (!to) return;
-    const int n = std::snprintf(to, usual + 1, c_format, value);
+    const int n = write(to, usual);
     if (n < 0) return;
     const size_t size = static_cast<size_t>(n);
     if (size > usual) {
         to = out.room(size);
         if (!to) return;
-        std::snprintf(to, size + 1, c_format, value);
+        write(to, size);
     }
     const void *null = std::memchr(to, '\0', size);
     out.advance(null ? static_cast<size_t>(static_cast<const char *>(null) - to) : size);
+}
+
+// Fills what was appended from `start` on up to the least width of its piece.
+void pad(TextBuffer &out, size_t start, const Piece &piece) {
+    const size_t n = out.size() - start, width = static_cast<size_t>(piece.columns);
+    if (n >= width) return;
+    out.append_blanks(width - n);
+    if (!out || piece.left) return;
+    char *const text = out.data() + start;
+    std::memmove(text + (width - n), text, n);
+    std::memset(text, ' ', width - n);
 }
 
 // Truncated. Beyond the numbers of the type the last one; an unsigned one beyond those of `long` wraps.
@@ -83,8 +99,10 @@ void append_integer(TextBuffer &out, const Piece &piece, double x) {
     const long n = whole(x, !is_signed);
     if (!piece.plain || piece.precision >= 0 || !is_signed) return append_by(out, piece.c_format, n);
     constexpr size_t longest = 24;
+    const size_t start = out.size();
     if (char *to = out.room(longest))
         out.advance(static_cast<size_t>(std::to_chars(to, to + longest, n).ptr - to));
+    pad(out, start, piece);
 }
 
 void append_number(TextBuffer &out, const Piece &piece, double x) {
@@ -93,6 +111,7 @@ void append_number(TextBuffer &out, const Piece &piece, double x) {
     if (piece.for_c) {
         const int precision = piece.precision < 0 ? 6 : piece.precision;
         const size_t longest = static_cast<size_t>(precision) + 400; // 308 digits of a whole number
+        const size_t number = out.size();
         if (!piece.plain || !std::strchr("efg", piece.conversion)) {
             append_by(out, piece.c_format, x);
         } else if (piece.conversion == 'g') {
@@ -102,6 +121,7 @@ void append_number(TextBuffer &out, const Piece &piece, double x) {
                 piece.conversion == 'f' ? std::chars_format::fixed : std::chars_format::scientific;
             out.advance(static_cast<size_t>(std::to_chars(to, to + longest, x, layout, precision).ptr - to));
         }
+        if (piece.plain) pad(out, number, piece);
     }
     if (out && !std::isfinite(x)) respell(out, start, x);
 }
@@ -116,7 +136,7 @@ void append_string(TextBuffer &out, const Piece &piece, const Rest &rest) {
     for (size_t k = 0; k < n; ++k) to[k] = static_cast<char>(to_byte(rest.at[k]));
     if (rest.cleared) to[0] = '\0';
     to[n] = '\0';
-    if (piece.plain && piece.precision < 0)
+    if (piece.plain && piece.columns == 0 && piece.precision < 0)
         out.append(std::string_view(to));
     else
         append_by(out, piece.c_format, static_cast<const char *>(to));

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/header.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"
@@ -25,10 +26,7 @@
 namespace kn {
 namespace {
 
-bool is_blank(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool is_digit(int c) { return c >= '0' && c <= '9'; }
-bool is_hex_digit(int c) { return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
-int lower(int c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; }
+bool is_hex_digit(int c) { return is_digit(c) || (to_lower(c) >= 'a' && to_lower(c) <= 'f'); }
 
 // What is read from: the next character, or EOF.
 class Text {
@@ -53,7 +51,7 @@ class Text {
 
   private:
     void skip(bool blanks) {
-        while (at_ < end_ && is_blank(static_cast<unsigned char>(*at_)) == blanks) ++at_;
+        while (at_ < end_ && is_white(static_cast<unsigned char>(*at_)) == blanks) ++at_;
     }
     const char *start_, *at_, *end_, *piece_ = start_;
 };
@@ -131,7 +129,7 @@ template <class In> class Reader {
         switch (piece.conversion) {
         case 'c': take(); return word.view()[0] == '\0' ? unfit : fits;
         case 's':
-            while (more() && !is_blank(in_.peek())) take();
+            while (more() && !is_white(in_.peek())) take();
             return fits;
         case 'd':
         case 'u': return integer(10, piece.conversion == 'd');
@@ -150,7 +148,7 @@ template <class In> class Reader {
 
   private:
     void skip_blanks() {
-        while (is_blank(in_.peek())) in_.next();
+        while (is_white(in_.peek())) in_.next();
     }
     bool more() { return left_ > 0 && in_.peek() != EOF; }
     void take() {
@@ -161,7 +159,7 @@ template <class In> class Reader {
         in_.next();
         --left_;
     }
-    bool next_is(char c) { return more() && lower(in_.peek()) == c; }
+    bool next_is(char c) { return more() && to_lower(in_.peek()) == c; }
     bool take_all(const char *text) {
         for (; *text; ++text) {
             if (!next_is(*text)) return false;
@@ -173,7 +171,7 @@ template <class In> class Reader {
     Answer match(std::string_view text) {
         for (size_t k = 0; k < text.size(); ++k) {
             const int c = static_cast<unsigned char>(text[k]);
-            if (is_blank(c)) {
+            if (is_white(c)) {
                 blanks_ = true;
                 continue;
             }
@@ -237,8 +235,8 @@ template <class In> class Reader {
                 const int c = in_.peek();
                 if (is_digit(c) || (hex && !exponent && is_hex_digit(c))) {
                     digits = true;
-                } else if (exponent && (c == '-' || c == '+') && lower(word.view().back()) == letter) {
-                } else if (digits && !exponent && lower(c) == letter) {
+                } else if (exponent && (c == '-' || c == '+') && to_lower(word.view().back()) == letter) {
+                } else if (digits && !exponent && to_lower(c) == letter) {
                     exponent = dot = true;
                 } else if (!dot && c == '.') {
                     dot = true;
@@ -257,6 +255,7 @@ template <class In> class Reader {
         if (!word) return unfit;
         char *behind;
         const char *text = word.c_str();
+        const os::PlainNumbers plain;
         value = std::strtod(text, &behind);
         return behind == text ? unfit : fits;
     }

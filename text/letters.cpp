@@ -58,10 +58,8 @@ Mm lower(const Mm &s) {
     return mapped(s, [](auto c) { return to_lower(c); });
 }
 
-Mm isspace(const Mm &s) { return where(s, is_white); }
+Mm isspace(const Mm &s) { return where(s, is_white<double>); }
 
-Mm isletter(const Mm &s) {
-    return where(s, [](double c) { return is_upper(c) || is_lower(c); });
-}
+Mm isletter(const Mm &s) { return where(s, is_letter<double>); }
 
 Mm isstr(const Mm &s) { return ischar(s); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <iterator>
 
 #include "core/scratch.h"
@@ -10,6 +11,7 @@
 #include "quorvex/messages.h"
 #include "quorvex/text.h"
 #include "text/strings.h"
+#include "text/text_buffer.h"
 
 namespace {
 
@@ -30,15 +32,36 @@ class Finder {
     // Calls found(position from 0) at each place where the word begins; an empty word is nowhere.
     template <class F> void each(const Codes &text, F found) const {
         if (n_ == 0) return;
+        const double *const codes = text.data();
         ptrdiff_t matched = 0;
         for (ptrdiff_t k = 0; k < text.size(); ++k) {
             if (matched == n_) matched = border_[n_];
-            matched = longer(matched, text.data()[k]);
+            if (matched == 0 && (k = candidate(codes, k, text.size())) < 0) return;
+            matched = longer(matched, codes[k]);
             if (matched == n_) found(k + 1 - n_);
         }
     }
 
   private:
+    // The first place from k on where the first and the last character of the word stand, or -1.
+    ptrdiff_t candidate(const double *codes, ptrdiff_t k, ptrdiff_t size) const {
+        constexpr ptrdiff_t block = 16; // which are compared without a branch
+        const double first = word_[0], last = word_[n_ - 1];
+        const double *begins = codes, *ends = codes + (n_ - 1);
+        const ptrdiff_t places = size - n_ + 1;
+        for (; k < places; k += block) {
+            const ptrdiff_t m = std::min(block, places - k);
+            if (m == block) {
+                int there = 0;
+                for (ptrdiff_t j = k; j < k + block; ++j) there |= (begins[j] == first) & (ends[j] == last);
+                if (!there) continue;
+            }
+            for (ptrdiff_t j = k; j < k + m; ++j)
+                if (begins[j] == first && ends[j] == last) return j;
+        }
+        return -1;
+    }
+
     // The matched beginning once c follows it.
     ptrdiff_t longer(ptrdiff_t matched, double c) const {
         while (matched >= 0 && word_[matched] != c) matched = border_[matched];
@@ -58,33 +81,37 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     const Finder finder(word);
     if (!finder) return x_M;
 
-    long long n = 0;
-    double *to = nullptr; // the second time
-    auto add = [&](const double *from, ptrdiff_t count) {
-        if (count <= 0) return;
-        if (to) std::copy_n(from, count, to + n);
-        n += count;
-    };
-    auto walk = [&] {
-        n = 0;
+    TextBuffer found; // places, as ints
+    finder.each(text, [&](ptrdiff_t at) {
+        const int place = static_cast<int>(at);
+        found.append({reinterpret_cast<const char *>(&place), sizeof place});
+    });
+    if (!found) return x_M;
+    const size_t count = found.size() / sizeof(int);
+    if (count == 0) return s;
+
+    // Calls part(from, size) for what stays and what takes a place, in their order.
+    auto each_part = [&](auto part) {
         ptrdiff_t done = 0;
-        finder.each(text, [&](ptrdiff_t at) {
-            add(text.data() + done, at - done);
-            add(in_place.data(), in_place.size());
+        for (size_t k = 0; k < count; ++k) {
+            int at;
+            std::memcpy(&at, found.data() + k * sizeof at, sizeof at);
+            part(text.data() + done, std::max<ptrdiff_t>(at - done, 0));
+            part(in_place.data(), in_place.size());
             done = at + word.size();
-        });
-        add(text.data() + done, text.size() - done);
-        return done > 0;
+        }
+        part(text.data() + done, text.size() - done);
     };
-    if (!walk()) return s;
+    long long n = 0;
+    each_part([&](const double *, ptrdiff_t size) { n += size; });
     if (n > INT_MAX) {
         out_of_memory();
         return x_M;
     }
     Mm out(0, 0, 0, 1, static_cast<int>(n), kn_double);
     if (lacks(out, static_cast<int>(n))) return x_M;
-    to = out.addr();
-    if (n > 0) walk();
+    double *to = out.addr();
+    each_part([&](const double *from, ptrdiff_t size) { to = std::copy_n(from, size, to); });
     out.setstr(1);
     return out;
 }

@@ -5,20 +5,23 @@
 // with the following ones where a sign stands apart ("1 + 2i", "1e- 5").
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
 
+#include "core/ascii.h"
 #include "core/constants.h"
 #include "core/header.h"
+#include "core/scalar_kernels.h"
 #include "core/scratch.h"
+#include "platform/platform.h"
 #include "quorvex/builders.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
 #include "quorvex/text.h"
 #include "text/text_buffer.h"
+#include "text/text_number.h"
 
 namespace {
 
@@ -26,7 +29,6 @@ using namespace kn;
 
 constexpr char marks[] = "\n;,[]", stops[] = "\n;,[] \t";
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
 bool is_sign(char c) { return c == '+' || c == '-'; }
 bool is_sign(std::string_view token) { return token.size() == 1 && is_sign(token[0]); }
 
@@ -84,7 +86,7 @@ struct Complex {
 Complex special_word(std::string_view word) {
     auto is = [&](std::string_view w) {
         return std::equal(word.begin(), word.end(), w.begin(), w.end(),
-                          [](char a, char b) { return std::tolower(static_cast<unsigned char>(a)) == b; });
+                          [](char a, char b) { return to_lower(a) == b; });
     };
     if (is("inf")) return {raw_inf};
     if (is("-inf")) return {-raw_inf};
@@ -97,6 +99,7 @@ bool is_imaginary(const TextBuffer &word) { return word.view().back() == 'i'; }
 // Reads re, re+imi or imi, of which most texts are made; false for all others, which may be numbers to
 // sscanf.
 bool plain_number(std::string_view text, Complex &z) {
+    if (text.size() > 1 && text[0] == '+' && (is_digit(text[1]) || text[1] == '.')) text.remove_prefix(1);
     const char *last = text.data() + text.size();
     auto [end, problem] = std::from_chars(text.data(), last, z.re);
     if (problem != std::errc()) return false;
@@ -122,6 +125,7 @@ Complex value_of(TextBuffer &word) {
     if (imaginary && (text.size() == 1 || is_sign(text[text.size() - 2])))
         word.replace(text.size() - 1, 1, "1i");
     z = {};
+    const os::PlainNumbers plain;
     switch (std::sscanf(word.c_str(), "%lg %lg", &z.re, &z.im)) {
     case 2: return z;
     case 1: return imaginary ? Complex{0, z.re} : Complex{z.re, 0};
@@ -131,12 +135,30 @@ Complex value_of(TextBuffer &word) {
 
 } // namespace
 
+bool kn::text_number(const Mm &s, TextNumber &x) {
+    constexpr int most = 63;
+    const int n = s.getnnz();
+    if (!s.isstr() || s.gettype() != kn_double || s.issparse() || s.rows() != 1 || n > most) return false;
+    char text[most];
+    const double *code = s.addr();
+    for (int k = 0; k < n; ++k) text[k] = static_cast<char>(to_byte(code[k]));
+    std::string_view word(text, static_cast<size_t>(n));
+    auto parts = [](char c) { return c == ' ' || c == '\t'; };
+    while (!word.empty() && parts(word.front())) word.remove_prefix(1);
+    while (!word.empty() && parts(word.back())) word.remove_suffix(1);
+    Complex z;
+    if (word.empty() || !plain_number(word, z)) return false;
+    x = {z.re, z.im, word.back() == 'i'};
+    return true;
+}
+
 Mm str2num(const Mm &s) {
     if (!s.isstr()) {
         error("str2num: input is not a string");
         return 0.0;
     }
     if (s.size() == 0) return nop_M;
+    if (TextNumber x; text_number(s, x) && !x.complex) return x.re;
     int size = Mstr_size(s);
     Scratch<char> text(size);
     if (!text) return x_M;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <initializer_list>
 
+#include "core/ascii.h"
 #include "core/header.h"
 #include "core/poll.h"
 #include "quorvex/startup.h"
@@ -73,13 +74,7 @@ template <class F> Mm cell_of_answers(const Mm &like, F f) {
 Mm row_of_text(const double *codes, ptrdiff_t n);
 
 // White space, and NUL, which ends texts as blanks do.
-inline bool is_white(double c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 inline bool is_blank(double c) { return c == 0 || is_white(c); }
-
-inline bool is_upper(double c) { return c >= 'A' && c <= 'Z'; }
-inline bool is_lower(double c) { return c >= 'a' && c <= 'z'; }
-template <class T> T to_upper(T c) { return is_lower(c) ? static_cast<T>(c - 32) : c; }
-template <class T> T to_lower(T c) { return is_upper(c) ? static_cast<T>(c + 32) : c; }
 
 } // namespace kn
 

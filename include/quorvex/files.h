@@ -5,8 +5,8 @@
 //
 // A file that is open has a number, its fid: 3 to 127. 0 to 2 are the standard streams, of which only fprintf
 // makes anything. As a fid counts the number in any value of one element, truncated: else "Size of fid %s not
-// one."; "Illegal fid." outside 0 to 128 and for the standard streams, "Fid not opened.". The results where
-// the error handler returns stand in brackets below.
+// one."; "Illegal fid." outside 0 to 128, "%s: Illegal fid." for the standard streams, "Fid not opened.". The
+// results where the error handler returns stand in brackets below.
 //
 // Many functions bear the names of C's own and stand beside these: the forms here take and give values.
 #ifndef QUORVEX_FILES_H
@@ -67,7 +67,7 @@ QUORVEX_API Mm ferror(const Mm &fid, const Mm &x, i_o_t, Mm &message, Mm &number
 // from the end ("eof", above 0): 0, or -1 on failure. "fseek: origin %s not bof, cof or eof", and from here.
 // [-1]
 QUORVEX_API Mm fseek(const Mm &fid, const Mm &offset, const Mm &origin);
-QUORVEX_API Mm ftell(const Mm &fid);   // bytes before the position; -1 on failure and from 2^31 on [-1]
+QUORVEX_API Mm ftell(const Mm &fid);   // bytes before the position; -1 on failure [-1]
 QUORVEX_API Mm frewind(const Mm &fid); // 0, or -1 on failure [-1]
 
 // -- Numbers.
@@ -86,7 +86,8 @@ QUORVEX_API Mm frewind(const Mm &fid); // 0, or -1 on failure [-1]
 
 // A matrix of the next elements, and how many were read (64-bit ones count twice). `size` is n or [m n], Inf
 // (the default) as many as there are; more than there are make a column of all, or, with m rows, as many
-// columns as hold them, where the elements that the file hasn't are 0. A text in its place is the precision.
+// columns as hold them, where the elements that the file hasn't are 0. A pipe is read until the size or its
+// end is met. A text in its place is the precision.
 // When less is there than `size` asks for, the end is met (feof). "fread: can not read multi-dimensional
 // matrices". [empty, 0]
 QUORVEX_API Mm fread(const Mm &fid);
@@ -131,7 +132,8 @@ QUORVEX_API Mm pwd();                 // the current directory
 QUORVEX_API Mm deleteM(const Mm &x);
 
 // 1, or 0 after an error: "copyfile:Could not read %s", "copyfile:Could not write %s" (also of the file
-// itself), "copyfile:Failed on copy".
+// itself, or a link to it), "copyfile:Failed on copy". A new file has the permissions of the one it is copied
+// from; one that exists keeps its own.
 QUORVEX_API Mm copyfile(const Mm &from, const Mm &to);
 
 QUORVEX_API Mm filesep(); // "\"

@@ -70,7 +70,7 @@ TEST(Fprintf, errors) {
     EXPECT_RAISES(fprintf(55, T("x")), "Fid not opened.");
     EXPECT_RAISES(fprintf(500, T("x")), "Illegal fid.");
     EXPECT_RAISES(fprintf(row({1, 2}), T("x")), "Size of fid (temporary) not one.");
-    EXPECT_RAISES(fscanf(1, T("%d")), "Illegal fid.");
+    EXPECT_RAISES(fscanf(1, T("%d")), "fscanf: Illegal fid.");
     EXPECT_RAISES(fprintf(1, T("%9999999d"), 1), "sprintf: field width 9999999 is too large");
     Returning errors;
     EXPECT_PRINTS(fprintf(1, T("%d "), list({1, list({2}), 3})), "1 ");

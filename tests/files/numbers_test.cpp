@@ -165,6 +165,63 @@ TEST_F(Numbers, sizes_and_skips) {
     }
 }
 
+// Gaps keep what stands in them, also in a file that can't be read, and reach nowhere in one that is appended
+// to.
+TEST_F(Numbers, gaps_are_left_alone) {
+    for (int round = 0; round < 400; ++round) {
+        const Kind &k = kinds[size_t(below(int(kinds.size())))];
+        const bool long_one = round % 100 == 99;
+        const int n = long_one ? 30000 : below(40), e = k.size, skip = below(4) == 0 ? 1025 : 1 + below(9);
+        const char *mode = std::vector{"w", "r+", "a"}[size_t(below(3))];
+        std::string wanted = noise(long_one ? 100000 : below(400));
+        const int start = below(int(wanted.size()) + 30);
+        std::vector<double> x(static_cast<size_t>(n));
+        for (double &v : x) v = below(1000) - 500;
+        put("f", *mode == 'w' ? "" : wanted);
+        const Mm f = fopen(TM("f"), TM(mode));
+        if (*mode == 'w') fwrite(f, TM(wanted.c_str())), fflush(f), wanted = bytes("f");
+        fseek(f, start, -1.0);
+        ASSERT_SAME(fwrite(f, row(x), TM(k.names[0]), skip), double(n));
+        const Mm end = ftell(f);
+        fclose(f);
+        size_t at = *mode == 'a' ? wanted.size() : size_t(start);
+        for (double v : x) {
+            if (wanted.size() < at + size_t(e)) wanted.resize(at + size_t(e));
+            wanted.replace(at, size_t(e), encoded(k, v, kn::native_format == kn::big_endian));
+            at += size_t(e + (*mode == 'a' ? 0 : skip));
+        }
+        ASSERT_TRUE(bytes("f") == wanted) << mode << " " << k.names[0] << " " << n << " at " << start;
+        if (*mode == 'a' && n > 0) at += size_t(skip);
+        ASSERT_TRUE((*mode == 'a' && n == 0) || test::same(end, double(at)));
+    }
+}
+
+#ifdef __linux__
+TEST_F(Numbers, a_pipe_gives_what_it_has) {
+    const std::string sent = noise(300000);
+    put("sent", sent);
+    struct Pipe {
+        std::FILE *from = popen("cat sent", "r");
+        const Mm fid = fopen(TM(("/dev/fd/" + std::to_string(fileno(from))).c_str()));
+        ~Pipe() { pclose(from); }
+    } first, second;
+    const Mm f = first.fid;
+    std::vector<double> head, tail, apart;
+    for (size_t k = 0; k < sent.size(); ++k)
+        (k < 3 ? head : tail).push_back(static_cast<unsigned char>(sent[k]));
+    EXPECT_SAME(fread(f, 3.0), col(head));
+    EXPECT_SAME(feof(f), 0);
+    EXPECT_SAME(fread(f), col(tail));
+    EXPECT_SAME(feof(f), 1);
+    Mm a, count;
+    fread(second.fid, row({2, INFINITY}), TM("uint8"), 2000, i_o, a, count);
+    for (size_t k = 0; k < sent.size(); k += 2001) apart.push_back(static_cast<unsigned char>(sent[k]));
+    EXPECT_SAME(a, reshape(col(apart), 2, double(apart.size()) / 2));
+    EXPECT_SAME(count, double(apart.size()));
+    EXPECT_GT(fread(fopen(TM("/proc/self/status"))).size(), 100) << "a file that tells no size";
+}
+#endif
+
 TEST_F(Numbers, written_by_hand) {
     const Mm f = fopen(TM("f"), TM("w+"));
     EXPECT_SAME(fwrite(f, M({{300, -1}, {1.9, 0}})), 4);

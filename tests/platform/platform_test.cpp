@@ -135,7 +135,8 @@ class Files : public testing::Test {
 TEST_F(Files, backslashes_separate_directories) {
     ASSERT_TRUE(os::make_directory("a") && os::make_directory("a\\b"));
     ASSERT_TRUE(write("a\\b\\new.txt", "one"));
-    EXPECT_TRUE(os::copy_file("a\\b/new.txt", "a\\copy") && os::rename_file("a\\copy", "a\\b\\moved"));
+    EXPECT_EQ(os::copy_file("a\\b/new.txt", "a\\copy"), os::Copied::all);
+    EXPECT_TRUE(os::rename_file("a\\copy", "a\\b\\moved"));
     EXPECT_EQ(read("a/b/moved"), "one");
     EXPECT_TRUE(os::is_directory("a\\b") && !os::is_directory("a\\b\\moved"));
     EXPECT_FALSE(write("missing\\x", "")) << "no file with a backslash in its name is made instead";
@@ -166,13 +167,22 @@ TEST_F(Files, names_as_given_come_first) {
 
 TEST_F(Files, failures_leave_files_whole) {
     ASSERT_TRUE(write("x", "text") && write("longer", "a longer text"));
-    EXPECT_FALSE(os::copy_file("x", "x") || os::copy_file("missing", "x"));
+    std::filesystem::create_hard_link("x", "hard");
+    std::filesystem::create_symlink("x", "soft");
+    for (const char *itself : {"x", "./x", "hard", "soft"})
+        EXPECT_EQ(os::copy_file("x", itself), os::Copied::no_target) << itself;
+    EXPECT_EQ(os::copy_file("missing", "x"), os::Copied::no_source);
     EXPECT_EQ(read("x"), "text");
-    EXPECT_FALSE(os::copy_file(".", "y") || os::file_exists("y") || os::open_file(".", "r"));
+    EXPECT_EQ(os::copy_file(".", "y"), os::Copied::no_source);
+    EXPECT_FALSE(os::file_exists("y") || os::open_file(".", "r"));
     EXPECT_FALSE(os::remove_file(".") || os::make_directory("x"));
     EXPECT_EQ(errno, EEXIST);
-    EXPECT_TRUE(os::copy_file("x", "longer"));
+    using std::filesystem::perms;
+    std::filesystem::permissions("x", perms::owner_all);
+    EXPECT_EQ(os::copy_file("x", "longer"), os::Copied::all);
     EXPECT_EQ(read("longer"), "text") << "nothing of the old contents stays";
+    EXPECT_EQ(os::copy_file("x", "new"), os::Copied::all);
+    EXPECT_EQ(std::filesystem::status("new").permissions(), perms::owner_all);
 }
 
 TEST_F(Files, directory_lists_every_entry_with_its_status) {

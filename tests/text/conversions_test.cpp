@@ -85,6 +85,9 @@ TEST(Conversions, bases) {
     EXPECT_EQ(text_of(dec2base(-3.0, 16.0)), "-");
     EXPECT_SAME(dec2base(Mm(), 1.0), setstr(Mm()));
     EXPECT_EQ(dec2bin(1e308).cols(), 1024);
+    EXPECT_EQ(text_of(dec2bin(std::ldexp(1, 52))), "1" + std::string(52, '0'));
+    EXPECT_EQ(text_of(dec2base(std::ldexp(1, 53) - 1, 3.0)), "1121202011211211122211100012101111");
+    EXPECT_EQ(text_of(dec2hex(col({std::ldexp(1, 64), 1e22}))), "0010000000000000000\n21E19E0C9BAB2400000");
     for (double base : std::initializer_list<double>{0.0, 1.4, -16.0, NAN})
         EXPECT_RAISES(dec2base(3.0, base), "dec2base: base must be 2 or more");
     for (double x : std::initializer_list<double>{NAN, HUGE_VAL})

@@ -156,6 +156,7 @@ TEST(StringFunctions, letters) {
                 bits({1, 1, 1, 0, 0}));
     EXPECT_SAME(isspace(row({32, 9})), bits({0, 0}));
     EXPECT_SAME(isstr(T("")), bits({1}));
+    EXPECT_SAME(deblank(setstr(U8({{'a', ' ', 'b', ' ', 0}}))), setstr(U8({{'a', ' ', 'b'}})));
 }
 
 } // namespace

@@ -1,0 +1,74 @@
+// Numbers and letters are the same whatever locale the program has chosen: one with a decimal comma in which
+// the small letter of I is none of ASCII.
+#include <clocale>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "files/folder.h"
+
+namespace {
+
+using test::row;
+
+class Locale : public test::Folder {
+  protected:
+    // All that makes text of numbers, or numbers of text.
+    static std::vector<std::string> answers() {
+        std::vector<std::string> told;
+        auto tell = [&](const Mm &m) { told.push_back(testing::PrintToString(m)); };
+        auto list = [](const Mm &x) { return test::cell_of(1, 1, {x}); };
+        const Mm x = row({1.5, -2.25e-30, 1e300, 123456.789});
+        for (const char *format :
+             {"%6.2f", "%d", "%g ", "%e ", "%010.3e", "%+G", "%#g", "%-9.1f|", "%x", "%c", "%5s", "%b"})
+            tell(sprintf(TM(format), list(x)));
+        for (const char *text :
+             {"1.5", "+1.5", "1.5e400", "0x1.8p1", "1.5 + 2.5i", "-INF", "+INFINITY", "NaN"}) {
+            tell(str2num(TM(text)));
+            tell(str2double(TM(text)));
+            tell(sscanf(TM(text), TM("%f")));
+        }
+        tell(num2str(x)), tell(mat2str(x)),
+            tell(hex2num(TM("\xa0"
+                            "4"))),
+            tell(version());
+        told.push_back(test::printed([&] { disp(x), display(list(1.5)), kn_printf("%g", 1.5); }));
+        told.push_back(test::raised([] { error("%g", 1.5); }));
+        tell(datestr(730000.75, 0)), tell(datenum(TM("12-FRI-JAN-2001 10:30:12.5"))),
+            tell(datenum(TM("1.7.2001")));
+        tell(upper(TM("i\xe9"))), tell(lower(TM("I"))), tell(isletter(TM("\xe9"))), tell(isspace(TM("\xa0")));
+
+        put("text.txt", "+1.5 0x1.8p1 Inf\n2 3.5 4");
+        tell(vbload(TM("text.txt")));
+        fprintf(fopen(TM("written"), TM("w")), TM("%8.3f"), list(x));
+        saveascii(TM("ascii"), list(x));
+        fclose(TM("all"));
+        for (const char *name : {"written", "ascii"}) told.push_back(bytes(name));
+        tell(fscanf(fopen(TM("text.txt")), TM("%f")));
+        fclose(TM("all"));
+        return told;
+    }
+};
+
+TEST_F(Locale, has_no_say) {
+#ifdef __linux__
+    const std::string make = "localedef -i tr_TR -f ISO-8859-9 '" + home() + "/tr_TR' >/dev/null 2>&1";
+    if (std::system(make.c_str()) != 0) GTEST_SKIP() << "no localedef with the sources of tr_TR";
+    kn::os::set_environment("LOCPATH", home().c_str());
+    const char *name = "tr_TR";
+#else
+    const char *name = "tr-TR";
+#endif
+    const std::vector<std::string> wanted = answers();
+    ASSERT_NE(std::setlocale(LC_ALL, name), nullptr);
+    const std::string comma = std::localeconv()->decimal_point;
+    const std::vector<std::string> got = answers();
+    const std::string after = std::localeconv()->decimal_point;
+    std::setlocale(LC_ALL, "C");
+    kn::os::set_environment("LOCPATH", nullptr);
+    EXPECT_EQ(comma, ",");
+    EXPECT_EQ(after, ",") << "the program keeps its locale";
+    EXPECT_EQ(got, wanted);
+}
+
+} // namespace
