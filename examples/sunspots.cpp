@@ -142,7 +142,7 @@ void sunspots(Mm file, Mm written) {
 
     // summary = {'years', length(x); 'mean', mean(x); 'median', median(x); 'deviation', std(x)};
     line(8), summary = (CL(TM("years")), length(x), semi, TM("mean"), mean(x), semi, TM("median"), median(x),
-                        semi, TM("deviation"), mstd(x));
+                        semi, TM("deviation"), stdM(x));
     // disp(summary)
     line(9), disp(summary);
     // high = x > 150;
@@ -178,7 +178,7 @@ void sunspots(Mm file, Mm written) {
              c(k).member("length"));
     }
     // odd = abs(m(:,3) - mean(m(:,3))) > 2 * std(m(:,3));
-    line(23), odd = abs(m(c_p, 3) - mean(m(c_p, 3))) > 2 * mstd(m(c_p, 3));
+    line(23), odd = abs(m(c_p, 3) - mean(m(c_p, 3))) > 2 * stdM(m(c_p, 3));
     // outlier = c(odd)
     line(24), outlier = c(odd), display(outlier);
     // c(odd) = [];
@@ -189,7 +189,7 @@ void sunspots(Mm file, Mm written) {
     // disp('without the outlier: years of rise, height of the peak, years in all')
     line(28), disp(TM("without the outlier: years of rise, height of the peak, years in all"));
     // table = num2cell([mean(m); std(m)]);
-    line(29), table = num2cell((BR(mean(m)), semi, mstd(m)));
+    line(29), table = num2cell((BR(mean(m)), semi, stdM(m)));
     // disp([{'cycles', 'rise', 'height', 'length'}; {'mean'; 'deviation'} table])
     line(30), disp((BR((CL(TM("cycles")), TM("rise"), TM("height"), TM("length"))), semi,
                     (CL(TM("mean")), semi, TM("deviation")), table));

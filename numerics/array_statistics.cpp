@@ -66,9 +66,9 @@ Mm var(const Mm &x) { return var(x, 0.0); }
 Mm var(const Mm &x, const Mm &flag) { return variance("var", x, flag, x.nsingleton()); }
 Mm var(const Mm &x, const Mm &flag, const Mm &dim) { return variance("var", x, flag, dim); }
 
-Mm mstd(const Mm &x) { return mstd(x, 0.0); }
-Mm mstd(const Mm &x, const Mm &flag) { return sqrt(variance("std", x, flag, x.nsingleton())); }
-Mm mstd(const Mm &x, const Mm &flag, const Mm &dim) { return sqrt(variance("std", x, flag, dim)); }
+Mm stdM(const Mm &x) { return stdM(x, 0.0); }
+Mm stdM(const Mm &x, const Mm &flag) { return sqrt(variance("std", x, flag, x.nsingleton())); }
+Mm stdM(const Mm &x, const Mm &flag, const Mm &dim) { return sqrt(variance("std", x, flag, dim)); }
 
 Mm cov(const Mm &x) { return covariance_of_columns(x, 0.0); }
 

@@ -126,9 +126,9 @@ QUORVEX_API Mm mean(const Mm &x, const Mm &dim);
 QUORVEX_API Mm var(const Mm &x);
 QUORVEX_API Mm var(const Mm &x, const Mm &flag);
 QUORVEX_API Mm var(const Mm &x, const Mm &flag, const Mm &dim);
-QUORVEX_API Mm mstd(const Mm &x);
-QUORVEX_API Mm mstd(const Mm &x, const Mm &flag);
-QUORVEX_API Mm mstd(const Mm &x, const Mm &flag, const Mm &dim);
+QUORVEX_API Mm stdM(const Mm &x);
+QUORVEX_API Mm stdM(const Mm &x, const Mm &flag);
+QUORVEX_API Mm stdM(const Mm &x, const Mm &flag, const Mm &dim);
 
 // The covariance matrix of the columns of x; of a vector the variance; of x and y that of their elements, as
 // two columns. A last input of one element beside an x of several is the flag. "cov: x and y must have the
@@ -154,46 +154,46 @@ QUORVEX_API Mm cumtrapz(const Mm &y);
 QUORVEX_API Mm cumtrapz(const Mm &x, const Mm &y);
 QUORVEX_API Mm cumtrapz(const Mm &x, const Mm &y, const Mm &dim);
 
-#define QUORVEX_ARRAY_COUNTS(ROW)                                           \
-    ROW(isstruct, "whether a value is a structure", 1)                      \
-    ROW(iscell, "whether a value is a cell", 1)                             \
-    ROW(islogical, "whether a value is logical", 1)                         \
-    ROW(iscomplex, "whether a value has an imaginary part", 1)              \
-    ROW(isvector, "whether a value is a row or a column", 1)                \
-    ROW(isreal, "whether a value is real numbers or text", 1)               \
-    ROW(isnumeric, "whether a value is numbers", 1)                         \
-    ROW(ischar, "whether a value is text", 1)                               \
-    ROW(isempty, "whether a value has no elements", 1)                      \
-    ROW(isequal, "whether all values are the same", 2, 3, 4)                \
-    ROW(size, "extents of an array", 1, 2)                                  \
-    ROW(length, "largest extent of an array", 1)                            \
-    ROW(ndims, "number of dimensions", 1)                                   \
-    ROW(numel, "number of elements", 1)                                     \
-    ROW(reshape, "the same elements in another shape", 2, 3, 4, 5)          \
-    ROW(squeeze, "without extents of 1 beyond two dimensions", 1)           \
-    ROW(permute, "dimensions in another order", 2)                          \
-    ROW(ipermute, "the inverse of permute", 2)                              \
-    ROW(transpose, "rows become columns", 1)                                \
-    ROW(ctranspose, "conjugate transpose", 1)                               \
-    ROW(fliplr, "columns in reverse order", 1)                              \
-    ROW(flipud, "rows in reverse order", 1)                                 \
-    ROW(rot90, "matrix turned by quarters", 1, 2)                           \
-    ROW(repmat, "an array laid side by side", 2, 3, 4, 5)                   \
-    ROW(diag, "diagonal of a matrix, or a diagonal matrix", 1, 2)           \
-    ROW(tril, "lower triangle", 1, 2)                                       \
-    ROW(triu, "upper triangle", 1, 2)                                       \
-    ROW(meshgrid, "coordinates of a grid, x along the columns", 1, 2, 3)    \
-    ROW(ndgrid, "coordinates of a grid, axis k along dimension k", 1, 2, 3) \
-    ROW(ind2sub, "positions to subscripts", 2)                              \
-    ROW(sub2ind, "subscripts to positions", 2, 3, 4, 5)                     \
-    ROW(find, "positions of the nonzero elements", 1)                       \
-    ROW(mean, "mean", 1, 2)                                                 \
-    ROW(var, "variance", 1, 2, 3)                                           \
-    ROW(mstd, "standard deviation", 1, 2, 3)                                \
-    ROW(cov, "covariance matrix", 1, 2, 3)                                  \
-    ROW(dot, "scalar product", 2, 3)                                        \
-    ROW(cross, "vector product", 2, 3)                                      \
-    ROW(trapz, "integral by trapezoids", 1, 2, 3)                           \
+#define QUORVEX_ARRAY_COUNTS(ROW)                                                                           \
+    ROW(isstruct, "whether a value is a structure", 1)                                                      \
+    ROW(iscell, "whether a value is a cell", 1)                                                             \
+    ROW(islogical, "whether a value is logical", 1)                                                         \
+    ROW(iscomplex, "whether a value has an imaginary part", 1)                                              \
+    ROW(isvector, "whether a value is a row or a column", 1)                                                \
+    ROW(isreal, "whether a value is real numbers or text", 1)                                               \
+    ROW(isnumeric, "whether a value is numbers", 1)                                                         \
+    ROW(ischar, "whether a value is text", 1)                                                               \
+    ROW(isempty, "whether a value has no elements", 1)                                                      \
+    ROW(isequal, "whether all values are the same", 2, 3, 4)                                                \
+    ROW(size, "extents of an array", 1, 2, 1_to_2, 1_to_3, 1_to_4)                                          \
+    ROW(length, "largest extent of an array", 1)                                                            \
+    ROW(ndims, "number of dimensions", 1)                                                                   \
+    ROW(numel, "number of elements", 1)                                                                     \
+    ROW(reshape, "the same elements in another shape", 2, 3, 4, 5)                                          \
+    ROW(squeeze, "without extents of 1 beyond two dimensions", 1)                                           \
+    ROW(permute, "dimensions in another order", 2)                                                          \
+    ROW(ipermute, "the inverse of permute", 2)                                                              \
+    ROW(transpose, "rows become columns", 1)                                                                \
+    ROW(ctranspose, "conjugate transpose", 1)                                                               \
+    ROW(fliplr, "columns in reverse order", 1)                                                              \
+    ROW(flipud, "rows in reverse order", 1)                                                                 \
+    ROW(rot90, "matrix turned by quarters", 1, 2)                                                           \
+    ROW(repmat, "an array laid side by side", 2, 3, 4, 5)                                                   \
+    ROW(diag, "diagonal of a matrix, or a diagonal matrix", 1, 2)                                           \
+    ROW(tril, "lower triangle", 1, 2)                                                                       \
+    ROW(triu, "upper triangle", 1, 2)                                                                       \
+    ROW(meshgrid, "coordinates of a grid, x along the columns", 1, 2, 3, 1_to_2, 2_to_2, 1_to_3, 3_to_3)    \
+    ROW(ndgrid, "coordinates of a grid, axis k along dimension k", 1, 2, 3, 1_to_2, 2_to_2, 1_to_3, 3_to_3) \
+    ROW(ind2sub, "positions to subscripts", 2, 2_to_2, 2_to_3, 2_to_4)                                      \
+    ROW(sub2ind, "subscripts to positions", 2, 3, 4, 5)                                                     \
+    ROW(find, "positions of the nonzero elements", 1, 1_to_2, 1_to_3)                                       \
+    ROW(mean, "mean", 1, 2)                                                                                 \
+    ROW(var, "variance", 1, 2, 3)                                                                           \
+    ROW(stdM, "standard deviation", 1, 2, 3)                                                                \
+    ROW(cov, "covariance matrix", 1, 2, 3)                                                                  \
+    ROW(dot, "scalar product", 2, 3)                                                                        \
+    ROW(cross, "vector product", 2, 3)                                                                      \
+    ROW(trapz, "integral by trapezoids", 1, 2, 3)                                                           \
     ROW(cumtrapz, "running integral by trapezoids", 1, 2, 3)
 QUORVEX_ARRAY_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

@@ -1,39 +1,75 @@
-// The rows of functions. Each header lists its functions with a description and the numbers of inputs they
-// take:
+// The rows of functions. Each header lists its functions, each with one line of help and its forms:
 //
-//     #define QUORVEX_..._COUNTS(ROW) ROW(lt, "less", 2) ROW(max, "largest element", 1, 2, 3)
+//     ROW(lt, "less", 2)
+//     ROW(max, "largest element", 1, 2, 3, 1_to_2, 3_to_2)
+//     ROW(disp, "shows a value", 1_to_0)
+//     ROW(sprintf, "values as text by a format", 1, 2_list)
 //
-// and QUORVEX_REPORT_OTHER_COUNTS makes, from each row, the overload that takes every other count of values
-// and reports "%s does not accept %d input%s". From the same rows come the functions that can be called by
-// name, and their help (library.h).
+// A form is a number of inputs, and what becomes of them:
+//
+//     2           one value
+//     2_to_3      three outputs: f(a, b, i_o, x, y, z)
+//     2_to_0      no value
+//     2_list      the second input is a cell, which a call by name makes of all inputs from the second on
+//     2_list_to_0 the same, and no value
+//     1_names     behind the first input any number of variables, which the language writes by their names:
+//                 save f x y. No value
+//
+// QUORVEX_REPORT_OTHER_COUNTS makes, from each row, the overload that takes every other number of values and
+// reports "%s does not accept %d input%s". From the same rows come the functions that can be called by name,
+// and their help (library.h).
 #ifndef QUORVEX_COUNTS_H
 #define QUORVEX_COUNTS_H
 
 #include "quorvex/messages.h"
 
 namespace kn {
+struct form {
+    enum kinds { plain, list, names };
+    int inputs, outputs;
+    kinds kind;
+    constexpr form(int in, int out = 1, kinds k = plain) : inputs(in), outputs(out), kind(k) {}
+};
+
 template <class T>
 concept value_like = requires(const T &x) {
     static_cast<Mm>(x);
 };
 
-template <size_t n, size_t... legal> inline constexpr bool other_count = ((n != legal) && ...);
+template <size_t n, form... f>
+inline constexpr bool other_count = ((n != f.inputs || f.outputs > 1 || f.kind == form::names) && ...);
 } // namespace kn
 
-// A row without counts is a function that only has forms with outputs.
+consteval kn::form operator""_to_0(unsigned long long n) { return {static_cast<int>(n), 0}; }
+consteval kn::form operator""_to_2(unsigned long long n) { return {static_cast<int>(n), 2}; }
+consteval kn::form operator""_to_3(unsigned long long n) { return {static_cast<int>(n), 3}; }
+consteval kn::form operator""_to_4(unsigned long long n) { return {static_cast<int>(n), 4}; }
+consteval kn::form operator""_to_5(unsigned long long n) { return {static_cast<int>(n), 5}; }
+consteval kn::form operator""_to_6(unsigned long long n) { return {static_cast<int>(n), 6}; }
+consteval kn::form operator""_list(unsigned long long n) { return {static_cast<int>(n), 1, kn::form::list}; }
+consteval kn::form operator""_list_to_0(unsigned long long n) {
+    return {static_cast<int>(n), 0, kn::form::list};
+}
+consteval kn::form operator""_names(unsigned long long n) {
+    return {static_cast<int>(n), 0, kn::form::names};
+}
+
+// Reports by error_input under the name that the language has for this function; gives 0.
+QUORVEX_API Mm kn_other_count(const char *function, int inputs);
+
 #define QUORVEX_REPORT_OTHER_COUNTS(name, description, ...)                                             \
     template <class... A>                                                                               \
     requires(kn::other_count<sizeof...(A) __VA_OPT__(, ) __VA_ARGS__> && (kn::value_like<A> && ...)) Mm \
     name(const A &...) {                                                                                \
-        return error_input(#name, static_cast<int>(sizeof...(A)));                                      \
+        return kn_other_count(#name, static_cast<int>(sizeof...(A)));                                   \
     }
 
 // The functions of messages.h; start and end are left out, since they end the process.
-#define QUORVEX_MESSAGE_COUNTS(ROW)               \
-    ROW(error, "reports an error", 1)             \
-    ROW(warning, "gives a warning", 0, 1)         \
-    ROW(lasterr, "text of the last error", 0, 1)  \
-    ROW(mfilename, "name of the running file", 0) \
+#define QUORVEX_MESSAGE_COUNTS(ROW)                   \
+    ROW(error, "reports an error", 1_to_0)            \
+    ROW(warning, "gives a warning", 0, 1_to_0)        \
+    ROW(lasterr, "text of the last error", 0, 1_to_0) \
+    ROW(mfilename, "name of the running file", 0)     \
     ROW(mfileline, "line of the running file", 0)
 QUORVEX_MESSAGE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

@@ -69,18 +69,18 @@ QUORVEX_API Mm calendar(const Mm &y, const Mm &m);
 
 QUORVEX_API Mm eomday(const Mm &y, const Mm &m); // the number of the last day of a month
 
-#define QUORVEX_DATE_COUNTS(ROW)                        \
-    ROW(clockM, "date and time as a vector", 0)         \
-    ROW(now, "date and time as a date number", 0)       \
-    ROW(date, "date as text", 0)                        \
-    ROW(tic, "starts the stopwatch", 0)                 \
-    ROW(toc, "seconds on the stopwatch", 0)             \
-    ROW(etime, "seconds between date vectors", 2)       \
-    ROW(datenum, "date as a number of days", 1, 3, 6)   \
-    ROW(datevec, "year, month, day, time of a date", 1) \
-    ROW(datestr, "date as text", 1, 2)                  \
-    ROW(weekday, "day of the week", 1)                  \
-    ROW(calendar, "days of a month in weeks", 0, 1, 2)  \
+#define QUORVEX_DATE_COUNTS(ROW)                                \
+    ROW(clockM, "date and time as a vector", 0)                 \
+    ROW(now, "date and time as a date number", 0)               \
+    ROW(date, "date as text", 0)                                \
+    ROW(tic, "starts the stopwatch", 0_to_0)                    \
+    ROW(toc, "seconds on the stopwatch", 0)                     \
+    ROW(etime, "seconds between date vectors", 2)               \
+    ROW(datenum, "date as a number of days", 1, 3, 6)           \
+    ROW(datevec, "year, month, day, time of a date", 1, 1_to_6) \
+    ROW(datestr, "date as text", 1, 2)                          \
+    ROW(weekday, "day of the week", 1, 1_to_2)                  \
+    ROW(calendar, "days of a month in weeks", 0, 1, 2)          \
     ROW(eomday, "last day of a month", 2)
 QUORVEX_DATE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

@@ -79,22 +79,22 @@ QUORVEX_API kn_input_hook kn_set_input_handler(kn_input_hook f);
 QUORVEX_API kn_kbhit_hook kn_set_kbhit_handler(kn_kbhit_hook f);
 QUORVEX_API kn_clc_hook kn_set_clc_handler(kn_clc_hook f);
 
-#define QUORVEX_DISPLAY_COUNTS(ROW)                            \
-    ROW(format, "short or long display of numbers", 0, 1, 2)   \
-    ROW(disp, "shows a value", 1)                              \
-    ROW(puts, "shows a value", 1)                              \
-    ROW(display, "shows a value with its name", 1)             \
-    ROW(disp_header, "shows name and size of a value", 1)      \
-    ROW(celldisp, "shows each element of a cell", 1)           \
-    ROW(dump, "shows the internals of a value", 1)             \
-    ROW(get_whos_line, "size and class of a value as text", 1) \
-    ROW(num2str, "numbers as text", 1, 2)                      \
-    ROW(input, "asks the user for a line", 1, 2)               \
-    ROW(pauseM, "waits for a key", 0)                          \
-    ROW(clc, "clears the screen", 0)                           \
-    ROW(home, "cursor to the top left corner", 0)              \
-    ROW(usage, "prints how something is used", 1)              \
-    ROW(smiley, "prints a smile", 0)
+#define QUORVEX_DISPLAY_COUNTS(ROW)                                         \
+    ROW(format, "short or long display of numbers", 0_to_0, 1_to_0, 2_to_0) \
+    ROW(disp, "shows a value", 1_to_0)                                      \
+    ROW(puts, "shows a value", 1_to_0)                                      \
+    ROW(display, "shows a value with its name", 1_to_0)                     \
+    ROW(disp_header, "shows name and size of a value", 1_to_0)              \
+    ROW(celldisp, "shows each element of a cell", 1_to_0)                   \
+    ROW(dump, "shows the internals of a value", 1_to_0)                     \
+    ROW(get_whos_line, "size and class of a value as text", 1)              \
+    ROW(num2str, "numbers as text", 1, 2, 1_to_2, 2_to_2)                   \
+    ROW(input, "asks the user for a line", 1, 2)                            \
+    ROW(pauseM, "waits for a key", 0_to_0)                                  \
+    ROW(clc, "clears the screen", 0_to_0)                                   \
+    ROW(home, "cursor to the top left corner", 0_to_0)                      \
+    ROW(usage, "prints how something is used", 1_to_0)                      \
+    ROW(smiley, "prints a smile", 0_to_0)
 QUORVEX_DISPLAY_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -83,11 +83,11 @@ QUORVEX_API Mm addpath(const Mm &list);
     ROW(feval, "calls a function by its name", 1, 2, 3, 4, 5) \
     ROW(inputname, "name of an input, always empty", 1)       \
     ROW(nargchk, "checks a number of inputs", 3)              \
-    ROW(fcnchk, "checks a function argument")                 \
-    ROW(prefcnchk, "checks a function argument")              \
-    ROW(matlabpath, "the M path", 0, 1)                       \
-    ROW(path, "the M path", 0, 1, 2)                          \
-    ROW(addpath, "directories in front of the M path", 1)
+    ROW(fcnchk, "checks a function argument", 2_to_2)         \
+    ROW(prefcnchk, "checks a function argument", 4_to_2)      \
+    ROW(matlabpath, "the M path", 0, 1_to_0)                  \
+    ROW(path, "the M path", 0, 1_to_0, 2_to_0)                \
+    ROW(addpath, "directories in front of the M path", 1_list_to_0)
 QUORVEX_EVALUATION_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

@@ -146,34 +146,34 @@ QUORVEX_API Mm tempdir();              // the directory of temporary files, with
 QUORVEX_API Mm tempname();             // a name in it that no file has
 QUORVEX_API Mm getenv(const Mm &name); // of an environment variable; the empty text when it isn't set
 
-#define QUORVEX_FILE_COUNTS(ROW)                                     \
-    ROW(fopen, "opens a file", 1, 2, 3)                              \
-    ROW(fclose, "closes a file", 1)                                  \
-    ROW(stderrM, "fid of standard error", 0)                         \
-    ROW(fgets, "reads a line with its newline", 1, 2)                \
-    ROW(fgetl, "reads a line", 1)                                    \
-    ROW(feof, "whether the end of a file was met", 1)                \
-    ROW(ferror, "whether a file had an error", 1, 2)                 \
-    ROW(fflush, "writes out what a file still holds back", 1)        \
-    ROW(fread, "reads numbers from a file", 1, 2, 3, 4, 5)           \
-    ROW(fwrite, "writes numbers to a file", 2, 3, 4, 5)              \
-    ROW(fseek, "moves within a file", 3)                             \
-    ROW(ftell, "position in a file", 1)                              \
-    ROW(frewind, "moves to the beginning of a file", 1)              \
-    ROW(dir, "entries of a directory", 0, 1)                         \
-    ROW(ls, "prints the entries of a directory", 0, 1)               \
-    ROW(mkdir, "makes a directory", 1)                               \
-    ROW(rmdir, "removes a directory", 1)                             \
-    ROW(cd, "the current directory, or another one", 0, 1)           \
-    ROW(chdir, "changes the current directory", 1)                   \
-    ROW(pwd, "the current directory", 0)                             \
-    ROW(deleteM, "removes a file", 1)                                \
-    ROW(copyfile, "copies a file", 2)                                \
-    ROW(filesep, "what stands between the parts of a name", 0)       \
-    ROW(pathsep, "what stands between the directories of a path", 0) \
-    ROW(fullfile, "name of a file from its parts", 1)                \
-    ROW(tempdir, "directory of temporary files", 0)                  \
-    ROW(tempname, "name for a temporary file", 0)                    \
+#define QUORVEX_FILE_COUNTS(ROW)                                                                   \
+    ROW(fopen, "opens a file", 1, 2, 3, 1_to_2, 2_to_2, 3_to_2, 1_to_3)                            \
+    ROW(fclose, "closes a file", 1)                                                                \
+    ROW(stderrM, "fid of standard error", 0)                                                       \
+    ROW(fgets, "reads a line with its newline", 1, 2)                                              \
+    ROW(fgetl, "reads a line", 1)                                                                  \
+    ROW(feof, "whether the end of a file was met", 1)                                              \
+    ROW(ferror, "whether a file had an error", 1, 2, 1_to_2, 2_to_2)                               \
+    ROW(fflush, "writes out what a file still holds back", 1)                                      \
+    ROW(fread, "reads numbers from a file", 1, 2, 3, 4, 5, 1_to_2, 2_to_2, 3_to_2, 4_to_2, 5_to_2) \
+    ROW(fwrite, "writes numbers to a file", 2, 3, 4, 5)                                            \
+    ROW(fseek, "moves within a file", 3)                                                           \
+    ROW(ftell, "position in a file", 1)                                                            \
+    ROW(frewind, "moves to the beginning of a file", 1)                                            \
+    ROW(dir, "entries of a directory", 0, 1)                                                       \
+    ROW(ls, "prints the entries of a directory", 0_to_0, 1_to_0)                                   \
+    ROW(mkdir, "makes a directory", 1)                                                             \
+    ROW(rmdir, "removes a directory", 1)                                                           \
+    ROW(cd, "the current directory, or another one", 0, 1)                                         \
+    ROW(chdir, "changes the current directory", 1)                                                 \
+    ROW(pwd, "the current directory", 0)                                                           \
+    ROW(deleteM, "removes a file", 1_to_0)                                                         \
+    ROW(copyfile, "copies a file", 2)                                                              \
+    ROW(filesep, "what stands between the parts of a name", 0)                                     \
+    ROW(pathsep, "what stands between the directories of a path", 0)                               \
+    ROW(fullfile, "name of a file from its parts", 1_list)                                         \
+    ROW(tempdir, "directory of temporary files", 0)                                                \
+    ROW(tempname, "name for a temporary file", 0)                                                  \
     ROW(getenv, "environment variable", 1)
 QUORVEX_FILE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

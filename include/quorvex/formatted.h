@@ -59,12 +59,12 @@ QUORVEX_API Mm fscanf(const Mm &fid, const Mm &fmt, i_o_t, Mm &a, Mm &count, Mm 
 QUORVEX_API Mm fscanf(const Mm &fid, const Mm &fmt, const Mm &size, i_o_t, Mm &a, Mm &count);
 QUORVEX_API Mm fscanf(const Mm &fid, const Mm &fmt, const Mm &size, i_o_t, Mm &a, Mm &count, Mm &msg);
 
-#define QUORVEX_FORMATTED_COUNTS(ROW)                   \
-    ROW(sprintf, "values as text by a format", 1, 2)    \
-    ROW(fprintf, "text by a format to a file", 1, 2, 3) \
-    ROW(printf, "prints text by a format", 1, 2)        \
-    ROW(sscanf, "reads a text by a format", 2, 3)       \
-    ROW(fscanf, "reads a file by a format", 2, 3)
+#define QUORVEX_FORMATTED_COUNTS(ROW)                                                             \
+    ROW(sprintf, "values as text by a format", 1, 2_list)                                         \
+    ROW(fprintf, "text by a format to a file", 1_to_0, 2_to_0, 3_list_to_0)                       \
+    ROW(printf, "prints text by a format", 1_to_0, 2_list_to_0)                                   \
+    ROW(sscanf, "reads a text by a format", 2, 3, 2_to_2, 2_to_3, 2_to_4, 3_to_2, 3_to_3, 3_to_4) \
+    ROW(fscanf, "reads a file by a format", 2, 3, 2_to_2, 2_to_3, 3_to_2, 3_to_3)
 QUORVEX_FORMATTED_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

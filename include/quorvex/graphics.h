@@ -14,8 +14,8 @@ QUORVEX_API Mm setapplicationhandle(void *window);
 QUORVEX_API Mm setapplicationkeyhandle(void *window);
 
 #define QUORVEX_GRAPHICS_COUNTS(ROW)                          \
-    ROW(drawnow, "performs pending drawing", 0)               \
-    ROW(guiexit, "closes the windows", 1)                     \
+    ROW(drawnow, "performs pending drawing", 0_to_0)          \
+    ROW(guiexit, "closes the windows", 1_to_0)                \
     ROW(waitforbuttonpress, "waits for a button or a key", 0) \
     ROW(checkforbuttonpress, "whether a button or a key is pressed", 0)
 QUORVEX_GRAPHICS_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)

@@ -51,13 +51,13 @@ QUORVEX_API Mm saveascii(const Mm &name, const Mm &list);
 // name (39 characters), its extents, the bytes of its data and []. An empty cell when there are none.
 QUORVEX_API Mm kn_matfile_variables(const Mm &name);
 
-#define QUORVEX_MATFILE_COUNTS(ROW)                           \
-    ROW(load, "loads variables from a file", 1)               \
-    ROW(vbload, "the first value of a file", 1)               \
-    ROW(save, "saves values in a MAT-file", 2)                \
-    ROW(vbsave, "saves values in a MAT-file", 1)              \
-    ROW(saveV4, "saves matrices in a MAT-file of level 4", 2) \
-    ROW(saveascii, "saves matrices as text", 2)
+#define QUORVEX_MATFILE_COUNTS(ROW)                                         \
+    ROW(load, "loads variables from a file", 1, 1_names)                    \
+    ROW(vbload, "the first value of a file", 1)                             \
+    ROW(save, "saves values in a MAT-file", 2_to_0, 1_names)                \
+    ROW(vbsave, "saves values in a MAT-file", 1_list_to_0)                  \
+    ROW(saveV4, "saves matrices in a MAT-file of level 4", 2_to_0, 1_names) \
+    ROW(saveascii, "saves matrices as text", 2_to_0, 1_names)
 QUORVEX_MATFILE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

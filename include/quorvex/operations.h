@@ -63,7 +63,7 @@
     ROW(kn_isnan, "where elements are NaN", 1) \
     ROW(log, "natural logarithm", 1) \
     ROW(log10, "common logarithm", 1) \
-    ROW(log2, "logarithm to base 2, or mantissa and exponent", 1) \
+    ROW(log2, "logarithm to base 2, or mantissa and exponent", 1, 1_to_2) \
     ROW(mnot, "where elements are zero", 1) \
     ROW(msqrt, "square root", 1) \
     ROW(real, "real part", 1) \
@@ -283,14 +283,14 @@ double round(T x) { return kn::round_real(x); }
     QUORVEX_UNARY_FUNCTIONS(ROW)                                                         \
     QUORVEX_BINARY_FUNCTIONS(ROW)                                                        \
     QUORVEX_REDUCTION_FUNCTIONS(ROW) \
-    ROW(max, "largest element", 1, 2, 3) \
-    ROW(min, "smallest element", 1, 2, 3) \
+    ROW(max, "largest element", 1, 2, 3, 1_to_2, 3_to_2) \
+    ROW(min, "smallest element", 1, 2, 3, 1_to_2, 3_to_2) \
     ROW(pow2, "power of two", 1, 2) \
     ROW(beta, "beta function", 2, 3) \
     ROW(betainc, "incomplete beta function", 3) \
     ROW(diff, "differences of neighbours", 1, 2, 3) \
     ROW(unwrap, "phase angles without jumps", 1, 2, 3) \
-    ROW(gradient, "slopes", 1, 2, 3) \
+    ROW(gradient, "slopes", 1, 2, 3, 1_to_2, 3_to_2) \
     ROW(del2, "discrete Laplacian", 1, 2, 3)
 // clang-format on
 QUORVEX_OPERATION_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)

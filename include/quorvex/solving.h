@@ -74,7 +74,7 @@ QUORVEX_API Mm ishermitian(const Mm &a);
     ROW(invdiv, "matrix division from the left", 2)                       \
     ROW(lusolve, "solves a sparse system in a given order of columns", 3) \
     ROW(mpower, "power of a matrix", 2)                                   \
-    ROW(lu, "triangular factors", 1)                                      \
+    ROW(lu, "triangular factors", 1, 1_to_2, 1_to_3)                      \
     ROW(lu_L, "lower triangular factor", 1)                               \
     ROW(lu_U, "upper triangular factor", 1)                               \
     ROW(inv, "inverse matrix", 1)                                         \

@@ -54,7 +54,7 @@ QUORVEX_API Mm mlogical(const Mm &x); // the language's `logical`; "logical: arg
     ROW(cellstr, "rows of text as a cell", 1)                  \
     ROW(iscellstr, "whether a value is a cell of texts", 1)    \
     ROW(num2cell, "each element in a cell of its own", 1)      \
-    ROW(mstruct, "structure from names and values", 1)         \
+    ROW(mstruct, "structure from names and values", 1_list)    \
     ROW(fieldnames, "names of the fields", 1)                  \
     ROW(isfield, "whether a structure has a field", 2)         \
     ROW(rmfield, "structure without a field", 2)               \

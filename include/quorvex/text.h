@@ -98,26 +98,26 @@ QUORVEX_API Mm str2num(const Mm &s);
 
 QUORVEX_API Mm setstr(const Mm &m); // a copy with the string flag set
 
-#define QUORVEX_TEXT_COUNTS(ROW)                                   \
-    ROW(strvcat, "texts as rows of one matrix", 1, 2, 3, 4, 5, 6)  \
-    ROW(strcat, "texts side by side", 1, 2, 3, 4, 5, 6)            \
-    ROW(blanks, "row of blanks", 1)                                \
-    ROW(strjust, "rows moved to one side", 1, 2)                   \
-    ROW(strcmp, "whether texts are equal", 2)                      \
-    ROW(strcmpi, "whether texts are equal but for the case", 2)    \
-    ROW(strncmp, "whether texts begin equal", 3)                   \
-    ROW(strncmpi, "whether texts begin equal but for the case", 3) \
-    ROW(strmatch, "rows that begin with a text", 2, 3)             \
-    ROW(findstr, "where a text is in another", 2)                  \
-    ROW(strrep, "text with another text in place of one", 3)       \
-    ROW(strtok, "first word of a text, and the rest", 1, 2)        \
-    ROW(upper, "text in upper case", 1)                            \
-    ROW(lower, "text in lower case", 1)                            \
-    ROW(isspace, "where the white space is", 1)                    \
-    ROW(isletter, "where the letters are", 1)                      \
-    ROW(isstr, "whether a value is text", 1)                       \
-    ROW(deblank, "text without trailing blanks", 1)                \
-    ROW(str2num, "numbers in a text", 1)                           \
+#define QUORVEX_TEXT_COUNTS(ROW)                                            \
+    ROW(strvcat, "texts as rows of one matrix", 1, 2, 3, 4, 5, 6)           \
+    ROW(strcat, "texts side by side", 1, 2, 3, 4, 5, 6)                     \
+    ROW(blanks, "row of blanks", 1)                                         \
+    ROW(strjust, "rows moved to one side", 1, 2)                            \
+    ROW(strcmp, "whether texts are equal", 2)                               \
+    ROW(strcmpi, "whether texts are equal but for the case", 2)             \
+    ROW(strncmp, "whether texts begin equal", 3)                            \
+    ROW(strncmpi, "whether texts begin equal but for the case", 3)          \
+    ROW(strmatch, "rows that begin with a text", 2, 3)                      \
+    ROW(findstr, "where a text is in another", 2)                           \
+    ROW(strrep, "text with another text in place of one", 3)                \
+    ROW(strtok, "first word of a text, and the rest", 1, 2, 1_to_2, 2_to_2) \
+    ROW(upper, "text in upper case", 1)                                     \
+    ROW(lower, "text in lower case", 1)                                     \
+    ROW(isspace, "where the white space is", 1)                             \
+    ROW(isletter, "where the letters are", 1)                               \
+    ROW(isstr, "whether a value is text", 1)                                \
+    ROW(deblank, "text without trailing blanks", 1)                         \
+    ROW(str2num, "numbers in a text", 1)                                    \
     ROW(setstr, "character codes as text", 1)
 QUORVEX_TEXT_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 

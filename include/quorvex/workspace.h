@@ -71,13 +71,13 @@ QUORVEX_API Mm whos(const Mm &keyword, const Mm &file);
 // there is none, on the console. Prints "Variable '%s' not found." for an unknown name.
 QUORVEX_API Mm openvar(const Mm &name);
 
-#define QUORVEX_WORKSPACE_COUNTS(ROW)                            \
-    ROW(clear, "forgets the variables of the function", 0)       \
-    ROW(exist, "what a name stands for", 1, 2)                   \
-    ROW(which, "where a name is found", 1)                       \
-    ROW(who, "names of the variables", 0, 2)                     \
-    ROW(whos, "names, sizes and classes of the variables", 0, 2) \
-    ROW(openvar, "shows a variable in the viewer", 1)
+#define QUORVEX_WORKSPACE_COUNTS(ROW)                                    \
+    ROW(clear, "forgets the variables of the function", 0_to_0, 0_names) \
+    ROW(exist, "what a name stands for", 1, 2)                           \
+    ROW(which, "where a name is found", 1)                               \
+    ROW(who, "names of the variables", 0, 2)                             \
+    ROW(whos, "names, sizes and classes of the variables", 0, 2)         \
+    ROW(openvar, "shows a variable in the viewer", 1_to_0)
 QUORVEX_WORKSPACE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

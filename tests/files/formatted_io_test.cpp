@@ -57,9 +57,9 @@ TEST(Fprintf, to_files_and_the_console) {
     // By name, with the arguments side by side.
     Mm out;
     Mm *const one[] = {&out};
-    EXPECT_PRINTS(kn_call_function("fprintf", list({T("%d%%\\n")}), 1, one), "");
-    EXPECT_PRINTS(kn_call_function("fprintf", list({1, T("%d-%s\\n"), 5, T("b")}), 1, one), "5-b");
-    EXPECT_PRINTS(kn_call_function("printf", list({T("1%%")}), 1, one), "1%");
+    EXPECT_PRINTS(kn_call_function("fprintf", list({T("%d%%\\n")}), 0, one), "");
+    EXPECT_PRINTS(kn_call_function("fprintf", list({1, T("%d-%s\\n"), 5, T("b")}), 0, one), "5-b");
+    EXPECT_PRINTS(kn_call_function("printf", list({T("1%%")}), 0, one), "1%");
     kn_call_function("sprintf", list({T("%d,%d"), 1, 2}), 1, one);
     EXPECT_SAME(out, T("1,2"));
     kn_call_function("sprintf", list({T("%d")}), 1, one);

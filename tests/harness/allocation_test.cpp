@@ -174,8 +174,8 @@ std::vector<Step> steps(const Inputs &inputs) {
         static const std::set<std::string> with_state = {"randM",  "randn", "randperm", "sprand", "sprandn",
                                                          "mkdir",  "rmdir", "cd",       "chdir",  "tempname",
                                                          "clockM", "now",   "toc",      "dir"};
-        if (!f.legal || with_state.count(f.name)) continue;
-        std::string name = f.name;
+        if (!f.form || with_state.count(f.about.name)) continue;
+        std::string name = f.title();
         for (const auto &arguments : argument_lists(inputs, f.count)) {
             std::string kinds;
             std::vector<Mm> values;

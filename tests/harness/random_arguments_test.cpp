@@ -66,7 +66,7 @@ class RandomArguments : public testing::Test {
         test::Warnings warnings;
         test::Unattended unattended;
         for (const test::Function &f : test::functions()) {
-            if (!f.legal) continue;
+            if (!f.form) continue;
             unattended.go_home();
             for (int round = 0; round < (f.count ? rounds : 1); ++round) {
                 std::vector<Mm> inputs, before;

@@ -417,14 +417,14 @@ TEST(ArrayHelpers, means_and_variances) {
     EXPECT_SAME(var(x), row({2, 18}));
     EXPECT_SAME(var(x, 1.0), row({1, 9}));
     EXPECT_SAME(var(x, 0.0, 2.0), col({0.5, 12.5}));
-    EXPECT_SAME(mstd(x, 1.0), row({1, 3}));
-    EXPECT_SAME(mstd(x, nop_M, 1.0), sqrt(row({2, 18})));
+    EXPECT_SAME(stdM(x, 1.0), row({1, 3}));
+    EXPECT_SAME(stdM(x, nop_M, 1.0), sqrt(row({2, 18})));
     EXPECT_SAME(var(complex_of(row({1, -1}), row({1, -1}))), Mm(4.0));
     EXPECT_SAME(var(7.0), Mm(0.0));
     EXPECT_SAME(var(ones(2, 3, 4), 0.0, 3.0), zeros(2, 3));
-    for (const Mm &none : {mean(Mm()), var(Mm()), mstd(Mm()), cov(Mm())}) EXPECT_SAME(none, Mm(NAN));
+    for (const Mm &none : {mean(Mm()), var(Mm()), stdM(Mm()), cov(Mm())}) EXPECT_SAME(none, Mm(NAN));
     EXPECT_RAISES(var(x, 2.0), "var: flag must be 0 or 1");
-    EXPECT_RAISES(mstd(named("x", x), 0.0, 5.0), "std: dimension=5 does not exist for matrix x");
+    EXPECT_RAISES(stdM(named("x", x), 0.0, 5.0), "std: dimension=5 does not exist for matrix x");
 
     EXPECT_SAME(cov(row({1, 2, 3})), Mm(1.0));
     EXPECT_SAME(cov(x), M({{2, 6}, {6, 18}}));

@@ -132,7 +132,8 @@ TEST(Library, every_form_of_a_function_can_be_called) {
     const std::pair<std::function<void()>, const char *> faults[] = {
         {[&] { call("nobody", CL(1.0), 1); }, "Undefined function 'nobody'"},
         {[&] { call("sin", (CL(1.0), 2.0), 1); }, "sin does not accept 2 inputs"},
-        {[&] { call("max", CL(1.0), 3); }, "Too many (3>2) outputs for max"}};
+        {[&] { call("max", CL(1.0), 3); }, "Too many (3>2) outputs for max"},
+        {[&] { call("format", TM("short"), 1); }, "Too many (1>0) outputs for format"}};
     for (const auto &[work, text] : faults) {
         EXPECT_RAISES(work(), text);
         test::Returning errors;
@@ -188,7 +189,7 @@ TEST_F(Path, directories_in_order) {
     kn_delete_path_record(mpath_pointer);
     for (const char *name : {"path", "matlabpath", "addpath"}) {
         Mm y, *out = &y;
-        EXPECT_RAISES(kn_call_function(name, CL(TM("a")), 1, &out),
+        EXPECT_RAISES(kn_call_function(name, CL(TM("a")), 0, &out),
                       "path is not available in compiled programs.");
     }
 }

@@ -2,8 +2,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <type_traits>
-#include <utility>
 
 #include "core/scratch.h"
 #include "platform/platform.h"
@@ -11,32 +9,21 @@
 namespace test {
 namespace {
 
-constexpr size_t max_count = 6;
-
-template <class F, size_t... k> Mm call(F f, const Mm *x, std::index_sequence<k...>) {
-    if constexpr (std::is_void_v<decltype(f(x[k]...))>) {
-        f(x[k]...);
-        return x_M;
-    } else {
-        return f(x[k]...);
-    }
-}
-
-template <size_t... legal, class F> void add(std::vector<Function> &list, const char *name, F) {
-    auto one = [&]<size_t n>(std::integral_constant<size_t, n>) {
-        list.push_back({name, static_cast<int>(n), ((n == legal) || ...),
-                        [](const Mm *x) { return call(F(), x, std::make_index_sequence<n>()); }});
-    };
-    [&]<size_t... n>(std::index_sequence<n...>) { (one(std::integral_constant<size_t, n>()), ...); }
-    (std::make_index_sequence<max_count + 1>());
-}
+constexpr int max_count = 6;
 
 std::vector<Function> make_list() {
     std::vector<Function> list;
-#define ROW(name, description, ...) \
-    add<__VA_ARGS__>(list, #name, [](const auto &...x) { return name(x...); });
-    QUORVEX_FUNCTIONS(ROW)
-#undef ROW
+    for (const kn::Function &f : kn::function_table()) {
+        unsigned legal = 0;
+        for (size_t k = 0; k < f.forms.size(); ++k) {
+            const kn::form &form = f.forms[k];
+            if (form.kind == kn::form::names) continue;
+            list.push_back({f.about, form.inputs, form.outputs, (*f.calls)[k]});
+            legal |= 1u << form.inputs;
+        }
+        for (int n = 0; n <= max_count; ++n)
+            if (!(legal >> n & 1)) list.push_back({f.about, n, 1, nullptr});
+    }
     return list;
 }
 

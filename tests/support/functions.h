@@ -1,5 +1,5 @@
-// Every function of the language with every count of inputs from 0 to 6, made from the rows of the headers:
-// for tests that call them all.
+// Every form of every function of the language, and every other count of inputs from 0 to 6, from the table
+// of functions: for tests that call them all.
 #ifndef QUORVEX_TESTS_FUNCTIONS_H
 #define QUORVEX_TESTS_FUNCTIONS_H
 
@@ -7,15 +7,24 @@
 #include <vector>
 
 #include "quorvex.h"
+#include "runtime/function_table.h"
 
 namespace test {
 
 struct Function {
-    const char *name;
-    int count;
-    bool legal;                   // whether the function takes so many inputs
-    Mm (*call)(const Mm *inputs); // x_M from one that answers nothing
-    std::string title() const { return std::string(name) + " with " + std::to_string(count); }
+    kn_function about;
+    int count, outputs;
+    kn::Call form; // null where the function does not take so many inputs
+
+    // The value, or the first output.
+    Mm call(const Mm *inputs) const {
+        Mm y[kn::max_outputs];
+        const Mm value = form(inputs, y);
+        return outputs > 1 ? y[0] : value;
+    }
+    std::string title() const {
+        return about.name + (" with " + std::to_string(count)) + " to " + std::to_string(outputs);
+    }
 };
 
 const std::vector<Function> &functions();
