@@ -17,7 +17,7 @@
 namespace kn {
 namespace {
 
-bool is_row_end(const Mm &x) { return x.issamename(kn_semi_name); }
+bool ends_row(const Mc &list, int k) { return !list.number(k) && list.item(k).issamename(kn_semi_name); }
 bool is_content(const Mm &x) { return x.rows() != 0 && x.cols() != 0; }
 
 // What the items have in common, and the size of the plain result.
@@ -30,9 +30,13 @@ struct Survey {
     explicit Survey(const Mc &list) {
         int n = list.count();
         for (int k = 0; k < n; k++) {
-            const Mm &x = list.item(k);
-            bool end = is_row_end(x);
-            if (!end) look_at(x);
+            bool end = ends_row(list, k);
+            if (list.number(k)) {
+                all_logical = false;
+                take(1, 1);
+            } else if (!end) {
+                look_at(list.item(k));
+            }
             if (end || k == n - 1) end_row();
         }
         all_logical = all_logical && any_logical;
@@ -70,7 +74,7 @@ struct Survey {
 // Columns of a plane of an item, with the first element at `to`; zeros for a plane that is not there. Nothing
 // is written at or behind `end`.
 void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, int cols) {
-    if (rows <= 4 && from && (cols - 1) * stride + rows <= end - to) {
+    if (rows <= 4 && rows <= stride && from && (cols - 1) * stride + rows <= end - to) {
         for (ptrdiff_t r = 0; r < rows; r++)
             for (int c = 0; c < cols; c++) to[r + c * stride] = from[r + c * rows];
         return;
@@ -90,18 +94,26 @@ void lay_items(const Mc &list, double *plane, int imaginary, int rows, ptrdiff_t
     ptrdiff_t row = 0, col = 0;
     int height = 0;
     for (int k = 0; k < list.count(); k++) {
-        const Mm &x = list.item(k);
-        if (is_row_end(x)) {
-            row += height;
-            col = height = 0;
-        } else if (is_content(x)) {
-            const double *from = imaginary ? x.addi() : x.addr();
-            if (from) from += static_cast<ptrdiff_t>(first) * x.rows();
-            lay(plane + row + (col + first) * rows, plane + n, rows, from, x.rows(),
-                std::min(x.cols() - first, most));
-            col += x.cols();
-            height = x.rows();
+        const double *from = list.number(k);
+        int m = 1, width = 1; // extents of the item
+        if (from) {
+            if (imaginary) from = nullptr;
+        } else {
+            const Mm &x = list.item(k);
+            if (x.issamename(kn_semi_name)) {
+                row += height;
+                col = height = 0;
+                continue;
+            }
+            if (!is_content(x)) continue;
+            from = imaginary ? x.addi() : x.addr();
+            m = x.rows();
+            width = x.cols();
         }
+        if (from) from += static_cast<ptrdiff_t>(first) * m;
+        lay(plane + row + (col + first) * rows, plane + n, rows, from, m, std::min(width - first, most));
+        col += width;
+        height = m;
     }
 }
 
@@ -140,7 +152,7 @@ Mm joined(const Mc &list) {
     };
     for (int k = 0; k < list.count(); k++) {
         const Mm &x = list.item(k);
-        if (is_row_end(x)) {
+        if (ends_row(list, k)) {
             end_row();
         } else {
             if (row.size() > 0)
@@ -167,8 +179,8 @@ bool are_numbers(const Mc &list, int &rows, int &cols) {
     int n = list.count(), width = 0;
     rows = cols = 0;
     for (int k = 0; k < n; k++) {
-        bool end = is_row_end(list.item(k));
-        if (!end && !is_number(list.item(k))) return false;
+        bool end = ends_row(list, k);
+        if (!end && !list.number(k) && !is_number(list.item(k))) return false;
         width += !end;
         if (!end && k < n - 1) continue;
         if (rows > 0 && width != cols) return false;
@@ -184,11 +196,11 @@ Mm of_numbers(const Mc &list, int rows, int cols) {
     if (lacks(out, rows * cols)) return x_M;
     ptrdiff_t at = 0;
     for (int k = 0; k < list.count(); k++) {
-        const Mm &x = list.item(k);
-        if (is_row_end(x)) {
+        const double *x = list.number(k);
+        if (!x && ends_row(list, k)) {
             at -= ptrdiff_t{rows} * cols - 1;
         } else {
-            out.addr()[at] = *x.addr();
+            out.addr()[at] = x ? *x : *list.item(k).addr();
             at += rows;
         }
     }
@@ -219,11 +231,11 @@ Mm braces_with_spliced(const Mc &list, int k);
 Mm braces(const Mc &list) {
     int n = list.count();
     for (int k = 0; k < n; k++)
-        if (is_argument_list(list.item(k))) return braces_with_spliced(list, k);
+        if (!list.number(k) && is_argument_list(list.item(k))) return braces_with_spliced(list, k);
 
     int rows = 0, cols = 0, width = 0;
     for (int k = 0; k < n; k++) {
-        bool end = is_row_end(list.item(k));
+        bool end = ends_row(list, k);
         if (!end) width++;
         if (!end && k < n - 1) continue;
         rows++;
@@ -235,7 +247,10 @@ Mm braces(const Mc &list) {
     if (size < 0 || lacks(out, size)) return x_M;
     int row = 1, col = 1;
     for (int k = 0; k < n; k++) {
-        if (is_row_end(list.item(k))) {
+        const double *x = list.number(k);
+        if (x) {
+            out.mr(row, col++) = *x;
+        } else if (ends_row(list, k)) {
             row++;
             col = 1;
         } else {

@@ -1,31 +1,25 @@
-// Comma lists: pointers to values that live until the end of the full expression. The first 16 stand in the
-// list itself; a longer list has an array on the C heap.
+// Comma lists: pointers to values that live until the end of the full expression, numbers and texts. The
+// first 16 items stand in the list itself; a longer list has an array on the C heap.
 #include <algorithm>
+#include <utility>
 
 #include "core/scratch.h"
+#include "quorvex/display.h"
 #include "quorvex/indexing.h"
+#include "quorvex/memory.h"
 #include "quorvex/messages.h"
+#include "quorvex/startup.h"
 
-namespace {
+Mc::Mc() : Mc(1, 0) {}
 
-constexpr int inline_capacity = 16;
-
-const Mm **pointers(int n) {
-    return static_cast<const Mm **>(kn::heap_alloc(sizeof(const Mm *) * static_cast<size_t>(n)));
-}
-
-} // namespace
-
-Mc::Mc() : items(inline_items), capacity(inline_capacity), last(-1), cell(1) {}
-
-Mc::Mc(int is_cell, const Mm &x) : items(inline_items), capacity(inline_capacity), last(0), cell(is_cell) {
-    inline_items[0] = &x;
-}
+Mc::Mc(int is_cell, const Mm &x) : Mc(is_cell, 0) { *this, x; }
+Mc::Mc(int is_cell, double x) : Mc(is_cell, 0) { *this, x; }
+Mc::Mc(int is_cell, const char *characters) : Mc(is_cell, 0) { append_text(characters); }
 
 // Without memory the copy is the empty list.
-Mc::Mc(const Mc &src) : items(inline_items), capacity(inline_capacity), last(-1), cell(src.cell) {
-    if (src.capacity > inline_capacity) {
-        const Mm **array = pointers(src.capacity);
+Mc::Mc(const Mc &src) : Mc(src.cell, 0) {
+    if (src.capacity > near_capacity) {
+        auto *array = static_cast<Item *>(kn::heap_alloc(sizeof(Item) * static_cast<size_t>(src.capacity)));
         if (!array) {
             kn::out_of_memory();
             return;
@@ -35,30 +29,64 @@ Mc::Mc(const Mc &src) : items(inline_items), capacity(inline_capacity), last(-1)
     }
     last = src.last;
     std::copy_n(src.items, last + 1, items);
+    for (int k = 0; k <= last; ++k)
+        if (items[k].kind != Item::borrowed) items[k].value = nullptr;
 }
 
-Mc::~Mc() {
-    if (capacity > inline_capacity) kn::heap_free(items);
+void Mc::release() {
+    for (int k = 0; made && k <= last; ++k)
+        if (items[k].kind != Item::borrowed && items[k].value != &nop_M) delete items[k].value;
+    if (capacity > near_capacity) kn::heap_free(items);
 }
 
-// Without memory the item is left out.
-Mc &Mc::operator,(const Mm &x) {
+// Room for one more item; null when memory is exhausted, and the item is left out.
+Mc::Item *Mc::next() {
     if (last + 1 == capacity) {
-        const Mm **longer = pointers(2 * capacity);
+        auto *longer = static_cast<Item *>(kn::heap_alloc(2 * sizeof(Item) * static_cast<size_t>(capacity)));
         if (!longer) {
             kn::out_of_memory();
-            return *this;
+            return nullptr;
         }
         std::copy_n(items, capacity, longer);
-        if (capacity > inline_capacity) kn::heap_free(items);
+        if (capacity > near_capacity) kn::heap_free(items);
         items = longer;
         capacity *= 2;
     }
-    items[++last] = &x;
+    return items + ++last;
+}
+
+Mc &Mc::operator,(const Mm &x) {
+    if (Item *item = next()) *item = {&x, {}, Item::borrowed};
     return *this;
+}
+
+Mc &Mc::operator,(double x) {
+    if (Item *item = next()) *item = {nullptr, {.x = x}, Item::number};
+    return *this;
+}
+
+Mc &Mc::append_text(const char *characters) {
+    if (Item *item = next()) *item = {nullptr, {.characters = characters}, Item::text};
+    return *this;
+}
+
+// Without memory the item is empty.
+const Mm &Mc::make(const Item &item) const {
+    Item &literal = const_cast<Item &>(item);
+    Mm value = item.kind == Item::number ? Mm(item.x) : TM(item.characters);
+    if (void *room = kn_block_alloc(sizeof(Mm))) {
+        literal.value = new (room) Mm(std::move(value));
+        made = 1;
+    } else {
+        kn::out_of_memory();
+        literal.value = &nop_M;
+    }
+    return *literal.value;
 }
 
 void Mc::operator=(const Mc &) { error("Mc=Mc called"); }
 
 Mc BR(const Mm &x) { return Mc(0, x); }
+Mc BR(double x) { return Mc(0, x); }
 Mc CL(const Mm &x) { return Mc(1, x); }
+Mc CL(double x) { return Mc(1, x); }

@@ -1,6 +1,10 @@
-// Storage that generated code uses: switch statements and argument counts.
+// What generated code uses: storage of switch statements and argument counts, literals, `end`.
 
-#include "quorvex/startup.h"
+#include "quorvex/generated.h"
+
+#include <algorithm>
+
+#include "core/header.h"
 
 constinit double nargin_val = 0, nargout_val = 0;
 constinit int nargin_set = 0, nargout_set = 0;
@@ -21,3 +25,37 @@ Mm switchinit(const Mm &x) {
     x.warn_uninit();
     return x;
 }
+
+namespace generated {
+
+Mm matrix(int rows, int cols, const double *re, const double *im) {
+    Mm out(im != nullptr, 0, 0, rows, cols, kn_double);
+    std::copy_n(re, out.getnnz(), out.addr());
+    if (out.isc()) std::copy_n(im, out.getnnz(), out.addi());
+    return out;
+}
+
+Mm text(int rows, int cols, const char *characters) {
+    Mm out(0, 0, 0, rows, cols, kn_double);
+    for (int k = 0; k < out.getnnz(); ++k)
+        *out.addr(k / cols + 1, k % cols + 1) = static_cast<unsigned char>(characters[k]);
+    out.setstr(1);
+    return out;
+}
+
+Mm texts(int rows, int cols, const char *const *list) {
+    Mm out(0, 0, 0, rows, cols, kn_Mm);
+    for (int k = 0; k < out.getnnz(); ++k) out.mr(k + 1) = TM(list[k]);
+    return out;
+}
+
+double end_of(const Mm &x, int k, int n) {
+    if (x.gettype() == kn_none || k < 1) return 0;
+    if (n > 1) return k <= 4 ? x.getdims()[k - 1] : 1;
+    const int *d = x.getdims();
+    return static_cast<double>(d[0]) * d[1] * d[2] * d[3];
+}
+
+double end_of(const Mr &x, int k, int n) { return end_of(Mm(x, 0), k, n); }
+
+} // namespace generated

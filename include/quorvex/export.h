@@ -2,6 +2,12 @@
 #ifndef QUORVEX_EXPORT_H
 #define QUORVEX_EXPORT_H
 
+#if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
+#error quorvex needs C++20: compile with -std=c++20 or later
+#define QUORVEX_STOP "quorvex needs C++20"
+#include QUORVEX_STOP // ends the compilation: each line behind this one would be an error of its own
+#endif
+
 #if defined(QUORVEX_STATIC_DEFINE)
 #define QUORVEX_API
 #elif defined(_WIN32)

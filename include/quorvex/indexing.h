@@ -76,6 +76,13 @@ class QUORVEX_API Mr {
 
     int size() const; // of the value read
 
+    template <class T>
+    requires kn::is_bool<T>
+    explicit operator T() const {
+        static_assert(!kn::is_bool<T>, "a value is no condition: write istrue(x), as in if (istrue(x(1)))");
+        return false;
+    }
+
   private:
     friend struct kn::RefAccess;
 
@@ -117,28 +124,60 @@ inline Mr Mm::member(const char *field) const { return Mr(*this, field); }
 // subsindex of its class. A cell or structure is reported, and gives an empty value.
 QUORVEX_API Mm subsindex(const Mm &x);
 
+// An item is a value, or a number or a text that is made into a value only when it is needed: a literal of
+// thousands of items costs the compiler of the program no temporary for each.
 class QUORVEX_API Mc {
   public:
     Mc();
     Mc(int cell, const Mm &x);
+    Mc(int cell, double x);
+    Mc(int cell, const char *text);
     Mc(const Mc &src);
-    ~Mc();
-    Mc &operator,(const Mm &x);    // appends; "Out of memory!"
+    ~Mc() {
+        if (capacity > near_capacity || made) release();
+    }
+    // Append; "Out of memory!".
+    Mc &operator,(const Mm &x);
+    Mc &operator,(double x);
+    template <size_t n> Mc &operator,(const char (&text)[n]) { return append_text(text); }
     void operator=(const Mc &src); // "Mc=Mc called"
 
     int count() const { return last + 1; }
     int is_cell() const { return cell; }
-    const Mm &item(int k) const { return *items[k]; } // from 0
+    const Mm &item(int k) const { return items[k].value ? *items[k].value : make(items[k]); } // from 0
+    // The number that item k is, when it is no value; null otherwise.
+    const double *number(int k) const { return items[k].kind == Item::number ? &items[k].x : nullptr; }
 
   private:
-    const Mm *inline_items[16];
-    const Mm **items;
+    static constexpr int near_capacity = 16;
+    struct Item {
+        const Mm *value; // null for a number or text that is not made yet
+        union {
+            double x;
+            const char *characters;
+        };
+        enum { borrowed, number, text } kind;
+    };
+    Item near_items[near_capacity];
+    Item *items;
     int capacity;
     int last;
     int cell;
+    mutable int made; // whether values were made, which the list owns
+
+    Mc(int is_cell, int n)
+        : items(near_items), capacity(near_capacity), last(n - 1), cell(is_cell), made(0) {}
+    Item *next();
+    Mc &append_text(const char *characters);
+    const Mm &make(const Item &item) const;
+    void release();
 };
 
 QUORVEX_API Mc BR(const Mm &x); // begins [x, ...
+QUORVEX_API Mc BR(double x);
+template <size_t n> Mc BR(const char (&text)[n]) { return Mc(0, text); }
 QUORVEX_API Mc CL(const Mm &x); // begins {x, ...
+QUORVEX_API Mc CL(double x);
+template <size_t n> Mc CL(const char (&text)[n]) { return Mc(1, text); }
 
 #endif

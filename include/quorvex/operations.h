@@ -15,6 +15,7 @@
 #define QUORVEX_OPERATIONS_H
 
 #include "quorvex/counts.h"
+#include "quorvex/indexing.h"
 
 // clang-format off
 
@@ -182,6 +183,37 @@ QUORVEX_ONE(operator!)
 QUORVEX_ONE(operator+)
 QUORVEX_ONE(operator-)
 #undef QUORVEX_OPERATOR
+
+// References, and numbers that are no doubles, as operands of !, && and ||. They are named here, since C++
+// has these operators for everything that it may ask for a condition.
+namespace kn {
+template <class T> inline constexpr int operand_kind = !__is_class(T) && requires(T x) { 1.0 * x; }
+? 3 : 0;
+template <class T> inline constexpr int operand_kind<T &> = operand_kind<T>;
+template <class T> inline constexpr int operand_kind<const T> = operand_kind<T>;
+template <> inline constexpr int operand_kind<double> = 0; // needs no help
+template <> inline constexpr int operand_kind<Mm> = 1;
+template <> inline constexpr int operand_kind<Mr> = 2;
+
+template <int product> inline constexpr bool mixed_operands = product == 3 || product == 4 || product == 6;
+
+inline const Mm &operand(const Mm &x) { return x; }
+inline Mm &&operand(Mm &&x) { return static_cast<Mm &&>(x); }
+inline Mm operand(const Mr &x) { return x; }
+inline double operand(double x) { return x; }
+} // namespace kn
+
+template <class A>
+requires(kn::operand_kind<A> == 2) Mm operator!(A &&a) { return !Mm(a); }
+#define QUORVEX_OF_MIXED_OPERANDS(op)                                                  \
+    template <class A, class B>                                                        \
+    requires kn::mixed_operands < kn::operand_kind<A>                                  \
+    *kn::operand_kind < B >> Mm operator op(A &&a, B &&b) {                            \
+        return kn::operand(static_cast<A &&>(a)) op kn::operand(static_cast<B &&>(b)); \
+    }
+QUORVEX_OF_MIXED_OPERANDS(&&)
+QUORVEX_OF_MIXED_OPERANDS(||)
+#undef QUORVEX_OF_MIXED_OPERANDS
 
 // -- Largest and smallest. Of one input along a dimension (NaN skipped; all NaN gives -Inf or +Inf; complex
 // by modulus), with the positions as second output; of two inputs element by element (NaN loses). max(a, [],

@@ -32,9 +32,10 @@
 #ifndef QUORVEX_VALUES_H
 #define QUORVEX_VALUES_H
 
+#include "quorvex/export.h" // first: it asks for C++20
+
 #include <stddef.h>
 
-#include "quorvex/export.h"
 #include "quorvex/op_list.h"
 
 // Element types.
@@ -66,7 +67,10 @@ class Mr;
 class Mc;
 namespace kn {
 struct Header; // the library's own access to the fields (core/header.h)
-}
+
+template <class T> inline constexpr bool is_bool = false;
+template <> inline constexpr bool is_bool<bool> = true;
+} // namespace kn
 
 class QUORVEX_API Mm {
   public:
@@ -215,6 +219,14 @@ class QUORVEX_API Mm {
     void vwcopy2(const Mm &src, const Mm &i, const Mm &j); // this(i,j) = src
     void vwcopyn(const Mr &r, const Mm &src);              // this(...) = src with the subscripts of r
     void vwcopy0(const Mr &r);                             // this(...) = []
+
+    // A value is no condition of C++: which elements of a matrix count is a matter of istrue.
+    template <class T>
+    requires kn::is_bool<T>
+    explicit operator T() const {
+        static_assert(!kn::is_bool<T>, "a value is no condition: write istrue(x), as in if (istrue(x))");
+        return false;
+    }
 
     // -- Conversions in place.
 

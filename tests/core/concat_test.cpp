@@ -38,7 +38,8 @@ TEST(Brackets, random_tilings) {
         Mc list(0, nop_M);
         bool complex = false;
         for (auto &line : blocks) {
-            for (Mm &block : line) list, block;
+            for (Mm &block : line) // a number by itself is no value
+                block.size() == 1 && !block.isc() ? (list, block.r()) : (list, block);
             list, semi;
             for (Mm &block : line) complex = complex || block.isc();
         }
@@ -68,6 +69,7 @@ TEST(Brackets, taller_item_runs_on_inside_the_block) {
     EXPECT_SAME(Mm((BR(tall), 9.0)), row({1, 9})) << "the last item decides the height";
     EXPECT_SAME(Mm((BR(9.0), tall, 8.0)), row({9, 1, 8}));
     EXPECT_SAME(Mm((BR(tall), M({{7, 8}, {7, 8}}))), M({{1, 7, 8}, {2, 7, 8}}));
+    EXPECT_SAME(Mm((BR(M({{1, 2}, {3, 4}})), 9.0)), row({1, 2, 9})) << "column by column";
     EXPECT_SAME(Mm((BR(7.0), tall, 8.0, nop_M, semi, 1.0, 2.0)), M({{7, 1, 8}, {1, 2, 0}}));
     Mm huge = zeros(5000, 3);
     EXPECT_SAME(Mm((BR(huge), 1.0)), row({0, 0, 0, 1}));
@@ -252,6 +254,25 @@ TEST(Braces, argument_lists_are_spliced) {
     EXPECT_EQ(Mm(CL(Mm(i_o, "varargin", 0))).size(), 0) << "without a value";
     EXPECT_RAISES(Mm(CL(named("args", 5.0))), "varargin must be cell array");
     EXPECT_SAME(Mm((BR(1.0), named("args", 5.0))), row({1, 5})) << "braces only";
+}
+
+TEST(Lists, numbers_and_texts_without_values) {
+    long live = kn::alloc_probe.live;
+    {
+        Mm x = row({1, 2});
+        EXPECT_SAME(Mm((BR(0), x, 3, semi, M({{4, 5}}), 6, 0L)), M({{0, 1, 2, 3}, {4, 5, 6, 0}}));
+        EXPECT_SAME(Mm((BR("ab"), 67, "")), TM("abC"));
+        EXPECT_SAME(Mm((BR(mlogical(1)), 1)), row({1, 1})) << "not logical";
+        EXPECT_SAME(Mm((BR(sparse(x)), 3)), sparse(row({1, 2, 3})));
+        EXPECT_SAME(Mm((CL("a"), 1.5, semi, x, "b")), cell_of(2, 2, {TM("a"), x, 1.5, TM("b")}));
+        Mc list(1, 2.0);
+        for (int k = 0; k < 20; k++) list, k, "text";
+        EXPECT_SAME(list.item(1), Mm(0.0));
+        Mc copy = list;
+        EXPECT_SAME(copy.item(40), TM("text"));
+        EXPECT_SAME(Mm(copy), Mm(list));
+    }
+    EXPECT_EQ(kn::alloc_probe.live, live);
 }
 
 TEST(Lists, any_length) {
