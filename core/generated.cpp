@@ -6,8 +6,8 @@
 
 #include "core/header.h"
 
-constinit double nargin_val = 0, nargout_val = 0;
-constinit int nargin_set = 0, nargout_set = 0;
+QUORVEX_THREAD_LOCAL double nargin_val = 0, nargout_val = 0;
+QUORVEX_THREAD_LOCAL int nargin_set = 0, nargout_set = 0;
 constinit int switchdepth = 0, switchfalse = 0;
 
 const i_o_t i_o = {};

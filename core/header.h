@@ -10,6 +10,8 @@
 
 namespace kn {
 
+struct StaticBlock; // core/numbers.h
+
 struct Header {
     static void *&pr(const Mm &m) { return const_cast<Mm &>(m).pr; }
     static void *&pi(const Mm &m) { return const_cast<Mm &>(m).pi; }
@@ -36,6 +38,9 @@ struct Header {
     // Makes room for more elements in the block of an unshared full real array, which may move; false where
     // a new block has to be made.
     static bool extend(Mm &m, int room);
+
+    // A number, real or i times one, or an empty value on a block that lives as long as the library.
+    static Mm constant(StaticBlock &block, int nnz, bool complex);
 
     // Of numbers: core/numbers.h.
     static bool has_number_block(const Mm &m);

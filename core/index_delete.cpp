@@ -57,6 +57,20 @@ bool stay(Positions &kept, const Positions &gone, int n) {
     return keep.positions(kept, true);
 }
 
+// Whether of n positions the last ones go, so that those that stay need not move.
+bool are_last(const Positions &gone, int n) {
+    return gone.count() > 0 && gone.inside(n) && gone.largest() == n - 1 &&
+           (gone.count() == 1 || gone.is_run());
+}
+
+// Deletes the elements of an unshared full value behind the first ones.
+void cut(Mm &t, const int *dims) {
+    int n = t.getnnz();
+    set_extents(t, dims);
+    if (t.gettype() == kn_Mm) std::fill(re<Mm>(t) + t.getnnz(), re<Mm>(t) + n, Mm());
+    check(t);
+}
+
 } // namespace
 
 bool delete1(Mm &t, const Mm &i) {
@@ -68,11 +82,16 @@ bool delete1(Mm &t, const Mm &i) {
         error("%s(%d): index is non-positive", kn_display_name(t), gone[0][k] + 1);
         return false;
     }
+    bool last = !t.dirty() && are_last(gone[0], n);
     Selection kept;
-    if (!stay(kept.next(), gone[0], n)) return false;
-    int m = kept[0].count(), dims[4] = {1, m, 1, 1};
+    if (!last && !stay(kept.next(), gone[0], n)) return false;
+    int m = last ? n - gone[0].count() : kept[0].count(), dims[4] = {1, m, 1, 1};
     if (m == n) return true;
     if (t.cols() == 1) std::swap(dims[0], dims[1]);
+    if (last) {
+        cut(t, dims);
+        return true;
+    }
     if (t.dirty() && m > 0) return retain(t, kept, dims);
     if (!t.dirty()) by_type(t, [&](auto type) { compact<typename decltype(type)::type>(t, kept); });
     set_extents(t, dims);
@@ -128,6 +147,12 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
     for (int k = 0; k < s.n; ++k)
         if (!gone.add(s[k], counts[k])) return false;
     if (!gone.reaches(t, s, Selection::growing, 1)) return false;
+    int along = t.vectordim();
+    if (along > 0 && (one || d == along - 1) && !t.dirty() && !t.issparse() && are_last(gone[d], extent)) {
+        dims[along - 1] -= gone[d].count();
+        cut(t, dims);
+        return true;
+    }
     Keep keep(extent);
     if (!keep) return false;
     keep.remove(gone[d]);
@@ -141,7 +166,6 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
     int left = kept[d].count();
     if (left == extent) return true;
     if (one) {
-        int along = t.vectordim();
         std::fill_n(dims, 4, 1);
         dims[along ? along - 1 : 1] = left;
     } else {

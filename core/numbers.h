@@ -5,6 +5,8 @@
 #ifndef QUORVEX_CORE_NUMBERS_H
 #define QUORVEX_CORE_NUMBERS_H
 
+#include <climits>
+
 #include "core/block_alloc.h"
 #include "core/header.h"
 
@@ -14,12 +16,15 @@ inline constexpr int block_slack = 8; // spare elements of a numeric block
 inline constexpr int number_room = 1 + block_slack;
 inline constexpr size_t number_bytes = (number_room + 1) * sizeof(double); // of its block, the count included
 
-// The block of values without content: see value.cpp.
-struct EmptyBlock {
-    double data[block_slack];
-    unsigned count;
+// The count of a block that is never counted, freed or written: of values without content and of constants.
+// Threads can share it, and writers see it as shared.
+inline constexpr unsigned uncounted = INT_MAX;
+
+struct StaticBlock {
+    double data[2 * number_room] = {}; // of a complex number at most
+    unsigned count = uncounted;
 };
-extern EmptyBlock empty_block;
+extern StaticBlock empty_block; // of values without content
 
 inline bool is_real_scalar(const Mm &a) {
     const M_types &f = a.getflags();

@@ -3,7 +3,11 @@
 // Every path that stores a block pointer in a header counts it, every path that drops one gives it back, and
 // the last one frees. A header always refers to a block. That of a value without content, be it a default
 // one, one that was moved from or one that got no memory, is a static block that nobody counts or frees, and
-// that always counts as shared, so that nobody writes into it.
+// that always counts as shared, so that nobody writes into it. Those of the constants are the same. Since
+// their count is never written, threads may share them.
+//
+// Values nest to any depth. The arrays of values that die together are threaded on a list through their own
+// memory and freed one after the other: the stack stays small, and no memory is asked for.
 //
 // Numbers, real full doubles of size 1, take a short way throughout: their header is written as a whole,
 // their block comes from the list of its size and goes back there.
@@ -25,15 +29,13 @@
 namespace kn {
 
 constinit ScopeHooks scope_hooks = {nullptr, nullptr};
-constinit EmptyBlock empty_block = {{}, 2};
+constinit StaticBlock empty_block;
 
 namespace {
 
 constexpr int slack = block_slack;
-constexpr int value_slack = 5;    // of a block of values
-constexpr int many_values = 4096; // that are likely to free much memory together
-
-bool is_counted(const unsigned *count) { return count != &empty_block.count; }
+constexpr int value_slack = 5; // of a block of values
+constexpr size_t many_numbers = 4096; // likely to free much memory together
 
 struct Extents {
     int d[2];
@@ -42,10 +44,10 @@ struct Extents {
 size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 
 // An array of values. Before it stand the number of its elements and the count of its holders.
-struct ValueArray {
+struct alignas(double) ValueArray {
     int n;
     unsigned count;
-    double aligned[1];
+    ValueArray *next; // while it dies
 
     Mm *values() { return reinterpret_cast<Mm *>(this + 1); }
     static ValueArray *of(unsigned *count) {
@@ -62,12 +64,12 @@ struct ValueArray {
         for (int k = 0; k < n; ++k) new (array->values() + k) Mm();
         return array;
     }
-    void free() {
-        const int freed = n;
-        for (int k = n; k-- > 0;) values()[k].~Mm();
-        kn_block_free(this);
-        if (freed >= many_values) quick_freed(static_cast<size_t>(freed), number_bytes);
-    }
+};
+
+// What dies together: arrays of values that are yet to be freed, and the numbers in them that were.
+struct Dying {
+    ValueArray *arrays = nullptr;
+    size_t numbers = 0;
 };
 
 } // namespace
@@ -130,7 +132,7 @@ void Mm::allocate(int complex, int with_index) {
     if (refcount && (index || !with_index)) return;
 
     if (refcount && flags.type == kn_Mm)
-        ValueArray::of(refcount)->free();
+        kn_block_free(ValueArray::of(refcount)); // of values without content
     else
         kn_block_free(pr);
     hold_nothing();
@@ -152,11 +154,26 @@ struct Mm::Block {
           type(m.flags.type), reported(m.flags.scalar_only && m.nnz == 1 ? m.name : nullptr) {}
 
     void drop() const {
-        if (is_counted(refcount) && --*refcount == 0) free();
+        if (*refcount < uncounted && --*refcount == 0) free();
     }
+
+  private:
     void free() const {
+        Dying dying;
+        free(dying);
+        while (ValueArray *array = dying.arrays) {
+            dying.arrays = array->next;
+            for (int k = array->n; k-- > 0;) end_element(array->values()[k], dying);
+            kn_block_free(array);
+        }
+        if (dying.numbers >= many_numbers) quick_freed(dying.numbers, number_bytes);
+    }
+    // An array of values joins those that die.
+    void free(Dying &dying) const {
         if (type == kn_Mm) {
-            ValueArray::of(refcount)->free();
+            ValueArray *array = ValueArray::of(refcount);
+            array->next = dying.arrays;
+            dying.arrays = array;
             for (int k = 0; k < nfields; ++k) heap_free(const_cast<char *>(fields[k]));
             heap_free(fields);
         } else {
@@ -164,6 +181,16 @@ struct Mm::Block {
         }
         kn_block_free(index);
         if (reported && (kn_default_error_flags & 8)) kn_debug_handler('s', reported);
+    }
+    // What the destructor does.
+    static void end_element(Mm &m, Dying &dying) {
+        if (m.p == 0 && !m.name) return;
+        if (m.name && m.level >= 0) scope_hooks.detach(m);
+        if (*m.refcount >= uncounted || --*m.refcount > 0) return;
+        if (m.flags.type != kn_Mm && !m.name && Header::has_number_block(m) && quick_free<number_bytes>(m.pr))
+            ++dying.numbers;
+        else
+            Block(m).free(dying);
     }
 };
 
@@ -175,7 +202,7 @@ struct Mm::Block {
 }
 
 void Mm::share() const {
-    if (is_counted(refcount)) ++*refcount;
+    if (*refcount < uncounted) ++*refcount;
 }
 
 Mm Header::real_like(const Mm &like) {
@@ -184,6 +211,16 @@ Mm Header::real_like(const Mm &like) {
     for (int k = 0; k < 4; ++k) out.dims[k] = like.dims[k];
     out.nnz = like.nnz;
     out.allocate(0, 0);
+    return out;
+}
+
+Mm Header::constant(StaticBlock &block, int nnz, bool complex) {
+    Mm out;
+    out.dims[0] = out.dims[1] = out.dims[2] = out.dims[3] = out.nnz = nnz;
+    out.p = nnz + slack;
+    out.pr = block.data;
+    if (complex) out.pi = block.data + number_room;
+    out.refcount = &block.count;
     return out;
 }
 
@@ -204,7 +241,7 @@ Mm Header::values(int n) {
 }
 
 bool Header::extend(Mm &m, int room) {
-    if (m.flags.type == kn_Mm || m.pi || m.index || !is_counted(m.refcount) || *m.refcount != 1) return false;
+    if (m.flags.type == kn_Mm || m.pi || m.index || *m.refcount != 1) return false;
     const size_t end =
         aligned(static_cast<size_t>(room + slack) * (m.flags.type == kn_uint8 ? 1 : sizeof(double)));
     char *start = static_cast<char *>(extend_block(m.pr, end + sizeof(double)));
@@ -334,10 +371,11 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
 // What the destructor does where there is something to do.
 void Mm::end() {
     if (name && (level >= 0 || (kn_default_error_flags & 8))) return end_slowly();
-    if (*refcount > 1 && is_counted(refcount))
-        --*refcount;
-    else if (flags.type == kn_Mm || !Header::has_number_block(*this) || !quick_free<number_bytes>(pr))
+    if (const unsigned count = *refcount; count > 1) {
+        if (count < uncounted) *refcount = count - 1;
+    } else if (flags.type == kn_Mm || !Header::has_number_block(*this) || !quick_free<number_bytes>(pr)) {
         return end_slowly();
+    }
     ndims = -1;
 }
 

@@ -12,7 +12,7 @@ namespace kn {
 namespace {
 
 template <class T> T &scratch_element() {
-    static T element;
+    static thread_local T element;
     element = T();
     return element;
 }
@@ -111,8 +111,8 @@ void Mm::warn_uninit() const {
 
 const char *kn_display_name(const Mm &x) {
     // Several names can stand in one message.
-    static char texts[4][16];
-    static int turn = 0;
+    static thread_local char texts[4][16];
+    static thread_local int turn = 0;
     if (x.getname()) return x.getname();
     if (x.gettype() != kn_double || x.size() != 1) return "(temporary)";
     char *text = texts[turn];

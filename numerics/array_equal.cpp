@@ -1,6 +1,8 @@
 // Equality of whole values.
 #include <algorithm>
 
+#include "core/fields.h"
+#include "core/nesting.h"
 #include "quorvex/arrays.h"
 #include "quorvex/sparse.h"
 #include "quorvex/structures.h"
@@ -48,34 +50,57 @@ bool equal_entries(const Mm &a, const Mm &b) {
     }
 }
 
-bool equal(const Mm &a, const Mm &b);
-
-bool equal_structures(const Mm &a, const Mm &b) {
-    int n = a.getnfields();
-    if (!a.isstruct() || !b.isstruct() || a.getclassid() != b.getclassid() || n != b.getnfields())
-        return false;
-    for (int f = 0; f < n; f++) {
-        int g = b.findfield(a.getfields()[f], 0);
-        if (g < 0) return false;
-        for (int k = 1; k <= a.getnnz(); k++)
-            if (!equal(a.mr(k).safebr(f + 1), b.mr(k).safebr(g + 1))) return false;
+// Extents and kind, the names of fields, and the elements of what holds no values.
+bool alike(const Mm &a, const Mm &b) {
+    if (!std::equal(a.getdims(), a.getdims() + 4, b.getdims())) return false;
+    if ((a.gettype() == kn_Mm) != (b.gettype() == kn_Mm) || a.isstruct() != b.isstruct()) return false;
+    if (a.isstruct()) {
+        if (a.getclassid() != b.getclassid() || a.getnfields() != b.getnfields()) return false;
+        return std::all_of(a.getfields(), a.getfields() + a.getnfields(),
+                           [&](const char *name) { return kn::find_field(b, name) >= 0; });
     }
-    return true;
+    if (a.gettype() == kn_Mm) return true;
+    if (a.issparse() || b.issparse()) return equal_entries(sparse(a), sparse(b));
+    return a.gettype() == kn_uint8 ? equal_to<unsigned char>(a, b) : equal_to<double>(a, b);
 }
 
-bool equal_cells(const Mm &a, const Mm &b) {
-    for (int k = 1; k <= a.getnnz(); k++)
-        if (!equal(a.mr(k), b.mr(k))) return false;
-    return true;
+// Two values whose elements are compared; of a structure, the cells of the fields of one element.
+struct Step {
+    const Mm *a, *b;
+    const Mm *a_names, *b_names; // the structures, else null
+    int next;
+};
+
+// An element that is missing counts as empty.
+const Mm &value_of(const Mm &cell, int k) {
+    return cell.gettype() == kn_Mm && k < cell.getnnz() ? kn::element_at(cell, k) : nop_M;
 }
 
 bool equal(const Mm &a, const Mm &b) {
-    if (!std::equal(a.getdims(), a.getdims() + 4, b.getdims())) return false;
-    if ((a.gettype() == kn_Mm) != (b.gettype() == kn_Mm)) return false;
-    if (a.isstruct() || b.isstruct()) return equal_structures(a, b);
-    if (a.gettype() == kn_Mm) return equal_cells(a, b);
-    if (a.issparse() || b.issparse()) return equal_entries(sparse(a), sparse(b));
-    return a.gettype() == kn_uint8 ? equal_to<unsigned char>(a, b) : equal_to<double>(a, b);
+    kn::Path<Step> path;
+    const Mm *x = &a, *y = &b;
+    for (;;) {
+        if (x && !alike(*x, *y)) return false;
+        if (x && x->gettype() == kn_Mm && !path.push({x, y, nullptr, nullptr, 0})) return false;
+        if (path.empty()) return true;
+        const Step step = path.top();
+        x = nullptr;
+        if (step.next == (step.a_names ? step.a_names->getnfields() : step.a->getnnz())) {
+            path.pop();
+            continue;
+        }
+        const int k = path.top().next++;
+        if (step.a_names) {
+            x = &value_of(*step.a, k);
+            y = &value_of(*step.b, kn::find_field(*step.b_names, step.a_names->getfields()[k]));
+        } else if (step.a->isstruct()) {
+            if (!path.push({&kn::element_at(*step.a, k), &kn::element_at(*step.b, k), step.a, step.b, 0}))
+                return false;
+        } else {
+            x = &kn::element_at(*step.a, k);
+            y = &kn::element_at(*step.b, k);
+        }
+    }
 }
 
 } // namespace

@@ -3,7 +3,8 @@
 //
 // An entry point formats into one buffer and hands it to a handler, so a handler consumes the text before it
 // calls another entry point. The pending error stays in its buffer until it is shown (error_lasterr) or
-// fetched (lasterr). All buffers are bounded: a longer text is cut. This room knows no values.
+// fetched (lasterr). All buffers are bounded: a longer text is cut. Each thread has its own buffers and its
+// own pending error; handlers and flags belong to the process. This room knows no values.
 
 #include "runtime/message_funnel.h"
 
@@ -16,7 +17,7 @@
 
 namespace kn {
 
-constinit char lasterr_buffer[text_size] = "";
+constinit thread_local char lasterr_buffer[text_size] = "";
 
 namespace {
 
@@ -24,8 +25,8 @@ constexpr unsigned print_flag = 1, dialog_flag = 2, throw_flag = 16;
 constexpr unsigned exclamation_style = 48;
 constexpr char problem_title[] = "Problem";
 
-char format_buffer[text_size];
-int error_line = 0;
+thread_local char format_buffer[text_size];
+thread_local int error_line = 0;
 char error_file[512] = "";
 const char *error_text = nullptr;
 int handler_was_set = 0;
@@ -105,7 +106,8 @@ constinit kn_code_handler kn_debug_handler = kn_default_debug;
 
 constinit unsigned kn_default_error_flags = 7;
 constinit unsigned kn_default_warning_flags = 3;
-constinit kn_error_stack_t kn_error_stack;
+constinit int kn_line_outside = 0;
+QUORVEX_THREAD_LOCAL kn_error_stack_t kn_error_stack;
 
 // -- Entry points.
 

@@ -8,8 +8,8 @@ namespace kn {
 
 inline constexpr size_t text_size = 2048; // of every message, its end included
 
-// The last error's full text; empty when no error is pending.
-extern char lasterr_buffer[text_size];
+// The last error's full text on this thread; empty when no error is pending.
+extern constinit thread_local char lasterr_buffer[text_size];
 
 // A dialog: through the host's handler, else on the platform. `printed`: the same text went to the print
 // handler already, so that a platform without dialogs need not repeat it.

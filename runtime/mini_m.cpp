@@ -42,7 +42,7 @@ miniM::~miniM() {
 double &miniM::r(int k) {
     if (k >= 1 && k <= count()) return data_[k - 1];
     error("miniM.r: r out of range");
-    static double scratch;
+    static thread_local double scratch;
     scratch = 0;
     return scratch;
 }

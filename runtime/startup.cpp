@@ -13,8 +13,8 @@
 #include <initializer_list>
 
 #include "core/constants.h"
+#include "core/numbers.h"
 #include "platform/platform.h"
-#include "quorvex/builders.h"
 #include "quorvex/graphics.h"
 #include "quorvex/workspace.h"
 #include "runtime/crash.h"
@@ -57,24 +57,40 @@ KN_FIRST Mm switchvar(i_o, "switchvar", 0);
 namespace kn {
 namespace {
 
+// Constants have blocks that nobody counts, so that threads can share them.
+struct Constant {
+    Mm &value;
+    int nnz;
+    double re, im;
+    StaticBlock block = {};
+};
+
+constinit Constant constants[] = {
+    {x_M, 0, 0, 0},
+    {i, 1, 0, 1},
+    {NaN, 1, raw_nan, 0},
+    {Inf, 1, raw_inf, 0},
+    {pi, 1, std::bit_cast<double>(uint64_t{0x400921FB54442D18}), 0},
+    {eps, 1, raw_eps, 0},
+    {zero_M, 1, 0, 0},
+    {one_M, 1, 1, 0},
+};
+
 // Gives the constants and markers their values. Before the named values stand there is nothing to do.
 void set_constants() {
     if (!ans.addr()) return;
-    Mm empty;
+    const Mm empty;
     for (Mm *m : {&ans, &l_M, &semi, &c_p, &nop_M, &page_screen_output, &implicit_str_to_num_ok,
                   &empty_list_elements_ok})
         *m = empty;
-    x_M = zeros(0, 0);
     TICTOC = 0.0;
-    i = czeros(1, 1, 1);
-    if (i.isc()) *i.addi() = 1.0;
+    for (Constant &c : constants) {
+        c.block.data[0] = c.re;
+        c.block.data[number_room] = c.im;
+        const Mm value = Header::constant(c.block, c.nnz, c.im != 0);
+        c.value = value;
+    }
     j = i;
-    NaN = raw_nan;
-    Inf = raw_inf;
-    pi = std::bit_cast<double>(uint64_t{0x400921FB54442D18});
-    eps = raw_eps;
-    zero_M = 0.0;
-    one_M = 1.0;
     kn_l_name = l_M.getname();
     kn_semi_name = semi.getname();
     kn_colon_name = c_p.getname();

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "core/header.h"
+#include "core/nesting.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -96,15 +97,28 @@ Mm celldisp(const Mm &m) {
         error("%s is not a cell array.", kn_display_name(m));
         return x_M;
     }
-    const char *title = m.getname() ? m.getname() : "ans";
-    for (int r = 1; r <= m.rows(); ++r)
-        for (int c = 1; c <= m.cols(); ++c) {
-            kn_printf("%s{%d,%d}\n", title, r, c);
-            const Mm &element = m.mr(r, c);
-            if (is_cell(element))
-                celldisp(element);
-            else
-                disp(element);
+    struct Step {
+        const Mm *cell;
+        int next; // row by row
+    };
+    const Mm held(m, m.getname()); // should a handler assign to the variable
+    Path<Step> path;
+    if (!path.push({&held, 0})) return x_M;
+    while (!path.empty()) {
+        Step &step = path.top();
+        const Mm &cell = *step.cell;
+        const int cols = cell.cols(), at = step.next++;
+        if (at == cell.rows() * cols) {
+            path.pop();
+            continue;
         }
+        const int r = at / cols + 1, c = at % cols + 1;
+        kn_printf("%s{%d,%d}\n", cell.getname() ? cell.getname() : "ans", r, c);
+        const Mm &element = cell.mr(r, c);
+        if (!is_cell(element))
+            disp(element);
+        else if (!path.push({&element, 0}))
+            break;
+    }
     return x_M;
 }

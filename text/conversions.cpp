@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/constants.h"
+#include "core/nesting.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
 #include "quorvex/conversions.h"
@@ -20,11 +21,18 @@ using namespace kn;
 
 constexpr double standard_digits = 15;
 
+// What a cell of one element holds, which may be such a cell again.
+const Mm &only_element(const Mm &m) {
+    const Mm *x = &m;
+    while (is_cell(*x) && x->size() == 1) x = &element_at(*x, 0);
+    return *x;
+}
+
 Mm stack(std::initializer_list<const Mm *> inputs) {
     if (inputs.size() > 1) return strvcat(cell_from_array(static_cast<int>(inputs.size()), inputs.begin()));
-    const Mm &c = **inputs.begin();
-    c.warn_uninit();
-    if (is_cell(c)) return c.size() == 1 ? str2mat(c.mr(1)) : strvcat(c);
+    (*inputs.begin())->warn_uninit();
+    const Mm &c = only_element(**inputs.begin());
+    if (is_cell(c)) return strvcat(c);
     return error_numeric(c, "str2mat") ? x_M : setstr(c);
 }
 
@@ -36,8 +44,8 @@ Mm mat2str(const Mm &m) { return mat2str(m, standard_digits); }
 
 Mm mat2str(const Mm &m, const Mm &digits) {
     m.warn_uninit();
-    if (error_numeric(m, "mat2str")) return x_M;
-    const Mm x = mdouble(m);
+    const Mm x = mdouble(m.isstruct() ? mdouble(m) : m); // a method may give any class
+    if (error_numeric(x, "mat2str")) return x_M;
     if (x.size() == 0) return TM("[]");
     const NumberFormat format{Digits(precision_of(digits)), 0, 1};
     const int n = x.size(), rows = x.rows();
@@ -69,10 +77,10 @@ Mm str2double(const Mm &s) {
     const int n = s.size();
     if (lacks(out, n)) return x_M;
     for (int k = 0; k < n; ++k) {
-        const Mm &element = s.mr(k + 1);
+        const Mm &element = only_element(s.mr(k + 1));
         TextNumber number;
         if (!text_number(element, number)) {
-            const Mm x = str2double(element);
+            const Mm x = is_cell(element) ? x_M : str2double(element);
             if (x.size() != 1) {
                 error("str2double: element %d of %s is not one number", k + 1, kn_display_name(s));
                 return x_M;

@@ -1,4 +1,5 @@
 // Text without its trailing blanks.
+#include "core/nesting.h"
 #include "quorvex/builders.h"
 #include "quorvex/indexing.h"
 #include "quorvex/text.h"
@@ -6,11 +7,9 @@
 
 using namespace kn;
 
-Mm deblank(const Mm &s) {
-    if (is_cell(s)) {
-        const Elements texts(s);
-        return cell_of_answers(s, [&](int k) { return deblank(texts[k]); });
-    }
+namespace {
+
+Mm deblank_text(const Mm &s) {
     if (s.size() == 0) return s;
     if (!s.isstr() || !is_text(s) || s.issparse() || s.getndims() > 2) {
         error("deblank: input is not a string");
@@ -24,3 +23,7 @@ Mm deblank(const Mm &s) {
     if (n == s.cols()) return s;
     return setstr(s(c_p, colon(1.0, n)));
 }
+
+} // namespace
+
+Mm deblank(const Mm &s) { return map_leaves(s, deblank_text); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/nesting.h"
 #include "quorvex/arrays.h"
 #include "quorvex/text.h"
 #include "text/strings.h"
@@ -14,12 +15,8 @@ template <class T, class F> void replace_each(T *x, int n, F f) {
     for (int k = 0; k < n; ++k) x[k] = f(x[k]);
 }
 
-template <class F> Mm mapped(const Mm &s, F f) {
+template <class F> Mm mapped_text(const Mm &s, F f) {
     s.warn_uninit();
-    if (is_cell(s)) {
-        const Elements texts(s);
-        return cell_of_answers(s, [&](int k) { return mapped(texts[k], f); });
-    }
     if (!s.isstr() || s.size() == 0 || s.gettype() == kn_Mm) return s;
     Mm out;
     out.deepcopy(s, kn_none);
@@ -29,6 +26,10 @@ template <class F> Mm mapped(const Mm &s, F f) {
     else
         replace_each(out.addr(), out.getnnz(), f);
     return out;
+}
+
+template <class F> Mm mapped(const Mm &s, F f) {
+    return map_leaves(s, [&](const Mm &text) { return mapped_text(text, f); });
 }
 
 template <class F> Mm where(const Mm &s, F is) {

@@ -267,6 +267,7 @@ bool number_rows(const Mm &m, int precision, TextRows &out, size_t &width) {
     if (m.gettype() == kn_uint8) {
         auto byte = static_cast<unsigned char *>(nullptr);
         Fields<unsigned char> fields{m.getpr(byte), m.getpi(byte), {digits, 4}, {digits, 2}};
+        if (fields.im && std::count(fields.im, fields.im + m.getnnz(), 0) == m.getnnz()) fields.im = nullptr;
         append_rows(m, fields, out, width);
     } else {
         m.getreal(0);

@@ -4,7 +4,7 @@
 #include <climits>
 #include <initializer_list>
 
-#include "core/header.h"
+#include "core/nesting.h"
 #include "core/scratch.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -19,17 +19,15 @@ constexpr double blank = 32;
 
 // Calls `work` for each value with rows of its own, in order. False when there is a structure.
 template <class F> bool each_text(const Mm &m, F work) {
-    if (m.size() == 0) return true;
-    if (m.gettype() != kn_Mm) {
-        work(m);
+    return each_leaf(m, [&](const Mm &x) {
+        if (x.size() == 0) return true;
+        if (x.isstruct()) {
+            error("Can not convert %s into a numerical matrix", kn_display_name(x));
+            return false;
+        }
+        work(x);
         return true;
-    }
-    if (m.isstruct()) {
-        error("Can not convert %s into a numerical matrix", kn_display_name(m));
-        return false;
-    }
-    const Mm *elements = m.getpr(static_cast<Mm *>(nullptr));
-    return std::all_of(elements, elements + m.getnnz(), [&](const Mm &e) { return each_text(e, work); });
+    });
 }
 
 Mm stack(std::initializer_list<const Mm *> inputs) {

@@ -20,4 +20,12 @@
 #define QUORVEX_API __attribute__((visibility("default")))
 #endif
 
+// Data of which each thread has its own, initialised at compile time. A Windows library can't export such
+// data: there the process has one.
+#if defined(_WIN32)
+#define QUORVEX_THREAD_LOCAL constinit
+#else
+#define QUORVEX_THREAD_LOCAL constinit thread_local
+#endif
+
 #endif

@@ -67,16 +67,18 @@ QUORVEX_API void kn_set_default_warning_flags(unsigned mask, unsigned on);
 // as empty).
 QUORVEX_API void kn_set_error_source(const char *file, const char *text);
 
-// -- The stack of source positions. Generated code pushes, pops and stores lines through line_ptr; entries 1
-// to depth are live.
+// -- The stack of source positions, of which each thread has one. Generated code pushes, pops and stores
+// lines through line_ptr; entries 1 to depth are live. With none, line_ptr points to a line that nobody
+// reads.
 
+extern QUORVEX_API int kn_line_outside;
 struct kn_error_stack_t {
     const char *file[513] = {};
     int line[513] = {};
     int depth = 0;
-    int *line_ptr = line;
+    int *line_ptr = &kn_line_outside;
 };
-extern QUORVEX_API kn_error_stack_t kn_error_stack;
+extern QUORVEX_API QUORVEX_THREAD_LOCAL kn_error_stack_t kn_error_stack;
 
 // Appends "called from FILE LINE" lines to buf (of 2048 bytes), innermost first.
 QUORVEX_API void error_call_stack(char *buf);

@@ -25,7 +25,11 @@
 // (c_p, semi, l_M) are recognised.
 //
 // A value without content (a default one, a named variable before its first value, one that was moved from)
-// refers to one static block, which counts as shared.
+// refers to one static block, a constant of the language to one of its own. These always count as shared, and
+// nobody counts their holders.
+//
+// Threads. A count is a plain number, so a value and its copies belong to one thread at a time:
+// docs/threads.md.
 //
 // Failure. When memory is exhausted "Out of memory!" goes through `error`; should the handler return, the
 // value is a valid 0 by 0.
@@ -310,15 +314,15 @@ QUORVEX_API const char *kn_display_name(const Mm &x);
 QUORVEX_API double scalar(const Mm &x);
 inline double scalar(double x) { return x; }
 
-// -- Storage of generated code: switch statements and argument counts.
+// -- Storage of generated code: switch statements, and the argument counts of calls, for each thread.
 
 QUORVEX_API Mm switchinit(const Mm &x); // warn_uninit, then a copy of x
 extern QUORVEX_API Mm switchvar;
 extern QUORVEX_API int switchdepth;
 extern QUORVEX_API int switchfalse;
 
-extern QUORVEX_API double nargin_val, nargout_val;
-extern QUORVEX_API int nargin_set, nargout_set;
+extern QUORVEX_API QUORVEX_THREAD_LOCAL double nargin_val, nargout_val;
+extern QUORVEX_API QUORVEX_THREAD_LOCAL int nargin_set, nargout_set;
 QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val

@@ -335,6 +335,31 @@ TEST(IndexWrite, deletion) {
 
 // -- Errors.
 
+TEST(IndexWrite, the_last_elements_go_without_moving_the_others) {
+    Mm cells = cell_of(1, 3, {1.0, 2.0, 3.0}), column = col({1, 2, 3}), structures;
+    for (double k : {1.0, 2.0, 3.0}) structures(k).member("a") = k;
+    const Mm two = row({2, 3}), *counted = &cells.mr(3);
+    for (Mm *m : {&cells, &column, &structures}) {
+        const void *block = m->addr();
+        const Mm before = *m, first = (*m)(1.0);
+        (*m)(two) = nop_M;
+        EXPECT_SAME(*m, first);
+        EXPECT_NE(m->addr(), block) << "another holder keeps all";
+        *m = before;
+    }
+    for (Mm *m : {&cells, &column, &structures}) {
+        const void *block = m->addr();
+        const Mm first = (*m)(1.0);
+        (*m)(3.0) = nop_M;
+        (*m)(2.0) = nop_M;
+        EXPECT_SAME(*m, first);
+        EXPECT_EQ(m->addr(), block);
+        (*m)(1.0) = nop_M;
+        EXPECT_EQ(m->size(), 0);
+    }
+    EXPECT_EQ(counted->size(), 0) << "what went is freed";
+}
+
 TEST(IndexWrite, what_does_not_fit_is_reported) {
     Mm x = named("x", row({1, 2, 3})), y = named("y", row({1, 2})), i = named("i", row({1, 2, 3})),
        zero = named("z", Mm(0.0)), mask = named("m", logical_of(row({1, 1, 1}))),

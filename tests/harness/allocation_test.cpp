@@ -121,6 +121,13 @@ std::vector<Step> steps(const Inputs &inputs) {
          [](In in) {
              return test::cell_of(1, 2, {in.c, test::cell_of(1, 1, {in.x})});
          }},
+        {"deep cells",
+         [](In in) {
+             Mm deep = in.c;
+             for (int k = 0; k < 9; ++k) deep = test::cell_of(1, 1, {deep});
+             celldisp(deep);
+             return isequal(deep, upper(deep));
+         }},
         {"named", [](In) { return Mm(Mm("m", 2, 2).size()); }},
         {"on the heap", [](In in) { return *std::unique_ptr<Mm>(new Mm(in.x)); }},
         changed("bytes", &Inputs::u, [](Mm &m, In in) { m.deepcopy(1, in.u, kn_uint8); }),

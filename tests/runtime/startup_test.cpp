@@ -78,9 +78,11 @@ TEST(Startup, constants_stand_at_load_and_have_their_names) {
 }
 
 TEST(Startup, initM2_restores_what_a_program_overwrote) {
+    const Mm before = pi; // another holder sees nothing of it
     pi = 3.0, i = test::M({{1, 2}}), nop_M = TM("text"), x_M = test::cell_of(1, 1, {1.0});
     initM2(QUORVEX_VERSION, sizeof(Mm));
     expect_constants();
+    EXPECT_SAME(before, pi);
     EXPECT_STREQ(pi.getname(), "pi");
     EXPECT_TRUE(c_p.issamename(kn_colon_name) && semi.issamename(kn_semi_name) && l_M.issamename(kn_l_name));
     EXPECT_FALSE(Mm(Mm(), std::string(":").c_str()).issamename(kn_colon_name))

@@ -32,8 +32,13 @@ TEST(Conversions, numbers_as_text) {
         {nd({1, 1, 2}, {1, -HUGE_VAL}), 15.0, "[ 1 -Inf]"},
     };
     for (const auto &c : cases) EXPECT_EQ(text_of(mat2str(c.value, c.digits)), c.text);
-    EXPECT_RAISES(mat2str(cell_of(1, 1, {1.0})),
-                  "mat2str: numeric data expected, but matrix (temporary) is not");
+    Mm object = mclass(struct_of({{"a", 1.0}}), TM("euro"));
+    EXPECT_RAISES(mat2str(cell_of(1, 1, {1.0})), "Can not convert (temporary) into a numeric matrix");
+    EXPECT_RAISES(mat2str(struct_of({{"a", 1.0}})), raised([] { mdouble(struct_of({{"a", 1.0}})); }));
+    register_class_function(
+        "euro", "double", +[](Mm) { return Mm(U8({{7}})); });
+    EXPECT_EQ(text_of(mat2str(object)), " 7");
+    unregister_class_function("euro", "double");
     Random random(33);
     for (int k = 0; k < 50; ++k) {
         Mm m = random.matrix(3, 4, k % 2);

@@ -92,7 +92,10 @@ TEST(NumberText, fields_follow_the_widest_number) {
 TEST(NumberText, complex_fields) {
     EXPECT_EQ(text_of(num2str(test::complex_of(row({1, 3}), row({2, 0})))), "1 +2i  3    ");
     EXPECT_EQ(text_of(num2str(C(0, NAN))), "0 -NaNi");
+    Mm bytes = U8({{7, 8}});
+    bytes.getcomplex();
     EXPECT_EQ(text_of(num2str(C(7, 0))), "7") << "an imaginary plane of zeros is real";
+    EXPECT_EQ(text_of(num2str(bytes)), "7   8");
 }
 
 TEST(NumberText, sparse_lines_and_widths) {
