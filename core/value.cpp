@@ -34,7 +34,7 @@ constinit StaticBlock empty_block;
 namespace {
 
 constexpr int slack = block_slack;
-constexpr int value_slack = 5; // of a block of values
+constexpr int value_slack = 5;        // of a block of values
 constexpr size_t many_numbers = 4096; // likely to free much memory together
 
 struct Extents {
