@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "core/header.h"
+#include "core/poll.h"
 #include "core/scratch.h"
 #include "quorvex/startup.h"
 
@@ -81,7 +82,8 @@ template <class F> bool each_leaf(const Mm &m, F f) {
     return true;
 }
 
-// f(x) in the place of each of these: cells nested as those of m are. x_M when memory is exhausted.
+// f(x) in the place of each of these: cells nested as those of m are. x_M when memory is exhausted or the host
+// interrupts.
 template <class F> Mm map_leaves(const Mm &m, F f) {
     if (!is_cell(m)) return f(m);
     struct Step {
@@ -104,6 +106,7 @@ template <class F> Mm map_leaves(const Mm &m, F f) {
             path.pop();
             continue;
         }
+        if (interrupted()) return x_M;
         const int k = step.next++;
         const Mm &x = element_at(*step.from, k);
         Mm &place = step.to->getpr(static_cast<Mm *>(nullptr))[k];
