@@ -82,8 +82,8 @@ template <class F> bool each_leaf(const Mm &m, F f) {
     return true;
 }
 
-// f(x) in the place of each of these: cells nested as those of m are. x_M when memory is exhausted or the host
-// interrupts.
+// f(x) in the place of each of these: cells nested as those of m are. x_M when memory is exhausted or the
+// host interrupts.
 template <class F> Mm map_leaves(const Mm &m, F f) {
     if (!is_cell(m)) return f(m);
     struct Step {
