@@ -93,6 +93,11 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32 AND NOT QUORVEX_SANIT
     # A sanitized library takes its run-time's symbols from the program.
     target_link_options(quorvex PRIVATE LINKER:--no-undefined LINKER:-Bsymbolic-functions)
 endif()
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    # dlclose leaves it loaded: handlers of faults and of uncaught exceptions, threads, and a program's values point
+    # into it.
+    target_link_options(quorvex PRIVATE LINKER:-z,nodelete)
+endif()
 
 if(QUORVEX_STATIC)
     add_library(quorvex_static STATIC ${objects})

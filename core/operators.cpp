@@ -229,15 +229,15 @@ template <op_t op> Mm best_with_positions(const Mm &a, const Mm &dim, Mm &y, Mm 
 
 // -- Arguments.
 
-bool error_not_numeric(const Mm &a) {
+bool error_not_numeric(const Mm &a, const char *caller) {
     if (a.gettype() != kn_Mm) return false;
-    error("Operation can not be performed on non-numerical datatypes");
+    error("%s: Operation can not be performed on non-numerical datatypes", caller);
     return true;
 }
 
-// The dimension that `dim` means for a: 0 for one that does not exist, which the engine reports.
+// The dimension that `dim` means for a in `median`: 0 for one that does not exist, which the engine reports.
 int dimension_of(const Mm &a, const Mm &dim) {
-    if (dim.size() < 1 || error_not_numeric(dim)) return 0;
+    if (dim.size() < 1 || error_not_numeric(dim, "median")) return 0;
     Mm d = mdouble(dim);
     int n = d.getnnz() > 0 ? double_to_int(*d.addr()) : 0;
     if (n == 0) n = a.nsingleton();
@@ -461,7 +461,7 @@ Mm operator/(double a, Mm &&b) {
 // [f, e] = log2(x)
 Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e) {
     x.warn_uninit();
-    if (error_not_numeric(x)) return x_M;
+    if (error_not_numeric(x, "log2")) return x_M;
     Mm a = x.gettype() == kn_uint8 ? mdouble(x) : x;
     int n = a.getnnz();
     Mm fraction(0, 0, 0, n, 1, kn_double), exponent(0, 0, 0, n, 1, kn_double);
@@ -496,7 +496,7 @@ Mm betainc(const Mm &x, const Mm &a, const Mm &b) {
     for (int k = 0; k < 3; ++k) {
         const Mm &m = *given[k];
         m.warn_uninit();
-        if (error_not_numeric(m)) return x_M;
+        if (error_not_numeric(m, "betainc")) return x_M;
         any_sparse |= m.issparse();
         any_empty |= m.size() < 1;
         operands[k] = mdouble(m);

@@ -146,7 +146,7 @@ void forget_helpers() {
 
 void start_helpers(int count) {
     if (pool.ended) return;
-    if (!pool.watching_forks) os::after_fork(forget_helpers);
+    if (!pool.watching_forks) os::around_fork(nullptr, nullptr, forget_helpers);
     pool.watching_forks = true;
     while (pool.helpers < count) {
         os::Thread thread = os::start_thread(help);

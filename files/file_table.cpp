@@ -33,6 +33,12 @@ constexpr struct {
     const char *name, *mode;
 } standard[first_fid] = {{"\"stdin\"", "r"}, {"\"stdout\"", "a"}, {"\"stderr\"", "a"}};
 
+// Takes no lock, which another thread may hold: a slot that changes meanwhile is nearly always seen whole.
+void write_out_slots() {
+    for (int slot = first_fid; slot < fid_slots; ++slot)
+        if (std::FILE *stream = slots[slot].stream) os::write_out(stream);
+}
+
 void copy(char *to, std::string_view text, size_t size) { to[text.copy(to, size - 1)] = '\0'; }
 
 } // namespace
@@ -112,6 +118,7 @@ void fid_close_all() {
 
 int fid_store(Stream &stream, const char *name, const char *mode, int format) {
     Lock lock(0);
+    os::write_out_files = write_out_slots;
     for (int slot = first_fid; slot < fid_slots; ++slot) {
         Slot &s = slots[slot];
         if (s.stream) continue;

@@ -72,7 +72,6 @@ Opened open(const Mm &file, const Mm &how, const Mm &order) {
     }
     if (slot < 0) {
         error("Too many files");
-        fid_close_all(); // which writes out what they hold back
         os::end_process(1);
     }
     out.fid = slot;

@@ -56,15 +56,21 @@ std::size_t process_memory();
 // An answer for this moment only, at one system call a page.
 bool readable(const void *p, std::size_t n);
 
+// Copies a text, cut at `size`, as far as it can be read without a fault. False, and the empty text, when it
+// doesn't even begin.
+bool copy_readable(char *out, std::size_t size, const char *text);
+
 // ---- Locks: three, numbered 0 to 2, recursive ----
 
-// Creates the locks unless they exist.
+// Creates the locks unless they exist. In the child of a fork, which has only the thread that forked, they
+// are free, and what they guard is as between two holders: the fork waits for them.
 void create_locks();
 
 // Deletes the locks, which nobody may hold or await. Entering one later creates them anew.
 void delete_locks();
 
-// Enters lock `n`, after creating the locks if need be; works before any static object is built.
+// Enters lock `n`, after creating the locks if need be; works before any static object is built. Guards the
+// thread (see guard_thread).
 void enter_lock(int n);
 
 // Leaves lock `n`; does nothing while the locks don't exist.
@@ -82,8 +88,10 @@ Thread start_thread(void (*run)());
 // Waits until the thread has ended and lets go of it.
 void join_thread(Thread thread);
 
-// Calls `hook` in the child of each fork, which has one thread only.
-void after_fork(void (*hook)());
+// For each fork calls `before` in front of it, then `in_parent` and `in_child`, which has one thread only.
+// Each may be null. Handlers run from the last to the first before the fork, from the first to the last after
+// it.
+void around_fork(void (*before)(), void (*in_parent)(), void (*in_child)());
 
 // ---- Modules ----
 
@@ -104,10 +112,10 @@ const char *module_suffix();
 
 // ---- Processes ----
 
-// Starts a command that outlives the caller, without terminal and input; on Linux the shell reads it. False
-// when the program is known not to start: an empty command, one whose first word names no program, no process
-// to be had.
-bool start_detached(const char *command_line);
+// Starts a program that outlives the caller, without terminal and input: its name, then the words that it is
+// handed, as they are, and a null pointer. A name without a directory is looked for along the PATH. False
+// when it doesn't start.
+bool start_detached(const char *const *words);
 
 // The number of this process.
 unsigned process_id();
@@ -116,8 +124,16 @@ unsigned process_id();
 // usual 0, which needs a privilege; a niceness somebody chose stays. Never fails.
 void raise_thread_priority();
 
-// Writes out standard output and standard error and ends the process at once, without the exit list.
+// Writes out standard output, standard error and what `write_out_files` has, and ends the process at once,
+// without the exit list.
 [[noreturn]] void end_process(int status);
+
+// The first half of that.
+void write_out();
+
+// Writes out the files of the folder above that has them; null while there are none. May be called in the
+// middle of anything.
+extern void (*write_out_files)();
 
 // ---- Environment ----
 
@@ -166,13 +182,16 @@ enum class CrashAction {
 };
 
 // Calls `hook` with the exception code when a thread faults; on Linux SIGSEGV, SIGBUS, SIGILL and SIGFPE
-// appear under such codes. A SIGFPE that a program sends is ignored. The hook runs in the faulting thread, on
-// Linux on a stack of its own if that thread installed the hook, and must not allocate. A second call
-// replaces the hook.
+// appear under such codes. A SIGFPE that a program sends is ignored. The hook runs in the faulting thread and
+// must not allocate. A second call replaces the hook. The calling thread is guarded.
 void install_crash_hook(CrashAction (*hook)(unsigned code));
 
 // Puts back what was there before `install_crash_hook`.
 void remove_crash_hook();
+
+// Lets the hook learn of an overflow of the calling thread's stack: it runs on a stack of its own in that
+// thread from now on. Cheap when done already.
+void guard_thread();
 
 // The name of an exception code, such as "ACCESS_VIOLATION"; "Unknown exception code" for any other number.
 const char *exception_name(unsigned code);
@@ -189,6 +208,9 @@ void message_box(const char *text, const char *title, unsigned style);
 // Reads a line from standard input without its newline; a line too long goes on with the next call.
 // False at the end of the input.
 bool read_line(char *out, std::size_t size);
+
+// Whether standard input is a terminal.
+bool has_terminal();
 
 // Whether input waits at the terminal; false when standard input is none.
 bool key_waiting();
@@ -263,6 +285,9 @@ long long tell(std::FILE *stream);
 
 // A second stream, for reading, to the plain file that `stream` leads to; null where that can't be had.
 std::FILE *open_again(std::FILE *stream);
+
+// Writes out what a stream holds back; not when another thread is at it, for which one might wait for ever.
+void write_out(std::FILE *stream);
 
 // Size, time and kind of what has this name, links followed. False when there is nothing.
 bool file_status(const char *name, FileStatus &out);

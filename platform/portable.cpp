@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cassert>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -33,6 +34,21 @@ std::recursive_mutex &numbered(int n) {
     return locks()[static_cast<std::size_t>(n)];
 }
 
+// A fork happens while the forking thread holds all locks, taken in the order in which they are nested. In
+// the child nobody can leave them, since that thread has a new number there: they are made anew.
+bool there() { return lock_state.load(std::memory_order_acquire) == LockState::there; }
+void hold_all() {
+    if (there())
+        for (std::recursive_mutex &lock : locks()) lock.lock();
+}
+void release_all() {
+    if (there())
+        for (std::recursive_mutex &lock : locks()) lock.unlock();
+}
+void renew_all() {
+    if (there()) new (lock_room) Locks;
+}
+
 template <class Clock> double seconds_of() {
     return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
 }
@@ -44,6 +60,9 @@ void create_locks() {
     while (state != LockState::there) {
         if (state == LockState::none && lock_state.compare_exchange_strong(state, LockState::in_work)) {
             new (lock_room) Locks;
+            static constinit bool watching = false;
+            if (!watching) around_fork(hold_all, release_all, renew_all);
+            watching = true;
             lock_state.store(LockState::there, std::memory_order_release);
             return;
         }
@@ -60,12 +79,13 @@ void delete_locks() {
 }
 
 void enter_lock(int n) {
+    guard_thread();
     create_locks();
     numbered(n).lock();
 }
 
 void leave_lock(int n) {
-    if (lock_state.load(std::memory_order_acquire) == LockState::there) numbered(n).unlock();
+    if (there()) numbered(n).unlock();
 }
 
 void pause_milliseconds(unsigned milliseconds) {
@@ -87,6 +107,30 @@ bool read_line(char *out, std::size_t size) {
     const std::size_t n = std::strlen(out);
     if (n > 0 && out[n - 1] == '\n') out[n - 1] = 0;
     return true;
+}
+
+void (*write_out_files)() = nullptr;
+
+void write_out() {
+    write_out(stdout);
+    write_out(stderr);
+    if (write_out_files) write_out_files();
+}
+
+bool copy_readable(char *out, std::size_t size, const char *text) {
+    const std::size_t page = page_size();
+    std::size_t n = 0;
+    for (; n + 1 < size; ++n) {
+        const bool new_page = n == 0 || reinterpret_cast<std::uintptr_t>(text + n) % page == 0;
+        if (new_page && !readable(text + n, 1)) break;
+        if (text[n] == '\0') {
+            out[n] = '\0';
+            return true;
+        }
+        out[n] = text[n];
+    }
+    out[n] = '\0';
+    return n > 0;
 }
 
 bool file_exists(const char *name) {

@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstdint>
 #include <iterator>
+#include <sys/mman.h>
 #include <ucontext.h>
 
 namespace kn::os {
@@ -49,7 +50,39 @@ constexpr int fault_signals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE};
 std::atomic<CrashAction (*)(unsigned)> crash_hook = nullptr;
 struct sigaction previous[std::size(fault_signals)];
 bool installed = false;
-alignas(16) char alternate_stack[1 << 18];
+
+// The stack of a thread on which the hook runs, so that it can when the thread's own has run out. One that
+// another part of the process provided, a sanitizer for one, is left in use.
+class AlternateStack {
+  public:
+    AlternateStack() {
+        stack_t present = {};
+        if (sigaltstack(nullptr, &present) != 0 || !(present.ss_flags & SS_DISABLE)) return;
+        void *memory =
+            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        if (memory == MAP_FAILED) return;
+        memory_ = memory;
+        stack_t own = {};
+        own.ss_sp = memory;
+        own.ss_size = size;
+        sigaltstack(&own, nullptr);
+    }
+    ~AlternateStack() {
+        stack_t present = {};
+        if (!memory_ || sigaltstack(nullptr, &present) != 0 || (present.ss_flags & SS_ONSTACK)) return;
+        if (present.ss_sp == memory_) {
+            present.ss_flags = SS_DISABLE;
+            sigaltstack(&present, nullptr);
+        }
+        munmap(memory_, size);
+    }
+    AlternateStack(const AlternateStack &) = delete;
+    AlternateStack &operator=(const AlternateStack &) = delete;
+
+  private:
+    static constexpr std::size_t size = 1 << 18;
+    void *memory_ = nullptr;
+};
 
 // A stack that ran out faults close to where it points: a call, a push or the first use of a new frame.
 bool close_to_stack_pointer([[maybe_unused]] const void *address, [[maybe_unused]] const void *context) {
@@ -86,19 +119,18 @@ void on_fault(int signal, siginfo_t *info, void *context) {
 
 } // namespace
 
+void guard_thread() {
+    static constinit thread_local bool guarded = false;
+    if (guarded) return;
+    guarded = true;
+    static thread_local AlternateStack stack;
+}
+
 void install_crash_hook(CrashAction (*hook)(unsigned code)) {
     crash_hook = hook;
     if (installed) return;
 
-    // A stack that another part of the process provided, a sanitizer for one, is left in use.
-    stack_t stack = {};
-    if (sigaltstack(nullptr, &stack) == 0 && (stack.ss_flags & SS_DISABLE)) {
-        stack = {};
-        stack.ss_sp = alternate_stack;
-        stack.ss_size = sizeof alternate_stack;
-        sigaltstack(&stack, nullptr);
-    }
-
+    guard_thread();
     struct sigaction action = {};
     action.sa_sigaction = on_fault;
     action.sa_flags = SA_SIGINFO | SA_ONSTACK;
@@ -117,13 +149,6 @@ void remove_crash_hook() {
         sigaction(fault_signals[k], nullptr, &present);
         if ((present.sa_flags & SA_SIGINFO) && present.sa_sigaction == on_fault)
             sigaction(fault_signals[k], &previous[k], nullptr);
-    }
-
-    stack_t stack = {};
-    if (sigaltstack(nullptr, &stack) == 0 && stack.ss_sp == alternate_stack &&
-        !(stack.ss_flags & SS_ONSTACK)) {
-        stack.ss_flags = SS_DISABLE;
-        sigaltstack(&stack, nullptr);
     }
     crash_hook = nullptr;
     installed = false;

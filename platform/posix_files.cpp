@@ -85,6 +85,12 @@ std::FILE *open_again(std::FILE *stream) {
     return open_file(name, "rb");
 }
 
+void write_out(std::FILE *stream) {
+    if (ftrylockfile(stream) != 0) return;
+    std::fflush(stream);
+    funlockfile(stream);
+}
+
 bool file_status(const char *name, FileStatus &out) {
     struct stat s;
     if (stat(SystemName(name), &s) != 0) return false;

@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <ctime>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -22,12 +22,17 @@ namespace kn::os {
 
 namespace {
 
-// The program that a command line begins with, or the empty text where only the shell can tell.
-std::string program_of(const char *line) {
-    const char quote = *line == '"' || *line == '\'' ? *line : 0;
-    const std::string rest(line + (quote != 0));
-    const std::string word = rest.substr(0, quote ? rest.find(quote) : rest.find_first_of(" \t\r\n"));
-    return word.find_first_of("$`\\\"'(){}[];&|<>*?=~#!") == std::string::npos ? word : "";
+// What runs in the child: a program of a session of its own, which this process does not wait for. Returns
+// when it did not start.
+void start_session(const char *file, const char *const *words) {
+    setsid();
+    const pid_t program = fork();
+    if (program > 0) _exit(0);
+    if (program < 0) return;
+    const int nothing = open("/dev/null", O_RDONLY);
+    if (nothing >= 0) dup2(nothing, STDIN_FILENO);
+    if (nothing > STDIN_FILENO) close(nothing);
+    execvp(file, const_cast<char *const *>(words));
 }
 
 void write_to_terminal(const char *sequence) {
@@ -62,32 +67,27 @@ void unload_module(Module module) {
 
 const char *module_suffix() { return ".so"; }
 
-// One shell, in a session of its own, looks whether the program exists, leaves the command running behind it
-// and ends; it is the only child to be waited for.
-bool start_detached(const char *command_line) {
-    const char *command = command_line + std::strspn(command_line, " \t\r\n");
-    if (!*command) return false;
-
-    const std::string program = program_of(command);
-    const char *script = "[ -z \"$2\" ] || command -v \"$2\" >/dev/null 2>&1 || exit 127\n"
-                         "/bin/sh -c \"$1\" </dev/null &";
-    const char *words[] = {"sh", "-c", script, "sh", command, program.c_str(), nullptr};
-
-    posix_spawnattr_t attributes;
-    if (posix_spawnattr_init(&attributes) != 0) return false;
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
-    pid_t shell;
-    const int failed =
-        posix_spawn(&shell, "/bin/sh", nullptr, &attributes, const_cast<char *const *>(words), environ);
-    posix_spawnattr_destroy(&attributes);
-    if (failed) return false;
-
-    int status = 0;
-    pid_t waited;
-    do waited = waitpid(shell, &status, 0);
-    while (waited < 0 && errno == EINTR);
-    if (waited < 0) return true; // the host lets its children vanish untold
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+// The child starts the program as a child of its own and ends, so that nobody has to wait for the program.
+// Whether it started is told by a pipe, which closes when it has.
+bool start_detached(const char *const *words) {
+    int told[2];
+    if (!*words || !**words || pipe2(told, O_CLOEXEC) != 0) return false;
+    const SystemName file(*words);
+    const pid_t child = fork();
+    if (child == 0) {
+        start_session(file, words);
+        const ssize_t written = write(told[1], "", 1);
+        _exit(written == 1 ? 127 : 126);
+    }
+    close(told[1]);
+    char failed;
+    ssize_t n;
+    do n = read(told[0], &failed, 1);
+    while (n < 0 && errno == EINTR);
+    close(told[0]);
+    while (child > 0 && waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    return child > 0 && n == 0;
 }
 
 unsigned process_id() { return static_cast<unsigned>(getpid()); }
@@ -98,8 +98,7 @@ void raise_thread_priority() {
 }
 
 void end_process(int status) {
-    std::fflush(stdout);
-    std::fflush(stderr);
+    write_out();
     _exit(status);
 }
 
@@ -121,9 +120,11 @@ void message_box(const char *text, const char *title, unsigned) {
     std::fflush(stderr);
 }
 
+bool has_terminal() { return isatty(STDIN_FILENO); }
+
 bool key_waiting() {
     pollfd input = {STDIN_FILENO, POLLIN, 0};
-    return isatty(STDIN_FILENO) && poll(&input, 1, 0) > 0 && (input.revents & POLLIN);
+    return has_terminal() && poll(&input, 1, 0) > 0 && (input.revents & POLLIN);
 }
 
 void clear_screen() { write_to_terminal("\x1b[2J\x1b[H"); }

@@ -28,6 +28,8 @@ Thread start_thread(void (*run)()) {
 
 void join_thread(Thread thread) { pthread_join((pthread_t)thread, nullptr); }
 
-void after_fork(void (*hook)()) { pthread_atfork(nullptr, nullptr, hook); }
+void around_fork(void (*before)(), void (*in_parent)(), void (*in_child)()) {
+    pthread_atfork(before, in_parent, in_child);
+}
 
 } // namespace kn::os

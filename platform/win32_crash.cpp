@@ -22,8 +22,18 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS *fault) {
 
 } // namespace
 
+// The filter runs on the thread's own stack, of which it gets a part that an overflow leaves.
+void guard_thread() {
+    static thread_local bool guarded = false;
+    if (guarded) return;
+    guarded = true;
+    ULONG kept = 1 << 16;
+    SetThreadStackGuarantee(&kept);
+}
+
 void install_crash_hook(CrashAction (*hook)(unsigned code)) {
     crash_hook = hook;
+    guard_thread();
     if (installed) return;
     previous_filter = SetUnhandledExceptionFilter(on_fault);
     previous_signal = std::signal(SIGFPE, SIG_IGN);

@@ -58,6 +58,9 @@ std::FILE *open_again(std::FILE *stream) {
     return f;
 }
 
+// Whether another thread is at the stream can't be asked here.
+void write_out(std::FILE *stream) { std::fflush(stream); }
+
 bool file_status(const char *name, FileStatus &out) {
     WIN32_FILE_ATTRIBUTE_DATA data;
     if (!GetFileAttributesExA(name, GetFileExInfoStandard, &data)) return fail_as_told();

@@ -19,6 +19,22 @@ bool cursor_to_corner() {
     return _isatty(_fileno(stdout)) && SetConsoleCursorPosition(GetStdHandle(STD_OUTPUT_HANDLE), COORD{0, 0});
 }
 
+// A word of a command line, as the C library of the started program reads it: in quotation marks, where
+// backslashes in front of one, or of the end, are doubled.
+void append_quoted(std::string &command, const char *word) {
+    command += command.empty() ? "\"" : " \"";
+    for (;; ++word) {
+        std::size_t backslashes = std::strspn(word, "\\");
+        word += backslashes;
+        if (!*word || *word == '"') backslashes *= 2;
+        command.append(backslashes, '\\');
+        if (!*word) break;
+        if (*word == '"') command += '\\';
+        command += *word;
+    }
+    command += '"';
+}
+
 } // namespace
 
 // The loader wants backslashes and looks for a bare name in the current directory late, so it is given the
@@ -48,9 +64,10 @@ void unload_module(Module module) {
 
 const char *module_suffix() { return ".dll"; }
 
-bool start_detached(const char *command_line) {
-    std::string command(command_line); // the call may write into it
-    if (command.find_first_not_of(" \t\r\n") == std::string::npos) return false;
+bool start_detached(const char *const *words) {
+    if (!*words || !**words) return false;
+    std::string command; // the call may write into it
+    for (const char *const *word = words; *word; ++word) append_quoted(command, *word);
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
@@ -67,8 +84,7 @@ unsigned process_id() { return GetCurrentProcessId(); }
 void raise_thread_priority() { SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_HIGHEST); }
 
 void end_process(int status) {
-    std::fflush(stdout);
-    std::fflush(stderr);
+    write_out();
     ExitProcess(static_cast<UINT>(status));
 }
 
@@ -86,7 +102,9 @@ void message_box(const char *text, const char *title, unsigned style) {
     MessageBoxA(GetForegroundWindow(), text, title, style);
 }
 
-bool key_waiting() { return _isatty(_fileno(stdin)) && _kbhit(); }
+bool has_terminal() { return _isatty(_fileno(stdin)) != 0; }
+
+bool key_waiting() { return has_terminal() && _kbhit(); }
 
 void home_cursor() {
     std::fflush(stdout);

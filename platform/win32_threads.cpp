@@ -34,6 +34,6 @@ void join_thread(Thread thread) {
     CloseHandle(reinterpret_cast<HANDLE>(thread));
 }
 
-void after_fork(void (*)()) {} // there is no fork
+void around_fork(void (*)(), void (*)(), void (*)()) {} // there is no fork
 
 } // namespace kn::os

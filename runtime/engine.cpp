@@ -33,7 +33,7 @@ class NoEngine final : public SeloEngine {
     void selo_set_application_handle(void *) override {}
     void selo_set_application_key_handle(void *) override {}
     void selo_set_embedded(int) override {}
-    int selo_wait_button(int) override { return 0; }
+    int selo_wait_button(int poll) override { return poll ? -1 : 0; }
     void selo_wait_object(double) override {}
     void selo_ui_wait() override {}
     void selo_ui_resume() override {}

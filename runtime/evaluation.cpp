@@ -51,19 +51,6 @@ bool run(const char *statement) {
     return false;
 }
 
-// Sets a plain variable for a scope.
-template <class T> class Setting {
-  public:
-    Setting(T &variable, T value) : variable_(variable), old_(variable) { variable_ = value; }
-    ~Setting() { variable_ = old_; }
-    Setting(const Setting &) = delete;
-    Setting &operator=(const Setting &) = delete;
-
-  private:
-    T &variable_;
-    T old_;
-};
-
 template <class... A> Mm feval_of(const Mm &f, const A &...x) {
     const Mm *list[] = {&x..., nullptr};
     return feval_one(f, cell_from_array(sizeof...(x), list));
@@ -77,9 +64,10 @@ constinit kn_eval_hook eval_func = nullptr;
 
 Mm kn::feval_one(const Mm &f, const Mm &args) {
     Mm y1, y2, y3, y4, y5, y6;
-    Setting wanted(nargout_val, 1.0);
-    nargout_set = 1;
+    const double before = nargout_val;
+    nargout_val = nargout_set = 1;
     feval_func(f, args, i_o, y1, y2, y3, y4, y5, y6);
+    nargout_val = before; // an error that is thrown leaves it to whoever catches
     return y1;
 }
 

@@ -166,9 +166,9 @@ bool call(const Function &f, const Mm *x, int inputs, int wanted, bool needed, M
 }
 
 bool call_named(const char *name, const Mm &args, int wanted, bool needed, Mm *const *out) {
-    const Slot *slot = find(name);
+    const Slot *slot = name ? find(name) : nullptr;
     if (!slot) {
-        error("Undefined function '%s'", name);
+        error("Undefined function '%s'", name ? name : "");
         return false;
     }
     const Mm held(args);

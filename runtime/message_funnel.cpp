@@ -9,6 +9,7 @@
 #include "runtime/message_funnel.h"
 
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -84,13 +85,32 @@ template <class F> F exchange_handler(F &handler, F f, F standard) {
     return old;
 }
 
+// While a handler shows a message on this thread. What it reports itself goes to the default handlers: it
+// would be called for ever.
+constinit thread_local bool showing = false;
+class Showing {
+  public:
+    Showing() { showing = true; }
+    ~Showing() { showing = false; }
+    Showing(const Showing &) = delete;
+    Showing &operator=(const Showing &) = delete;
+};
+
+void show(const char *text) {
+    if (showing) return kn_default_print(text);
+    Showing scope;
+    kn_print_handler(text);
+}
+
 } // namespace
 
 void show_box(const char *text, const char *title, unsigned style, bool printed) {
-    if (box_handler)
+    if (box_handler && !showing) {
+        Showing scope;
         box_handler(text, title, style);
-    else if (!printed || os::has_dialogs())
+    } else if (!printed || os::has_dialogs()) {
         os::message_box(text, title, style);
+    }
 }
 
 } // namespace kn
@@ -181,6 +201,7 @@ void kn_default_print(const char *text) {
 }
 
 void kn_default_error(const char *msg) {
+    if (showing) kn_default_print(lasterr_buffer); // which the handler has not shown, and which ends here
     if (error_line < 1)
         std::snprintf(lasterr_buffer, text_size, "error: %s\n", msg);
     else
@@ -197,7 +218,7 @@ void kn_default_warning(const char *msg) {
     else
         line_form(text, msg);
     bool print = kn_default_warning_flags & print_flag;
-    if (print) kn_print_handler(text);
+    if (print) show(text);
     if (kn_default_warning_flags & dialog_flag) show_box(text, problem_title, exclamation_style, print);
 }
 
@@ -205,13 +226,13 @@ void kn_default_message(const char *msg) {
     bool print = kn_default_error_flags & print_flag;
     if (kn_default_error_flags & dialog_flag) show_box(msg, "Message", 0, print);
     if (!print) return;
-    kn_print_handler(msg);
-    kn_print_handler("\n");
+    show(msg);
+    show("\n");
 }
 
 void kn_default_logmessage(const char *msg) {
-    kn_print_handler(msg);
-    kn_print_handler("\n");
+    show(msg);
+    show("\n");
 }
 
 void kn_default_debug(int code, const char *text) { std::printf("DEBUG:%c %s\n", code, text ? text : ""); }
@@ -221,12 +242,15 @@ void kn_default_debug(int code, const char *text) { std::printf("DEBUG:%c %s\n",
 void error_call_stack(char *buf) {
     int depth = kn_error_stack.depth < 512 ? kn_error_stack.depth : 512;
     for (int k = depth; k >= 1; --k) {
-        char entry[600];
-        const char *file = kn_error_stack.file[k] ? kn_error_stack.file[k] : "";
+        char entry[600], file[501];
+        const char *name = kn_error_stack.file[k];
+        if (!os::copy_readable(file, sizeof file, name) && name)
+            std::snprintf(file, sizeof file, "%08llX",
+                          static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(name)));
         if (kn_error_stack.line[k])
-            std::snprintf(entry, sizeof entry, "called from %.500s %d\n", file, kn_error_stack.line[k]);
+            std::snprintf(entry, sizeof entry, "called from %s %d\n", file, kn_error_stack.line[k]);
         else
-            std::snprintf(entry, sizeof entry, "called from %.500s\n", file);
+            std::snprintf(entry, sizeof entry, "called from %s\n", file);
         append(buf, entry);
     }
 }
@@ -240,8 +264,8 @@ void error_lasterr() {
         if (*c == '/') *c = '\\';
     bool print = kn_default_error_flags & print_flag;
     if (print) {
-        kn_print_handler(lasterr_buffer);
-        kn_print_handler("\n");
+        show(lasterr_buffer);
+        show("\n");
     }
     if (kn_default_error_flags & dialog_flag)
         show_box(lasterr_buffer, problem_title, exclamation_style, print);

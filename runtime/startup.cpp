@@ -111,7 +111,7 @@ class Startup {
     Startup() {
         start_engine();
         os::raise_thread_priority();
-        os::install_crash_hook(handle_crash);
+        install_last_words();
         trace("InitCS\n");
         os::create_locks();
         trace("assert\n");
@@ -130,6 +130,7 @@ class Startup {
         stop_engine();
         os::reset_floating_point();
         os::delete_locks();
+        remove_last_words();
     }
 };
 
@@ -147,6 +148,7 @@ void initM2(int version, int size_of_Mm) {
     int own = static_cast<int>(sizeof(Mm));
     if (size_of_Mm != own)
         error("sizeof(Mm) mismatch - runtime size is %d but current size is %d", own, size_of_Mm);
+    kn::os::guard_thread();
     kn::os::reset_floating_point();
     kn::set_constants();
 }

@@ -50,16 +50,18 @@ Mm names_of(const Mm &list) {
     return names;
 }
 
-// "directory\program pid address", with a separator where the directory lacks one.
+// Started with the numbers of the process and of the value's address, from the host's directory.
 bool start_viewer(const Mm &value) {
     const char *directory = mpath_pointer ? mpath_pointer->host_directory : "";
     const size_t n = std::strlen(directory);
     const bool ended = n == 0 || os::is_separator(directory[n - 1]);
-    char command[sizeof mpath_pointer->host_directory + 80];
-    std::snprintf(command, sizeof command, "%s%.*solenview.exe %u %llu", directory, ended ? 0 : 1,
-                  &os::separator, os::process_id(),
+    char program[sizeof mpath_pointer->host_directory + 16], process[16], address[24];
+    std::snprintf(program, sizeof program, "%s%.*solenview.exe", directory, ended ? 0 : 1, &os::separator);
+    std::snprintf(process, sizeof process, "%u", os::process_id());
+    std::snprintf(address, sizeof address, "%llu",
                   static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(&value)));
-    return os::start_detached(command);
+    const char *const words[] = {program, process, address, nullptr};
+    return os::start_detached(words);
 }
 
 } // namespace

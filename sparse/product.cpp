@@ -14,6 +14,7 @@
 #include "core/header.h"
 #include "core/multiply.h"
 #include "core/planes_as_numbers.h"
+#include "core/poll.h"
 #include "core/scratch.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
@@ -115,7 +116,7 @@ template <class A, class B> Mm product(const Mm &a, const Mm &b) {
                 sums[row] += x[k] * factor;
             }
         }
-        if (!extend(out, count, rows.count())) return x_M;
+        if (kn::interrupted() || !extend(out, count, rows.count())) return x_M;
         int *index = out.getindex();
         const kn::PlanesOf<C> z(out);
         const int begin = walk.column() * m;

@@ -55,7 +55,11 @@ Mm compare(const Mm &a, const Mm &b, const Rule &rule) {
     const int n = shape->size();
     if (lacks(out, n)) return x_M;
     const Elements from_x(x), from_y(y);
-    for (int k = 0; k < n; ++k) out.addr()[k] = agree(from_x[k], from_y[k], rule);
+    Poll poll(256);
+    for (int k = 0; k < n; ++k) {
+        if (poll.interrupted()) return x_M;
+        out.addr()[k] = agree(from_x[k], from_y[k], rule);
+    }
     out.setlogical(1);
     return out;
 }

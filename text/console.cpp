@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/ascii.h"
+#include "core/poll.h"
 #include "core/scratch.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"
@@ -115,7 +116,14 @@ Mm input(const Mm &prompt, const Mm &) {
 
 Mm pauseM() {
     drawnow();
-    while (checkforbuttonpress() != 1 && !kn_kbhit_handler()) os::pause_milliseconds(poll_milliseconds);
+    if (checkforbuttonpress() < 0 && kn_kbhit_handler == default_kbhit && !os::has_terminal()) {
+        kn_print_handler("pause: standard input is no terminal, so there is no key to wait for\n");
+        return x_M;
+    }
+    while (checkforbuttonpress() != 1 && !kn_kbhit_handler()) {
+        if (interrupted()) return x_M;
+        os::pause_milliseconds(poll_milliseconds);
+    }
     kn_print_handler("\n");
     return x_M;
 }

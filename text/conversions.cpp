@@ -56,7 +56,7 @@ Mm mat2str(const Mm &m, const Mm &digits) {
     if (n > 1) text.append('[');
     for (int r = 0; r < rows && text; ++r) {
         if (r > 0) text.append(';');
-        for (int k = r; k < n && text; k += rows) {
+        for (int k = r; k < n && text.goes_on(); k += rows) {
             if (im)
                 append_field(text, re[k], im[k], format, format);
             else

@@ -297,7 +297,7 @@ template <class In> bool scan(FormatList &list, In in, int limit, Numbers &out) 
             }
         }
         in.end_piece(piece.conversion);
-        if (!reader.word || !out) return false;
+        if (!reader.word.goes_on() || !out) return false;
     }
     return true;
 }

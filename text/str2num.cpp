@@ -73,7 +73,7 @@ template <class F> void scan(const char *text, TextBuffer &word, F number) {
             take();
             take();
         }
-        if (!word) return;
+        if (!word.goes_on()) return;
         number(word, new_row);
         new_row = false;
     }

@@ -61,9 +61,11 @@ QUORVEX_API int Mstr_size(const Mm &m);                      // bytes that Mstr 
 // "ctrl_c_event" is the error "Ctrl-C".
 QUORVEX_API Mm input(const Mm &prompt);
 QUORVEX_API Mm input(const Mm &prompt, const Mm &s);
-QUORVEX_API Mm pauseM(); // until a key or button is pressed
-QUORVEX_API Mm clc();    // clears the screen
-QUORVEX_API Mm home();   // cursor to row 1, column 1
+// Waits until a key or a button is pressed. Where neither can be, without an engine, a host that tells of
+// keys, and a terminal as standard input, it prints a line saying so instead.
+QUORVEX_API Mm pauseM();
+QUORVEX_API Mm clc();  // clears the screen
+QUORVEX_API Mm home(); // cursor to row 1, column 1
 QUORVEX_API Mm usage(const Mm &m);
 QUORVEX_API Mm smiley();
 

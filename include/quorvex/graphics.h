@@ -4,10 +4,10 @@
 
 #include "quorvex/counts.h"
 
-QUORVEX_API Mm drawnow();                // performs pending drawing, if there is a figure
-QUORVEX_API Mm guiexit(const Mm &code);  // drawnow, then ends the engine's windows
-QUORVEX_API double waitforbuttonpress(); // 0 for a mouse button, 1 for a key
-QUORVEX_API double checkforbuttonpress();
+QUORVEX_API Mm drawnow();                 // performs pending drawing, if there is a figure
+QUORVEX_API Mm guiexit(const Mm &code);   // drawnow, then ends the engine's windows
+QUORVEX_API double waitforbuttonpress();  // 0 for a mouse button, 1 for a key
+QUORVEX_API double checkforbuttonpress(); // negative without an engine
 
 // The window of the host, and the one that gets keys for it.
 QUORVEX_API Mm setapplicationhandle(void *window);

@@ -81,7 +81,8 @@ class QUORVEX_API SeloEngine {
     virtual void selo_set_application_key_handle(void *window) = 0;
     virtual void selo_set_embedded(int flag) = 0;
 
-    // Waits. selo_wait_button: mode 0 waits, 1 polls; answers 0 for a button, 1 for a key.
+    // Waits. selo_wait_button: mode 0 waits, 1 polls; answers 0 for a button, 1 for a key, in
+    // polling a negative number where there never is one.
     virtual int selo_wait_button(int mode) = 0;
     virtual void selo_wait_object(double handle) = 0;
     virtual void selo_ui_wait() = 0;

@@ -1,4 +1,6 @@
 // Start and end of the library, and the constants and markers of the language.
+//
+// Once loaded, the library stays until the process ends; dlclose has no effect.
 #ifndef QUORVEX_STARTUP_H
 #define QUORVEX_STARTUP_H
 

@@ -538,6 +538,7 @@ TEST(ElementEngine, messages) {
     EXPECT_RAISES(a + b, "plus: incompatible dimensions of: a, b");
     EXPECT_RAISES(max(a, b), "max_2: incompatible dimensions of: a, b");
     EXPECT_RAISES(times(a, cell), "Operation can not be performed on non-numerical datatypes");
+    EXPECT_RAISES(median(a, cell), "median: Operation can not be performed on non-numerical datatypes");
     EXPECT_RAISES(Mm(i_o, "x", 0) + 1.0, "variable 'x' was used without a value");
     EXPECT_RAISES(engine(0, 1.0, 1.0, 99), "op_core: unknown op");
 

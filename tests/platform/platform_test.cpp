@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cfenv>
 #include <cmath>
@@ -21,6 +22,7 @@
 
 #ifndef _WIN32
 #include <sys/wait.h>
+#include <unistd.h>
 #endif
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -95,6 +97,32 @@ TEST(Locks, made_on_first_entry_recursive_and_exclusive) {
     EXPECT_EQ(count, 80000);
     os::create_locks();
 }
+
+#ifndef _WIN32
+TEST(Locks, a_child_finds_them_free) {
+    std::atomic<bool> done = false;
+    std::thread other([&] {
+        while (!done) {
+            os::enter_lock(2);
+            os::pause_milliseconds(1);
+            os::leave_lock(2);
+        }
+    });
+    for (int k = 0; k < 5; ++k) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(5);
+            os::enter_lock(2), os::leave_lock(2);
+            _exit(0);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    done = true;
+    other.join();
+}
+#endif
 
 // ---- Names and files ----
 
@@ -216,12 +244,16 @@ TEST_F(Files, modules_are_found_by_place_and_by_name) {
 }
 
 TEST_F(Files, detached_process_runs_and_leaves_no_zombie) {
-    EXPECT_FALSE(os::start_detached("  ") || os::start_detached("\"no such program\" x"));
-    ASSERT_TRUE(os::start_detached("echo 'a \"b\" c' > part && mv part out.txt"));
-    EXPECT_TRUE(os::start_detached("\"/bin/sh\" -c 'mkdir done'"));
+    auto start = [](std::vector<const char *> words) {
+        words.push_back(nullptr);
+        return os::start_detached(words.data());
+    };
+    EXPECT_FALSE(start({}) || start({""}) || start({"no such program", "x"}));
+    ASSERT_TRUE(start({"sh", "-c", "echo \"$1\" > part && mv part out.txt", "sh", "a \"b\" $c"}));
+    EXPECT_TRUE(start({"\\bin\\mkdir", "done"})) << "with the other separators";
     for (int k = 0; k < 500 && !(os::file_exists("out.txt") && os::file_exists("done")); ++k)
         os::pause_milliseconds(20);
-    EXPECT_EQ(read("out.txt"), "a \"b\" c\n");
+    EXPECT_EQ(read("out.txt"), "a \"b\" $c\n");
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
 }

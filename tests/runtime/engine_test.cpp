@@ -62,7 +62,7 @@ TEST_F(Engine, commands) {
                                    "quit 0", "flush", "quit 1"}));
     kn_set_engine(nullptr);
     drawnow(), guiexit(0);
-    EXPECT_EQ(waitforbuttonpress() + checkforbuttonpress(), 0) << "without an engine";
+    EXPECT_TRUE(waitforbuttonpress() == 0 && checkforbuttonpress() < 0) << "without an engine";
     kn_set_engine(&engine);
 }
 

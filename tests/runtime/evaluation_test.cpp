@@ -102,6 +102,8 @@ TEST(Library, feval_goes_by_the_hook) {
     EXPECT_SAME(feval(TM("max"), row({1, 4, 2})), Mm(4.0));
     EXPECT_EQ(nargout_val, 7);
     EXPECT_RAISES(feval(TM("pi_")), "Undefined function 'pi_'");
+    EXPECT_EQ(nargout_val, 1) << "of the interrupted call";
+    EXPECT_RAISES(kn_call_function(nullptr, nop_M, 0, nullptr), "Undefined function ''");
     feval_func = old;
     nargout_val = 0;
 }

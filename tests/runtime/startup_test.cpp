@@ -7,7 +7,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <stdexcept>
 #include <string>
+#include <thread>
+#include <tuple>
 #include <utility>
 
 #include "core/constants.h"
@@ -16,6 +20,7 @@
 #include "support/support.h"
 
 #ifndef _WIN32
+#include <sys/wait.h>
 #include <unistd.h>
 #endif
 
@@ -170,24 +175,80 @@ void show_on_stderr() {
 TEST(StartupChild, a_fault_shows_code_and_call_stack_and_goes_on) {
     auto crash = [] {
         show_on_stderr();
+        kn_error_stack.depth = 2;
+        kn_error_stack.line[2] = 0;
+        kn_error_stack.file[2] = reinterpret_cast<const char *>(uintptr_t{0x10});
         fault();
     };
     auto died = [](int status) { return status != 0; }; // by the signal, or by a sanitizer's handler
-    const std::string text = "Exception code: C0000005 ACCESS_VIOLATION\n\ncalled from prog\\.m 5\n";
+    const std::string text =
+        "Exception code: C0000005 ACCESS_VIOLATION\n\ncalled from 00000010\ncalled from prog\\.m 5\n";
     EXPECT_EXIT(crash(), died, "^<Application crash!\\|" + text + "\\|48>\nApplication crash!\n\n" + text);
 }
 
-TEST(StartupChild, a_fault_with_a_pending_error_shows_that_one) {
+void uncaught(void (*work)()) noexcept { work(); }
+
+const std::string pending = "error: pending\ncalled from prog\\.m 5\n";
+
+void end_with_pending_error(void (*end)(), const char *file) {
+    show_on_stderr();
+    kn_default_error_flags = 16 | 1;
+    fprintf(fopen(TM(file), TM("w")), TM("kept"));
+    try {
+        error("pending");
+    } catch (const char *) {
+        end();
+    }
+}
+
+TEST(StartupChild, the_last_words_are_a_pending_error_and_files_are_written_out) {
+    const std::tuple<void (*)(), int, std::string> ends[] = {
+        {fault, 1, "^" + pending + "\n$"},
+        {[] { uncaught([] { throw; }); }, 1, "^" + pending + "\n$"},
+        {[] {
+             lasterr();
+             uncaught([] { throw "Ctrl-C"; });
+         },
+         1, "^error: Ctrl-C\ncalled from"},
+        {[] { uncaught([] { throw std::runtime_error("foreign"); }); }, -1,
+         "^" + pending + "\n(.|\n)*foreign"},
+        {[] { kn_set_default_error_flags(16, 0), error("at the end"); }, 1, "^error: at the end\n"},
+        {[] { // a handler that reports
+             kn_set_print_handler([](const char *) { warning("late"), error("nested"); });
+             kn_set_default_error_flags(16, 0), error("pending");
+         },
+         1, "^warning: late\n\n" + pending + "error: nested\n"},
+    };
+    const std::string file = testing::TempDir() + "quorvex_last_words_" + std::to_string(getpid());
+    for (const auto &[end, code, text] : ends) {
+        auto ended = [code = code](int status) {
+            return code < 0 ? status != 0 : WIFEXITED(status) && WEXITSTATUS(status) == code;
+        };
+        EXPECT_EXIT(end_with_pending_error(end, file.c_str()), ended, text);
+        std::ifstream written(file);
+        std::string content;
+        EXPECT_TRUE(written >> content && content == "kept");
+        std::filesystem::remove(file);
+    }
+}
+
+__attribute__((noinline)) int overflow_stack(volatile char *above) {
+    volatile char frame[512];
+    frame[0] = above ? above[0] : 1;
+    return above && above[0] == 0 ? 0 : overflow_stack(frame) + frame[0];
+}
+
+TEST(StartupChild, an_overflowing_stack_is_told_in_any_thread_that_uses_values) {
     auto crash = [] {
         show_on_stderr();
-        kn_default_error_flags = 16 | 1;
-        try {
-            error("pending");
-        } catch (const char *) {
-            fault();
-        }
+        kn_set_MT(1);
+        std::thread([] {
+            Mm value = test::row({1, 2});
+            overflow_stack(nullptr);
+        }).join();
     };
-    EXPECT_EXIT(crash(), testing::ExitedWithCode(1), "^error: pending\ncalled from prog\\.m 5\n\n$");
+    EXPECT_EXIT(
+        crash(), [](int status) { return status != 0; }, "STACK_OVERFLOW|stack-overflow");
 }
 
 #endif

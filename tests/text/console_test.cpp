@@ -1,4 +1,5 @@
 // Formatted output, input and waiting, with hooks in place of a user.
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -64,6 +65,9 @@ TEST_F(Console, hooks_are_called_until_null_restores_the_default) {
     kn_set_kbhit_handler([] { return static_cast<int>(++polls == 3); });
     EXPECT_PRINTS(pauseM(), "\n");
     EXPECT_EQ(polls, 3);
+    kn_set_kbhit_handler(nullptr);
+    ASSERT_TRUE(std::freopen("/dev/null", "r", stdin));
+    EXPECT_PRINTS(pauseM(), "pause: standard input is no terminal, so there is no key to wait for\n");
 }
 
 TEST_F(Console, printed_words) {
