@@ -14,6 +14,7 @@
 
 #include "quorvex/counts.h"
 #include "quorvex/indexing.h"
+#include "quorvex/workspace.h"
 
 // Loads from a file, which is looked for with ".mat" and as named, in the current directory and then on the M
 // path: "load: %s not found", "load: %s could not be read".
@@ -46,6 +47,16 @@ QUORVEX_API Mm saveV4(const Mm &name, const Mc &list);
 QUORVEX_API Mm saveV4(const Mm &name, const Mm &list);
 QUORVEX_API Mm saveascii(const Mm &name, const Mc &list);
 QUORVEX_API Mm saveascii(const Mm &name, const Mm &list);
+
+// The same with the variables of the current level (or global ones) of these names, all of the level for none:
+// what a command such as `save work x y` is. load gives them the values in the file, and makes those that
+// aren't there; of text the variable called as the file, "load: %s is no name of a variable". save and its kin
+// take the options -append, -ascii and -v4 among the names ("%s: unknown option %s"); nothing is saved after
+// "%s: variable '%s' not found".
+QUORVEX_API Mm load(const Mm &name, const kn_names &names);
+QUORVEX_API Mm save(const Mm &name, const kn_names &names);
+QUORVEX_API Mm saveV4(const Mm &name, const kn_names &names);
+QUORVEX_API Mm saveascii(const Mm &name, const kn_names &names);
 
 // What `whos` shows of a file, found as load finds it: a 4 by n cell with a column for each variable, its
 // name (39 characters), its extents, the bytes of its data and []. An empty cell when there are none.
