@@ -9,30 +9,30 @@
 
 namespace kn {
 
-template <template <class, class> class Row, form f> constexpr Call call_of() {
-    if constexpr (f.kind == form::names)
-        return nullptr;
-    else
-        return Row<std::make_index_sequence<f.inputs>, std::make_index_sequence<f.outputs>>::call;
+template <template <class, class, bool> class Row, form f> constexpr Call call_of() {
+    constexpr bool names = f.kind == form::names;
+    return Row<std::make_index_sequence<f.inputs>, std::make_index_sequence<f.outputs>, names>::call;
 }
 
-template <template <class, class> class Row, form... f>
+template <template <class, class, bool> class Row, form... f>
 inline constexpr Call calls_of[] = {call_of<Row, f>()...};
 
-#define KN_ROW(name, description, ...)                                           \
-    namespace {                                                                  \
-    template <class, class> struct name##_row;                                   \
-    template <size_t... in, size_t... out>                                       \
-    struct name##_row<std::index_sequence<in...>, std::index_sequence<out...>> { \
-        static Mm call([[maybe_unused]] const Mm *x, [[maybe_unused]] Mm *y) {   \
-            if constexpr (sizeof...(out) > 1)                                    \
-                return ::name(x[in]..., i_o, y[out]...);                         \
-            else                                                                 \
-                return ::name(x[in]...);                                         \
-        }                                                                        \
-    };                                                                           \
-    }                                                                            \
-    extern const Call *const name##_calls;                                       \
+#define KN_ROW(name, description, ...)                                                  \
+    namespace {                                                                         \
+    template <class, class, bool> struct name##_row;                                    \
+    template <size_t... in, size_t... out, bool names>                                  \
+    struct name##_row<std::index_sequence<in...>, std::index_sequence<out...>, names> { \
+        static Mm call([[maybe_unused]] const Mm *x, [[maybe_unused]] Mm *y) {          \
+            if constexpr (names)                                                        \
+                return ::name(x[in]..., kn_names{x[sizeof...(in)]});                    \
+            else if constexpr (sizeof...(out) > 1)                                      \
+                return ::name(x[in]..., i_o, y[out]...);                                \
+            else                                                                        \
+                return ::name(x[in]...);                                                \
+        }                                                                               \
+    };                                                                                  \
+    }                                                                                   \
+    extern const Call *const name##_calls;                                              \
     constinit const Call *const name##_calls = calls_of<name##_row, __VA_ARGS__>;
 QUORVEX_FUNCTIONS(KN_ROW)
 #undef KN_ROW

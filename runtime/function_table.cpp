@@ -114,18 +114,37 @@ const Slot *find(string_view name) {
 
 // ---- Calling ----
 
-// The form for so many inputs, none of them in a list, that gives at least so many outputs; else the form
-// with a list. -1 after a report. A value may be asked of a form that gives none when it is not `needed`.
-int form_of(const Function &f, int inputs, int outputs, bool needed) {
+// Whether the inputs fit a form.
+bool takes(const form &a, const Mm *x, int inputs) {
+    switch (a.kind) {
+    case form::plain: return inputs == a.inputs;
+    case form::list: return inputs >= a.inputs - 1;
+    case form::names:
+        return inputs >= a.inputs &&
+               std::all_of(x + a.inputs, x + inputs, [](const Mm &m) { return m.isstr(); });
+    }
+    return false;
+}
+
+// The form that takes the inputs and gives at least so many outputs; -1 after a report. Variables by name go
+// first where no output is asked for, and forms of just so many inputs before those with a list. One output
+// may be asked of a form that gives none, when it is not `needed`.
+int form_of(const Function &f, const Mm *x, int inputs, int outputs, bool needed) {
     int most = -1;
-    const int accepted = needed || outputs > 1 ? outputs : 0;
-    for (form::kinds kind : {form::plain, form::list})
-        for (size_t k = 0; k < f.forms.size(); ++k) {
-            const form &a = f.forms[k];
-            if (a.kind != kind || (kind == form::list ? a.inputs - 1 > inputs : a.inputs != inputs)) continue;
-            if (a.outputs >= accepted) return static_cast<int>(k);
-            most = std::max(most, a.outputs);
-        }
+    auto search = [&](std::initializer_list<form::kinds> kinds, int least) {
+        for (form::kinds kind : kinds)
+            for (size_t k = 0; k < f.forms.size(); ++k) {
+                const form &a = f.forms[k];
+                if (a.kind != kind || !takes(a, x, inputs)) continue;
+                if (a.outputs >= least) return static_cast<int>(k);
+                most = std::max(most, a.outputs);
+            }
+        return -1;
+    };
+    int k = outputs > 0 ? search({form::plain, form::list}, outputs) : -1;
+    if (k < 0 && (outputs == 0 || (outputs == 1 && !needed)))
+        k = search({form::names, form::plain, form::list}, 0);
+    if (k >= 0) return k;
     if (most >= 0)
         error("Too many (%d>%d) outputs for %s", outputs, most, f.about.word);
     else
@@ -143,13 +162,13 @@ Mm gathered(const Mm *x, int inputs, int fixed) {
 
 // Calls it; the outputs, of which there are `wanted`, get their values when all stand.
 bool call(const Function &f, const Mm *x, int inputs, int wanted, bool needed, Mm *const *out) {
-    const int k = form_of(f, inputs, wanted, needed);
+    const int k = form_of(f, x, inputs, wanted, needed);
     if (k < 0) return false;
     const form &chosen = f.forms[static_cast<size_t>(k)];
     const Call form_call = (*f.calls)[k];
-    Mm held[max_inputs];
-    if (chosen.kind == form::list) {
-        const int fixed = chosen.inputs - 1;
+    Mm held[max_inputs + 1];
+    if (chosen.kind != form::plain) {
+        const int fixed = chosen.inputs - (chosen.kind == form::list);
         std::copy_n(x, fixed, held);
         held[fixed] = gathered(x, inputs, fixed);
         x = held;

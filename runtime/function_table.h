@@ -15,7 +15,7 @@ using Call = Mm (*)(const Mm *x, Mm *y);
 struct Function {
     kn_function about;
     std::span<const form> forms;
-    const Call *const *calls; // of the same order; null for a form of kind names
+    const Call *const *calls; // in the same order; a list, and names, are one input, a cell
 };
 
 constexpr int max_inputs = 6, max_outputs = 6;

@@ -13,6 +13,7 @@
 #include <initializer_list>
 
 #include "core/constants.h"
+#include "core/header.h"
 #include "core/numbers.h"
 #include "platform/platform.h"
 #include "quorvex/graphics.h"
@@ -140,6 +141,8 @@ KN_FIRST Startup startup;
 } // namespace kn
 
 KN_FIRST variables_scope_t variables_scope;
+
+int kn_has_value(const Mm &m) { return m.gettype() != kn_none && !same_block(m, x_M); }
 
 void initM2(int version, int size_of_Mm) {
     if (version != QUORVEX_VERSION)

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <new>
 
+#include "core/ascii.h"
 #include "core/header.h"
 #include "core/hooks.h"
 #include "core/name_hash.h"
@@ -139,16 +140,16 @@ void Scopes::add(Mm &value, bool owned) {
 
 // A copy on the heap under a copy of the name; null when memory is exhausted. Reporting that is not possible
 // where a value ends.
-Mm *Scopes::surviving_copy(const Mm &value) {
-    const size_t size = std::strlen(value.getname()) + 1;
-    char *name = static_cast<char *>(kn_block_alloc(size));
-    void *place = name ? kn_block_alloc(sizeof(Mm)) : nullptr;
+Mm *Scopes::owned_copy(const Mm &value, const char *name) {
+    const size_t size = std::strlen(name) + 1;
+    char *own = static_cast<char *>(kn_block_alloc(size));
+    void *place = own ? kn_block_alloc(sizeof(Mm)) : nullptr;
     if (!place) {
-        kn_block_free(name);
+        kn_block_free(own);
         return nullptr;
     }
-    std::memcpy(name, value.getname(), size);
-    return new (place) Mm(value, name);
+    std::memcpy(own, name, size);
+    return new (place) Mm(value, own);
 }
 
 void Scopes::detach(Mm &value) {
@@ -163,7 +164,7 @@ void Scopes::detach(Mm &value) {
         *covered = value;
         t.values[position] = covered;
         t.owned[position] = false;
-    } else if (Mm *copy = value.getflags().persistent ? surviving_copy(value) : nullptr) {
+    } else if (Mm *copy = value.getflags().persistent ? owned_copy(value, value.getname()) : nullptr) {
         Header::level(*copy) = Header::level(value);
         t.values[position] = copy;
         t.owned[position] = true;
@@ -200,7 +201,32 @@ void Scopes::remove_all(int level) {
         if (k < count(level)) remove_at(k, level);
 }
 
+void Scopes::clear(Mm &value) {
+    if (remove(value)) value = nop_M;
+}
+
+void Scopes::set(const char *name, const Mm &value) {
+    if (Mm *variable = lookup(name, level())) {
+        *variable = value;
+    } else if (Mm *copy = owned_copy(value, name)) {
+        add(*copy, true);
+        if (find(name, level()) >= 0) return;
+        char *own = const_cast<char *>(copy->getname()); // no slot was to be had
+        delete copy;
+        kn_block_free(own);
+    } else {
+        out_of_memory();
+    }
+}
+
 // ---- Looking ----
+
+bool is_variable_name(const char *name) {
+    auto fits = [](char c) { return is_letter(c) || c == '_'; };
+    if (!fits(*name)) return false;
+    while (fits(*name) || is_digit(*name)) ++name;
+    return *name == '\0';
+}
 
 Mm *Scopes::value(int position, int level) {
     if (position >= 0 && position < count(level)) return table(level).values[position];

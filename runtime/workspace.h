@@ -31,6 +31,12 @@ struct Scopes {
     static Mm *value(int position, int level);
     static const char *name(int position, int level);
 
+    // Gives the variable of this name on the current level a value. A new one is owned, under a copy of the
+    // name. Exhausted memory is reported.
+    static void set(const char *name, const Mm &value);
+    // Forgets a variable and empties its value.
+    static void clear(Mm &value);
+
     // Position of a name, -1 for none and for a null name.
     static int find(const char *name, int level);
     // The variable of this name, or else of the name with "_" behind it: generated code names so what would
@@ -46,8 +52,13 @@ struct Scopes {
     static bool grow(Table &t);
     static int slot_of(const Mm &value);
     static void drop_slot(Table &t, int position);
-    static Mm *surviving_copy(const Mm &value);
+    static Mm *owned_copy(const Mm &value, const char *name);
 };
+
+// Whether a text can be the name of a variable.
+bool is_variable_name(const char *name);
+
+constexpr int max_variable_name = 512;
 
 } // namespace kn
 

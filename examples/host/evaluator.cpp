@@ -14,8 +14,6 @@ const Mm *constant(const std::string &name) {
     return found == constants.end() ? nullptr : found->second;
 }
 
-bool has_value(const Mm &m) { return m.gettype() != kn_none; }
-
 } // namespace
 
 std::string text_of(const Mm &value) {
@@ -44,10 +42,11 @@ void Evaluator::set(const std::string &name, const Mm &value) {
     *variable = value;
 }
 
-void Evaluator::forget(const std::string &name) {
-    ive(4, nullptr, name.empty() ? nullptr : name.c_str());
-    for (auto &[key, variable] : variables_)
-        if (name.empty() || name == key) variable->value = Mm();
+bool Evaluator::is_value(const std::string &name) { return find(name) || constant(name); }
+
+void Evaluator::forget() {
+    ive(4);
+    for (auto &[name, variable] : variables_) variable->value = Mm();
 }
 
 // ---- Statements ----
@@ -61,7 +60,7 @@ void Evaluator::run(const Statement &statement, bool quiet) {
         for (size_t k = 0; k + 1 < n.parts.size(); ++k) named.push_back(n.parts[k].name);
     } else if (n.kind == Node::reference && n.steps.empty() && find(n.name)) {
         named.push_back(n.name);
-    } else if (const Mm result = values(n, 0)[0]; has_value(result)) {
+    } else if (const Mm result = values(n, 0)[0]; kn_has_value(result)) {
         set("ans", result);
         named.push_back("ans");
     }
@@ -130,6 +129,7 @@ Mm Evaluator::last() const {
 }
 
 void Evaluator::store(const Node &target, const Mm &value) {
+    if (!kn_has_value(value)) fail("There is no value for '" + target.name + "'");
     if (target.steps.empty()) return set(target.name, value);
     Mm fresh; // becomes a variable only when all went well
     Mm *variable = find(target.name);
@@ -138,6 +138,12 @@ void Evaluator::store(const Node &target, const Mm &value) {
 }
 
 // ---- Expressions ----
+
+Mm Evaluator::value(const Node &node) {
+    const Mm result = values(node, 1)[0];
+    if (!kn_has_value(result)) fail("'" + node.name + "' gives no value");
+    return result;
+}
 
 Values Evaluator::values(const Node &node, int wanted) {
     switch (node.kind) {
@@ -190,10 +196,8 @@ Mm Evaluator::operation(const Node &node) {
     }
     Values operands;
     for (const Node &part : node.parts) operands.push_back(value(part));
-    // Of numbers, and by a number, these are operations of elements.
-    const bool number = operands[0].size() == 1;
-    if (node.name == "mldivide" && number) return call("ldivide", operands, 1)[0];
-    if (node.name == "mpower" && number && operands[1].size() == 1) return call("power", operands, 1)[0];
+    // By a number, this is an operation of elements.
+    if (node.name == "mldivide" && operands[0].size() == 1) return call("ldivide", operands, 1)[0];
     return call(node.name, operands, 1)[0];
 }
 

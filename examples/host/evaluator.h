@@ -36,12 +36,14 @@ class Evaluator {
 
     // Carries out a statement that is no command; `quiet` shows nothing.
     void run(const Statement &statement, bool quiet);
-    // The function's results: at least one, which has no type (kn_none) when there is nothing to give.
+    // Whether the name stands for a value: a variable, or a constant.
+    static bool is_value(const std::string &name);
+    // The function's results: at least one, without a value (kn_has_value) when there is nothing to give.
     Values call(const std::string &name, const Values &arguments, int wanted);
 
     static Mm *find(const std::string &name); // null when there is no such variable
     void set(const std::string &name, const Mm &value);
-    void forget(const std::string &name); // all for ""
+    void forget(); // all
 
   private:
     struct Variable {
@@ -66,7 +68,7 @@ class Evaluator {
     };
 
     Values values(const Node &node, int wanted);
-    Mm value(const Node &node) { return values(node, 1)[0]; }
+    Mm value(const Node &node);
     Values reference(const Node &node, int wanted);
     Values assign(const Node &node);
     void store(const Node &target, const Mm &value);

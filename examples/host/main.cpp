@@ -16,8 +16,10 @@ int main(int argc, char **argv) {
         std::fprintf(help_wanted ? stdout : stderr,
                      "usage: %s [--help]\n"
                      "Carries out the statements on standard input: expressions, assignments, and\n"
-                     "  whos who clear help lookfor helpwin dir ls memory version clc which openvar\n"
-                     "  exit quit, and run('file') for a file of statements.\n",
+                     "commands such as\n"
+                     "  save work x y   load work   clear x   cd ..   format long   help sin   whos\n"
+                     "  run file        exit\n"
+                     "where run is for a file of statements. There are no control statements.\n",
                      argv[0]);
         return help_wanted ? 0 : 2;
     }

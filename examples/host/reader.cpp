@@ -53,9 +53,9 @@ template <size_t n> const Operator *find(const Operator (&list)[n], std::string_
 struct Token {
     enum Kind { number, imaginary, quoted, name, command, symbol, end };
     Kind kind;
-    std::string text;     // the end of a line is the symbol "\n", in a matrix ";"
-    std::string argument; // of a command
+    std::string text; // the end of a line is the symbol "\n", in a matrix ";"
     double value = 0;
+    std::vector<std::string> words = {}; // of a command
 };
 
 struct Incomplete {}; // thrown where more text has to follow
@@ -84,7 +84,8 @@ class Lexer {
             else
                 symbol();
         }
-        if (in_matrix()) throw Incomplete();
+        if (in_matrix() || blocks_ > 0) throw Incomplete();
+        if (!control_.empty()) fail("This host carries out no '" + control_ + "'");
         add(Token::end, "end of line");
         return std::move(tokens_);
     }
@@ -97,7 +98,7 @@ class Lexer {
                                                          is_one_of(tokens_.back().text[0], ",;\n")));
     }
     void add(Token::Kind kind, std::string text, double value = 0) {
-        tokens_.push_back({kind, std::move(text), "", value});
+        tokens_.push_back({kind, std::move(text), value});
     }
 
     bool behind_operand() const {
@@ -145,26 +146,65 @@ class Lexer {
         add(imaginary ? Token::imaginary : Token::number, spelling, std::strtod(spelling.c_str(), nullptr));
     }
 
-    // A name; or a command, whose argument is what follows up to the end of the statement.
+    // A name; or a command with its words, which reach to the end of the statement.
     void word() {
         const bool first = at_statement();
         const size_t start = at_;
         while (is_letter(peek()) || is_digit(peek())) ++at_;
-        add(Token::name, source_.substr(start, at_ - start));
-        if (!first || peek() == '(') return;
+        const std::string name = source_.substr(start, at_ - start);
+        block(name, first);
+        add(Token::name, name);
         size_t from = at_;
         while (from < source_.size() && is_blank(source_[from])) ++from;
-        size_t to = std::min(source_.find_first_of(",;\n%#", from), source_.size());
-        const char next = from < to ? source_[from] : '\0';
-        if (is_one_of(next, "=(") || !is_command_(tokens_.back().text, from > at_ ? next : '\0')) return;
-        at_ = to;
-        while (to > from && is_blank(source_[to - 1])) --to;
+        const bool alone = from == source_.size() || is_one_of(source_[from], ",;\n%#");
+        if (!first || !control_.empty() || (!alone && (from == at_ || !begins_words(from)))) return;
+        if (!is_command_(name, alone)) return;
         tokens_.back().kind = Token::command;
-        tokens_.back().argument = source_.substr(from, to - from);
+        at_ = from;
+        words(tokens_.back().words);
+    }
+
+    // Whether what stands behind a name and a blank is plain words.
+    bool begins_words(size_t from) const {
+        const std::string_view rest = std::string_view(source_).substr(from);
+        auto blank_at = [&](size_t k) { return k < rest.size() && is_blank(rest[k]); };
+        if (is_one_of(rest[0], "()]}") || rest.substr(0, 3) == "..." ||
+            (rest[0] == '=' && rest.substr(0, 2) != "=="))
+            return false;
+        for (std::string_view s : symbols)
+            if (rest.substr(0, s.size()) == s) return !find(binary_operators, s) || !blank_at(s.size());
+        return true;
+    }
+
+    void words(std::vector<std::string> &list) {
+        while (at_ < source_.size() && !is_one_of(peek(), ",;\n%#")) {
+            std::string one;
+            while (at_ < source_.size() && !is_blank(peek()) && !is_one_of(peek(), ",;\n%#")) {
+                if (peek() == '\'')
+                    one += quoted();
+                else
+                    one += source_[at_++];
+            }
+            list.push_back(one);
+            while (is_blank(peek())) ++at_;
+        }
+    }
+
+    void block(const std::string &name, bool first) {
+        if (first && name == "function") fail("This host carries out no 'function'");
+        const bool begins =
+            name == "if" || name == "for" || name == "while" || name == "switch" || name == "try";
+        if (begins && first) {
+            ++blocks_;
+            if (control_.empty()) control_ = name;
+        } else if (name == "end" && brackets_.empty() && blocks_ > 0) {
+            --blocks_;
+        }
     }
 
     // 'it''s' is a text with one quote in it.
-    void text() {
+    void text() { add(Token::quoted, quoted()); }
+    std::string quoted() {
         std::string characters;
         for (++at_;; ++at_) {
             if (peek() == '\0' || peek() == '\n') fail("A text without its closing quote");
@@ -173,7 +213,7 @@ class Lexer {
             characters += peek();
         }
         ++at_;
-        add(Token::quoted, characters);
+        return characters;
     }
 
     void symbol() {
@@ -192,6 +232,8 @@ class Lexer {
     const CommandTest &is_command_;
     size_t at_ = 0;
     std::string brackets_; // those that are open
+    int blocks_ = 0;       // likewise
+    std::string control_;  // the word of the first one there was
     std::vector<Token> tokens_;
 };
 
@@ -249,7 +291,7 @@ class Parser {
         if (token().kind == Token::command) {
             s.is_command = true;
             s.word = token().text;
-            s.argument = token().argument;
+            s.words = token().words;
             ++at_;
         } else {
             s.node = assignment();

@@ -1,8 +1,12 @@
 // Source text into statements: a lexer, and a parser by precedence.
 //
-// The reader knows the grammar and no names but one: whether a statement such as `help sin` is a command,
-// that is a word with plain text behind it, depends on the variables there are, so the caller tells. Faults
-// are reported by the library's error(), which throws in this host.
+// A command is a word with words behind it: save work x. It begins with a name that is no variable, a blank,
+// and what is neither "=" nor "(" nor an operator with another blank behind it; so `cd ..` and `ls *.m` are
+// commands, and `a - b` is none. 'Quotes' hold a word together. Which words are commands when nothing is
+// behind them, and which are variables, the caller tells. Faults are reported by the library's error(), which
+// throws in this host.
+//
+// There are no control statements: such a block is read to its end, and reported as a whole.
 #ifndef HOST_READER_H
 #define HOST_READER_H
 
@@ -43,16 +47,17 @@ struct Node {
 
 struct Statement {
     bool is_command = false;
-    std::string word, argument; // of a command
-    Node node = {Node::row};    // of anything else
-    bool shown = true;          // no semicolon behind it
+    std::string word;               // of a command
+    std::vector<std::string> words; // behind it
+    Node node = {Node::row};        // of anything else
+    bool shown = true;              // no semicolon behind it
 };
 
-// Whether the word begins a command; `next` is the character behind the blanks behind it, '\0' at the end.
-using CommandTest = std::function<bool(const std::string &word, char next)>;
+// Whether the word begins a command; `alone` when nothing is behind it.
+using CommandTest = std::function<bool(const std::string &word, bool alone)>;
 
-// The statements of a text of one or more lines; none when it ends inside brackets or after "...", so that
-// another line has to follow.
+// The statements of a text of one or more lines; none when it ends inside brackets or a block, or after
+// "...", so that another line has to follow.
 std::optional<std::vector<Statement>> parse(const std::string &source, const CommandTest &is_command);
 
 // Reports an error of the user's.

@@ -6,29 +6,29 @@
 
 namespace {
 
-// The words that are commands of ive_do, with their numbers, of which some need more than their argument.
-enum { forget = 4, where = 33, version_text = 37, leave = -1 };
-const std::map<std::string, int> commands = {{"clear", forget},
-                                             {"whos", 9},
-                                             {"who", 11},
-                                             {"help", 13},
-                                             {"dir", 14},
-                                             {"ls", 14},
-                                             {"clc", 21},
-                                             {"lookfor", 31},
-                                             {"helpwin", 32},
-                                             {"which", where},
-                                             {"openvar", 35},
-                                             {"memory", 36},
-                                             {"version", version_text},
-                                             {"exit", leave},
-                                             {"quit", leave}};
+// The words that are commands of ive_do: their numbers, and the word that may follow, "*" for any. With other
+// words they are calls by name, as all others.
+enum { where = 33, version_text = 37, leave = -1 };
+struct Command {
+    int number;
+    std::string word;
+};
+const std::map<std::string, Command> commands = {
+    {"whos", {9, "global"}}, {"who", {11, "global"}}, {"help", {13, "*"}},    {"dir", {14, "*"}},
+    {"ls", {14, "*"}},       {"clc", {21, ""}},       {"lookfor", {31, "*"}}, {"helpwin", {32, "*"}},
+    {"which", {where, "*"}}, {"openvar", {35, "*"}},  {"memory", {36, ""}},   {"version", {version_text, ""}},
+    {"exit", {leave, ""}},   {"quit", {leave, ""}}};
 
-std::vector<std::string> words_of(const std::string &text) {
-    std::istringstream stream(text);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) words.push_back(word);
-    return words;
+// What open files hold back: after an error a user looks into them, or ends the host.
+void write_out_files() {
+    const Mm fids = fopen(TM("all"));
+    for (int k = 1; k <= fids.size(); ++k) fflush(Mm(fids(k)));
+}
+
+// Asked by the library in its long calls.
+int poll() {
+    if (console::take_break()) fail("Ctrl-C");
+    return 0;
 }
 
 } // namespace
@@ -44,11 +44,13 @@ Session::Session(const std::string &host_directory)
     ive(17, nullptr, reinterpret_cast<void *>(console::input));
     ive(20, nullptr, path_);
     feval_func = feval_hook;
+    kn_poll_handler = poll;
     evaluator_.define("run", [this](const Values &arguments, int) { return run_script(arguments); });
 }
 
 Session::~Session() {
-    evaluator_.forget("");
+    evaluator_.forget();
+    kn_poll_handler = nullptr;
     ive(20);
     kn_delete_path_record(path_);
 }
@@ -114,14 +116,14 @@ Session::Outcome Session::execute(const std::string &text, bool whole) {
     } nesting(nesting_);
     if (nesting_ > 100) fail("Scripts and evaluated texts are nested too deeply");
     const auto program =
-        parse(text, [this](const std::string &word, char next) { return is_command(word, next); });
+        parse(text, [this](const std::string &word, bool alone) { return is_command(word, alone); });
     if (!program && whole) fail("The text ends inside a statement");
     if (!program) return incomplete;
     for (const Statement &statement : *program) {
         if (finished_) break;
-        if (console::take_break()) fail("Ctrl-C");
+        poll();
         if (statement.is_command)
-            command(statement.word, statement.argument);
+            command(statement, whole);
         else
             evaluator_.run(statement, whole);
     }
@@ -135,6 +137,7 @@ Session::Outcome Session::attempt(const std::string &text, bool whole) {
         return execute(text, whole);
     } catch (const char *) { // what error() throws; it keeps the text
         error_lasterr();
+        write_out_files();
     } catch (const std::exception &e) {
         kn_printf("error: %s\n\n", e.what());
     }
@@ -145,37 +148,36 @@ Session::Outcome Session::attempt(const std::string &text, bool whole) {
 
 // ---- Commands ----
 
-// One of the table; or any name with a word behind it, which is a call with texts: format long
-bool Session::is_command(const std::string &word, char next) const {
-    const bool known = commands.count(word) || std::isalpha(static_cast<unsigned char>(next));
-    return known && !Evaluator::find(word);
+// One of the table, or any name with words behind it that stands for no value.
+bool Session::is_command(const std::string &word, bool alone) const {
+    return (!alone || commands.count(word)) && !Evaluator::is_value(word);
 }
 
-void Session::command(const std::string &word, const std::string &argument) {
-    const auto found = commands.find(word);
-    const int number = found == commands.end() ? 0 : found->second;
-    char text[2048] = "";
-    switch (number) {
-    case 0: {
-        Values arguments;
-        for (const std::string &w : words_of(argument)) arguments.push_back(TM(w.c_str()));
-        evaluator_.call(word, arguments, 0);
-        break;
+// A call with texts, where it isn't one of the table: format long
+void Session::command(const Statement &statement, bool quiet) {
+    const auto found = commands.find(statement.word);
+    const std::string word = statement.words.empty() ? "" : statement.words[0];
+    const bool direct = found != commands.end() && statement.words.size() < 2 &&
+                        (word.empty() || found->second.word == "*" || found->second.word == word);
+    if (!direct) {
+        Step arguments = {'(', "", {}};
+        for (const std::string &text : statement.words) arguments.arguments.push_back({Node::text, 0, text});
+        Statement call = statement;
+        call.node = {Node::reference, 0, statement.word, {}, {arguments}};
+        return evaluator_.run(call, quiet);
     }
+    char text[2048] = "";
+    switch (const int number = found->second.number) {
     case leave: finished_ = true; break;
-    case forget:
-        if (argument.empty()) evaluator_.forget("");
-        for (const std::string &name : words_of(argument)) evaluator_.forget(name);
-        break;
     case where:
-        ive(where, text, argument.c_str());
+        ive(where, text, word.c_str());
         kn_printf("%s\n", text);
         break;
     case version_text:
         ive(version_text, nullptr, text);
         kn_printf("%s\n", text);
         break;
-    default: ive(number, nullptr, argument.c_str());
+    default: ive(number, nullptr, word.c_str());
     }
 }
 

@@ -26,8 +26,8 @@ class Session {
     Outcome execute(const std::string &text, bool whole);
     Outcome attempt(const std::string &text, bool whole);
     Values run_script(const Values &arguments);
-    bool is_command(const std::string &word, char next) const;
-    void command(const std::string &word, const std::string &argument);
+    bool is_command(const std::string &word, bool alone) const;
+    void command(const Statement &statement, bool quiet);
 
     static int eval_hook(const char *statement);
     static Mm feval_hook(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6);

@@ -13,7 +13,7 @@
 //     2_list      the second input is a cell, which a call by name makes of all inputs from the second on
 //     2_list_to_0 the same, and no value
 //     1_names     behind the first input any number of variables, which the language writes by their names:
-//                 save f x y. No value
+//                 save f x y. The overload takes them as kn_names (workspace.h); no value
 //
 // QUORVEX_REPORT_OTHER_COUNTS makes, from each row, the overload that takes every other number of values and
 // reports "%s does not accept %d input%s". From the same rows come the functions that can be called by name,

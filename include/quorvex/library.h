@@ -21,7 +21,8 @@ QUORVEX_API const kn_function *kn_find_function(const char *name);
 // Calls the function of this name with the elements of the cell `args`. The nargout results go to out[0],
 // ..., where there is a place for one at least: without a result to give (kn_has_value) it gets x_M.
 // "Undefined function '%s'"; "%s does not accept %d input%s"; "Too many (%d>%d) outputs for %s" when no form
-// with so many inputs gives so many outputs. x_M is returned, and after an error every output is x_M.
+// with so many inputs gives so many outputs. With nargout 0 texts may be the names of variables of the
+// workspace (`save`, `load`, `clear`). x_M is returned, and after an error every output is x_M.
 QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, Mm *const *out);
 
 // The same in the shape of feval_func, with nargout() outputs, so that `feval_func = kn_feval` gives a

@@ -18,9 +18,12 @@ extern QUORVEX_API Mm page_screen_output, implicit_str_to_num_ok, empty_list_ele
 extern QUORVEX_API Mm c_p;   // a bare ":" subscript
 extern QUORVEX_API Mm semi;  // a row end in brackets
 extern QUORVEX_API Mm nop_M; // an empty []
-extern QUORVEX_API Mm x_M;   // no value to give
+extern QUORVEX_API Mm x_M;   // no value to give (kn_has_value)
 extern QUORVEX_API Mm l_M;   // no further operand
 extern QUORVEX_API const char *kn_l_name, *kn_semi_name, *kn_colon_name;
+
+// 0 for what a function without a result gives, x_M and its copies, and for a variable never assigned.
+QUORVEX_API int kn_has_value(const Mm &m);
 
 // First call of generated code: checks the version and the size of Mm it was built with ("Version mismatch -
 // ...", "sizeof(Mm) mismatch - ..."), then resets the floating-point state and the constants. May be called

@@ -46,10 +46,17 @@ class QUORVEX_API variables_scope_t {
 };
 extern QUORVEX_API variables_scope_t variables_scope;
 
-// Forgets the variables of the current level, whose values stay; or those of a list (CL(x), y, ...), which
-// become empty.
+// Variables of the workspace by their names, a cell of texts: what a call by name makes of `save f x y`.
+struct kn_names {
+    Mm texts;
+};
+
+// Forgets the variables of the current level, whose values stay; or those of a list (CL(x), y, ...), or of
+// names, which become empty. No names, and "variables": all of the level; "global": the global ones; "all":
+// both. An unknown name is passed over; "clear: %s is no name of a variable".
 QUORVEX_API Mm clear();
 QUORVEX_API Mm clear(const Mc &list);
+QUORVEX_API Mm clear(const kn_names &names);
 
 // What a name stands for: 1 a variable with a value (the name itself, or with "_" behind it), 2 a file, on
 // the M path or as given, with or without ".m", 7 a directory, else 0. With a kind ("var", "file", "dir",
