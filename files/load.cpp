@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "core/header.h"
+#include "core/scratch.h"
 #include "files/mat5.h"
 #include "files/matfile.h"
 #include "quorvex/builders.h"
 #include "quorvex/display.h"
 #include "quorvex/matfiles.h"
+#include "quorvex/messages.h"
 #include "quorvex/startup.h"
 #include "quorvex/structures.h"
 #include "text/text_buffer.h"
@@ -45,6 +48,124 @@ void load_list(const MatFile &file, const Mc &list) {
     }
 }
 
+// ---- One variable after the other ----
+
+// Those of a MAT-file.
+class Variables {
+  public:
+    explicit Variables(const MatFile &file) : file_(file) {
+        if (file.kind == MatKind::level5) level5_.emplace(file.get(), file.name);
+    }
+
+    // The head of the next one, which is passed over. False at the end, and where the file is damaged.
+    bool next(MatEntry &e) {
+        if (!level5_) {
+            passed_ = io::tell(file_.get());
+            return mat4_next(file_, e);
+        }
+        Mat5Entry from{};
+        if (!level5_->next(from)) return false;
+        e.ndims = std::min(from.ndims, 4);
+        e.bytes = from.bytes;
+        std::copy_n(from.dims, 4, e.dims);
+        std::strcpy(e.name, from.name);
+        return true;
+    }
+
+    // The value of the one that was passed over. False after a report.
+    bool read(Mm &value) {
+        if (level5_) return level5_->back() && level5_->read(value);
+        return passed_ >= 0 && io::seek(file_.get(), passed_, SEEK_SET) == 0 && !mat4_load(file_, value);
+    }
+
+    // Whether there is no more; after a report where something else is there.
+    bool at_end() { return !level5_ || level5_->at_end(); }
+
+  private:
+    const MatFile &file_;
+    std::optional<Mat5Reader> level5_;
+    long passed_ = 0;
+};
+
+// ---- Into a structure ----
+
+// Whether a name is what a pattern says: "*" stands for any characters.
+bool matches(const char *name, const char *pattern) {
+    const char *star = nullptr, *resumed = nullptr;
+    while (*name) {
+        if (*pattern == '*') {
+            star = ++pattern;
+            resumed = name;
+        } else if (*pattern == *name) {
+            ++pattern, ++name;
+        } else if (star) {
+            pattern = star;
+            name = ++resumed;
+        } else
+            return false;
+    }
+    while (*pattern == '*') ++pattern;
+    return !*pattern;
+}
+
+// Patterns, each the text of an element of a cell, and whether a name has matched them.
+class Patterns {
+  public:
+    explicit Patterns(const Mm &names) : names_(names), met_(is_cell(names) ? names.getnnz() : 1) {
+        for (int k = 0; met_ && k < count(); ++k) met_[k] = false;
+    }
+    explicit operator bool() const { return static_cast<bool>(met_); }
+
+    bool accept(const char *name) {
+        bool wanted = false;
+        char pattern[MatEntry::name_size];
+        for (int k = 0; k < count(); ++k)
+            if (matches(name, text(k, pattern))) wanted = met_[k] = true;
+        return wanted;
+    }
+    void warn_unmet(const char *file) const {
+        char pattern[MatEntry::name_size];
+        for (int k = 0; k < count(); ++k)
+            if (!met_[k]) warning("load: variable '%s' not found in '%s'", text(k, pattern), file);
+    }
+
+  private:
+    int count() const { return is_cell(names_) ? names_.getnnz() : 1; }
+    const char *text(int k, char (&to)[MatEntry::name_size]) const {
+        *to = '\0';
+        Mstr_row(is_cell(names_) ? names_.getpr(static_cast<Mm *>(nullptr))[k] : names_, to, sizeof to);
+        return to;
+    }
+
+    const Mm &names_;
+    Scratch<bool> met_;
+};
+
+// A structure with a field for each variable, or for those of some names; of text the matrix. One without a
+// name is none that a program has saved.
+Mm structure_of(const Mm &m, const Mm *names) {
+    char name[mat_name_size];
+    mat_name(m, name);
+    MatFile file(name);
+    if (!mat_open_read(mpath_pointer, file)) return x_M;
+    if (file.kind == MatKind::text) return first_of(file);
+    const Mm all = TM("*");
+    Patterns patterns(names ? *names : all);
+    Variables variables(file);
+    Mm out = mstruct(cell(0.0));
+    if (!patterns || !out.isstruct()) return x_M;
+    for (MatEntry e{}; variables.next(e);) {
+        if (!*e.name || !patterns.accept(e.name)) continue;
+        Mm value;
+        if (!variables.read(value)) return x_M;
+        out.member(e.name) = value;
+    }
+    if (!variables.at_end()) return x_M;
+    if (names) patterns.warn_unmet(file.name);
+    check(out);
+    return out;
+}
+
 // ---- Entries ----
 
 void add(TextBuffer &entries, const MatEntry &e) {
@@ -61,21 +182,8 @@ void add_text(const MatFile &file, TextBuffer &entries) {
     add(entries, e);
 }
 
-void add_level4(const MatFile &file, TextBuffer &entries) {
-    for (MatEntry e{}; mat4_next(file, e) && *e.name;) add(entries, e);
-}
-
-void add_level5(const MatFile &file, TextBuffer &entries) {
-    Mat5Reader reader(file.get(), file.name);
-    for (Mat5Entry from{}; reader.next(from) && *from.name;) {
-        MatEntry e{"", std::min(from.ndims, 4), {}, from.bytes};
-        std::snprintf(e.name, sizeof e.name, "%.*s", MatEntry::name_size - 1, from.name);
-        std::copy_n(from.dims, 4, e.dims);
-        add(entries, e);
-    }
-}
-
 Mm columns_of(TextBuffer &entries) {
+    constexpr int longest_name = 39;
     const int n = static_cast<int>(entries.size() / sizeof(MatEntry));
     if (!entries) return x_M;
     Mm columns = cell(n > 0 ? 4.0 : 0.0, n);
@@ -83,6 +191,7 @@ Mm columns_of(TextBuffer &entries) {
     for (int k = 0; k < n; ++k) {
         MatEntry e;
         std::memcpy(&e, entries.data() + static_cast<size_t>(k) * sizeof e, sizeof e);
+        e.name[longest_name] = '\0';
         Mm dims(0, 0, 0, 1, e.ndims, kn_double);
         if (lacks(dims, e.ndims)) return x_M;
         std::copy_n(e.dims, e.ndims, dims.addr());
@@ -106,7 +215,8 @@ Mm load(const Mm &m, const Mc &list) {
     return x_M;
 }
 
-Mm load(const Mm &name) { return load(name, Mc()); }
+Mm load(const Mm &name) { return structure_of(name, nullptr); }
+Mm load(const Mm &name, const Mm &names) { return structure_of(name, &names); }
 Mm vbload(const Mm &name) { return load(name, Mc()); }
 
 Mm kn_matfile_variables(const Mm &m) {
@@ -115,10 +225,11 @@ Mm kn_matfile_variables(const Mm &m) {
     MatFile file(name);
     if (!mat_open_read(mpath_pointer, file)) return x_M;
     TextBuffer entries;
-    switch (file.kind) {
-    case MatKind::level4: add_level4(file, entries); break;
-    case MatKind::level5: add_level5(file, entries); break;
-    case MatKind::text: add_text(file, entries); break;
+    if (file.kind == MatKind::text) {
+        add_text(file, entries);
+    } else {
+        Variables variables(file);
+        for (MatEntry e{}; variables.next(e) && *e.name;) add(entries, e);
     }
     return columns_of(entries);
 }

@@ -48,7 +48,9 @@ struct Header4 {
     int m = 0, o = 0, p = 0, t = 0;
 
     double count() const { return rows * cols; }
-    double plane() const { return p < 6 ? count() * element_size[p] : -1; } // bytes; below 0: not known
+    double plane() const { // bytes; below 0: not known
+        return p >= 0 && p < 6 ? count() * element_size[p] : -1;
+    }
     bool complex() const { return imagf != 0; }
     bool has_extents() const { return rows >= 0 && cols >= 0; }
 };
@@ -69,8 +71,10 @@ Found read_header(const MatFile &file, Header4 &h) {
     decode(false);
     if (h.type < 0 || h.type >= 10000) decode_elements(raw, &h.type, 1, int32_code, true);
     const int type = static_cast<int>(h.type);
-    h.m = type < 0 ? -1 : type / 1000;
-    h.o = type / 100 % 10, h.p = type / 10 % 10, h.t = type % 10;
+    if (type < 0) // in both orders
+        h.m = h.p = -1;
+    else
+        h.m = type / 1000, h.o = type / 100 % 10, h.p = type / 10 % 10, h.t = type % 10;
     h.swap = h.m == 1 - native_format;
     if (h.swap) {
         decode(true);

@@ -56,6 +56,14 @@ class Mat5Reader {
     // The head of the next variable, which is passed over; false, and the name is empty, at the end of the
     // file or where it is damaged. Reports nothing.
     bool next(Mat5Entry &entry);
+    bool back();   // to the variable that was passed over last
+    bool at_end(); // whether there is no more; with a report of what is no variable either
+
+    uint64_t at() const { return in_.at(); }
+
+    // The bytes of the variable that was passed over last, as they are. False after a report, as when the
+    // end of the file cuts it off.
+    bool copy(std::FILE *to);
 
     // The next variable. False after a report: the target is nop_M at the end of the file ("load5: '%s' could
     // not read header"), x_M otherwise. The target keeps its name; "load5: '%s': variable named '%s' loaded
@@ -73,6 +81,8 @@ class Mat5Reader {
 
     Mat5File in_;
     const char *file_;
+    uint64_t passed_ = 0; // where the variable begins that was passed over last
+    bool cut_ = false;
     char name_[Mat5Entry::name_size] = "";
 };
 

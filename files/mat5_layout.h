@@ -4,7 +4,8 @@
 //
 //     offset  bytes
 //          0    124  text, padded with blanks: "TARVEK 4.0 MAT-file, Platform: PCWIN, Created on: " and the
-//          time
+//          time. Its last 8 bytes, when they are neither blank nor 0, are the position of a variable
+//          without a name, in which other programs keep what their objects share
 //        124      2  version, 256
 //        126      2  byte-order mark, 19785 ("IM" where the lower byte comes first)
 //
@@ -37,7 +38,8 @@
 //      3  object             the name of the class (type 1), then as a structure
 //      4  text               codes of 16 bits (type 4)
 //      5  sparse             row indices, column starts (columns + 1), real values[, imaginary ones];
-//                            logical ones may be bytes whose type says 9
+//                            logical ones may be bytes whose type says 9. The columns of more than two
+//                            dimensions are those of all pages
 //      6  double             real values[, imaginary ones]; numbers may lie as any type
 //      9  uint8              the same
 //      7, 8, 10 to 15        single, int8, int16, uint16, int32, uint32, int64, uint64: the same
@@ -85,7 +87,7 @@ enum Class : uint32_t {
 };
 
 inline constexpr uint32_t class_mask = 255, logical_flag = 512, complex_flag = 2048;
-inline constexpr int header_bytes = 128, text_bytes = 124, field_bytes = 32, most_dims = 4;
+inline constexpr int header_bytes = 128, text_bytes = 124, shared_at = 116, field_bytes = 32, most_dims = 4;
 inline constexpr uint16_t version = 256, order_mark = 19785;
 
 // Values nested deeper are neither written nor read: each level is a call.

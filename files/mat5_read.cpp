@@ -6,6 +6,7 @@
 
 #include "files/byte_order.h"
 #include "files/mat5_decode.h"
+#include "files/stream_calls.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
 
@@ -29,11 +30,13 @@ template <class Use> bool Mat5Reader::variable(bool quiet, Use use) {
     const uint64_t start = in_.at(), size = in_.size();
     uint32_t w[2] = {};
     const bool whole = in_.get(w, sizeof w);
-    const bool swap = w[0] == reversed(compressed);
+    const bool swap = w[0] > 0x10000;
+    const uint64_t bytes = swap ? reversed(w[1]) : w[1];
     uint64_t next = size;
     bool done = false;
-    if (whole && (swap || w[0] == compressed)) {
-        const uint64_t bytes = swap ? reversed(w[1]) : w[1];
+    passed_ = start;
+    cut_ = start + sizeof w + bytes > size;
+    if (whole && (swap ? reversed(w[0]) : w[0]) == compressed) {
         Mat5Inflated inflated(in_, bytes);
         Mat5Decoder decoder(inflated, file_, quiet);
         done = inflated && use(decoder, inflated.size()) != 0;
@@ -63,9 +66,32 @@ bool Mat5Reader::next(Mat5Entry &entry) {
     });
 }
 
+bool Mat5Reader::back() { return in_.seek(passed_); }
+
+// Behind the last variable stands less than the tag of another. A file without a size can't be read.
+bool Mat5Reader::at_end() {
+    constexpr uint64_t tag_bytes = 8;
+    if (in_.size() > 0 && in_.left() < tag_bytes) return true;
+    error("load5: '%s' could not read header", file_);
+    return false;
+}
+
+bool Mat5Reader::copy(std::FILE *to) {
+    char block[1 << 12];
+    const uint64_t end = in_.at();
+    const Mat5Decoder decoder(in_, file_, false);
+    if (cut_ || !back()) return decoder.unread();
+    while (in_.at() < end) {
+        const size_t n = static_cast<size_t>(std::min<uint64_t>(end - in_.at(), sizeof block));
+        if (!in_.get(block, n)) return decoder.unread();
+        if (io::write(block, 1, n, to) != n) return decoder.failed("load: '%s' could not write data set");
+    }
+    return true;
+}
+
 bool Mat5Reader::read(Mm &target) {
     name_[0] = '\0';
-    const bool at_end = in_.left() < 8;
+    const bool ended = in_.left() < 8;
     const char *const wanted = target.getname();
     Mm out;
     const bool done = variable(false, [&](Mat5Decoder &decoder, uint64_t end) -> uint64_t {
@@ -76,7 +102,7 @@ bool Mat5Reader::read(Mm &target) {
             warning("load5: '%s': variable named '%s' loaded into '%s'", file_, name_, wanted);
         return decoder.value(h, out, 1) ? h.end : 0;
     });
-    target = done ? std::move(out) : at_end ? nop_M : x_M;
+    target = done ? std::move(out) : ended ? nop_M : x_M;
     return done;
 }
 
@@ -93,11 +119,9 @@ bool Mat5Reader::read_named(Mm &target) {
 
     Mat5Entry entry;
     rewind();
-    uint64_t at = in_.at();
-    for (; next(entry); at = in_.at())
-        if (std::strncmp(entry.name, wanted, 127) == 0) return in_.seek(at) && read(target);
-    // Behind the last variable stands less than the tag of another. A file without a size can't be read.
-    constexpr uint64_t tag_bytes = 8;
-    if (in_.size() == 0 || in_.size() - at >= tag_bytes) error("load5: '%s' could not read header", file_);
+    while (next(entry))
+        if (std::strncmp(entry.name, wanted, 127) == 0) return back() && read(target);
+    back();
+    at_end();
     return false;
 }

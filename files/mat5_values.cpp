@@ -124,10 +124,10 @@ bool Mat5Decoder::text(double *to, int n, uint64_t end) {
 // An entry of the room may have no row index: those of the columns count.
 bool Mat5Decoder::sparse(const Head &h, Mm &out) {
     const Mat5Entry &e = h.entry;
-    const int rows = e.dims[0], cols = e.dims[1];
+    const int rows = e.dims[0], cols = product(e.ndims - 1, e.dims + 1), size = product(e.ndims, e.dims);
     Tag t;
     Layout l;
-    if (e.ndims != 2) return failed("load5: '%s' unrecognized matrix type");
+    if (cols < 0 || size < 0) return failed("load5: '%s' contained sparse matrix that is too large");
     if (static_cast<uint64_t>(cols) + 1 > left(h.end)) return unread();
 
     int there = 0;
@@ -143,14 +143,12 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
 
     const int n = jc[cols];
     if (n < 0) return failed("load5: '%s' contained sparse matrix with negative nnz");
-    const int size = product(2, e.dims);
-    if (size < 0) return failed("load5: '%s' contained sparse matrix that is too large");
     bool sound = jc[0] == 0 && n <= there && n <= size;
     for (int c = 0; c < cols; ++c) sound = sound && jc[c] <= jc[c + 1];
     for (int k = 0; k < n && sound; ++k) sound = ir[k] >= 0 && ir[k] < rows;
     if (!sound) return failed("load5: '%s' contained sparse matrix with entries outside of it");
 
-    Mm matrix(e.complex, 1, n, rows, cols, kn_double);
+    Mm matrix(e.complex, 1, n, e.ndims, e.dims, kn_double);
     if (lacks(matrix, n) || !matrix.issparse()) return false;
     if (n > 0) {
         setIrJc(matrix, ir.get(), jc.get());

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "core/columns.h"
 #include "files/mat5.h"
 #include "files/mat5_layout.h"
 #include "files/precision.h"
@@ -23,11 +24,19 @@ namespace {
 
 Class class_of(const Mm &x) {
     if (x.issparse()) return sparse_class;
-    if (x.isstr()) return text_class;
+    if (x.isstr() && x.gettype() != kn_Mm) return text_class;
     if (x.gettype() == kn_uint8) return uint8_class;
     if (x.gettype() == kn_Mm)
         return !x.isstruct() ? cell_class : x.getclassid() != 0 ? object_class : struct_class;
     return double_class;
+}
+
+void to_codes(const double *from, int n, uint16_t *to) {
+    bool characters = true; // as nearly all are: converted several at once
+    for (int k = 0; k < n; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
+    for (int k = 0; k < n; ++k)
+        to[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k]))
+                           : static_cast<uint16_t>(low_bits(from[k]));
 }
 
 // An array of getIr or getJc.
@@ -92,21 +101,20 @@ bool Mat5Encoder::codes(const Mm &x) const {
     if (!out.align() || !tag(uint16, uint64_t{2} * static_cast<uint64_t>(n))) return false;
     for (int done = 0; done < n; done += room) {
         const int m = std::min(room, n - done);
-        const double *from = x.addr() + done;
-        bool characters = true; // as nearly all are: converted several at once
-        for (int k = 0; k < m; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
-        for (int k = 0; k < m; ++k)
-            block[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k]))
-                                  : static_cast<uint16_t>(low_bits(from[k]));
+        if (x.gettype() == kn_uint8)
+            std::copy_n(x.getpr(static_cast<unsigned char *>(nullptr)) + done, m, block);
+        else
+            to_codes(x.addr() + done, m, block);
         if (!out.put(block, sizeof *block * static_cast<size_t>(m))) return false;
     }
     return true;
 }
 
 bool Mat5Encoder::sparse(const Mm &x) const {
+    const uint64_t n = static_cast<uint64_t>(x.getnnz()), starts = static_cast<uint64_t>(column_count(x)) + 1;
+    if (4 * starts > UINT32_MAX) return too_large();
     const Ints ir{getIr(x)}, jc{ir.p ? getJc(x) : nullptr};
     if (!jc.p) return false;
-    const uint64_t n = static_cast<uint64_t>(x.getnnz()), starts = static_cast<uint64_t>(x.cols()) + 1;
     return (array(int32, ir.p, 4 * n) && array(int32, jc.p, 4 * starts) && planes(float64, x, 8 * n)) ||
            not_written();
 }

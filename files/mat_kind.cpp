@@ -78,6 +78,10 @@ bool mat_open_read(const kn_path_record *record, MatFile &file) {
         error("load: %s not found", file.name);
         return false;
     }
+    return mat_recognise(file);
+}
+
+bool mat_recognise(MatFile &file) {
     if (recognise(file)) return true;
     error("load: %s could not be read", file.name);
     return false;

@@ -40,9 +40,12 @@ struct MatFile {
 // level 5 header, else to the beginning. "load: %s not found", "load: %s could not be read".
 bool mat_open_read(const kn_path_record *record, MatFile &file);
 
-// Of a variable, as the file tells without its data. The name is cut; an empty one means the end.
+// The same with an open stream, in place of finding it.
+bool mat_recognise(MatFile &file);
+
+// Of a variable, as the file tells without its data. An empty name means the end.
 struct MatEntry {
-    static constexpr int name_size = 40;
+    static constexpr int name_size = 256;
     char name[name_size];
     int ndims, dims[4];
     double bytes;

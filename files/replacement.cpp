@@ -1,40 +1,90 @@
-// A file under a name of its own, until it takes the place of another.
+// A file under a name of its own, kn<process>_<k>.tmp, until it takes the place of another.
 
 #include "files/replacement.h"
 
+#include <charconv>
 #include <cstring>
+#include <string_view>
 
 #include "files/stream_calls.h"
 #include "platform/platform.h"
+#include "quorvex/matfiles.h"
+
+int kn_save_to_disk = 1;
 
 namespace kn {
+namespace {
+
+constexpr double seconds_between_sweeps = 60;
+
+// The number of the process in such a name; 0 for other names.
+unsigned process_in(std::string_view name) {
+    unsigned id = 0, k = 0;
+    const char *const end = name.data() + name.size();
+    if (name.substr(0, 2) != "kn") return 0;
+    const auto first = std::from_chars(name.data() + 2, end, id);
+    if (first.ec != std::errc() || first.ptr == end || *first.ptr != '_') return 0;
+    const auto second = std::from_chars(first.ptr + 1, end, k);
+    return second.ec == std::errc() && std::string_view(second.ptr, end - second.ptr) == ".tmp" ? id : 0;
+}
+
+// Removes what processes that were killed have left in a directory. In one with many files that takes its
+// time, so the one that was looked through last is left alone for a while.
+void sweep(const char *directory) {
+    thread_local char last[1024];
+    thread_local double when;
+    char path[sizeof last], name[sizeof path + 256];
+    const double now = os::monotonic_clock();
+    if (!os::absolute_path(directory, path, sizeof path)) return;
+    if (std::strcmp(path, last) == 0 && now - when < seconds_between_sweeps) return;
+    std::strcpy(last, path);
+    when = now;
+    os::Directory all(path);
+    while (all.next()) {
+        const unsigned id = process_in(all.name());
+        if (id == 0 || id == os::process_id() || os::process_exists(id)) continue;
+        std::snprintf(name, sizeof name, "%s%c%s", path, os::separator, all.name());
+        os::remove_unlocked(name);
+    }
+}
+
+} // namespace
 
 Replacement::Replacement(const char *name) : name_(name) {
-    if (!*name) return;
-    if (!os::replaceable(name)) {
-        Stream straight(io::open(name, "wb"));
-        stream_.swap(straight);
-        return;
+    if (!*name || create_beside()) return;
+    const bool kept = os::is_plain_file(name);
+    Stream to(io::open(name, kept ? "r+b" : "wb"));
+    Stream first(to && kept ? io::nameless() : nullptr);
+    if (!kept)
+        stream_.swap(to);
+    else if (first)
+        stream_.swap(first), kept_.swap(to);
+}
+
+// Answers false when the file has to keep its place.
+bool Replacement::create_beside() {
+    if (!os::replaceable(name_)) return false;
+    const int directory = static_cast<int>(os::last_part(name_) - name_);
+    if (directory > name_size - 40) return true;
+    std::snprintf(own_, sizeof own_, "%.*s", directory, name_);
+    sweep(directory > 0 ? own_ : ".");
+    auto outcome = os::Creation::taken;
+    for (int k = 0; k < 1000 && outcome == os::Creation::taken; ++k) {
+        std::snprintf(own_ + directory, sizeof own_ - directory, "kn%u_%d.tmp", os::process_id(), k);
+        Stream stream(io::create_for(name_, own_, outcome));
+        stream_.swap(stream);
     }
-    const int directory = static_cast<int>(os::last_part(name) - name);
-    if (directory > name_size - 40) return;
-    for (int k = 0; k < 1000; ++k) {
-        std::snprintf(own_, sizeof own_, "%.*skn%u_%d.tmp", directory, name, os::process_id(), k);
-        Stream stream(io::open(own_, "wbx")); // a file that is not there yet
-        if (stream) {
-            stream_.swap(stream);
-            return;
-        }
-        if (!os::file_exists(own_)) break; // it can't be there
-    }
-    *own_ = '\0';
+    if (!stream_) *own_ = '\0';
+    return outcome != os::Creation::denied;
 }
 
 bool Replacement::finish() {
-    const bool sound = stream_ && !std::ferror(get());
-    bool written = stream_.close() && sound;
+    bool written = stream_ && !std::ferror(get());
+    if (kept_) written = written && copy_over();
+    std::FILE *const last = kept_ ? kept_.get() : get();
+    if ((kept_ || *own_) && kn_save_to_disk) written = written && io::write_to_disk(last);
+    if (!kept_.close() || !stream_.close()) written = false;
     if (*own_ && written) {
-        if (os::file_exists(name_)) os::copy_permissions(name_, own_);
         written = !stream_fails() && os::rename_file(own_, name_);
         if (written) *own_ = '\0';
     }
@@ -42,8 +92,20 @@ bool Replacement::finish() {
     return written;
 }
 
+// The content of the nameless file in place of the old one.
+bool Replacement::copy_over() {
+    char block[1 << 14];
+    if (io::flush(get()) != 0 || io::seek(get(), 0, SEEK_SET) != 0) return false;
+    for (size_t n = sizeof block; n == sizeof block;) {
+        n = io::read(block, 1, sizeof block, get());
+        if (io::write(block, 1, n, kept_.get()) != n) return false;
+    }
+    return std::feof(get()) && io::cut_off(kept_.get());
+}
+
 void Replacement::give_up() {
     stream_.close();
+    kept_.close();
     if (*own_) os::remove_file(own_);
     *own_ = '\0';
 }

@@ -1,8 +1,9 @@
 // A file that is written anew: under a name of its own beside the one it is meant for, which it takes when
 // all of it stands. Until then what has the name stays as it is.
 //
-// Where nothing can take a place, the stream leads straight to it: a device, a pipe, what a link leads to, a
-// file that must not be written (which doesn't open).
+// A link, a file with several names, one of another owner, and one in a directory that takes no new file keep
+// their place: all is written to a nameless file first, and then over the old content. To what is no plain
+// file (a device, a pipe) it is written at once.
 #ifndef QUORVEX_FILES_REPLACEMENT_H
 #define QUORVEX_FILES_REPLACEMENT_H
 
@@ -25,9 +26,13 @@ class Replacement {
 
   private:
     static constexpr int name_size = 2100;
+    bool create_beside(); // false: the file keeps its place
+    bool copy_over();
+
     const char *name_;
-    char own_[name_size] = ""; // empty: written straight, or nothing to remove
+    char own_[name_size] = ""; // of the file that takes the place, while it is there
     Stream stream_{nullptr};
+    Stream kept_{nullptr}; // the file that keeps its place, until all is written
 };
 
 } // namespace kn

@@ -56,6 +56,13 @@ inline int seek(std::FILE *f, long long offset, int origin) {
     return stream_fails() ? -1 : os::seek(f, offset, origin);
 }
 inline long long tell(std::FILE *f) { return stream_fails() ? -1 : os::tell(f); }
+inline std::FILE *create_for(const char *other, const char *name, os::Creation &outcome) {
+    outcome = os::Creation::failed;
+    return stream_fails() ? nullptr : opened(os::create_for(other, name, outcome));
+}
+inline std::FILE *nameless() { return stream_fails() ? nullptr : opened(os::nameless_file()); }
+inline bool write_to_disk(std::FILE *f) { return !stream_fails() && os::write_to_disk(f); }
+inline bool cut_off(std::FILE *f) { return !stream_fails() && os::cut_off(f); }
 inline int flush(std::FILE *f) { return stream_fails() ? EOF : std::fflush(f); }
 
 } // namespace io

@@ -274,11 +274,29 @@ bool is_directory(const char *name);
 // Renames a file or directory; a file that has the new name is replaced.
 bool rename_file(const char *from, const char *to);
 
-// Whether a new file may take this name: nothing has it, or a plain file that may be written and is no link.
+// Whether a new file may take this name without a loss: nothing has it, or a plain file that may be written,
+// is no link, and has no other name.
 bool replaceable(const char *name);
 
-// Gives `to` the permissions of `from`, as far as it can.
-void copy_permissions(const char *from, const char *to);
+// Whether a plain file has this name, links followed: no directory, device or pipe.
+bool is_plain_file(const char *name);
+
+// Creates a file to be written, which is to take the place of another. It has the owner and the permissions
+// of the other from its first byte, and is locked until it is closed. `denied`: the directory takes no new
+// file, or it could not have the owner.
+enum class Creation { made, taken, denied, failed };
+std::FILE *create_for(const char *other, const char *name, Creation &outcome);
+
+// A file without a name, to be written and read again, which ends when it is closed.
+std::FILE *nameless_file();
+
+// Of an open stream: writes all to the disk; cuts a plain file off here.
+bool write_to_disk(std::FILE *f);
+bool cut_off(std::FILE *f);
+
+// Whether a process has this number; removes a plain file that no process has locked.
+bool process_exists(unsigned id);
+bool remove_unlocked(const char *name);
 
 // Removes a file, not a directory.
 bool remove_file(const char *name);

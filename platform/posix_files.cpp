@@ -96,18 +96,6 @@ bool rename_file(const char *from, const char *to) {
     return std::rename(SystemName(from), SystemName(to)) == 0;
 }
 
-bool replaceable(const char *name) {
-    const SystemName given(name);
-    struct stat s;
-    if (lstat(given, &s) != 0) return errno == ENOENT;
-    return S_ISREG(s.st_mode) && access(given, W_OK) == 0;
-}
-
-void copy_permissions(const char *from, const char *to) {
-    struct stat s;
-    if (stat(SystemName(from), &s) == 0 && chmod(SystemName(to), s.st_mode & 0777) != 0) errno = 0;
-}
-
 bool remove_file(const char *name) { return unlink(SystemName(name)) == 0; }
 
 Copied copy_file(const char *from, const char *to) {

@@ -76,7 +76,37 @@ bool replaceable(const char *name) {
                     FILE_ATTRIBUTE_READONLY)) == 0;
 }
 
-void copy_permissions(const char *, const char *) {} // a new file has those of its directory
+bool is_plain_file(const char *name) {
+    const DWORD kind = GetFileAttributesA(name);
+    return kind != INVALID_FILE_ATTRIBUTES &&
+           (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+}
+
+// A new file has the permissions of its directory; it is shared with nobody while it is written.
+std::FILE *create_for(const char *, const char *name, Creation &outcome) {
+    std::FILE *f = std::fopen(name, "wbx");
+    outcome = f                 ? Creation::made
+              : errno == EEXIST ? Creation::taken
+              : errno == EACCES ? Creation::denied
+                                : Creation::failed;
+    return f;
+}
+
+std::FILE *nameless_file() { return std::tmpfile(); }
+
+bool write_to_disk(std::FILE *f) { return std::fflush(f) == 0 && _commit(_fileno(f)) == 0; }
+
+bool cut_off(std::FILE *f) { return std::fflush(f) == 0 && _chsize_s(_fileno(f), _ftelli64(f)) == 0; }
+
+bool process_exists(unsigned id) {
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, id);
+    if (!process) return GetLastError() != ERROR_INVALID_PARAMETER;
+    const bool runs = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+    CloseHandle(process);
+    return runs;
+}
+
+bool remove_unlocked(const char *name) { return remove_file(name); } // fails while somebody writes it
 
 bool remove_file(const char *name) { return _unlink(name) == 0; }
 

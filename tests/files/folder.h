@@ -20,6 +20,7 @@ class Folder : public testing::Test {
         std::filesystem::create_directory(home_);
         std::filesystem::current_path(home_);
         open_ = kn::stream_probe.open;
+        kn_save_to_disk = 0;
     }
     ~Folder() override {
         fclose(TM("all"));

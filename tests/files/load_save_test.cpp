@@ -5,8 +5,15 @@
 #include <string>
 #include <vector>
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 #include "core/scratch.h"
 #include "files/folder.h"
+#include "files/replacement.h"
 
 namespace {
 
@@ -50,7 +57,33 @@ TEST_F(LoadSave, names_of_files) {
     Mm y, no;
     kn_feval(TM("saveV4"), (CL(TM("g")), row({8, 9})), i_o, no, no, no, no, no, no);
     kn_feval(TM("load"), (CL(TM("g"))), i_o, y, no, no, no, no, no);
-    EXPECT_SAME(y, row({8, 9}));
+    EXPECT_SAME(y, test::struct_of({{"noname", row({8, 9})}}));
+}
+
+TEST_F(LoadSave, structures_and_appending) {
+    const Mm one = named("one", 3), other = named("one", TM("other")), two = named("two", 2),
+             of = named("of", nop_M);
+    test::Warnings warnings;
+    for (auto save_it : {+[](const Mm &n, const Mc &list) { save(n, list); },
+                         +[](const Mm &n, const Mc &list) { saveV4(n, list); }}) {
+        save_it(TM("f"), (CL(one), two, of));
+        EXPECT_SAME(load(TM("f")), test::struct_of({{"one", 3}, {"two", 2}, {"of", nop_M}}));
+        Mm s, no;
+        kn_feval(TM("load"), (CL(TM("f")), TM("x*"), TM("o*e"), TM("*w*o")), i_o, s, no, no, no, no, no);
+        EXPECT_SAME(s, test::struct_of({{"one", 3}, {"two", 2}}));
+        EXPECT_EQ(warnings.texts().back(), "load: variable 'x*' not found in 'f'");
+    }
+    EXPECT_RAISES(saveappend(TM("f"), (CL(one))), "save: f.mat is no MAT-file of level 5");
+    saveappend(TM("g"), (CL(one)));
+    fs::create_symlink("g.mat", "link.mat");
+    saveappend(TM("link"), (CL(two), of));
+    saveappend(TM("g"), (CL(other)));
+    EXPECT_SAME(load(TM("g")), test::struct_of({{"two", 2}, {"of", nop_M}, {"one", TM("other")}}));
+    const string whole = bytes("g.mat");
+    put("g.mat", whole.substr(0, whole.size() - 8));
+    EXPECT_RAISES(saveappend(TM("g"), (CL(two))), "load: 'g.mat' could not read data set");
+    EXPECT_EQ(bytes("g.mat").size(), whole.size() - 8);
+    EXPECT_RAISES(saveappend(TM("g"), (CL(5))), "save: a value without a name can't be appended to g.mat");
 }
 
 TEST_F(LoadSave, kinds_of_files) {
@@ -133,15 +166,6 @@ TEST_F(LoadSave, the_old_file_stays) {
         saveV4(TM("f"), (CL(deep), 2.0));
         EXPECT_SAME(vbload(TM("f")), 2) << "without what can't be saved";
     }
-#ifndef _WIN32
-    fs::permissions("f.mat", fs::perms(0640));
-    fs::create_symlink("f.mat", "link.mat");
-    saveV4(TM("link"), (CL(3.0)));
-    saveV4(TM("f"), (CL(4.0)));
-    EXPECT_TRUE(fs::is_symlink("link.mat"));
-    EXPECT_SAME(vbload(TM("link")), 4);
-    EXPECT_EQ(fs::status("f.mat").permissions(), fs::perms(0640));
-#endif
 #ifdef __linux__
     const Mm x = zeros(100, 100);
     fs::create_symlink("/dev/full", "full.mat");
@@ -151,9 +175,70 @@ TEST_F(LoadSave, the_old_file_stays) {
         EXPECT_RAISES(saveascii(TM("/dev/full"), (CL(v))), "could not write /dev/full");
     }
 #endif
-    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 3)
+    EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 2)
         << "nothing is left behind";
 }
+
+#ifndef _WIN32
+
+// Links, owner and permissions of what is replaced; what a killed process has left; a directory without
+// permission.
+TEST_F(LoadSave, a_file_keeps_its_place_and_permissions) {
+    const auto status = [](const char *name) {
+        struct stat s;
+        EXPECT_EQ(lstat(name, &s), 0) << name;
+        return s;
+    };
+    saveV4(TM("f"), (CL(5.0)));
+    fs::permissions("f.mat", fs::perms(0600));
+    const string own = "kn" + std::to_string(kn::os::process_id()) + "_";
+    fs::create_symlink("nowhere", own + "0.tmp");
+    fs::create_directory(own + "1.tmp");
+    {
+        kn::Replacement file("f.mat");
+        EXPECT_EQ(status((own + "2.tmp").c_str()).st_mode & 0777, 0600u);
+    }
+    saveV4(TM("f"), (CL(6.0)));
+    EXPECT_EQ(status("f.mat").st_mode & 0777, 0600u);
+    EXPECT_SAME(vbload(TM("f")), 6);
+
+    fs::create_symlink("f.mat", "link.mat");
+    fs::create_hard_link("f.mat", "twin.mat");
+    const ino_t inode = status("f.mat").st_ino;
+    for (const char *name : {"f", "link", "twin"}) {
+        saveV4(TM(name), (CL(randM(30, 30))));
+        EXPECT_RAISES(saveV4(TM(name), (CL(1.0), cell(1.0))),
+                      "Can not convert (temporary) into a numeric matrix");
+        saveV4(TM(name), (CL(TM(name))));
+        EXPECT_SAME(vbload(TM("f")), TM(name));
+    }
+    EXPECT_TRUE(fs::is_symlink("link.mat") && status("twin.mat").st_ino == inode);
+
+    const pid_t gone = fork();
+    if (gone == 0) _exit(0);
+    waitpid(gone, nullptr, 0);
+    fs::create_directory("d");
+    const string left = "d/kn" + std::to_string(gone) + "_0.tmp", alive = "d/kn1_0.tmp";
+    put(left.c_str(), "x"), put(alive.c_str(), "x"), put("d/kn_0.tmp", "x");
+    kn_save_to_disk = 1;
+    saveV4(TM("d/f"), (CL(1.0)));
+    EXPECT_FALSE(fs::exists(left));
+    EXPECT_TRUE(fs::exists(alive) && fs::exists("d/kn_0.tmp"));
+
+    const uid_t me = geteuid(), other = me == 0 ? 65534 : me; // root may write anywhere
+    ASSERT_EQ(chown("d/f.mat", other, getegid()), 0);
+    fs::permissions("d", fs::perms(0555));
+    ASSERT_EQ(seteuid(other), 0);
+    EXPECT_EQ(test::raised([] { saveV4(TM("d/f"), (CL(2.0))); }), "(no error)");
+    EXPECT_RAISES(saveV4(TM("d/new"), (CL(2.0))), "saveV4: d/new could not be created");
+    ASSERT_EQ(seteuid(me), 0);
+    fs::permissions("d", fs::perms(0755));
+    EXPECT_SAME(vbload(TM("d/f")), 2);
+    saveV4(TM("d/f"), (CL(3.0)));
+    EXPECT_EQ(status("d/f.mat").st_uid, other);
+}
+
+#endif
 
 #ifdef QUORVEX_ALLOC_PROBE
 

@@ -152,6 +152,8 @@ TEST_F(Level4, damage_is_told) {
     EXPECT_SAME(loaded(file(0, 1, 2, 0, 300, string(255, 'n') + data)), row({3, 4}));
     EXPECT_EQ(warnings.texts(),
               (std::vector<string>{"load4: 'f' O not zero", "load4: name field is too long in file 'f'"}));
+    put("f.mat", file(-2147483520, 1, 2, 0, 2, name + data)); // negative in both orders
+    EXPECT_RAISES(whos(TM("-file"), TM("f")), "load4: 'f' could not read header");
     put("f.mat", file(5000, 1, 2, 0, 2, name + data));
     EXPECT_RAISES(vbload(TM("f")), "load4: 'f' no conversion from this");
     EXPECT_EXIT(

@@ -198,14 +198,18 @@ TEST_F(Mat5, randomValuesComeBack) {
     for (int k = 0; k < 900; ++k)
         deep = k % 2 ? test::cell_of(1, 1, {deep}) : test::struct_of({{"inner", deep}});
     values.push_back(deep);
+    values.push_back(reshape(sparse(round(randM(6.0, 8.0))), 3, 4, 2, 2));
+    const Mm bytes = setstr(muint8(round(randM(1.0, 2000.0) * 255.0)));
     for (int k = 0; k < 500; ++k)
         values.push_back(k % 3 ? random.any() : test::cell_of(2, 1, {random.any(), random.any()}));
     std::string content;
     {
         test::Returning errors; // "variable '%s' was used without a value"
+        values.push_back(bytes);
         content = saved(values);
     }
     const Loaded all = loaded(content);
+    values.back() = mdouble(bytes), values.back().setstr(1); // text has its own class
     ASSERT_TRUE(all.ended && all.values.size() == values.size());
     for (size_t k = 0; k < values.size(); ++k) {
         EXPECT_SAME(all.values[k], settled(values[k])) << k;
@@ -245,7 +249,6 @@ TEST_F(Mat5, otherClassesAreReadAsDoubles) {
                      {16, "\xc3\xa4z", {0xe4, 'z'}},
                      {16, "\xe4z", {0xe4, 'z'}},
                      {16, "\xf0\x9f\x98\x80", {0xd83d, 0xde00}},
-                     {16, "\xf0\x9f\x98\x80", {0x1f600}},
                      {16, "\xf0\x9f\x98\x80", {0xf0, 0x9f, 0x98, 0x80}},
                      {17, e.all<uint16_t>({0x20ac, 'z'}), {0x20ac, 'z'}},
                      {18, e.all<uint32_t>({0x1f600, 'z'}), {0x1f600, 'z'}}};
@@ -362,52 +365,5 @@ TEST_F(Mat5, damagedFilesAreLoadedOrReported) {
     kn::alloc_probe.largest = 0;
     for (const std::string &text : errors.errors()) EXPECT_NE(text, "Out of memory!");
 }
-
-#ifdef QUORVEX_ALLOC_PROBE
-// Each call of the stream library and each allocation fails once.
-TEST_F(Mat5, failuresOfStreamsAndMemoryAreReported) {
-    const std::vector<Mm> values = {
-        randM(100.0, 100.0), sparse(eye(3.0)),
-        mclass(test::struct_of({{"a", TM("text")}, {"b", test::cell_of(1, 1, {1.0})}}), TM("mat5class"))};
-    const std::string plain = saved(values);
-    put("in", plain + little.packed(little.everything().substr(0, 64)));
-    auto each_fails = [&](auto &probe, const long &count) {
-        bool more = true;
-        for (long n = 1; more; ++n) {
-            kn::Stream out(kn::io::open("out", "wb")), in(kn::io::open("in", "rb"));
-            const long live = kn::alloc_probe.live;
-            bool done = false;
-            auto work = [&] {
-                kn::Mat5Writer writer(out.get(), "out");
-                kn::Mat5Reader reader(in.get(), "in");
-                bool good = writer.header();
-                for (const Mm &x : values) good = good && writer.write(x);
-                for (size_t k = 0; k <= values.size(); ++k) {
-                    Mm x;
-                    good = good && reader.read(x);
-                }
-                done = good;
-            };
-            for (const bool returning : {false, true}) {
-                probe.fail_at = count + n;
-                if (returning) {
-                    test::Returning errors;
-                    work();
-                    EXPECT_EQ(done, errors.errors().empty()) << n;
-                } else {
-                    EXPECT_EQ(test::raised(work) == "(no error)", done) << n;
-                }
-                more = count >= probe.fail_at;
-                probe.fail_at = 0;
-                std::rewind(out.get());
-                done = false;
-            }
-            EXPECT_EQ(kn::alloc_probe.live, live) << n;
-        }
-    };
-    each_fails(kn::stream_probe, kn::stream_probe.calls);
-    each_fails(kn::alloc_probe, kn::alloc_probe.allocations);
-}
-#endif
 
 } // namespace
