@@ -6,6 +6,7 @@
 #include <iterator>
 #include <type_traits>
 
+#include "files/byte_order.h"
 #include "files/precision.h"
 #include "quorvex/messages.h"
 
@@ -98,7 +99,7 @@ bool Mat5Decoder::name(char (&to)[Mat5Entry::name_size], uint64_t end) {
 
 bool Mat5Decoder::head(Head &h, uint64_t end) {
     Mat5Entry &e = h.entry;
-    const uint64_t start = in_.at();
+    uint64_t start = in_.at();
     uint32_t first[2], w[6], dim[1];
     e.name[0] = '\0';
     e.ndims = 2;
@@ -107,6 +108,11 @@ bool Mat5Decoder::head(Head &h, uint64_t end) {
     h.end = end;
     swap_ = false;
     if (!words(first, end)) return failed("load5: '%s' could not read header");
+    if (surplus_ && first[0] != matrix && first[0] != reversed(matrix)) {
+        start = in_.at();
+        if (!words(first, end)) return failed("load5: '%s' could not read header");
+    }
+    surplus_ = false;
     swap_ = first[0] > 0x10000;
     const uint32_t bytes = word(first[1]);
     h.end = std::min(end, start + 8 + bytes);

@@ -90,9 +90,6 @@ inline constexpr uint32_t class_mask = 255, logical_flag = 512, complex_flag = 2
 inline constexpr int header_bytes = 128, text_bytes = 124, shared_at = 116, field_bytes = 32, most_dims = 4;
 inline constexpr uint16_t version = 256, order_mark = 19785;
 
-// Values nested deeper are neither written nor read: each level is a call.
-inline constexpr int most_levels = 1000;
-
 } // namespace kn::mat5
 
 #endif

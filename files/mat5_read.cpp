@@ -100,7 +100,7 @@ bool Mat5Reader::read(Mm &target) {
         std::strcpy(name_, h.entry.name);
         if (wanted && h.has_data && !agree(name_, wanted))
             warning("load5: '%s': variable named '%s' loaded into '%s'", file_, name_, wanted);
-        return decoder.value(h, out, 1) ? h.end : 0;
+        return decoder.value(h, out) ? h.end : 0;
     });
     target = done ? std::move(out) : ended ? nop_M : x_M;
     return done;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "core/header.h"
@@ -18,22 +19,22 @@ using namespace mat5;
 
 namespace {
 
-// Structures without fields take no bytes in a file, so their number has no other bound.
-constexpr int most_without_fields = 1 << 16;
+// Structures without fields, and texts without data, take no bytes in a file, so their number has no other
+// bound.
+constexpr int most_without_bytes = 1 << 16;
 
 constexpr uint64_t least_element = 8; // bytes of a matrix element
 
 } // namespace
 
-// A full value of the extents in the head, of whose elements each takes some bytes of the file.
-bool Mat5Decoder::made(const Head &h, kn_matrix_types type, uint64_t bytes_each, Mm &out) {
-    const Mat5Entry &e = h.entry;
-    const int n = product(e.ndims, e.dims);
+// The number of elements by the extents in the head, of which each takes some bytes of the file. Without
+// memory for so many false, after a report.
+bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, int &n) const {
+    n = product(h.entry.ndims, h.entry.dims);
     const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);
     if (bytes_each > 0 && count > left(h.end) / bytes_each) return unread();
-    const bool complex = e.complex && type != kn_Mm && h.type() != text_class;
-    out = Mm(complex, 0, 0, e.ndims, e.dims, type);
-    return n >= 0 && !lacks(out, n) && out.gettype() == type;
+    if (n < 0) out_of_memory();
+    return n >= 0;
 }
 
 // ---- Numbers and text ----
@@ -48,8 +49,11 @@ bool Mat5Decoder::array(const Head &h, Mm &out) {
         out = x;
         return !lacks(out, 1);
     }
-    if (!made(h, bytes ? kn_uint8 : kn_double, 1, out)) return false;
-    const int n = out.getnnz();
+    int n;
+    if (!countable(h, 1, n)) return false;
+    out = Mm(h.entry.complex && type != text_class, 0, 0, h.entry.ndims, h.entry.dims,
+             bytes ? kn_uint8 : kn_double);
+    if (lacks(out, n)) return false;
     if (type == text_class) {
         out.setstr(1);
         if (!text(out.addr(), n, h.end)) return false;
@@ -104,6 +108,7 @@ bool Mat5Decoder::text(double *to, int n, uint64_t end) {
     if (n == 0) return true;
     if (!tag(t, end)) return unread();
     if (t.bytes == 0) {
+        if (n > most_without_bytes) return unread();
         std::fill_n(to, n, ' ');
         return in_.seek(t.end) || unread();
     }
@@ -168,19 +173,81 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
 
 // ---- Cells and structures ----
 
-bool Mat5Decoder::element(Mm &out, uint64_t end, int level) {
-    Head h;
-    if (!align(end)) return unread();
-    return head(h, end) && value(h, out, level);
-}
+// A value whose elements are read one after the other. `to` stands still meanwhile: it is the result, or an
+// element of the level below, which grows only between its elements.
+struct Mat5Decoder::Level {
+    Level *below;
+    Mm *to; // a row of those that are there, with room for more
+    int at, n;
+    int field, names; // of structures: the name whose value is next, and how many there are
+    uint64_t end;
+    int ndims, dims[4];
 
-bool Mat5Decoder::cell(const Head &h, Mm &out, int level) {
-    if (!made(h, kn_Mm, least_element, out)) return false;
-    Mm *values = out.getpr(static_cast<Mm *>(nullptr));
-    for (int k = 0; k < out.getnnz(); ++k)
-        if (!element(values[k], h.end, level + 1)) return false;
-    return true;
-}
+    int *place() { return reinterpret_cast<int *>(this + 1); } // where the values of each name go
+
+    // Room for element `at`: for all, as long as the file can hold that many (`credit` more), else for some
+    // at a time. False when memory is exhausted.
+    bool grow(uint64_t &credit) {
+        if (at < to->getnnz()) return true;
+        const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, at);
+        const int room = more <= std::max(few, credit) ? n : at + static_cast<int>(few);
+        if (more > few && room == n) credit -= more;
+        Mm larger(0, 0, 0, 1, room, kn_Mm);
+        if (lacks(larger, room)) return false;
+        if (to->isstruct()) larger.extend_nfields(std::max(to->getnfields(), 1));
+        for (int f = 0; f < to->getnfields(); ++f)
+            if (larger.addfield(to->getfields()[f], 1) != f) return false;
+        larger.setclassid(to->getclassid());
+        if (larger.isstruct() != to->isstruct()) return false;
+        if (at > 0) Header::move_values(larger, *to);
+        *to = std::move(larger);
+        return true;
+    }
+
+    // Where the next value goes; null when memory is exhausted.
+    Mm *next(uint64_t &credit) {
+        if (field == 0 && !grow(credit)) return nullptr;
+        Mm &element = to->getpr(static_cast<Mm *>(nullptr))[at];
+        if (!to->isstruct()) {
+            ++at;
+            return &element;
+        }
+        if (field == 0) element = Header::values(to->getnfields());
+        if (lacks(element, to->getnfields())) return nullptr;
+        Mm *const value = element.getpr(static_cast<Mm *>(nullptr)) + place()[field];
+        if (++field == names) field = 0, ++at;
+        return value;
+    }
+};
+
+// The values that are open, the innermost first.
+class Mat5Decoder::Levels {
+  public:
+    Levels() = default;
+    ~Levels() {
+        while (top_) pop();
+    }
+    Levels(const Levels &) = delete;
+    Levels &operator=(const Levels &) = delete;
+
+    Level *top() const { return top_; }
+    // A level for n elements with so many names; null when memory is exhausted.
+    Level *push(const Head &h, Mm &to, int n, int names) {
+        void *const room = scratch_alloc(1, sizeof(Level) + sizeof(int) * static_cast<size_t>(names));
+        if (!room) return nullptr;
+        top_ = new (room) Level{top_, &to, 0, n, 0, names, h.end, h.entry.ndims, {}};
+        std::copy_n(h.entry.dims, most_dims, top_->dims);
+        return top_;
+    }
+    void pop() {
+        Level *const level = top_;
+        top_ = level->below;
+        heap_free(level);
+    }
+
+  private:
+    Level *top_ = nullptr;
+};
 
 // Adds n names; place[k] becomes where the values of name k go. Names that are the same (they were cut, when
 // they were written) are one field.
@@ -215,7 +282,7 @@ bool Mat5Decoder::field_names(Mm &out, const Tag &t, uint32_t length, int n, int
     return true;
 }
 
-bool Mat5Decoder::structure(const Head &h, Mm &out, int level) {
+bool Mat5Decoder::open_structure(const Head &h, Mm &out, Levels &levels) {
     char cls[Mat5Entry::name_size] = "";
     if (h.type() == object_class && !name(cls, h.end)) return false;
 
@@ -226,47 +293,49 @@ bool Mat5Decoder::structure(const Head &h, Mm &out, int level) {
         !tag(t, h.end) || (t.bytes > 0 && word[0] == 0))
         return unreadable();
     const uint32_t length = word[0];
-    const int n = length == 0 ? 0 : static_cast<int>(std::min<uint32_t>(t.bytes / length, INT32_MAX));
-    if (t.bytes > 0 && n == 0) return unreadable();
+    const int names = length == 0 ? 0 : static_cast<int>(std::min<uint32_t>(t.bytes / length, INT32_MAX));
+    if (t.bytes > 0 && names == 0) return unreadable();
 
-    const int structures = product(h.entry.ndims, h.entry.dims);
-    if (n == 0 && (structures < 0 || structures > most_without_fields)) return unread();
-    if (!made(h, kn_Mm, static_cast<uint64_t>(n) * least_element, out)) return false;
-    out.extend_nfields(std::max(n, 1));
-    if (!out.isstruct()) return false;
-    Scratch<int> place(n);
-    if (!place || !field_names(out, t, length, n, place.get())) return false;
-
-    for (int k = 0; k < structures; ++k) {
-        Mm fields = Header::values(out.getnfields());
-        if (lacks(fields, out.getnfields())) return false;
-        Mm *values = fields.getpr(static_cast<Mm *>(nullptr));
-        for (int f = 0; f < n; ++f)
-            if (!element(values[place[f]], h.end, level + 1)) return false;
-        out.getpr(static_cast<Mm *>(nullptr))[k] = std::move(fields);
+    int n;
+    if (!countable(h, static_cast<uint64_t>(names) * least_element, n)) return false;
+    if (names == 0 && n > most_without_bytes) return unread();
+    out = Mm(0, 0, 0, 0, 0, kn_Mm);
+    out.extend_nfields(std::max(names, 1));
+    Level *const level = levels.push(h, out, n, names);
+    if (!level || !out.isstruct() || !field_names(out, t, length, names, level->place())) return false;
+    if (*cls) {
+        const Mm class_name = TM(cls);
+        if (lacks(class_name, 1)) return false;
+        out = mclass(out, class_name);
     }
-    if (!*cls) return true;
-    const Mm class_name = TM(cls);
-    if (lacks(class_name, 1)) return false;
-    out = mclass(out, class_name);
+    for (; names == 0 && level->at < n; ++level->at) {
+        if (!level->grow(credit_)) return false;
+        out.getpr(static_cast<Mm *>(nullptr))[level->at] = Header::values(0);
+    }
     return true;
+}
+
+bool Mat5Decoder::open(const Head &h, Mm &out, Levels &levels) {
+    if (h.type() != cell_class) return open_structure(h, out, levels);
+    int n;
+    if (!countable(h, least_element, n)) return false;
+    out = Mm(0, 0, 0, 0, 0, kn_Mm);
+    return levels.push(h, out, n, 0) != nullptr;
 }
 
 // ---- Any class ----
 
-bool Mat5Decoder::value(const Head &h, Mm &out, int level) {
-    if (level > most_levels) return failed("load5: '%s' contained value that is nested too deep");
+// The value of one element, or what holds its elements.
+bool Mat5Decoder::one(const Head &h, Mm &out, Levels &levels) {
     const Class type = h.type();
+    const bool outermost = !levels.top();
+    if (h.holds_values()) return open(h, out, levels);
     bool done = true;
     if (!h.has_data) {
         out = Mm();
     } else if (type == no_class) {
         out = Mm();
         out.gettype() = kn_none;
-    } else if (type == cell_class) {
-        done = cell(h, out, level);
-    } else if (type == struct_class || type == object_class) {
-        done = structure(h, out, level);
     } else if (type == sparse_class) {
         done = sparse(h, out);
     } else if (type <= last_number_class) {
@@ -278,10 +347,45 @@ bool Mat5Decoder::value(const Head &h, Mm &out, int level) {
     } else {
         return failed("load5: '%s' unrecognized matrix type");
     }
-    if (!done) return false;
-    check(out);
     // A compressed variable may end before the bytes that it announces, with all its data there.
-    return in_.seek(h.end) || level == 1 || unread();
+    if (done && outermost) in_.seek(h.end);
+    return done && (outermost || settle(type, h.end));
+}
+
+// Goes to the end of a nested element. In compressed variables of some programs a text announces 8 bytes that
+// aren't there, unless they don't begin an element, and cells and structures any number: those end with their
+// last element.
+bool Mat5Decoder::settle(Class type, uint64_t end) {
+    if (inflated_ && type == text_class) {
+        if (!align(end)) return unread();
+        surplus_ = left(end) == 8;
+        if (surplus_) return true;
+    }
+    return in_.seek(end) || unread();
+}
+
+bool Mat5Decoder::value(const Head &outermost, Mm &out) {
+    constexpr uint64_t usual_ratio = 256; // a byte of a compressed variable counts for less than it may give
+    credit_ = in_.left() / (inflated_ ? usual_ratio * least_element : least_element);
+    Levels levels;
+    Head h = outermost;
+    for (Mm *to = &out;;) {
+        if (inflated_ && h.holds_values()) h.end = in_.size();
+        if (!one(h, *to, levels)) return false;
+        for (Level *level = levels.top(); level && level->at == level->n; level = levels.top()) {
+            level->to->reshape(level->ndims, level->dims);
+            if (level->below && !inflated_ && !in_.seek(level->end)) return unread();
+            levels.pop();
+        }
+        Level *const level = levels.top();
+        if (!level) break;
+        to = level->next(credit_);
+        if (!to) return false;
+        if (!align(level->end)) return unread();
+        if (!head(h, level->end)) return false;
+    }
+    check(out);
+    return true;
 }
 
 } // namespace kn

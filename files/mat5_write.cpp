@@ -6,6 +6,8 @@
 #include <cstring>
 
 #include "core/columns.h"
+#include "core/header.h"
+#include "core/nesting.h"
 #include "files/mat5.h"
 #include "files/mat5_layout.h"
 #include "files/precision.h"
@@ -53,7 +55,15 @@ struct Mat5Encoder {
     const char *file;
 
     explicit Mat5Encoder(Mat5Writer &w) : writer(w), out(w.out_), file(w.file_) {}
-    bool variable(const Mm &x, const char *name, int level);
+    struct Level { // of a value whose elements go out
+        const Mm *x;
+        int at, field;
+        uint64_t start;
+    };
+    bool variable(const Mm &x, const char *name);
+    bool begin(const Mm &x, Class type, const char *name) const;
+    bool end(uint64_t start) const;
+    bool next(Level &level, const Mm *&value) const;
     const char *letter(char (&text)[2]) const;
     bool tag(Type type, uint64_t bytes) const;
     bool text(const char *x) const;
@@ -62,8 +72,7 @@ struct Mat5Encoder {
     bool codes(const Mm &x) const;
     bool sparse(const Mm &x) const;
     bool field_names(const Mm &x) const;
-    bool values(const Mm &x, int n, int level);
-    bool data(const Mm &x, Class type, int level);
+    bool data(const Mm &x, Class type) const;
     bool failed(const char *format) const {
         error(format, file);
         return false;
@@ -132,35 +141,18 @@ bool Mat5Encoder::field_names(const Mm &x) const {
     return taken || failed("save5: could not save field name in file '%s'");
 }
 
-// The first n elements of a cell.
-bool Mat5Encoder::values(const Mm &x, int n, int level) {
-    const Mm *value = x.getpr(static_cast<Mm *>(nullptr));
-    for (int k = 0; k < n; ++k)
-        if (!variable(value[k], value[k].getname(), level + 1)) return false;
-    return true;
-}
-
-bool Mat5Encoder::data(const Mm &x, Class type, int level) {
+// What stands before the elements of a cell or structure; all of any other value.
+bool Mat5Encoder::data(const Mm &x, Class type) const {
     const uint64_t n = static_cast<uint64_t>(x.getnnz());
     if (x.gettype() == kn_double && 8 * n > UINT32_MAX) return too_large();
     if (type == sparse_class) return sparse(x);
     if (type == text_class) return codes(x) || not_written();
     if (type == uint8_class) return planes(uint8, x, n) || not_written();
     if (type == double_class) return planes(float64, x, 8 * n) || not_written();
-    if (type == cell_class) return values(x, x.getnnz(), level);
-
+    if (type == cell_class) return true;
     if (type == object_class && !text(kn_class_name(x.getclassid())))
         return failed("save5: could not save field name in file '%s'");
-    if (!field_names(x)) return false;
-    for (int k = 0; k < x.getnnz(); ++k) {
-        const Mm &fields = x.getpr(static_cast<Mm *>(nullptr))[k];
-        if (fields.gettype() != kn_Mm || fields.getnnz() < x.getnfields()) {
-            error("structure '%s' is built wrong", kn_display_name(x));
-            return false;
-        }
-        if (!values(fields, x.getnfields(), level)) return false;
-    }
-    return true;
+    return field_names(x);
 }
 
 // ---- Variables ----
@@ -173,27 +165,69 @@ const char *Mat5Encoder::letter(char (&text)[2]) const {
     return text;
 }
 
-bool Mat5Encoder::variable(const Mm &x, const char *name, int level) {
-    if (level > most_levels) return failed("save5: '%s' can not hold a value that is nested so deep");
-    x.warn_uninit();
-    char one[2];
-    if (!name) name = letter(one);
-    const Class type = class_of(x);
+bool Mat5Encoder::begin(const Mm &x, Class type, const char *name) const {
     const uint32_t ndims = static_cast<uint32_t>(x.getndims()),
                    flags = type | (x.islogical() ? logical_flag : 0) |
                            (x.isc() && type != text_class ? complex_flag : 0),
                    room = type == sparse_class ? static_cast<uint32_t>(std::max(x.getnnz(), 1)) : 0;
     const uint32_t head[] = {matrix, 0, 6, 8, flags, room, int32, 4 * ndims};
-    if (!out.align()) return failed("save5: '%s' could not write header");
-    const uint64_t start = out.at();
     if (!out.put(head, sizeof head)) return failed("save5: '%s' could not write header");
     if (!out.put(x.getdims(), 4 * ndims)) return failed("savev5: could not write file '%s'.");
-    if (!text(name)) return failed("save5: could not save name to file '%s'");
-    if (x.gettype() != kn_none && !data(x, type, level)) return false;
+    return text(name) || failed("save5: could not save name to file '%s'");
+}
+
+// The byte count of what began at `start`.
+bool Mat5Encoder::end(uint64_t start) const {
     if (!out.align()) return not_written();
     const uint64_t bytes = out.at() - start - 8;
     if (bytes > UINT32_MAX) return too_large();
     return out.patch(start + 4, static_cast<uint32_t>(bytes)) || failed("save5: '%s' could not write header");
+}
+
+// The value that goes out next of a cell or structure, null behind the last. False after a report.
+bool Mat5Encoder::next(Level &level, const Mm *&value) const {
+    const Mm &x = *level.x;
+    value = nullptr;
+    if (level.at < x.getnnz() && !x.isstruct()) value = &element_at(x, level.at++);
+    while (level.at < x.getnnz() && !value) {
+        const Mm &fields = element_at(x, level.at);
+        if (fields.gettype() != kn_Mm || fields.getnnz() < x.getnfields()) {
+            error("structure '%s' is built wrong", kn_display_name(x));
+            return false;
+        }
+        if (level.field < x.getnfields())
+            value = &element_at(fields, level.field++);
+        else
+            level.field = 0, ++level.at;
+    }
+    return true;
+}
+
+bool Mat5Encoder::variable(const Mm &whole, const char *name) {
+    whole.warn_uninit();
+    Mm held = whole; // should an error handler assign to the variable
+    Header::lend_name(held, whole.getname());
+    Path<Level> levels;
+    for (const Mm *x = &held; x;) {
+        char one[2];
+        if (x != &held) x->warn_uninit(), name = x->getname();
+        if (!name) name = letter(one);
+        const Class type = class_of(*x);
+        if (!out.align()) return failed("save5: '%s' could not write header");
+        const uint64_t start = out.at();
+        if (!begin(*x, type, name) || (x->gettype() != kn_none && !data(*x, type))) return false;
+        if (x->gettype() != kn_Mm) {
+            if (!end(start)) return false;
+        } else if (!levels.push({x, 0, 0, start}))
+            return false;
+        for (x = nullptr; !x && !levels.empty();) {
+            if (!next(levels.top(), x)) return false;
+            if (x) break;
+            if (!end(levels.top().start)) return false;
+            levels.pop();
+        }
+    }
+    return true;
 }
 
 bool Mat5Writer::header() {
@@ -214,7 +248,7 @@ bool Mat5Writer::header() {
 }
 
 bool Mat5Writer::write(const Mm &x, const char *name) {
-    if (!Mat5Encoder(*this).variable(x, name, 1)) return false;
+    if (!Mat5Encoder(*this).variable(x, name)) return false;
     if (out_.flush()) return true;
     error("load: '%s' could not write data set", file_);
     return false;

@@ -79,7 +79,7 @@ QUORVEX_API Mm saveascii(const Mm &name, const kn_names &names);
 QUORVEX_API Mm kn_matfile_variables(const Mm &name);
 
 #define QUORVEX_MATFILE_COUNTS(ROW)                                         \
-    ROW(load, "loads variables from a file", 1, 2, 1_names)                 \
+    ROW(load, "loads variables from a file", 1, 2_list, 1_names)            \
     ROW(vbload, "the first value of a file", 1)                             \
     ROW(save, "saves values in a MAT-file", 2_to_0, 1_names)                \
     ROW(vbsave, "saves values in a MAT-file", 1_list_to_0)                  \
