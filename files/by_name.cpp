@@ -1,5 +1,6 @@
 // load and save with the names of variables of the workspace, as a command gives them: save f x y.
 
+#include <algorithm>
 #include <cstring>
 
 #include "files/matfile.h"

@@ -142,7 +142,7 @@ KN_FIRST Startup startup;
 
 KN_FIRST variables_scope_t variables_scope;
 
-int kn_has_value(const Mm &m) { return m.gettype() != kn_none && !same_block(m, x_M); }
+int kn_has_value(const Mm &m) { return m.gettype() != kn_none && !kn::same_block(m, x_M); }
 
 void initM2(int version, int size_of_Mm) {
     if (version != QUORVEX_VERSION)

@@ -16,6 +16,7 @@
 #include "core/scratch.h"
 #include "quorvex/memory.h"
 #include "quorvex/messages.h"
+#include "quorvex/startup.h"
 
 namespace kn {
 namespace {
