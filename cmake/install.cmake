@@ -44,3 +44,17 @@ install(CODE "
     set(pc_private \"${pc_private}\")
     configure_file(\"${CMAKE_CURRENT_LIST_DIR}/quorvex.pc.in\" \"${PROJECT_BINARY_DIR}/quorvex.pc\" @ONLY)")
 install(FILES ${PROJECT_BINARY_DIR}/quorvex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# How gdb shows values. It loads the script with the library: from its own directory of such scripts, where the
+# library is the system's, else from beside the library, once that is among the directories it trusts (one line in
+# ~/.gdbinit: add-auto-load-safe-path <directory of the library>).
+if(UNIX AND NOT APPLE)
+    set(gdb_script libquorvex.so.${PROJECT_VERSION}-gdb.py)
+    configure_file(${CMAKE_CURRENT_LIST_DIR}/gdb_printers.py ${PROJECT_BINARY_DIR}/${gdb_script} COPYONLY)
+    if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        install(FILES ${PROJECT_BINARY_DIR}/${gdb_script}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load${CMAKE_INSTALL_FULL_LIBDIR})
+    else()
+        install(FILES ${PROJECT_BINARY_DIR}/${gdb_script} DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    endif()
+endif()
