@@ -1,8 +1,8 @@
-// A loop as a compiler of the language emits it (examples/sunspots.cpp shows more).
+// A loop as a compiler of the language emits it (docs/generated-code.md).
 #ifndef QUORVEX_BENCH_GENERATED_H
 #define QUORVEX_BENCH_GENERATED_H
 
-#include "examples/generated.h"
+#include <quorvex/generated.h>
 
 namespace generated {
 

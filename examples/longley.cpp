@@ -5,9 +5,7 @@
 // rectangular system keeps them.
 //
 // longley FILE reads the numbers as columns of text.
-#include <quorvex.h>
-
-#include "examples/generated.h"
+#include <quorvex/generated.h>
 
 namespace {
 
@@ -23,7 +21,7 @@ Mm numbers(Mm file) {
     line(2), fopen(file, TM("r"), i_o, f, message);
     // if f < 0, error([file ': ' message]), end
     line(3);
-    if (istrue(f < 0)) error(Mm((BR(file), TM(": "), message)));
+    if (istrue(f < 0)) error(Mm((BR(file), ": ", message)));
     // fgetl(f); text = '';
     line(4), fgetl(f), text = TM("");
     // row = fgetl(f);
@@ -72,13 +70,12 @@ void longley(Mm file, Mm written) {
     // e = s * sqrt(diag(g));
     line(10), e = s * sqrt(diag(g));
     // names = {'constant'; 'prices'; 'product'; 'unemployed'; 'forces'; 'population'; 'year'};
-    line(11), names = (CL(TM("constant")), semi, TM("prices"), semi, TM("product"), semi, TM("unemployed"),
-                       semi, TM("forces"), semi, TM("population"), semi, TM("year"));
+    line(11), names = (CL("constant"), semi, "prices", semi, "product", semi, "unemployed", semi, "forces",
+                       semi, "population", semi, "year");
     // table = num2cell([b e b ./ e]);
     line(12), table = num2cell((BR(b), e, rdivide(b, e)));
     // disp([{'series', 'coefficient', 'std. error', 'ratio'}; names table])
-    line(13),
-        disp((BR((CL(TM("series")), TM("coefficient"), TM("std. error"), TM("ratio"))), semi, names, table));
+    line(13), disp((BR((CL("series"), "coefficient", "std. error", "ratio")), semi, names, table));
     // explained = 1 - r' * r / sum((y - mean(y)) .^ 2)
     line(14), explained = 1 - ctranspose(r) * r / sum(power(y - mean(y), 2)), display(explained);
     // s

@@ -4,9 +4,7 @@
 // The grid has 200 by 200 inner points, so the matrix has 40000 rows (positions of a sparse matrix end at
 // 46340). The right-hand side belongs to a solution that is known, so the error of the grid can be shown: it
 // is about that of second differences, (pi h)^2 / 12.
-#include <quorvex.h>
-
-#include "examples/generated.h"
+#include <quorvex/generated.h>
 
 namespace {
 

@@ -1,34 +1,31 @@
 // Yearly sunspot numbers, 1700 to 2008: a program as the compiler of the language emits it.
 //
-// The hand-shake comes first. Every variable is a named Mm, every function of the program a C++ function of
-// values, every function of the language is called by its name; subscripts, fields, brackets and braces are
-// calls on the values. Each statement first stores its line of the source file, whose text stands above it as
-// a comment.
+// docs/generated-code.md explains the style. The hand-shake comes first. Each statement stores its line of
+// the source file, whose text stands above it as a comment.
 //
 // sunspots FILE RESULTS reads the numbers, a line "year number" each, and writes what it found to
 // RESULTS.mat, and a table of it to RESULTS.txt.
-#include <quorvex.h>
-
-#include "examples/generated.h"
+#include <quorvex/generated.h>
 
 namespace {
 
-using generated::Frame, generated::line;
+using generated::end_of, generated::Frame, generated::line;
 
 // [t, x, title] = sunspot_numbers(file): years and numbers; the title is the comment in the first line
-Mm sunspot_numbers(Mm file, i_o_t, Mm &t, Mm &x, Mm &title) {
+Mm sunspot_numbers(Mm file, i_o_t, Mm &t_, Mm &x_, Mm &title_) {
     Frame frame("sunspot_numbers.m");
     file.setname("file");
-    Mm f(i_o, "f", 0), message(i_o, "message", 0), first(i_o, "first", 0), a(i_o, "a", 0);
+    Mm f(i_o, "f", 0), message(i_o, "message", 0), first(i_o, "first", 0), a(i_o, "a", 0), t(i_o, "t", 0),
+        x(i_o, "x", 0), title(i_o, "title", 0);
     // [f, message] = fopen(file, 'r');
     line(2), fopen(file, TM("r"), i_o, f, message);
     // if f < 0, error([file ': ' message]), end
     line(3);
-    if (istrue(f < 0)) error(Mm((BR(file), TM(": "), message)));
+    if (istrue(f < 0)) error(Mm((BR(file), ": ", message)));
     // title = fgetl(f);
     line(4), title = fgetl(f);
     // title = title(3:end);
-    line(5), title = title(colon(3, numel(title)));
+    line(5), title = title(colon(3, end_of(title)));
     // first = sscanf(fgetl(f), '%f');
     line(6), first = sscanf(fgetl(f), TM("%f"));
     // a = [first fscanf(f, '%f', [2 Inf])];
@@ -37,7 +34,7 @@ Mm sunspot_numbers(Mm file, i_o_t, Mm &t, Mm &x, Mm &title) {
     line(8), fclose(f);
     // t = a(1,:)'; x = a(2,:)';
     line(9), t = ctranspose(a(1, c_p)), x = ctranspose(a(2, c_p));
-    return x_M;
+    return t_ = t, x_ = x, title_ = title, x_M;
 }
 
 // report(file, title, c): a table of the cycles
@@ -97,7 +94,7 @@ Mm cycles(Mm t, Mm x) {
         line(5), min(x(colon(first, min(k + 3, length(x)))), i_o, low, at);
         // if first + at - 1 == k, lows(end + 1) = k; end
         line(6);
-        if (scalar(first + at - 1 == k)) lows(numel(lows) + 1) = k;
+        if (scalar(first + at - 1 == k)) lows(end_of(lows) + 1) = k;
     }
     // for k = 1 : length(lows) - 1
     line(8);
@@ -141,8 +138,8 @@ void sunspots(Mm file, Mm written) {
     line(6), disp(title);
 
     // summary = {'years', length(x); 'mean', mean(x); 'median', median(x); 'deviation', std(x)};
-    line(8), summary = (CL(TM("years")), length(x), semi, TM("mean"), mean(x), semi, TM("median"), median(x),
-                        semi, TM("deviation"), stdM(x));
+    line(8), summary = (CL("years"), length(x), semi, "mean", mean(x), semi, "median", median(x), semi,
+                        "deviation", stdM(x));
     // disp(summary)
     line(9), disp(summary);
     // high = x > 150;
@@ -164,8 +161,7 @@ void sunspots(Mm file, Mm written) {
     // c = cycles(t, x);
     line(19), c = cycles(t, x);
     // report([written '.txt'], title, c), save([written '.mat'], t, x, c)
-    line(19), report(Mm((BR(written), TM(".txt"))), title, c),
-        save(Mm((BR(written), TM(".mat"))), (CL(t), x, c));
+    line(19), report(Mm((BR(written), ".txt")), title, c), save(Mm((BR(written), ".mat")), (CL(t), x, c));
     // disp([fieldnames(c)'; squeeze(struct2cell(c))'])
     line(20), disp((BR(ctranspose(fieldnames(c))), semi, ctranspose(squeeze(struct2cell(c)))));
     // m = [];
@@ -191,8 +187,8 @@ void sunspots(Mm file, Mm written) {
     // table = num2cell([mean(m); std(m)]);
     line(29), table = num2cell((BR(mean(m)), semi, stdM(m)));
     // disp([{'cycles', 'rise', 'height', 'length'}; {'mean'; 'deviation'} table])
-    line(30), disp((BR((CL(TM("cycles")), TM("rise"), TM("height"), TM("length"))), semi,
-                    (CL(TM("mean")), semi, TM("deviation")), table));
+    line(30),
+        disp((BR((CL("cycles"), "rise", "height", "length")), semi, (CL("mean"), semi, "deviation"), table));
     // s = cov(m(:,1), m(:,2));
     line(31), s = cov(m(c_p, 1), m(c_p, 2));
     // correlation = s(1,2) / sqrt(s(1,1) * s(2,2))
@@ -202,7 +198,7 @@ void sunspots(Mm file, Mm written) {
     // [low, last] = min(m(:,2));
     line(34), min(m(c_p, 2), i_o, low, last);
     // extremes = {'strongest', c(at); 'weakest', c(last)};
-    line(35), extremes = (CL(TM("strongest")), c(at), semi, TM("weakest"), c(last));
+    line(35), extremes = (CL("strongest"), c(at), semi, "weakest", c(last));
     // celldisp(extremes)
     line(36), celldisp(extremes);
 
@@ -223,7 +219,7 @@ void sunspots(Mm file, Mm written) {
     // disp(setstr([32 + 10 * chart; 32 + 92 * ticks]))
     line(45), disp(setstr((BR(32 + 10 * chart), semi, 32 + 92 * ticks)));
     // [top, at] = max(r(7:end));
-    line(46), max(r(colon(7, numel(r))), i_o, top, at);
+    line(46), max(r(colon(7, end_of(r))), i_o, top, at);
     // period = lag(at + 6)
     line(47), period = lag(at + 6), display(period);
 
@@ -240,13 +236,12 @@ void sunspots(Mm file, Mm written) {
 
     // try, x(end + 1), catch, disp(lasterr), end
     line(55);
-    kn_set_default_error_flags(16, 1);
     try {
-        display(x(numel(x) + 1));
+        generated::Try armed;
+        display(x(end_of(x) + 1));
     } catch (const char *) {
         disp(lasterr());
     }
-    kn_set_default_error_flags(16, 0);
 }
 
 } // namespace

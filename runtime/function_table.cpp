@@ -236,7 +236,8 @@ Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6
     char name[64];
     Mstr_row(f, name, sizeof name);
     Mm *const out[] = {&y1, &y2, &y3, &y4, &y5, &y6};
-    const int wanted = nargout_set ? double_to_int(nargout_val) : 1;
+    const int wanted =
+        std::exchange(nargout_set, 0) ? double_to_int(nargout_val) : 1; // said for this call only
     // feval('disp', x) asks for a value, too.
     return call_or_nothing(name, args, std::clamp(wanted, 1, max_outputs), false, out);
 }
