@@ -11,6 +11,7 @@
 #include "core/constants.h"
 #include "core/header.h"
 #include "core/planes.h"
+#include "core/scratch.h"
 #include "quorvex/indexing.h"
 #include "quorvex/startup.h"
 
@@ -118,8 +119,11 @@ void lay_items(const Mc &list, double *plane, int imaginary, int rows, ptrdiff_t
 }
 
 Mm tiled(const Mc &list, const Survey &s) {
-    int rows = static_cast<int>(std::min<long long>(s.rows, INT_MAX));
-    int cols = static_cast<int>(std::min<long long>(s.cols, INT_MAX));
+    if (s.rows > INT_MAX || s.cols > INT_MAX) {
+        out_of_memory();
+        return x_M;
+    }
+    int rows = static_cast<int>(s.rows), cols = static_cast<int>(s.cols);
     Mm out(s.complex, 0, 0, rows, cols, kn_double);
     int extents[] = {rows, cols}, n = product(2, extents);
     if (n < 0 || lacks(out, n)) return x_M;

@@ -11,6 +11,7 @@
 #include "core/columns.h"
 #include "core/extents.h"
 #include "core/planes.h"
+#include "core/scratch.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
 #include "quorvex/concat.h"
@@ -21,13 +22,15 @@
 namespace kn {
 namespace {
 
-// The extents of a joined value. A sum that is no int is cut: no value has so many elements.
-Extents joined_extents(int dim, const Mm &a, const Mm &b) {
-    Extents e{std::max(a.getndims(), dim), {}};
+// The extents of a joined value, and their product; that is negative after "Out of memory!", when no value is
+// so large.
+int joined_extents(Extents &e, int dim, const Mm &a, const Mm &b) {
+    e.n = std::max(a.getndims(), dim);
     std::copy_n(a.getdims(), 4, e.d);
-    long long sum = static_cast<long long>(a.getdims()[dim - 1]) + b.getdims()[dim - 1];
-    e.d[dim - 1] = static_cast<int>(std::min<long long>(sum, INT_MAX));
-    return e;
+    int added = b.getdims()[dim - 1];
+    int n = added <= INT_MAX - e.d[dim - 1] ? (e.d[dim - 1] += added, product(4, e.d)) : -1;
+    if (n < 0) out_of_memory();
+    return n;
 }
 
 void join_flags(const Mm &out, const Mm &a, const Mm &b) {
@@ -70,10 +73,11 @@ template <class T> void interleave(const Mm &out, const Mm &a, const Mm &b, ptrd
 
 // The extents agree but for `dim`, and neither is empty.
 Mm join_full(int dim, const Mm &a, const Mm &b) {
-    Extents e = joined_extents(dim, a, b);
-    int n = product(4, e.d);
+    Extents e;
+    int n = joined_extents(e, dim, a, b);
+    if (n < 0) return x_M;
     Mm out(a.isc() || b.isc(), 0, 0, e.n, e.d, a.gettype());
-    if (n < 0 || lacks(out, n)) return x_M;
+    if (lacks(out, n)) return x_M;
 
     ptrdiff_t steps = product(4 - dim, e.d + dim);
     switch (a.gettype()) {
@@ -109,12 +113,12 @@ struct Taker {
 
 // Both are matrices that agree in rows (dim 2) or columns, and neither is empty.
 Mm join_sparse(int dim, const Mm &x, const Mm &y) {
+    Extents extents;
+    if (joined_extents(extents, dim, x, y) < 0) return x_M;
     Mm sx = sparse(x), sy = sparse(y);
-    Extents extents = joined_extents(dim, x, y);
-    int n = product(2, extents.d);
-    int nnz = sx.getnnz() > INT_MAX - sy.getnnz() ? INT_MAX : sx.getnnz() + sy.getnnz();
+    int nnz = sx.getnnz() + sy.getnnz();
     Mm out(sx.isc() || sy.isc(), 1, nnz, 2, extents.d, kn_double);
-    if (n < 0 || lacks(out, nnz) || !out.issparse()) return x_M;
+    if (lacks(out, nnz) || !out.issparse()) return x_M;
 
     Entries a(sx), b(sy);
     Taker to{out.addr(), out.addi(), out.getindex()};

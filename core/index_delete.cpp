@@ -78,7 +78,7 @@ bool delete1(Mm &t, const Mm &i) {
     if (n == 0) return true;
     Selection gone;
     if (!gone.add_alone(i, n, n)) return false;
-    if (int k = gone[0].first_outside(INT_MAX); k >= 0) {
+    if (int k = gone[0].first_outside(PTRDIFF_MAX); k >= 0) {
         error("%s(%d): index is non-positive", kn_display_name(t), gone[0][k] + 1);
         return false;
     }

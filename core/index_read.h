@@ -39,15 +39,16 @@ template <class T> Mm read_selection(const Mm &base, const Subscripts &s, int st
     Selection sel;
     int dims[4] = {1, 1, 1, 1};
     bool outside = false;
+    const Mm model = base.isstruct() ? base : Mm(); // the error handler may assign to the variable
     if (reads_plain(base, s) ? select_plain(sel, base, s, strict, dims)
                              : select_general(sel, base, s, strict, dims, outside))
         return base.issparse() ? select_sparse(base, sel, dims) : select<T>(base, sel, dims);
-    if (!outside || !base.isstruct()) return nothing_M;
+    if (!outside || !model.isstruct()) return nothing_M;
 
     // Places in a structure array that are still to come: empty fields, for an assignment to fill.
     int n = sel.total();
     Mm out(0, 0, 0, 4, dims, kn_Mm);
-    if (n < 0 || lacks(out, n) || !copy_fields(out, base)) return nothing_M;
+    if (n < 0 || lacks(out, n) || !copy_fields(out, model)) return nothing_M;
     clear<Mm>(out, 0, n);
     check(out);
     return out;

@@ -90,7 +90,8 @@ const int *seek(const int *at, const int *end, int least) {
 
 } // namespace
 
-Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
+Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
+    const Mm base = source; // the error handler may assign to the variable
     const int *index = base.getindex(), *end = index + base.getnnz();
     const Positions &rows = s[0];
     int extent = s.n() == 1 ? base.size() : base.rows(), count = rows.count();
@@ -107,7 +108,7 @@ Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
     const int *near = index; // the entries of the line before; most lines follow it
     int last = 0;
     Odometer lines(s, base.getdims(), 0);
-    for (ptrdiff_t next; (next = lines.kn_next_index()) >= 0 && !out.failed(); place += count) {
+    for (ptrdiff_t next; !out.failed() && (next = lines.kn_next_index()) >= 0; place += count) {
         int line = static_cast<int>(next);
         int least = line + (rows.is_run() ? rows.first() : 0);
         int span = rows.is_run() ? count : extent;
@@ -122,7 +123,7 @@ Mm select_sparse(const Mm &base, const Selection &s, const int *dims) {
                 for (int k = inverse->head(*from - line); k >= 0; k = inverse->next(k))
                     out.add(place + k, base, static_cast<int>(from - index));
         } else {
-            for (int k = 0; k < count; ++k) {
+            for (int k = 0; k < count && !out.failed(); ++k) {
                 int slot = base.search(line + rows[k]);
                 if (slot >= 0) out.add(place + k, base, slot);
             }

@@ -101,7 +101,7 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
     Selection sel;
     if (!sel.add_alone(i, n)) return false;
     // A mask makes the target as long as itself; numbers count rounded.
-    int m = i.islogical() ? i.getnnz() : largest_rounded(i, sel[0]);
+    ptrdiff_t m = i.islogical() ? i.getnnz() : largest_rounded(i, sel[0]);
     if (m <= 0) {
         error("%s(%s): index is non-positive", kn_display_name(t), kn_display_name(i));
         return false;
@@ -109,11 +109,11 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
     int count = sel[0].count();
     bool fits = s == 1 || s == count;
 
-    int dims[4] = {1, m, 1, 1};
+    int dims[4] = {1, 1, 1, 1};
     if (m <= n)
         std::memcpy(dims, t.getdims(), sizeof dims);
-    else if (t.rows() > 1)
-        std::swap(dims[0], dims[1]);
+    else if (!reach(dims[t.rows() > 1 ? 0 : 1], m))
+        return false;
     // A source that doesn't fit is found out when the target has grown already.
     if ((fits || m > n) && !resize<T>(t, dims, fits && src.isc(), true)) return false;
     if (!fits) {
@@ -154,13 +154,10 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
         return report("%s(%s,%s)=%s: size(row index)*size(col index) is different than size(source)");
     for (int k = 0; k < 2; ++k) {
         const Mm &index = *subscripts[k];
-        if (is_colon(index) || index.islogical()) {
-            dims[k] = std::max(dims[k], sel[k].largest() + 1);
-            continue;
-        }
-        int m = largest_rounded(index, sel[k]);
-        if (m < 1) return report(texts[k]);
-        dims[k] = std::max(dims[k], m);
+        bool numbers = !is_colon(index) && !index.islogical();
+        ptrdiff_t m = numbers ? largest_rounded(index, sel[k]) : sel[k].largest() + 1;
+        if (numbers && m < 1) return report(texts[k]);
+        if (!reach(dims[k], m)) return false;
     }
     if (!resize<T>(t, dims, src.isc(), false)) return false;
     scatter<T>(t, sel, src);
@@ -168,14 +165,16 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
     return true;
 }
 
-// The extents that hold the selection.
-inline void grown_extents(int *dims, const Mm &t, const Subscripts &s, const Selection &sel) {
+// The extents that hold the selection. False after "Out of memory!".
+inline bool grown_extents(int *dims, const Mm &t, const Subscripts &s, const Selection &sel) {
     for (int k = 0; k < 4; ++k) dims[k] = t.size() > 0 ? t.getdims()[k] : 1;
     if (s.n > 1) {
-        for (int k = 0; k < s.n; ++k) dims[k] = std::max(dims[k], sel[k].largest() + 1);
+        for (int k = 0; k < s.n; ++k)
+            if (!reach(dims[k], sel[k].largest() + 1)) return false;
     } else if (!is_colon(s[0]) && sel[0].largest() >= t.size()) {
-        dims[t.vectordim() - 1] = sel[0].largest() + 1; // only vectors come here
+        return reach(dims[t.vectordim() - 1], sel[0].largest() + 1); // only vectors come here
     }
+    return true;
 }
 
 template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &source) {
@@ -213,7 +212,7 @@ template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, co
         if (!sel.add(s[k], counts[k])) return false;
     if (!sel.reaches(t, s, Selection::growing, 1)) return false;
     int dims[4];
-    grown_extents(dims, t, s, sel);
+    if (!grown_extents(dims, t, s, sel)) return false;
     if constexpr (std::is_same_v<T, double>)
         if (t.issparse()) return write_sparse(t, sel, dims, src);
     if (!resize<T>(t, dims, !whole && src.isc(), false)) return false;

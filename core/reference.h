@@ -12,12 +12,12 @@ namespace kn {
 
 // Whether a subscript (a double) is a full numeric scalar, of a whole number if asked, that selects a
 // position inside an extent; and which.
-template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, int extent, int &at) {
+template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, ptrdiff_t extent, int &at) {
     if (s.getnnz() != 1 || s.issparse() || s.islogical() || is_colon(s)) return false;
     double v = *s.addr() - 1.0;
-    if (!(v > -1.0 && v < extent)) return false;
+    if (!(v > -1.0 && v < static_cast<double>(extent))) return false;
     at = static_cast<int>(v);
-    return !whole || at == v;
+    return at < extent && (!whole || at == v); // between 0 and 1 is the first element, if there is one
 }
 
 struct RefAccess {
@@ -36,7 +36,7 @@ struct RefAccess {
     template <bool assigning = false>
     [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, int &at) {
         if (base.issparse()) return false;
-        if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], base.getnnz() + assigning, at);
+        if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], ptrdiff_t{base.getnnz()} + assigning, at);
         int j;
         if (r.nidx != 2 || !is_inside<assigning>(*r.idx[0], base.rows(), at) ||
             !is_inside<assigning>(*r.idx[1], base.cols(), j))

@@ -222,7 +222,7 @@ int Positions::found(int k) const {
     return static_cast<int>(64 * (word - bits_) + std::countr_zero(left));
 }
 
-int Positions::first_outside(int extent) const {
+int Positions::first_outside(ptrdiff_t extent) const {
     if (inside(extent)) return -1;
     int k = 0;
     while ((*this)[k] >= 0 && (*this)[k] < extent) ++k;
@@ -240,9 +240,9 @@ int Selection::total() const {
 bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int strict) const {
     const int *dims = base.getdims();
     bool vector = base.vectordim() != 0;
-    auto extent = [&](int k) {
+    auto extent = [&](int k) -> ptrdiff_t {
         if (n_ == 1 && !vector) return base.size();
-        if (mode == growing) return INT_MAX;
+        if (mode == growing) return PTRDIFF_MAX;
         return n_ == 1 ? base.size() : dims[k];
     };
     int bad = -1, element = 0;
@@ -286,7 +286,7 @@ int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int s
     return total;
 }
 
-int largest_rounded(const Mm &s, const Positions &p) {
+ptrdiff_t largest_rounded(const Mm &s, const Positions &p) {
     if (p.are_counts()) return p.largest() + 1;
     const double *v = s.addr();
     int n = s.getnnz();
@@ -295,7 +295,16 @@ int largest_rounded(const Mm &s, const Positions &p) {
         if (!(v[k] >= 0.5)) return 0;
         largest = std::max(largest, v[k]);
     }
-    return double_to_int(round_half_away(largest));
+    return static_cast<ptrdiff_t>(std::min(round_half_away(largest), 0x1p62));
+}
+
+bool reach(int &extent, ptrdiff_t n) {
+    if (n > INT_MAX) {
+        out_of_memory();
+        return false;
+    }
+    extent = std::max(extent, static_cast<int>(n));
+    return true;
 }
 
 } // namespace kn

@@ -31,11 +31,11 @@ struct Subscripts {
 inline bool is_colon(const Mm &s) { return s.issamename(kn_colon_name); }
 inline bool selects(double mask) { return (mask > 0) | (mask < 0); }
 
-// Position of an index value. What no int holds gives one that is outside every extent: INT_MIN (NaN too) or
-// INT_MAX - 1. Adding 1 is safe.
+// Position of an index value. What no extent reaches gives one that is outside all of them: INT_MIN (NaN too)
+// or INT_MAX.
 inline int position(double v) {
     v = v > -2147483647.0 ? v : -2147483647.0;
-    v = v < 2147483647.0 ? v : 2147483647.0;
+    v = v < 2147483648.0 ? v : 2147483648.0;
     return static_cast<int>(v - 1.0);
 }
 
@@ -75,13 +75,13 @@ class Positions {
     const double *values() const { return values_; }
     const MaskWord *bits() const { return bits_; } // as many as reach the largest
     int operator[](int k) const { return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k); }
-    int largest() const { return largest_; } // -1 for none
+    ptrdiff_t largest() const { return largest_; } // -1 for none
     // None of them lies outside.
-    bool inside(int extent) const { return count_ == 0 || (least_ >= 0 && largest_ < extent); }
+    bool inside(ptrdiff_t extent) const { return count_ == 0 || (least_ >= 0 && largest_ < extent); }
     // Whether they are known to come from whole numbers, none below 1.
     bool are_counts() const { return counts_; }
     // Which of them is the first outside [0, extent); -1 for none.
-    int first_outside(int extent) const;
+    int first_outside(ptrdiff_t extent) const;
 
   private:
     Kind kind_ = run;
@@ -137,7 +137,10 @@ int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int s
 
 // The largest of index values rounded to the nearest whole number; 0 when one of them is not positive (NaN is
 // none). `p` holds their positions.
-int largest_rounded(const Mm &s, const Positions &p);
+ptrdiff_t largest_rounded(const Mm &s, const Positions &p);
+
+// Makes an extent reach so far. False after "Out of memory!": no value is so large.
+bool reach(int &extent, ptrdiff_t n);
 
 } // namespace kn
 

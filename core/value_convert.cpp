@@ -62,14 +62,16 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
         error("Can not convert %s into a numeric matrix", kn_display_name(src));
         return;
     }
-    if (t == kn_Mm) complex = 0;
+    if (t == kn_Mm) complex = sparse = 0;
 
     Mm copy(complex, sparse, src.nnz, src.ndims, src.dims, t);
     int n = sparse ? src.nnz : src.size();
     if (sparse ? !copy.index : lacks(copy, n) || copy.flags.type != t || (complex && !copy.pi)) return;
     if (sparse) copy.nnz = n; // which extend_nnz may have made more than the extents have
     const int *scatter = src.index && !sparse ? src.index : nullptr;
-    if (scatter && t != kn_Mm) {
+    if (scatter && t == kn_Mm) {
+        for (int k = 0; k < n; ++k) static_cast<Mm *>(copy.pr)[k] = 0.0;
+    } else if (scatter) {
         std::memset(copy.pr, 0, element_size(t) * static_cast<size_t>(n));
         if (complex) std::memset(copy.pi, 0, element_size(t) * static_cast<size_t>(n));
     }

@@ -21,7 +21,8 @@ Mm colon(double a, double b) {
     if (kn::lacks(out, n)) return x_M;
     double *x = out.addr();
     if (a == std::floor(a) && std::fabs(a) < 0x1p52) { // every sum is exact, in whatever order
-        for (int k = 0; k < n; k++) x[k] = a + k;
+        for (int k = 1; k < n; k++) x[k] = a + k;
+        x[0] = a; // -0 plus 0 is 0
     } else {
         for (int k = 0; k < n; k++, a += 1) x[k] = a;
     }

@@ -60,7 +60,7 @@ void repeat(double *to, double x, ptrdiff_t n) {
 // As kn::position.
 inline int position_of(double v) {
     v = v > -2147483647.0 ? v : -2147483647.0;
-    v = v < 2147483647.0 ? v : 2147483647.0;
+    v = v < 2147483648.0 ? v : 2147483648.0;
     return static_cast<int>(v - 1.0);
 }
 

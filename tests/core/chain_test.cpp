@@ -239,6 +239,13 @@ TEST(Chain, the_error_handler_may_assign_to_the_variable) {
             kn_set_error_handler(old);
             EXPECT_SAME(root, Mm(5.0));
         }
+    Mm s = struct_of({{"a", 1.0}});
+    variable = &s;
+    kn_text_handler old = kn_set_error_handler(assign_and_return);
+    Mm read = s(7);
+    kn_set_error_handler(old);
+    EXPECT_SAME(fieldnames(read), cell_of(1, 1, {TM("a")})) << "while it is read";
+    EXPECT_SAME(s, Mm(5.0));
 }
 
 // ---- Exhausted memory ----

@@ -33,6 +33,8 @@ TEST(IndexRead, numbers_are_cut) {
     EXPECT_SAME(x(0.5), Mm(10.0));
     EXPECT_SAME(x(1.99), Mm(10.0));
     EXPECT_SAME(x(1, 2.5), Mm(20.0));
+    EXPECT_NE(test::raised([&] { (void)Mm(named("none", Mm())(0.5)); }), "(no error)");
+    EXPECT_SAME(Mm(cell(0.0).br(0.5), 0), kn::nothing_M) << "the first element, which there is not";
     EXPECT_SAME(x(row({3, 1, 1})), row({30, 10, 10}));
     EXPECT_SAME(x(C(2, 7)), Mm(20.0)) << "imaginary parts do not count";
     EXPECT_SAME(x(U8({{2, 3}})), row({20, 30}));
@@ -239,6 +241,21 @@ TEST(IndexRead, huge_and_undefined_numbers_lie_outside) {
     EXPECT_RAISES(Mm(x(1e10)),
                   "x(=2147483647) : Index out of matrix. Index value was 2147483647 however the indexed "
                   "matrix has 2 elements.");
+}
+
+TEST(IndexRead, no_extent_is_larger_than_an_int) {
+    Mm x = named("x", row({1, 2})), i = colon(1, 20), widest = sparse(1.0, 2147483647.0),
+       half = sparse(1.0, 1.2e9);
+    i.r(20) = 2147483648.0;
+    EXPECT_RAISES(x(i) = 1.0, "Out of memory!") << "among many, too";
+    EXPECT_RAISES(x(1, i) = 1.0, "Out of memory!");
+    Mm c = cell(1.0);
+    EXPECT_RAISES(c.br(3e9) = 1.0, "Out of memory!");
+    EXPECT_RAISES(widest(1, 3e9) = 1.0, "Out of memory!");
+    EXPECT_RAISES(widest(3e9) = 1.0, "Out of memory!");
+    EXPECT_EQ(widest.getnnz(), 0);
+    EXPECT_RAISES(Mm((BR(half), half)), "Out of memory!");
+    EXPECT_NE(test::raised([&] { (void)Mm(widest(1, 3e9)); }), "(no error)");
 }
 
 TEST(IndexRead, wrong_kinds_are_reported) {

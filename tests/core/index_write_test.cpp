@@ -194,6 +194,14 @@ TEST(IndexWrite, elements_are_shared_until_written) {
 
 // -- Sparse targets.
 
+TEST(IndexWrite, into_cells) {
+    Mm c = cell(0.0), d = cell(1.0, 3.0);
+    c.br(0.5) = 5.0;
+    EXPECT_SAME(c, cell_of(1, 1, {5.0})) << "between 0 and 1 is the first element";
+    d(c_p) = sparse(row({0, 7, 0}));
+    EXPECT_SAME(d, cell_of(1, 3, {0.0, 7.0, 0.0}));
+}
+
 TEST(IndexWrite, sparse_targets) {
     Mm s = sparse_of(2, 2, {{0, 1}, {3, 4}});
     s(1, 2) = 7.0;

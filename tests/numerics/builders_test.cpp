@@ -73,6 +73,7 @@ TEST(Builders, complex_from_the_start) {
 
 TEST(Ranges, values_and_ends) {
     EXPECT_SAME(colon(1, 3.9), row({1, 2, 3}));
+    EXPECT_TRUE(std::signbit(colon(-0.0, 2.0).r(1))) << "the first element is the first number";
     EXPECT_SAME(colon(0, 0.1, 0.3), row({0, 0.1, 0.3 - 0.1, 0.3}));
     EXPECT_SAME(colon(7, 3, 8), Mm(7.0));
     for (const Mm &none : {colon(3, 1), colon(1, 0, 3), colon(1, -1, 3), colon(3, 1, 1), colon(NAN, 2),
