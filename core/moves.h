@@ -52,6 +52,9 @@ struct Moves {
     void (*fill)(double *to, const MaskWord *bits, ptrdiff_t n, double x);
     void (*numbers)(double *to, ptrdiff_t count, const MaskWord *bits, ptrdiff_t n);
 
+    // The first k below n with a[k] == x and b[k] == y, or n.
+    ptrdiff_t (*find_pair)(const double *a, const double *b, ptrdiff_t n, double x, double y);
+
     // `negated`: -x of each element. With `streamed` the result goes past the caches, where it can.
     void (*transpose)(const Transposition<double> &t, bool negated, bool streamed);
     void (*transpose_bytes)(const Transposition<unsigned char> &t);

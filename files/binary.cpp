@@ -198,17 +198,22 @@ Mm read_matrix(const Mm &fid, const Mm &size, const Mm &precision, const Mm &ski
 
 // Writes elements and the gaps between them from a copy of what the file holds there, many a call.
 template <class T> ptrdiff_t write_over(const T *from, ptrdiff_t n, const Layout &f, std::FILE *old) {
-    char block[block_bytes];
+    constexpr size_t large_block_bytes = 1 << 20;
     const size_t e = static_cast<size_t>(f.precision.size), step = static_cast<size_t>(f.stride());
-    const ptrdiff_t room = static_cast<ptrdiff_t>(sizeof block / step);
+    const ptrdiff_t room = std::min(n, static_cast<ptrdiff_t>(large_block_bytes / step));
+    const Scratch<char> space(room * static_cast<ptrdiff_t>(step));
+    if (!space) return 0;
+    char *const block = space.get();
     bool more = true; // of the old contents: behind their end stands what was written meanwhile
+    size_t unclear = static_cast<size_t>(room) * step; // up to here gaps may hold anything but zeros
     for (ptrdiff_t done = 0; done < n;) {
         const ptrdiff_t m = std::min(n - done, room);
         const size_t bytes = static_cast<size_t>(m) * step - (done + m < n ? 0 : step - e),
                      held = more ? io::read(block, 1, bytes, old) : 0;
         more = more && held == bytes;
         if (!more && !std::feof(old)) return done;
-        std::memset(block + held, 0, bytes - held);
+        if (held < unclear) std::memset(block + held, 0, unclear - held);
+        unclear = held;
         encode_elements(from + done, m, f.precision.code, f.swap, block, step);
         const size_t written = io::write(block, 1, bytes, f.stream);
         if (written < bytes) return done + static_cast<ptrdiff_t>((written + step - e) / step);

@@ -1,6 +1,7 @@
 // Listings of directories.
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -71,7 +72,7 @@ class Listing {
         sort();
     }
 
-    explicit operator bool() const { return names_ && bytes_ && (n_ == 0 || entries_); }
+    explicit operator bool() const { return !failed_ && names_ && bytes_ && (n_ == 0 || entries_); }
     int size() const { return n_; }
     const os::FileStatus &status(int k) const { return (*entries_)[k].status; }
     const char *name(int k) { return names_.data() + (*entries_)[k].name; }
@@ -79,6 +80,10 @@ class Listing {
   private:
     void read(const char *directory, const char *pattern) {
         os::Directory in(*directory ? directory : ".");
+        if (!in && errno == ENOMEM) {
+            failed_ = true;
+            out_of_memory();
+        }
         while (in && in.next())
             if (matches(pattern, in.name())) add(in.name(), in.status());
     }
@@ -103,6 +108,7 @@ class Listing {
     TextBuffer names_, bytes_;
     std::optional<Scratch<Entry>> entries_;
     int n_ = 0;
+    bool failed_ = false;
 };
 
 // "21-Nov-2026 09:30:00"

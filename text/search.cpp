@@ -5,6 +5,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "core/kernel_table.h"
+#include "core/moves.h"
 #include "core/scratch.h"
 #include "quorvex/arrays.h"
 #include "quorvex/display.h"
@@ -33,35 +35,23 @@ class Finder {
     template <class F> void each(const Codes &text, F found) const {
         if (n_ == 0) return;
         const double *const codes = text.data();
+        const auto find_pair = kernels().moves->find_pair;
         ptrdiff_t matched = 0;
         for (ptrdiff_t k = 0; k < text.size(); ++k) {
             if (matched == n_) matched = border_[n_];
-            if (matched == 0 && (k = candidate(codes, k, text.size())) < 0) return;
+            if (matched == 0) { // on to where the first and the last character of the word stand
+                const ptrdiff_t places = text.size() - n_ + 1 - k;
+                const double *at = codes + k;
+                const ptrdiff_t passed = find_pair(at, at + n_ - 1, places, word_[0], word_[n_ - 1]);
+                if (passed >= places) return;
+                k += passed;
+            }
             matched = longer(matched, codes[k]);
             if (matched == n_) found(k + 1 - n_);
         }
     }
 
   private:
-    // The first place from k on where the first and the last character of the word stand, or -1.
-    ptrdiff_t candidate(const double *codes, ptrdiff_t k, ptrdiff_t size) const {
-        constexpr ptrdiff_t block = 16; // which are compared without a branch
-        const double first = word_[0], last = word_[n_ - 1];
-        const double *begins = codes, *ends = codes + (n_ - 1);
-        const ptrdiff_t places = size - n_ + 1;
-        for (; k < places; k += block) {
-            const ptrdiff_t m = std::min(block, places - k);
-            if (m == block) {
-                int there = 0;
-                for (ptrdiff_t j = k; j < k + block; ++j) there |= (begins[j] == first) & (ends[j] == last);
-                if (!there) continue;
-            }
-            for (ptrdiff_t j = k; j < k + m; ++j)
-                if (begins[j] == first && ends[j] == last) return j;
-        }
-        return -1;
-    }
-
     // The matched beginning once c follows it.
     ptrdiff_t longer(ptrdiff_t matched, double c) const {
         while (matched >= 0 && word_[matched] != c) matched = border_[matched];

@@ -389,11 +389,30 @@ void fill(double *to, const MaskWord *bits, ptrdiff_t n, double x) {
     for_set(bits, done, words_of(n), [&](ptrdiff_t k) { to[k] = x; });
 }
 
+ptrdiff_t find_pair(const double *a, const double *b, ptrdiff_t n, double x, double y) {
+    ptrdiff_t k = 0;
+#if defined(__AVX2__)
+    const Vector xs = repeated(x), ys = repeated(y);
+    for (; k + width <= n; k += width) {
+#if defined(__AVX512F__)
+        const auto there = static_cast<unsigned>(_mm512_mask_cmp_pd_mask(
+            _mm512_cmp_pd_mask(load(a + k), xs, _CMP_EQ_OQ), load(b + k), ys, _CMP_EQ_OQ));
+#else
+        const auto there = static_cast<unsigned>(_mm256_movemask_pd(_mm256_and_pd(
+            _mm256_cmp_pd(load(a + k), xs, _CMP_EQ_OQ), _mm256_cmp_pd(load(b + k), ys, _CMP_EQ_OQ))));
+#endif
+        if (there) return k + std::countr_zero(there);
+    }
+#endif
+    while (k < n && !(a[k] == x && b[k] == y)) ++k;
+    return k;
+}
+
 } // namespace
 
 extern const Moves moves = {
-    copy,     repeat, positions, bits_of<IsMask>, bits_of<IsNonzero>, byte_bits,
-    compress, expand, fill,      numbers,         transpose_doubles,  transpose_bytes,
+    copy,   repeat, positions, bits_of<IsMask>, bits_of<IsNonzero>, byte_bits,       compress,
+    expand, fill,   numbers,   find_pair,       transpose_doubles,  transpose_bytes,
 };
 
 } // namespace kn::inline KN_ISA
