@@ -54,7 +54,7 @@ Mm compare(const Mm &a, const Mm &b, const Rule &rule) {
     Mm out = Header::real_like(*shape);
     const int n = shape->size();
     if (lacks(out, n)) return x_M;
-    const Elements from_x(x), from_y(y);
+    const CellItems from_x(x), from_y(y);
     Poll poll(256);
     for (int k = 0; k < n; ++k) {
         if (poll.interrupted()) return x_M;

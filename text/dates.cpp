@@ -75,7 +75,7 @@ Mm dates_of(const char *caller, const Mm &m, bool any_vector = false) {
         const int n = m.size();
         Mm out = column(n);
         if (lacks(out, n)) return x_M;
-        const Elements elements(m);
+        const CellItems elements(m);
         for (int k = 0; k < n; ++k) {
             const Mm one = is_cell(elements[k]) ? x_M : dates_of(caller, elements[k], any_vector);
             if (one.size() != 1) {

@@ -99,7 +99,7 @@ Mm join(std::initializer_list<const Mm *> inputs) {
     }
     return cell_of_answers(*shape, [&](int k) {
         const Mm *texts[most];
-        for (int t = 0; t < count; ++t) texts[t] = &Elements(trimmed[t])[k];
+        for (int t = 0; t < count; ++t) texts[t] = &CellItems(trimmed[t])[k];
         return side_by_side(texts, count, false);
     });
 }

@@ -149,7 +149,7 @@ Mm match(const Mm &s, const Mm &rows, bool exact) {
         if (begins(row, size, step, text, exact)) positions[found++] = k + 1;
     };
     if (is_cell(rows)) {
-        const Elements elements(rows);
+        const CellItems elements(rows);
         for (int k = 0; k < n; ++k) {
             if (!is_text(elements[k])) continue;
             const Codes element(elements[k]);
@@ -187,7 +187,7 @@ Mm strrep(const Mm &s, const Mm &old, const Mm &now) {
     if (!is_cell(s) && !is_cell(old) && !is_cell(now)) return replace(s, old, now);
     const Mm *shape = shape_of_cells("strrep", {&s, &old, &now});
     if (!shape) return x_M;
-    const Elements texts(s), words(old), others(now);
+    const CellItems texts(s), words(old), others(now);
     return cell_of_answers(*shape, [&](int k) { return replace(texts[k], words[k], others[k]); });
 }
 

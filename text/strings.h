@@ -39,9 +39,9 @@ bool error_text(const Mm &x, const char *caller);
 bool error_text_row(const Mm &x, const char *caller);
 
 // The elements of a cell, or the value itself as the only one. It must outlive this.
-class Elements {
+class CellItems {
   public:
-    explicit Elements(const Mm &m)
+    explicit CellItems(const Mm &m)
         : first_(is_cell(m) ? m.getpr(static_cast<Mm *>(nullptr)) : &m), count_(is_cell(m) ? m.getnnz() : 1) {
     }
     int count() const { return count_; }
