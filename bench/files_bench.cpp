@@ -40,7 +40,7 @@ struct File {
 };
 
 void number_rows() {
-    const Mm x = colon(1.0, n) / 1000.0;
+    const Mm x = colon(1.0, n) / 1000.0, half = colon(1.0, n / 2) / 1000.0;
     std::vector<double> out(n);
     std::vector<short> work(n);
     File file;
@@ -55,6 +55,14 @@ void number_rows() {
     row(
         "fwrite of 1e7 doubles as int16", limit, [&] { file.write(x, "int16"); },
         [&] { native::write_shorts(name, n, x.addr(), work.data()); });
+    row(
+        "fwrite of 5e6 int16 with gaps of 2 bytes", bench::times_native(2),
+        [&] {
+            Mm f = fopen(file.name, TM("w"));
+            fwrite(f, half, TM("int16"), 2.0);
+            fclose(f);
+        },
+        [&] { native::write_shorts_apart(name, n / 2, half.addr(), work.data()); });
     file.write(x, "int16");
     row(
         "fread of 1e7 int16", limit, [&] { file.read("int16"); },

@@ -66,12 +66,17 @@ void product(int n, const double *a, const double *b, double *out);
 void complex_product(int n, Planes a, Planes b, Planes out); // three real products of sums; fewest flops
 void complex_product_exact(int n, Planes a, Planes b, Planes out); // four: exact as the definition
 
+// -- texts.cpp: the size of what s is with m characters replaced by others; out has room for it
+
+int replace(int n, const double *s, int m, const double *old, int size, const double *now, double *out);
+
 // -- files.cpp: n elements, by one call of the C library; work has room for them as the file holds them
 
 void read_doubles(const char *name, int n, double *out);
 void read_shorts(const char *name, int n, short *work, double *out);
 void write_doubles(const char *name, int n, const double *x);
 void write_shorts(const char *name, int n, const double *x, short *work);
+void write_shorts_apart(const char *name, int n, const double *x, short *work); // every second; work has 2 n
 long read_lines(const char *name);                            // characters of all lines, by std::getline
 void print_doubles(const char *name, int n, const double *x); // "%23.13g", a line each
 int scan_doubles(const char *name, int n, double *out);       // at most n, by strtod over the whole file

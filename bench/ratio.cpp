@@ -110,8 +110,8 @@ int main(int argc, char **argv) {
     print("work", "ours", "native", "judged", "limit", "");
     for (auto group : {bench::scalar_rows, bench::subscript_rows, bench::element_rows, bench::reduction_rows,
                        bench::selection_rows, bench::array_rows, bench::structure_rows, bench::value_rows,
-                       bench::product_rows, bench::workspace_rows, bench::formatted_rows, bench::file_rows,
-                       bench::sparse_rows, bench::solving_rows, bench::matfile_rows})
+                       bench::product_rows, bench::workspace_rows, bench::formatted_rows, bench::text_rows,
+                       bench::file_rows, bench::sparse_rows, bench::solving_rows, bench::matfile_rows})
         group();
     std::printf("\n%d of %d rows over their limit\n", over, rows);
     return rows == 0 || (strict && over > 0);

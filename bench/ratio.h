@@ -44,6 +44,7 @@ void sparse_rows();
 void solving_rows();
 void workspace_rows();
 void formatted_rows();
+void text_rows();
 void file_rows();
 void matfile_rows();
 

@@ -41,6 +41,11 @@ void write_shorts(const char *name, int n, const double *x, short *work) {
     write(name, n, work);
 }
 
+void write_shorts_apart(const char *name, int n, const double *x, short *work) {
+    for (int k = 0; k < n; ++k) work[2 * k] = static_cast<short>(x[k]), work[2 * k + 1] = 0;
+    write(name, 2 * n - 1, work);
+}
+
 long read_lines(const char *name) {
     std::ifstream in(name);
     long characters = 0;
