@@ -1,15 +1,32 @@
-// The BLAS routines that core calls, by their Fortran names. Integers are 32 bits wide.
+// The BLAS routines that core calls: their Fortran names, and one name for double and for complex numbers.
+// Integers are 32 bits wide.
 #ifndef QUORVEX_CORE_BLAS_H
 #define QUORVEX_CORE_BLAS_H
 
-extern "C" {
-// c = alpha op(a) op(b) + beta c
-void dgemm_(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k,
-            const double *alpha, const double *a, const int *lda, const double *b, const int *ldb,
-            const double *beta, double *c, const int *ldc);
-// y = alpha op(a) x + beta y
-void dgemv_(const char *trans, const int *m, const int *n, const double *alpha, const double *a,
-            const int *lda, const double *x, const int *incx, const double *beta, double *y, const int *incy);
-}
+#include <complex>
+
+#define KN_BLAS(t, T)                                                                                       \
+    extern "C" void t##gemm_(const char *trans_a, const char *trans_b, const int *m, const int *n,          \
+                             const int *k, const T *alpha, const T *a, const int *lda, const T *b,          \
+                             const int *ldb, const T *beta, T *c, const int *ldc);                          \
+    extern "C" void t##gemv_(const char *trans, const int *m, const int *n, const T *alpha, const T *a,     \
+                             const int *lda, const T *x, const int *incx, const T *beta, T *y,              \
+                             const int *incy);                                                              \
+    namespace kn::blas {                                                                                    \
+    /* c = alpha op(a) op(b) + beta c */                                                                    \
+    inline void gemm(const char *trans_a, const char *trans_b, const int *m, const int *n, const int *k,    \
+                     const T *alpha, const T *a, const int *lda, const T *b, const int *ldb, const T *beta, \
+                     T *c, const int *ldc) {                                                                \
+        t##gemm_(trans_a, trans_b, m, n, k, alpha, a, lda, b, ldb, beta, c, ldc);                           \
+    }                                                                                                       \
+    /* y = alpha op(a) x + beta y */                                                                        \
+    inline void gemv(const char *trans, const int *m, const int *n, const T *alpha, const T *a,             \
+                     const int *lda, const T *x, const int *incx, const T *beta, T *y, const int *incy) {   \
+        t##gemv_(trans, m, n, alpha, a, lda, x, incx, beta, y, incy);                                       \
+    }                                                                                                       \
+    }
+KN_BLAS(d, double)
+KN_BLAS(z, std::complex<double>)
+#undef KN_BLAS
 
 #endif

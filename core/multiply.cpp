@@ -14,8 +14,8 @@
 #include <cmath>
 #include <memory>
 
-#include "core/blas.h"
 #include "core/constants.h"
+#include "core/gemm.h"
 #include "core/header.h"
 #include "core/scratch.h"
 #include "quorvex/arrays.h"
@@ -27,21 +27,16 @@
 namespace kn {
 namespace {
 
-struct Sizes {
-    int m, k, n; // m by k times k by n
-};
+// Products of m by k and k by n, until one fails, which has been reported.
+struct Products {
+    int m, k, n;
+    bool ok = true;
 
-// c = sign a b + beta c
-void product(const Sizes &s, double sign, const double *a, const double *b, double beta, double *c) {
-    const auto [m, k, n] = s;
-    const int one = 1;
-    if (n == 1)
-        dgemv_("N", &m, &k, &sign, a, &m, b, &one, &beta, c, &one);
-    else if (m == 1)
-        dgemv_("T", &k, &n, &sign, b, &k, a, &one, &beta, c, &one);
-    else
-        dgemm_("N", "N", &m, &n, &k, &sign, a, &m, b, &k, &beta, c, &m);
-}
+    // c = sign a b + beta c
+    void add(double sign, const double *a, const double *b, double beta, double *c) {
+        ok = ok && gemm(m, n, k, sign, a, m, b, k, beta, c, m);
+    }
+};
 
 bool all_finite(const double *x, ptrdiff_t n) {
     long long others = 0;
@@ -53,13 +48,14 @@ struct HeapFree {
     void operator()(double *p) const { heap_free(p); }
 };
 
-bool worth_three(const Sizes &s) {
+bool worth_three(const Products &s) {
     // Below, the sums of whole matrices cost more than the product that they save.
     constexpr double least = 48.0 * 48 * 48;
     return s.m > 16 && s.n > 16 && s.k > 16 && static_cast<double>(s.m) * s.k * s.n >= least;
 }
 
-bool three_products(const Sizes &s, const Mm &a, const Mm &b, Mm &c) {
+// Whether c holds the product, or one has failed.
+bool three_products(Products &s, const Mm &a, const Mm &b, Mm &c) {
     ptrdiff_t na = a.getnnz(), nb = b.getnnz(), nc = c.getnnz();
     auto finite = [](const Mm &x, ptrdiff_t n) { return all_finite(x.addr(), n) && all_finite(x.addi(), n); };
     if (!finite(a, na) || !finite(b, nb)) return false;
@@ -69,9 +65,10 @@ bool three_products(const Sizes &s, const Mm &a, const Mm &b, Mm &c) {
     double *sum_a = scratch.get(), *sum_b = sum_a + na, *t2 = sum_b + nb, *re = c.addr(), *im = c.addi();
     for (ptrdiff_t k = 0; k < na; ++k) sum_a[k] = a.addr()[k] + a.addi()[k];
     for (ptrdiff_t k = 0; k < nb; ++k) sum_b[k] = b.addr()[k] + b.addi()[k];
-    product(s, 1, a.addr(), b.addr(), 0, re);
-    product(s, 1, a.addi(), b.addi(), 0, t2);
-    product(s, 1, sum_a, sum_b, 0, im);
+    s.add(1, a.addr(), b.addr(), 0, re);
+    s.add(1, a.addi(), b.addi(), 0, t2);
+    s.add(1, sum_a, sum_b, 0, im);
+    if (!s.ok) return true;
     for (ptrdiff_t k = 0; k < nc; ++k) {
         im[k] -= re[k] + t2[k];
         re[k] -= t2[k];
@@ -80,23 +77,23 @@ bool three_products(const Sizes &s, const Mm &a, const Mm &b, Mm &c) {
 }
 
 Mm dense_product(const Mm &a, const Mm &b) {
-    Sizes s = {a.rows(), a.cols(), b.cols()};
+    Products s = {a.rows(), a.cols(), b.cols()};
     int extents[2] = {s.m, s.n};
     int n = kn::product(2, extents);
     Mm c(a.isc() || b.isc(), 0, 0, s.m, s.n, kn_double);
     if (n < 0 || lacks(c, n)) return x_M;
     if (a.isc() && b.isc()) {
-        if (worth_three(s) && three_products(s, a, b, c)) return c;
-        product(s, 1, a.addr(), b.addr(), 0, c.addr());
-        product(s, -1, a.addi(), b.addi(), 1, c.addr());
-        product(s, 1, a.addr(), b.addi(), 0, c.addi());
-        product(s, 1, a.addi(), b.addr(), 1, c.addi());
-        return c;
+        if (worth_three(s) && three_products(s, a, b, c)) return s.ok ? c : x_M;
+        s.add(1, a.addr(), b.addr(), 0, c.addr());
+        s.add(-1, a.addi(), b.addi(), 1, c.addr());
+        s.add(1, a.addr(), b.addi(), 0, c.addi());
+        s.add(1, a.addi(), b.addr(), 1, c.addi());
+        return s.ok ? c : x_M;
     }
-    product(s, 1, a.addr(), b.addr(), 0, c.addr());
-    if (a.isc()) product(s, 1, a.addi(), b.addr(), 0, c.addi());
-    if (b.isc()) product(s, 1, a.addr(), b.addi(), 0, c.addi());
-    return c;
+    s.add(1, a.addr(), b.addr(), 0, c.addr());
+    if (a.isc()) s.add(1, a.addi(), b.addr(), 0, c.addi());
+    if (b.isc()) s.add(1, a.addr(), b.addi(), 0, c.addi());
+    return s.ok ? c : x_M;
 }
 
 Mm of_doubles(const Mm &x) { return x.gettype() == kn_uint8 ? mdouble(x) : x; }

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "numerics/blas_threads.h"
+#include "numerics/blocked.h"
 #include "numerics/lapack.h"
 #include "numerics/lu.h"
 #include "numerics/solvers.h"
@@ -143,9 +143,7 @@ template <class T> Mm reciprocal_condition(const Mm &a) {
     }
     Pivots p(n);
     Scratch<T> z(n);
-    if (!p || !z) return x_M;
-    OneBlasThread one(small_factorisation(n, n));
-    lapack::getrf(f, p.get());
+    if (!p || !z || !factor(f, p)) return x_M;
     pack_multipliers(f, p);
     double reciprocal = Estimate<T>(f, p, z.get()).inverse_norm_reciprocal();
     return norm != 0 ? reciprocal / norm : 0.0;

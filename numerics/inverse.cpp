@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "numerics/blas_threads.h"
+#include "numerics/blocked.h"
 #include "numerics/lapack.h"
 #include "numerics/lu.h"
 #include "numerics/solvers.h"
@@ -22,22 +22,12 @@ template <class T> Mm inverse(const Mm &a) {
     Matrix<T> x(a);
     if (!x) return x_M;
     Pivots p(n);
-    if (!p) return x_M;
-    OneBlasThread one(small_factorisation(n, n));
-    int zero_pivot = lapack::getrf(x, p.get());
-    if (zero_pivot != 0 && a.isc()) {
-        Matrix<T> columns(ceye(1, n, n));
-        if (!columns) return x_M;
-        lapack::getrs(x, p.get(), columns);
-        return columns.value();
-    }
-    T wanted;
-    lapack::getri(x, p.get(), &wanted, -1);
-    int lwork = static_cast<int>(std::real(wanted));
-    Scratch<T> work(lwork);
-    if (!work) return x_M;
-    lapack::getri(x, p.get(), work.get(), lwork);
-    return x.value();
+    int zero_pivot;
+    if (!p || !factor(x, p, zero_pivot)) return x_M;
+    if (zero_pivot == 0) return invert(x, p) ? x.value() : x_M;
+    if (!a.isc()) return x.value();
+    Matrix<T> columns(ceye(1, n, n));
+    return columns && substitute(x, p, columns) ? columns.value() : x_M;
 }
 
 // The product of the pivots, with the sign of the interchanges.
@@ -69,10 +59,7 @@ Mm full_determinant(const Mm &a) {
         Matrix<T> f(a);
         if (!f) return x_M;
         Pivots p(a.rows());
-        if (!p) return x_M;
-        OneBlasThread one(small_factorisation(a.rows(), a.rows()));
-        lapack::getrf(f, p.get());
-        return determinant(f, p);
+        return p && factor(f, p) ? determinant(f, p) : x_M;
     });
 }
 

@@ -24,18 +24,29 @@ using complex = std::complex<double>;
     void t##getri_(const int *n, T *a, const int *lda, const int *ipiv, T *work, const int *lwork,       \
                    int *info);                                                                           \
     void t##trsm_(const char *side, const char *uplo, const char *trans, const char *diag, const int *m, \
-                  const int *n, const T *alpha, const T *a, const int *lda, T *b, const int *ldb);
+                  const int *n, const T *alpha, const T *a, const int *lda, T *b, const int *ldb);       \
+    void t##trtri_(const char *uplo, const char *diag, const int *n, T *a, const int *lda, int *info);   \
+    void t##laswp_(const int *n, T *a, const int *lda, const int *k1, const int *k2, const int *ipiv,    \
+                   const int *incx);
 extern "C" {
 KN_DECLARE(d, double)
 KN_DECLARE(z, kn::complex)
-void dsytrf_(const char *uplo, const int *n, double *a, const int *lda, int *ipiv, double *work,
-             const int *lwork, int *info);
+void dlasyf_(const char *uplo, const int *n, const int *nb, int *kb, double *a, const int *lda, int *ipiv,
+             double *w, const int *ldw, int *info);
+void dsytf2_(const char *uplo, const int *n, double *a, const int *lda, int *ipiv, int *info);
 void dsytrs_(const char *uplo, const int *n, const int *nrhs, const double *a, const int *lda,
              const int *ipiv, double *b, const int *ldb, int *info);
-void dgeqp3_(const int *m, const int *n, double *a, const int *lda, int *jpvt, double *tau, double *work,
-             const int *lwork, int *info);
-void zgeqp3_(const int *m, const int *n, kn::complex *a, const int *lda, int *jpvt, kn::complex *tau,
-             kn::complex *work, const int *lwork, double *rwork, int *info);
+void dlaqps_(const int *m, const int *n, const int *offset, const int *nb, int *kb, double *a, const int *lda,
+             int *jpvt, double *tau, double *vn1, double *vn2, double *auxv, double *f, const int *ldf);
+void zlaqps_(const int *m, const int *n, const int *offset, const int *nb, int *kb, kn::complex *a,
+             const int *lda, int *jpvt, kn::complex *tau, double *vn1, double *vn2, kn::complex *auxv,
+             kn::complex *f, const int *ldf);
+void dlaqp2_(const int *m, const int *n, const int *offset, double *a, const int *lda, int *jpvt, double *tau,
+             double *vn1, double *vn2, double *work);
+void zlaqp2_(const int *m, const int *n, const int *offset, kn::complex *a, const int *lda, int *jpvt,
+             kn::complex *tau, double *vn1, double *vn2, kn::complex *work);
+double dnrm2_(const int *n, const double *x, const int *incx);
+double dznrm2_(const int *n, const kn::complex *x, const int *incx);
 void dormqr_(const char *side, const char *trans, const int *m, const int *n, const int *k, const double *a,
              const int *lda, const double *tau, double *c, const int *ldc, double *work, const int *lwork,
              int *info);
@@ -83,10 +94,15 @@ namespace lapack {
 
 #define KN_WRAP(t, T)                                                                               \
     /* p a = l u with row interchanges */                                                           \
-    inline int getrf(const Matrix<T> &a, int *p) {                                                  \
-        int m = a.rows(), n = a.cols(), info = 0;                                                   \
-        t##getrf_(&m, &n, a.data(), &m, p, &info);                                                  \
+    inline int getrf(int m, int n, T *a, int lda, int *p) {                                         \
+        int info = 0;                                                                               \
+        t##getrf_(&m, &n, a, &lda, p, &info);                                                       \
         return info;                                                                                \
+    }                                                                                               \
+    /* row interchanges k1 to k2, counted from 1 */                                                 \
+    inline void laswp(int n, T *a, int lda, int k1, int k2, const int *p) {                         \
+        int one = 1;                                                                                \
+        t##laswp_(&n, a, &lda, &k1, &k2, p, &one);                                                  \
     }                                                                                               \
     /* b = a \ b from these factors */                                                              \
     inline void getrs(const Matrix<T> &a, const int *p, const Matrix<T> &b) {                       \
@@ -99,36 +115,51 @@ namespace lapack {
         t##getri_(&n, a.data(), &n, p, work, &lwork, &info);                                        \
         return info;                                                                                \
     }                                                                                               \
-    /* the first k rows of b = r \ b, r upper triangular in the first k rows and columns of a */    \
-    inline void solve_upper(const Matrix<T> &a, int k, const Matrix<T> &b) {                        \
-        int lda = a.rows(), ldb = b.rows(), q = b.cols();                                           \
-        T one = 1;                                                                                  \
-        t##trsm_("L", "U", "N", "N", &k, &q, &one, a.data(), &lda, b.data(), &ldb);                 \
+    /* the inverse of an upper triangle */                                                          \
+    inline void trtri(int n, T *a, int lda) {                                                       \
+        int info = 0;                                                                               \
+        t##trtri_("U", "N", &n, a, &lda, &info);                                                    \
+    }                                                                                               \
+    /* b = alpha a \ b or alpha b / a, a triangular */                                              \
+    inline void trsm(const char *side, const char *uplo, const char *diag, int m, int n, T alpha,   \
+                     const T *a, int lda, T *b, int ldb) {                                          \
+        t##trsm_(side, uplo, "N", diag, &m, &n, &alpha, a, &lda, b, &ldb);                          \
     }
 KN_WRAP(d, double)
 KN_WRAP(z, complex)
 #undef KN_WRAP
 
-// a p = q r with column pivoting, all columns free. lwork as above; rwork has 2 n elements, and is used for
-// complex numbers only.
-inline void geqp3(const Matrix<double> &a, int *p, double *tau, double *work, int lwork, double *) {
-    int m = a.rows(), n = a.cols(), info = 0;
-    dgeqp3_(&m, &n, a.data(), &m, p, tau, work, &lwork, &info);
-}
-inline void geqp3(const Matrix<complex> &a, int *p, complex *tau, complex *work, int lwork, double *rwork) {
-    int m = a.rows(), n = a.cols(), info = 0;
-    zgeqp3_(&m, &n, a.data(), &m, p, tau, work, &lwork, rwork, &info);
-}
-// b = q' b, q being the product of k reflectors.
-inline void unmqr(const Matrix<double> &a, int k, const double *tau, const Matrix<double> &b, double *work,
+// Steps of the factorisation a p = q r with column pivoting, of the columns of a from j on. The norms that
+// their lower parts have, and had when they were computed last, stand in `norm` and `exact`. laqps: several
+// columns, at most nb, whose number it gives; f has n - j rows and nb columns. laqp2: all of them.
+#define KN_WRAP(t, T, nrm2_of_t)                                                                            \
+    inline double norm(int n, const T *x) {                                                                 \
+        int one = 1;                                                                                        \
+        return nrm2_of_t(&n, x, &one);                                                                      \
+    }                                                                                                       \
+    inline int laqps(const Matrix<T> &a, int j, int nb, int *p, T *tau, double *norm, double *exact,        \
+                     T *work, T *f) {                                                                       \
+        int m = a.rows(), n = a.cols() - j, kb = 0;                                                         \
+        t##laqps_(&m, &n, &j, &nb, &kb, a.column(j), &m, p + j, tau + j, norm + j, exact + j, work, f, &n); \
+        return kb;                                                                                          \
+    }                                                                                                       \
+    inline void laqp2(const Matrix<T> &a, int j, int *p, T *tau, double *norm, double *exact, T *work) {    \
+        int m = a.rows(), n = a.cols() - j;                                                                 \
+        t##laqp2_(&m, &n, &j, a.column(j), &m, p + j, tau + j, norm + j, exact + j, work);                  \
+    }
+KN_WRAP(d, double, dnrm2_)
+KN_WRAP(z, complex, dznrm2_)
+#undef KN_WRAP
+// b = q' b, q being the product of k reflectors, b of q columns; lwork as above.
+inline void unmqr(const Matrix<double> &a, int k, const double *tau, double *b, int q, double *work,
                   int lwork) {
-    int m = a.rows(), q = b.cols(), info = 0;
-    dormqr_("L", "T", &m, &q, &k, a.data(), &m, tau, b.data(), &m, work, &lwork, &info);
+    int m = a.rows(), info = 0;
+    dormqr_("L", "T", &m, &q, &k, a.data(), &m, tau, b, &m, work, &lwork, &info);
 }
-inline void unmqr(const Matrix<complex> &a, int k, const complex *tau, const Matrix<complex> &b,
-                  complex *work, int lwork) {
-    int m = a.rows(), q = b.cols(), info = 0;
-    zunmqr_("L", "C", &m, &q, &k, a.data(), &m, tau, b.data(), &m, work, &lwork, &info);
+inline void unmqr(const Matrix<complex> &a, int k, const complex *tau, complex *b, int q, complex *work,
+                  int lwork) {
+    int m = a.rows(), info = 0;
+    zunmqr_("L", "C", &m, &q, &k, a.data(), &m, tau, b, &m, work, &lwork, &info);
 }
 
 } // namespace lapack

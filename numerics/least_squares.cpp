@@ -1,10 +1,13 @@
 // Rectangular systems, by the QR factorisation with pivoting by the norms of the columns.
 //
-// a P = Q R. Of the k = min(m, n) leading columns r is solved for; the rows of the others stay zero.
+// a P = Q R, y = Q' b. Of the k = min(m, n) leading columns R x = y is solved; the rows of x of the others
+// stay zero.
 #include <algorithm>
 
-#include "numerics/blas_threads.h"
-#include "numerics/lapack.h"
+#include "core/blas_call.h"
+#include "core/gemm.h"
+#include "core/poll.h"
+#include "numerics/blocked.h"
 #include "numerics/solvers.h"
 #include "quorvex/builders.h"
 #include "quorvex/startup.h"
@@ -12,20 +15,46 @@
 namespace kn {
 namespace {
 
-// y = Q' b, then its first k rows become R \ y; `lead` tells the column of each.
-template <class T> bool solve_leading(const Matrix<T> &a, const Matrix<T> &b, int k, const Pivots &lead) {
-    T wanted[2];
-    lapack::geqp3(a, lead.get(), nullptr, &wanted[0], -1, nullptr);
-    lapack::unmqr(a, k, nullptr, b, &wanted[1], -1);
-    int lwork = static_cast<int>(std::max(std::real(wanted[0]), std::real(wanted[1])));
-    Scratch<T> work(lwork), tau(k);
-    Scratch<double> rwork(2 * static_cast<ptrdiff_t>(a.cols()));
-    if (!work || !tau || !rwork) return false;
-    OneBlasThread one(small_factorisation(a.rows(), a.cols()));
-    std::fill_n(lead.get(), a.cols(), 0); // all columns are free
-    lapack::geqp3(a, lead.get(), tau.get(), work.get(), lwork, rwork.get());
-    lapack::unmqr(a, k, tau.get(), b, work.get(), lwork);
-    lapack::solve_upper(a, k, b);
+// Of the first k columns chosen; `lead` tells which column of a each of its columns was, counted from 1.
+template <class T> bool factor_qr(const Matrix<T> &a, int k, const Pivots &lead, const Scratch<T> &tau) {
+    constexpr int widest = 32, unblocked = 128; // columns, as LAPACK has them
+    const int m = a.rows(), n = a.cols();
+    const int block = at_once<T>(widest, 8.0 * m * n); // half of the work waits for memory
+    const BlasWork kind = factorisation_of(m, n);
+    Scratch<T> work(std::max(n, widest)), f(static_cast<ptrdiff_t>(n) * widest);
+    Scratch<double> norm(n), exact(n);
+    if (!work || !f || !norm || !exact) return false;
+    for (int j = 0; j < n; ++j) {
+        norm[j] = exact[j] = lapack::norm(m, a.column(j));
+        lead[j] = j + 1;
+    }
+    for (int j = 0;;) {
+        if (interrupted()) return false;
+        BlasCall call(kind);
+        if (!call) return false;
+        if (j >= k - unblocked) {
+            lapack::laqp2(a, j, lead.get(), tau.get(), norm.get(), exact.get(), work.get());
+            return true;
+        }
+        j += lapack::laqps(a, j, std::min(block, k - unblocked - j), lead.get(), tau.get(), norm.get(),
+                           exact.get(), work.get(), f.get());
+    }
+}
+
+// b = Q' b
+template <class T> bool reflect(const Matrix<T> &a, int k, const Scratch<T> &tau, const Matrix<T> &b) {
+    T wanted;
+    lapack::unmqr(a, k, tau.get(), b.data(), b.cols(), &wanted, -1);
+    const int lwork = static_cast<int>(std::real(wanted));
+    Scratch<T> work(lwork);
+    if (!work) return false;
+    const int width = at_once<T>(b.cols(), 2.0 * b.rows() * k);
+    for (int j = 0; j < b.cols(); j += width) {
+        if (interrupted()) return false;
+        BlasCall call(factorisation_of(a.rows(), k));
+        if (!call) return false;
+        lapack::unmqr(a, k, tau.get(), b.column(j), std::min(width, b.cols() - j), work.get(), lwork);
+    }
     return true;
 }
 
@@ -47,7 +76,10 @@ Mm solve_rectangular(const Mm &a, const Mm &b) {
         Matrix<T> factors(a), y(b);
         if (!factors || !y) return x_M;
         Pivots lead(n);
-        if (!lead || !solve_leading(factors, y, k, lead)) return x_M;
+        Scratch<T> tau(k);
+        if (!lead || !tau || !factor_qr(factors, k, lead, tau) || !reflect(factors, k, tau, y) ||
+            !substitute_upper(factors, k, y))
+            return x_M;
         Mm x = czeros(a.isc() || b.isc(), n, b.cols());
         if (x.getnnz() == 0) return x_M;
         for (int i = 0; i < k; ++i) scatter_row(y, i, x, lead[i]);

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "core/numbers.h"
-#include "numerics/blas_threads.h"
+#include "numerics/blocked.h"
 #include "numerics/lapack.h"
 #include "numerics/solvers.h"
 #include "numerics/sparse_lu.h"
@@ -21,11 +21,6 @@
 
 namespace kn {
 namespace {
-
-template <class T> void factor(const Matrix<T> &f, const Pivots &p) {
-    OneBlasThread one(small_factorisation(f.rows(), f.cols()));
-    lapack::getrf(f, p.get());
-}
 
 // The row of a that row i of l and u comes from.
 void rows_of_pivots(const Pivots &p, int n, int *row) {
@@ -43,8 +38,7 @@ template <class T> bool split(const Mm &a, bool ordered, Outputs &out) {
     Matrix<T> f(a), l(n, n);
     if (!f || !l) return false;
     Pivots p(n), row(n);
-    if (!p || !row) return false;
-    factor(f, p);
+    if (!p || !row || !factor(f, p)) return false;
     rows_of_pivots(p, n, row.get());
     out.p = zeros(n, n);
     if (lacks(out.p, n * n)) return false;
@@ -113,8 +107,7 @@ Mm lu(const Mm &a) {
         kn::Matrix<T> factors(x);
         if (!factors) return x_M;
         kn::Pivots p(x.rows());
-        if (!p) return x_M;
-        kn::factor(factors, p);
+        if (!p || !kn::factor(factors, p)) return x_M;
         kn::pack_multipliers(factors, p);
         return factors.value();
     });

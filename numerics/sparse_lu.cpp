@@ -5,9 +5,9 @@
 
 #include <slu_ddefs.h>
 
+#include "core/blas_call.h"
 #include "core/constants.h"
 #include "core/header.h"
-#include "numerics/blas_threads.h"
 #include "numerics/superlu_memory.h"
 #include "quorvex/messages.h"
 
@@ -167,7 +167,8 @@ bool sparse_lu_solve(const Columns &a, Mm &x, const int *order) {
     s.options.ColPerm = order ? MY_PERMC : filling_least;
     if (order) std::copy_n(order, n, column_order.get());
     if (without == 0) {
-        OneBlasThread one(true);
+        BlasCall blas(BlasWork::alone);
+        if (!blas) return false;
         SuperluCall call;
         if (!call.run(solve, &s)) return false;
     }
@@ -188,8 +189,8 @@ bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
 
     Factors f = {all, column_order.get(), row_order.get(), parent.get(), {}, {}, 0};
     SuperluCall call;
-    OneBlasThread one(true);
-    if (!call.run(factor, &f)) return false;
+    BlasCall blas(BlasWork::alone);
+    if (!blas || !call.run(factor, &f)) return false;
     if (f.info > n) return out_of_memory(), false;
     Scratch<int> row_from(n);
     if (!row_from) return false;

@@ -57,7 +57,7 @@ extern QUORVEX_API kn_command_hook kn_command_handler;
 // Lets a host interrupt long calls: asked at most every 20 ms, at safe points of them, on the thread that
 // called; not while it answers. After a nonzero answer "Interrupted" is reported and the call ends as after
 // any error; the hook may also throw a `const char *` itself, or call the library. Null at first. Not
-// interrupted are single calls of BLAS and LAPACK, and the work along one slice of an array.
+// interrupted are the factorisation of a sparse matrix, and the work along one slice of an array.
 typedef int (*kn_poll_hook)();
 extern QUORVEX_API kn_poll_hook kn_poll_handler;
 

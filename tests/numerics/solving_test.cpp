@@ -1,12 +1,20 @@
 // Linear solving, judged by residuals: the measure is that of LAPACK's own testers, error / (size eps norm),
 // which stays below 30 for a backward stable result whatever the condition.
+#include <chrono>
 #include <cmath>
 #include <complex>
 #include <fstream>
 #include <functional>
 #include <sstream>
+#include <thread>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "core/blas_call.h"
 #include "core/scratch.h"
+#include "platform/platform.h"
 #include "support/support.h"
 
 using namespace test;
@@ -26,6 +34,12 @@ double solution_ratio(const Mm &a, const Mm &x, const Mm &b) {
 }
 
 bool any_nonfinite(const Mm &x) { return scalar(any(mnot(isfinite(Mm(x(c_p)))))) != 0; }
+
+size_t address_space() {
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages * kn::os::page_size();
+}
 
 struct Case {
     const char *name;
@@ -317,6 +331,75 @@ TEST(Solving, special_numbers_and_patterns) {
         }
     }
 }
+
+// What is asked of BLAS and LAPACK when there is a hook is cut into pieces.
+TEST(Solving, large_work_can_be_interrupted) {
+    static int answer;
+    kn::BlasCall alone(kn::BlasWork::alone); // threads that wait for each other are slow on a busy machine
+    const int n = 660;
+    Mm a = randn(n, n), b = randn(n, 3), w = randn(2 * n, n), s = a + ctranspose(a), x;
+    Mm z = randn(450, 450) + i * randn(450, 450);
+    const std::pair<std::function<void()>, std::function<double()>> table[] = {
+        {[&] { x = a * s; }, [&] { return ratio(x * b - a * (s * b), norm1(a) * norm1(s) * norm1(b), n); }},
+        {[&] { x = mldivide(a, s); }, [&] { return solution_ratio(a, x, s); }},
+        {[&] { x = mldivide(s, b); }, [&] { return solution_ratio(s, x, b); }},
+        {[&] { x = inv(a); }, [&] { return ratio(x * a - eye(n), norm1(a) * norm1(x), n); }},
+        {[&] { x = inv(z); }, [&] { return ratio(x * z - eye(450), norm1(z) * norm1(x), n); }},
+        {[&] { x = mldivide(w, w * b); }, [&] { return ratio(x - b, norm1(b), n); }},
+    };
+    for (const auto &[work, error] : table) {
+        SCOPED_TRACE(&work - &table[0].first);
+        kn_poll_handler = [] { return answer; };
+        answer = 0;
+        work();
+        kn_poll_handler = nullptr;
+        EXPECT_LT(error(), 30);
+        std::this_thread::sleep_for(std::chrono::milliseconds(25)); // since the hook was asked
+        kn_poll_handler = [] { return answer; };
+        answer = 1;
+        EXPECT_EQ(raised(work), "Interrupted");
+        kn_poll_handler = nullptr;
+    }
+}
+
+#ifndef __SANITIZE_ADDRESS__
+// In a process of its own, which has not called BLAS yet; and in a child of it, where the threads are gone.
+TEST(Solving, without_address_space) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto work = [] {
+        Mm a = randn(40, 40), z = a + i * a, b = randn(40, 1), s = sparse(a), l, u;
+        const std::function<void()> calls[] = {[&] { inv(a); },
+                                               [&] { det(z); },
+                                               [&] { lu(a, i_o, l, u); },
+                                               [&] { rcond(a); },
+                                               [&] { a *z; },
+                                               [&] { mldivide(a, b); },
+                                               [&] { mldivide(s, b); },
+                                               [&] { mldivide(z, b); },
+                                               [&] { lusolve(s, b, speye(40)); },
+                                               [&] { inv(sparse(z)); },
+                                               [&] { det(s); },
+                                               [&] { mldivide(ones(40, 3), b); },
+                                               [&] { mldivide(a + ctranspose(a), b); }};
+        const size_t now = address_space();
+        for (int child = 0; child < 2; ++child) {
+            alarm(30); // a call that waits for memory waits for ever
+            rlimit limit = {now + (20 << 20), RLIM_INFINITY};
+            setrlimit(RLIMIT_AS, &limit);
+            for (const auto &call : calls)
+                if (raised(call) != "Out of memory!") _exit(2);
+            limit.rlim_cur = RLIM_INFINITY;
+            setrlimit(RLIMIT_AS, &limit);
+            if (child == 0 && fork() != 0) break;
+        }
+        for (const auto &call : calls) call();
+        int status = 0;
+        wait(&status);
+        _exit(status == 0 ? 0 : 3);
+    };
+    EXPECT_EXIT(work(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 #ifdef QUORVEX_ALLOC_PROBE
 // SuperLU's allocations are among those that fail: it is left at once, and nothing it held is lost.
