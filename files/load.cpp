@@ -84,7 +84,7 @@ class Variables {
   private:
     const MatFile &file_;
     std::optional<Mat5Reader> level5_;
-    long passed_ = 0;
+    long long passed_ = 0;
 };
 
 // ---- Into a structure ----

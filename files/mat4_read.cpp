@@ -61,9 +61,9 @@ enum class Found { matrix, end, damage };
 Found read_header(const MatFile &file, Header4 &h) {
     unsigned char raw[4 * header_fields];
     double field[header_fields];
-    const long left = file.left();
+    const long long left = file.left();
     if (io::read(raw, sizeof raw, 1, file.get()) != 1)
-        return left >= 0 && left < static_cast<long>(sizeof raw) ? Found::end : Found::damage;
+        return left >= 0 && left < static_cast<long long>(sizeof raw) ? Found::end : Found::damage;
     auto decode = [&](bool swap) {
         decode_elements(raw, field, header_fields, int32_code, swap);
         h.type = field[0], h.rows = field[1], h.cols = field[2], h.imagf = field[3], h.namlen = field[4];
@@ -179,7 +179,7 @@ bool mat4_next(const MatFile &file, MatEntry &entry) {
     const double bytes = h.complex() ? 2 * h.plane() : h.plane();
     const bool whole = found == Found::matrix && h.has_extents() && h.plane() >= 0 &&
                        read_name(file, kept, name) && rest + bytes <= static_cast<double>(file.left()) &&
-                       io::seek(file.get(), static_cast<long>(rest + bytes), SEEK_CUR) == 0;
+                       io::seek(file.get(), static_cast<long long>(rest + bytes), SEEK_CUR) == 0;
     if (!whole) {
         error("load4: '%s' could not read header", file.name);
         return false;

@@ -36,7 +36,7 @@ bool Mat5Output::patch(uint64_t at, uint32_t word) {
     }
     if (!flush() || origin_ < 0) return false;
     auto go = [this](uint64_t to) {
-        return io::seek(stream_, origin_ + static_cast<long>(to), SEEK_SET) == 0;
+        return io::seek(stream_, origin_ + static_cast<long long>(to), SEEK_SET) == 0;
     };
     return go(at) && io::write(&word, sizeof word, 1, stream_) == 1 && go(before_);
 }
@@ -72,14 +72,14 @@ bool Mat5Input::seek_slowly(uint64_t to) {
 }
 
 Mat5File::Mat5File(std::FILE *stream) : stream_(stream) {
-    const long end = io::seek(stream, 0, SEEK_END) == 0 ? io::tell(stream) : -1;
+    const long long end = io::seek(stream, 0, SEEK_END) == 0 ? io::tell(stream) : -1;
     if (end > 0 && io::seek(stream, 0, SEEK_SET) == 0) size_ = static_cast<uint64_t>(end);
 }
 
 size_t Mat5File::fill(char *to, size_t n) { return io::read(to, 1, n, stream_); }
 
 bool Mat5File::jump(uint64_t, uint64_t to) {
-    return to <= size_ && io::seek(stream_, static_cast<long>(to), SEEK_SET) == 0;
+    return to <= size_ && io::seek(stream_, static_cast<long long>(to), SEEK_SET) == 0;
 }
 
 // ---- Inflated input ----

@@ -35,7 +35,7 @@ class Mat5Output {
     bool put_slowly(const void *from, size_t n);
 
     std::FILE *stream_;
-    long origin_;
+    long long origin_;
     uint64_t before_ = 0; // bytes that have left the buffer
     size_t size_ = 0;
     char buffer_[1 << 15];

@@ -62,8 +62,8 @@ bool add_mat(const char *name, char (&out)[mat_name_size]) {
     return n < mat_name_size;
 }
 
-long MatFile::left() const {
-    const long at = io::tell(get());
+long long MatFile::left() const {
+    const long long at = io::tell(get());
     return at < 0 ? -1 : at > size ? 0 : size - at;
 }
 

@@ -29,11 +29,11 @@ struct MatFile {
     Stream stream{nullptr};
     MatKind kind = MatKind::text;
     const char *name;
-    long size = 0; // bytes
+    long long size = 0; // bytes
 
     explicit MatFile(const char *file_name) : name(file_name) {}
     std::FILE *get() const { return stream.get(); }
-    long left() const; // bytes from here to the end; -1 when the stream doesn't tell
+    long long left() const; // bytes from here to the end; -1 when the stream doesn't tell
 };
 
 // Finds and opens the file, recognises its kind, and goes to its first variable: behind the 128 bytes of a
