@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "core/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
 
@@ -83,24 +82,6 @@ TEST_F(Level4, the_bytes_that_are_saved) {
                     header(m, 0, 0, 0, "e", big));
 }
 
-TEST_F(Level4, random_values_come_back) {
-    test::Random random(44);
-    for (int round = 0; round < 300; ++round) {
-        Mm x = random.any(), y;
-        if (x.gettype() == kn_Mm || x.gettype() == kn_none || x.getndims() > 2) continue;
-        EXPECT_EQ(test::raised([&] {
-                      saveV4(TM("f.x"), (CL(x)));
-                      load(TM("f.x"), (CL(y)));
-                  }),
-                  "(no error)")
-            << testing::PrintToString(x);
-        EXPECT_TRUE(y.issparse() == x.issparse() && y.isstr() == (x.isstr() && !x.issparse()));
-        Mm wanted = full(mdouble(x)), got = full(y);
-        for (Mm *m : {&wanted, &got}) m->setstr(0), m->setlogical(0), m->getreal(0);
-        ASSERT_SAME(got, wanted) << testing::PrintToString(x);
-    }
-}
-
 TEST_F(Level4, names_and_the_end) {
     Mm a = named("a", 3), b = named("bcd", row({1, 2}));
     saveV4(TM("f"), (CL(a), b, a));
@@ -163,40 +144,6 @@ TEST_F(Level4, damage_is_told) {
         },
         testing::ExitedWithCode(1), "");
     EXPECT_SAME(loaded(string("\0\0\0\0\1\0\0", 7)), nop_M) << "less than a header is the end";
-}
-
-// Each truncation, and each byte changed in some ways: a value or a report, no crash, no leak, no large
-// block.
-TEST_F(Level4, every_small_damage) {
-    const Mm s = sparse(row({1, 2}), row({2, 3}), test::complex_of(row({3, 4}), row({5, 6})), 4, 5);
-    saveV4(TM("f"), (CL(M({{1, 2.5}, {3, 4}})), TM("text"), s, test::C(1, -1)));
-    const string whole = bytes("f.mat");
-    std::vector<string> files;
-    for (size_t k = 0; k < whole.size(); ++k) {
-        files.push_back(whole.substr(0, k));
-        for (int change : {1, 2, 16, 128, 255}) {
-            files.push_back(whole);
-            files.back()[k] = static_cast<char>(files.back()[k] ^ change);
-        }
-    }
-    kn::alloc_probe.largest = 1 << 19; // the line buffer of text is half of that
-    test::Warnings warnings;
-    int raised = 0;
-    for (const string &file : files) {
-        std::filesystem::remove("f.mat"); // a file system may flush what replaces a file
-        put("f.mat", file);
-        const long live = kn::alloc_probe.live;
-        {
-            Mm a, b, c, d, keep = 5;
-            raised += test::raised([&] { load(TM("f"), (CL(a), b, c, d)); }) != "(no error)";
-            test::raised([&] { whos(TM("-file"), TM("f")); });
-            EXPECT_SAME(keep, 5);
-        }
-        lasterr();
-        ASSERT_EQ(kn::alloc_probe.live, live);
-    }
-    kn::alloc_probe.largest = 0;
-    EXPECT_GT(raised, 200);
 }
 
 TEST_F(Level4, whos_of_a_file) {
