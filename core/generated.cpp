@@ -2,8 +2,6 @@
 
 #include "quorvex/generated.h"
 
-#include <algorithm>
-
 #include "core/header.h"
 
 QUORVEX_THREAD_LOCAL double nargin_val = 0, nargout_val = 0;
@@ -27,21 +25,6 @@ Mm switchinit(const Mm &x) {
 }
 
 namespace generated {
-
-Mm matrix(int rows, int cols, const double *re, const double *im) {
-    Mm out(im != nullptr, 0, 0, rows, cols, kn_double);
-    std::copy_n(re, out.getnnz(), out.addr());
-    if (out.isc()) std::copy_n(im, out.getnnz(), out.addi());
-    return out;
-}
-
-Mm text(int rows, int cols, const char *characters) {
-    Mm out(0, 0, 0, rows, cols, kn_double);
-    for (int k = 0; k < out.getnnz(); ++k)
-        *out.addr(k / cols + 1, k % cols + 1) = static_cast<unsigned char>(characters[k]);
-    out.setstr(1);
-    return out;
-}
 
 Mm texts(int rows, int cols, const char *const *list) {
     Mm out(0, 0, 0, rows, cols, kn_Mm);

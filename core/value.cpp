@@ -346,6 +346,18 @@ Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) {
     level = -1;
 }
 
+Mm::Mm(int rows, int cols, const double *re, const double *im)
+    : Mm(im != nullptr, 0, 0, rows, cols, kn_double) {
+    std::copy_n(re, nnz, addr());
+    if (isc()) std::copy_n(im, nnz, addi());
+}
+
+Mm::Mm(int rows, int cols, const char *characters) : Mm(0, 0, 0, rows, cols, kn_double) {
+    for (int k = 0; k < nnz; ++k)
+        *addr(k / cols + 1, k % cols + 1) = static_cast<unsigned char>(characters[k]);
+    flags.str = 1;
+}
+
 Mm::Mm(const Mm &src) : name(nullptr), shadow(nullptr) {
     hold(src);
     flags.scalar_only = src.flags.scalar_only;

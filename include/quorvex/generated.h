@@ -77,13 +77,9 @@ class Try {
 
 // -- Literals. The compiler of the program takes thousands of elements as static data in no time.
 
-// A matrix of the given extents. Its elements stand column by column.
-QUORVEX_API Mm matrix(int rows, int cols, const double *re, const double *im = nullptr);
-template <size_t n> Mm matrix(int rows, int cols, const double (&re)[n]) { // matrix(2, 2, {1, 3, 2, 4})
-    return matrix(rows, cols, static_cast<const double *>(re));
-}
-// Characters, whose rows of equal length stand one behind the other: text(2, 3, "abc" "def").
-QUORVEX_API Mm text(int rows, int cols, const char *characters);
+// A matrix of the given extents with its elements column by column: matrix(2, 2, {1, 3, 2, 4}). Longer ones
+// are static tables, Mm(rows, cols, table), and so are texts, Mm(2, 3, "abc" "def").
+template <size_t n> Mm matrix(int rows, int cols, const double (&re)[n]) { return Mm(rows, cols, re + 0); }
 // A cell of texts, column by column.
 QUORVEX_API Mm texts(int rows, int cols, const char *const *list);
 

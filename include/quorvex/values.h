@@ -91,6 +91,10 @@ class QUORVEX_API Mm {
     // interactive host.
     Mm(i_o_t, const char *name, int global);
     Mm(const char *name, int rows, int cols); // a named double
+    // A double with these elements, column by column; complex where `im` is given.
+    Mm(int rows, int cols, const double *re, const double *im = nullptr);
+    // Characters, from rows of equal length that follow one another: Mm(2, 3, "abc" "def").
+    Mm(int rows, int cols, const char *characters);
     // Shares the block. The copy has no name and is neither persistent nor global.
     Mm(const Mm &src);
     // Takes the block of a temporary, which is left empty.

@@ -83,13 +83,10 @@ TEST(Generated, logic_of_references_and_of_numbers_that_are_no_doubles) {
 
 TEST(Generated, literals_cases_and_ends) {
     static const double table[] = {1, 4, 2, 5, 3, 6};
-    EXPECT_SAME(generated::matrix(2, 3, table), M({{1, 2, 3}, {4, 5, 6}}));
+    EXPECT_SAME(Mm(2, 3, table), M({{1, 2, 3}, {4, 5, 6}}));
     EXPECT_SAME(generated::matrix(1, 2, {7.5, 8}), row({7.5, 8}));
-    EXPECT_SAME(generated::matrix(3, 1, table, table + 3), complex_of(col({1, 4, 2}), col({5, 3, 6})));
-    EXPECT_SAME(generated::text(2, 2,
-                                "ab"
-                                "cd"),
-                Mm((BR("ab"), semi, "cd")));
+    EXPECT_SAME(Mm(3, 1, table, table + 3), complex_of(col({1, 4, 2}), col({5, 3, 6})));
+    EXPECT_SAME(Mm(2, 2, "abcd"), Mm((BR("ab"), semi, "cd")));
     static const char *const names[] = {"one", "two"};
     EXPECT_SAME(generated::texts(2, 1, names), Mm((CL("one"), semi, "two")));
 
