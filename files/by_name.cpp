@@ -1,6 +1,7 @@
 // load and save with the names of variables of the workspace, as a command gives them: save f x y.
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 #include "files/matfile.h"

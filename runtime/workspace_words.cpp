@@ -85,18 +85,26 @@ Mm clear(const kn_names &names) {
             if (k < Scopes::count(level)) Scopes::clear(*Scopes::value(k, level));
     };
     const int n = names.texts.size();
+    char name[max_variable_name];
+    auto take = [&](int k) {
+        *name = '\0';
+        Mstr_row(names.texts.safebr(k), name, sizeof name);
+    };
+    for (int k = 1; k <= n; ++k) {
+        take(k);
+        if (is_variable_name(name)) continue;
+        error("clear: %s is no name of a variable", name);
+        return x_M;
+    }
     if (n == 0) clear_level(Scopes::level());
     for (int k = 1; k <= n; ++k) {
-        char name[max_variable_name];
-        Mstr_row(names.texts.safebr(k), name, sizeof name);
+        take(k);
         const bool all = std::strcmp(name, "all") == 0;
         if (Mm *value = Scopes::lookup(name, Scopes::level())) {
             Scopes::clear(*value);
         } else if (all || std::strcmp(name, "variables") == 0 || std::strcmp(name, "global") == 0) {
             if (all || *name == 'v') clear_level(Scopes::level());
             if (all || *name == 'g') clear_level(0);
-        } else if (!is_variable_name(name)) {
-            error("clear: %s is no name of a variable", name);
         }
     }
     return x_M;

@@ -1,6 +1,6 @@
 #include "host/session.h"
 
-#include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -27,6 +27,7 @@ void write_out_files() {
 
 // Asked by the library in its long calls.
 int poll() {
+    std::fflush(stdout);
     if (console::take_break()) fail("Ctrl-C");
     return 0;
 }

@@ -56,5 +56,50 @@ ls part*
 which part
 which n
 version
+% Variables by name; commands.
+clear all
+A = 1; B = 'two'; C = [3 4];
+save work A B
+save old.mat -v4 C
+save text.txt C -ascii
+clear A B
+load work
+A, B
+load text.txt
+text
+load old
+load work B
+save work nothing
+save work -what
+s = load('work');
+s.B
+exist work.mat
+clear B C 9
+clear B C
+who
+cd ..;
+exist work.mat
+cd -
+here = pwd; cd /
+pwd
+cd(here);
+whos nothing
+for k = 1:3
+  if k, delete work.mat, end
+  disp(k(end))
+end
+disp after;
+% Functions without a value.
+3 + 4;
+disp 'two  words', format long
+format
+ans
+x = disp(3)
+[1 format]
+y = eval('');
+fprintf('%d\n', 5);
+[1 2; 3 4]^2
+now -1
+rand )
 exit
 disp('not reached')
