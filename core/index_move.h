@@ -25,7 +25,7 @@ template <> inline Mm blank<Mm>(const Mm &m) {
 // Index values become positions a block at a time: f(first, block, count) with the places [first, first +
 // count) of the subscript.
 template <class F> void by_blocks(const Positions &p, ptrdiff_t begin, ptrdiff_t end, F f) {
-    constexpr ptrdiff_t most = 512;
+    constexpr ptrdiff_t most = 128;
     int block[most];
     for (; begin < end; begin += most) {
         ptrdiff_t count = std::min(end - begin, most);
@@ -143,10 +143,19 @@ template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, con
 
 // A selection of `from` into the elements of `to` in order; an imaginary plane when `to` has one.
 template <class T> void gather(const Mm &to, const Mm &from, const Selection &s) {
+    const Odometer from_start(s, from.getdims());
+    const ptrdiff_t count = from_start.line().count(), lines = count > 0 ? s.total() / count : 0;
     auto plane = [&](T *out, const T *in) {
-        Odometer lines(s, from.getdims());
-        for (ptrdiff_t at; (at = lines.kn_next_index()) >= 0; out += lines.line().count())
-            gather(out, in + at, lines.line(), lines.stride());
+        auto range = [&](ptrdiff_t begin, ptrdiff_t end) {
+            Odometer walk = from_start;
+            walk.skip_to(begin);
+            for (ptrdiff_t k = begin; k < end; ++k)
+                gather(out + k * count, in + walk.kn_next_index(), walk.line(), walk.stride());
+        };
+        if (std::is_same_v<T, Mm> || out == in || lines < 2)
+            range(0, lines);
+        else
+            parallel_for(lines, gather_grain / count + 1, range);
     };
     plane(re<T>(to), re<T>(from));
     if (to.isc()) plane(im<T>(to), im<T>(from));

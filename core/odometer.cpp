@@ -17,6 +17,17 @@ Odometer::Odometer(const Selection &s, const int *extents, int axis) : s_(s), ax
     }
 }
 
+void Odometer::skip_to(ptrdiff_t n) {
+    if (next_ < 0) return;
+    for (int k = axis_ + 1; k < s_.n(); ++k) {
+        const Positions &p = s_[k];
+        next_ -= p[counter_[k]] * stride_[k];
+        counter_[k] = static_cast<int>(n % p.count());
+        next_ += p[counter_[k]] * stride_[k];
+        n /= p.count();
+    }
+}
+
 ptrdiff_t Odometer::kn_next_index() {
     ptrdiff_t line = next_;
     if (line < 0) return line;

@@ -16,6 +16,8 @@ class Odometer {
     // given.
     Odometer(const Selection &s, const int *extents, int axis = -1);
 
+    // Goes on with the n-th line, counted from 0; there is one.
+    void skip_to(ptrdiff_t n);
     // Linear position of the next line, -1 after the last. Its elements stand at position times stride
     // behind.
     ptrdiff_t kn_next_index();

@@ -45,6 +45,7 @@ template <class T> Complex<T> reciprocal(Complex<T> z) {
 template <class T> Complex<T> number(double re, double im = 0) {
     return {math::same<T>(re), math::same<T>(im)};
 }
+template <class T> Complex<T> one_nan(Complex<T> z) { return {math::one_nan(z.re), math::one_nan(z.im)}; }
 template <class T> Complex<T> square(Complex<T> z) { return z * z; }
 template <class T> Complex<T> times_i(Complex<T> z) { return {-z.im, z.re}; }
 template <class T> Complex<T> over_i(Complex<T> z) { return {z.im, -z.re}; }
@@ -213,7 +214,7 @@ inline Z complex_pow(Z a, Z b) {
 inline Complex<math::V> complex_pow(Complex<math::V> a, Complex<math::V> b) {
     math::Mask whole = (b.im == 0) & (b.re >= 0) & (math::nearest(b.re) == b.re);
     math::Mask easy = (b.im == 0) & (a.im == 0) & (a.re >= 0);
-    math::Mask none = (a.re != a.re) | ((a.re == 0) & (a.im == 0)) | (math::abs(b.re) >= 0x1p51);
+    math::Mask none = (a.re != a.re) | ((a.re == 0) & (a.im == 0)) | !(math::abs(b.re) < 0x1p51);
     math::Mask alone = whole | easy | none;
     Complex<math::V> p = {};
     if (!math::all(alone)) p = complex_power_by_logarithm(a, b);

@@ -48,14 +48,21 @@ template <Rule rule, class K> bool within(double *out, const double *x, ptrdiff_
     return true;
 }
 
+template <class K, class... X> double number(X... x) {
+    if constexpr (kernel::real_vectors<K>)
+        return one_nan(K::r(x...));
+    else
+        return K::r(x...);
+}
+
 template <Rule rule, class K> constexpr NumberFunctions numbers_for() {
     NumberFunctions f = {};
     if constexpr (along_dimension<K>)
         return f;
     else if constexpr (unary<K>)
-        f.unary = [](double x) -> double { return K::r(x); };
+        f.unary = [](double x) -> double { return number<K>(x); };
     else
-        f.binary = [](double x, double y) -> double { return K::r(x, y); };
+        f.binary = [](double x, double y) -> double { return number<K>(x, y); };
     if constexpr (looks_at_elements(rule)) f.within = within<rule, K>;
     return f;
 }

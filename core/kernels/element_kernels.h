@@ -46,7 +46,7 @@ struct Minus {
 };
 struct Times {
     template <class T> static T r(T x, T y) { return static_cast<T>(x * y); }
-    static Z z(Z a, Z b) { return a * b; }
+    static Z z(Z a, Z b) { return one_nan(a * b); }
     static Z z(Z a, double y) { return y * a; }
     static Z z(double x, Z b) { return x * b; }
 };
@@ -54,9 +54,9 @@ struct Rdivide {
     static double r(double x, double y) { return x / y; }
     // By zero: 255, and 0 for 0/0.
     static byte r(byte x, byte y) { return static_cast<byte>(y ? x / y : x ? 255 : 0); }
-    static Z z(Z a, Z b) { return a / b; }
+    static Z z(Z a, Z b) { return one_nan(a / b); }
     static Z z(Z a, double y) { return a / y; }
-    static Z z(double x, Z b) { return Z{x, 0} / b; }
+    static Z z(double x, Z b) { return one_nan(Z{x, 0} / b); }
 };
 struct Ldivide {
     static auto r(auto x, auto y) { return Rdivide::r(y, x); }
@@ -187,7 +187,7 @@ struct Min2 {
 // A real operand has its own way into the complex plane, without the modulus.
 struct Sqrt {
     static double r(double x) { return std::sqrt(x); }
-    static Z z(Z z) { return complex_sqrt(z); }
+    static Z z(Z z) { return one_nan(complex_sqrt(z)); }
     static Z of_real(double x) { return x < 0 ? Z{0, std::sqrt(-x)} : Z{std::sqrt(x), 0}; }
 };
 
@@ -204,8 +204,8 @@ KN_FUNCTION(Exp, math::exp(x), complex_exp(z))
 KN_FUNCTION(Log, math::log(x), complex_log(z))
 KN_FUNCTION(Log2, math::log2(x), complex_log(z) / raw_ln2)
 KN_FUNCTION(Log10, math::log10(x), complex_log(z) / raw_ln10)
-KN_FUNCTION(Sin, math::sin(math::reduced(x)), complex_sin(z))
-KN_FUNCTION(Cos, math::cos(math::reduced(x)), complex_cos(z))
+KN_FUNCTION(Sin, math::sin_of_reduced(x), complex_sin(z))
+KN_FUNCTION(Cos, math::cos_of_reduced(x), complex_cos(z))
 KN_FUNCTION(Tan, math::tan(math::reduced(x)), complex_tan(z))
 KN_FUNCTION(Sinh, math::sinh(x), complex_sinh(z))
 KN_FUNCTION(Cosh, math::cosh(x), complex_cosh(z))

@@ -1,16 +1,17 @@
 // The elementary functions of a real number that the kernels are built upon: of one double, and of a vector
 // where the instruction set has them.
 //
-// In the baseline they are the C library's. In the other sets they are those of SLEEF, the ones that give a
-// number the same bits alone and in vectors of any length, whatever its neighbours are. Where SLEEF is less
-// accurate or special values begin, the C library's function is taken for that element: `inside` says where
-// SLEEF's holds. docs/numerics.md has the measured errors.
+// In the baseline they are the C library's. In the other sets exponential, logarithm, sine, cosine and power
+// are those of approximations.h, the rest those of SLEEF: both give a number the same bits alone and in
+// vectors of any length, whatever its neighbours are. Where they are less accurate or special values begin,
+// the C library's function is taken for that element. docs/numerics.md has the measured errors.
 #ifndef QUORVEX_CORE_ELEMENTARY_H
 #define QUORVEX_CORE_ELEMENTARY_H
 
 #include <cmath>
 #include <limits>
 
+#include "core/kernels/approximations.h"
 #include "core/kernels/isa.h"
 #include "core/kernels/vectors.h"
 #include "core/scalar_kernels.h"
@@ -47,6 +48,9 @@ inline double cosh(double x) {
     return abs(x) <= 708 ? std::cosh(x) : static_cast<double>(std::cosh(wide{x}));
 }
 } // namespace library
+
+// The argument as sin, cos and tan take it.
+inline double reduced(double x) { return abs(x) <= reduce_beyond ? x : range_reduce(x); }
 
 #ifdef KN_VECTOR_BYTES
 
@@ -85,10 +89,6 @@ template <class T> auto between(double low, T x, double high) { return both(x >=
 
 // SLEEF is far off in tan of subnormal numbers, an ulp off in sinh and tanh of small ones; exp, sinh and cosh
 // give infinity a little early, tanh 1.
-KN_ELEMENTARY(exp, abs(x) <= 708)
-KN_ELEMENTARY(log, between(smallest, x, largest))
-KN_ELEMENTARY(sin, abs(x) <= reduce_beyond)
-KN_ELEMENTARY(cos, abs(x) <= reduce_beyond)
 KN_ELEMENTARY(tan, between(smallest, abs(x), reduce_beyond))
 KN_ELEMENTARY(sinh, between(0x1p-50, abs(x), 708))
 KN_ELEMENTARY(cosh, abs(x) <= 708)
@@ -100,8 +100,28 @@ KN_ELEMENTARY(atan, abs(x) <= largest)
 
 #ifdef KN_VECTOR_BYTES
 
-// The argument as sin, cos and tan take it.
 inline V reduced(V x) { return where_it_holds(x, abs(x) <= reduce_beyond, range_reduce, x); }
+
+template <class T> T exp(T x) { return where_it_holds(exp_of(x), abs(x) <= 708, library::exp, x); }
+template <class T> T log(T x) {
+    return where_it_holds(log_of(x), between(smallest, x, largest), library::log, x);
+}
+template <class T> T sin(T x) {
+    return where_it_holds(sine<false>(x), abs(x) <= reduce_beyond, library::sin, x);
+}
+template <class T> T cos(T x) {
+    return where_it_holds(sine<true>(x), abs(x) <= reduce_beyond, library::cos, x);
+}
+
+// With the argument reduced, tested once.
+template <class T> T sin_of_reduced(T x) {
+    return where_it_holds(
+        sine<false>(x), abs(x) <= reduce_beyond, [](double v) { return sin(reduced(v)); }, x);
+}
+template <class T> T cos_of_reduced(T x) {
+    return where_it_holds(
+        sine<true>(x), abs(x) <= reduce_beyond, [](double v) { return cos(reduced(v)); }, x);
+}
 
 template <class T> T atan2(T y, T x) {
     T angle;
@@ -117,8 +137,6 @@ template <class T> T atan2(T y, T x) {
 // -- Powers. Whole exponents and halves up to 1024 go by repeated squaring of a sum of two doubles, which is
 // rounded once at the end: what is exact stays so, and 10^-5 is the double nearest to it.
 
-template <class T> struct Sum { T high, low; };
-
 template <class T> Sum<T> operator*(Sum<T> a, Sum<T> b) {
     T p = a.high * b.high;
     T rest = fused(a.high, b.high, -p) + (a.high * b.low + a.low * b.high);
@@ -127,9 +145,6 @@ template <class T> Sum<T> operator*(Sum<T> a, Sum<T> b) {
 }
 
 constexpr double largest_exponent_by_squaring = 1024;
-
-// To the nearest whole number, for |x| below 2^51.
-template <class T> T nearest(T x) { return (x + 0x1.8p52) - 0x1.8p52; }
 
 // n is a whole number from 0 on.
 template <class T> Sum<T> whole_power(Sum<T> x, T n) {
@@ -147,8 +162,14 @@ template <class T> Sum<T> whole_power(Sum<T> x, T n) {
     return p;
 }
 
+// A power, and where it holds.
+template <class T> struct Power {
+    T value;
+    decltype(T() < T()) holds;
+};
+
 // Of x above 0, or of any x where y is whole.
-template <class T> T power_by_squaring(T x, T y) {
+template <class T> Power<T> power_by_squaring(T x, T y) {
     auto whole = nearest(y) == y;
     T n = abs(y), zero = same<T>(0);
     Sum<T> base = {x, zero};
@@ -158,39 +179,49 @@ template <class T> T power_by_squaring(T x, T y) {
         n = whole ? n : n + n;
     }
     Sum<T> p = whole_power(base, n);
-    if (!any(y < 0)) return p.high;
-    T r = 1.0 / p.high, error = fused(-r, p.high, same<T>(1)) - r * p.low;
-    return y < 0 ? fused(r, error, r) : p.high;
+    if (any(y < 0)) {
+        T r = 1.0 / p.high, error = fused(-r, p.high, same<T>(1)) - r * p.low;
+        p.high = y < 0 ? fused(r, error, r) : p.high;
+    }
+    // Rests of products vanish in larger and smaller ones.
+    return {p.high, both(abs(x) >= smallest, between(0x1p-900, abs(p.high), 0x1p900))};
 }
 
-inline double power_by_logarithm(double x, double y) { return KN_SLEEF_ONE(pow)(x, y); }
-inline V power_by_logarithm(V x, V y) { return KN_SLEEF(pow)(x, y); }
+// exp(y log x) of a normal x above 0, far from overflow.
+template <class T> Power<T> power_by_logarithm(T x, T y) {
+    const Sum<T> l = log_sum(x);
+    const T high = y * l.high, low = fused(y, l.high, -high) + y * l.low;
+    return {exp_of(high, low), both(between(smallest, x, largest), abs(high) <= 620)};
+}
 
 template <class T> T pow(T x, T y) {
     auto square = y == 2;
     auto whole_or_half = both(abs(y) <= largest_exponent_by_squaring, nearest(y + y) == y + y);
     auto squaring = both(whole_or_half, either(nearest(y) == y, x > 0));
-    T r;
-    if (!any(squaring))
-        r = power_by_logarithm(x, y);
-    else if (all(squaring))
-        r = power_by_squaring(x, y);
-    else
-        r = squaring ? power_by_squaring(x, squaring ? y : same<T>(0)) : power_by_logarithm(x, y);
-    // Rests of products vanish in larger and smaller ones.
-    auto holds = both(abs(x) >= smallest, between(0x1p-900, abs(r), 0x1p900));
+    Power<T> p;
+    if (all(squaring)) {
+        p = power_by_squaring(x, y);
+    } else {
+        p = power_by_logarithm(x, y);
+        if (any(squaring)) {
+            Power<T> q = power_by_squaring(x, squaring ? y : same<T>(0));
+            p = {squaring ? q.value : p.value, squaring ? q.holds : p.holds};
+        }
+    }
     return where_it_holds(
-        square ? x * x : r, either(square, holds), [](double a, double b) { return std::pow(a, b); }, x, y);
+        square ? x * x : p.value, either(square, p.holds), [](double a, double b) { return std::pow(a, b); },
+        x, y);
 }
 
 #else
 
+using library::cos, library::exp, library::log, library::sin;
+inline double sin_of_reduced(double x) { return sin(reduced(x)); }
+inline double cos_of_reduced(double x) { return cos(reduced(x)); }
 inline double atan2(double y, double x) { return std::atan2(y, x); }
 inline double pow(double x, double y) { return y == 2 ? x * x : std::pow(x, y); }
 
 #endif
-
-inline double reduced(double x) { return std::fabs(x) <= reduce_beyond ? x : range_reduce(x); }
 
 // -- What the language makes of them, T being a double or a vector.
 

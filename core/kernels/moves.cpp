@@ -139,6 +139,54 @@ template <bool listed> bool whole_positions(int *list, const double *v, ptrdiff_
 
 #endif
 
+#if defined(__AVX2__)
+
+#if defined(__AVX512F__)
+using Doubles = __m512d;
+inline Doubles repeat_in_all(double x) { return _mm512_set1_pd(x); }
+inline Doubles doubles(const double *x) { return _mm512_loadu_pd(x); }
+inline Doubles smaller(Doubles x, Doubles y) { return _mm512_min_pd(x, y); }
+inline Doubles larger(Doubles x, Doubles y) { return _mm512_max_pd(x, y); }
+#else
+using Doubles = __m256d;
+inline Doubles repeat_in_all(double x) { return _mm256_set1_pd(x); }
+inline Doubles doubles(const double *x) { return _mm256_loadu_pd(x); }
+inline Doubles smaller(Doubles x, Doubles y) { return _mm256_min_pd(x, y); }
+inline Doubles larger(Doubles x, Doubles y) { return _mm256_max_pd(x, y); }
+#endif
+
+// Without a list no value becomes a position: the range of whole numbers is that of the values. What is cut
+// off in any of them, NaN too, stays in `cut`.
+template <> bool whole_positions<false>(int *, const double *v, ptrdiff_t n, PositionRange &range) {
+    if (n == 0) return true;
+    constexpr ptrdiff_t width = sizeof(Doubles) / sizeof(double), ways = 8 / width;
+    constexpr double shift = 0x1.8p52, most = INT_MAX;
+    Doubles least[ways], largest[ways];
+    auto cut = repeat_in_all(0) != repeat_in_all(0);
+    for (ptrdiff_t w = 0; w < ways; ++w) least[w] = repeat_in_all(most), largest[w] = -least[w];
+    for (ptrdiff_t k = 0; k < n; k += 8)
+        for (ptrdiff_t w = 0; w < ways; ++w) {
+            const Doubles x = doubles(v + k + w * width);
+            cut |= (x + shift) - shift != x;
+            least[w] = smaller(least[w], x);
+            largest[w] = larger(largest[w], x);
+        }
+    double low = most, high = -most;
+    bool whole = true;
+    for (ptrdiff_t w = 0; w < ways; ++w)
+        for (ptrdiff_t k = 0; k < width; ++k) {
+            whole = whole && !cut[k];
+            low = least[w][k] < low ? least[w][k] : low;
+            high = largest[w][k] > high ? largest[w][k] : high;
+        }
+    if (!whole || low <= -most || high > most) return false;
+    if (low - 1 < range.least) range.least = static_cast<int>(low - 1);
+    if (high - 1 > range.largest) range.largest = static_cast<int>(high - 1);
+    return true;
+}
+
+#endif
+
 template <bool listed> PositionRange positions(int *list, const double *v, ptrdiff_t n) {
     constexpr ptrdiff_t block = 1024; // stays in the cache for a second try
     PositionRange range = {INT_MAX, INT_MIN, true};

@@ -15,6 +15,8 @@
 
 namespace kn::inline KN_ISA {
 
+using math::one_nan;
+
 template <class K>
 concept along_dimension = requires(const Slices<double> &s) {
     K::along(s);
@@ -111,7 +113,7 @@ template <class K> struct DoubleLoops {
     template <class... X> static void real(D *re, ptrdiff_t n, X... x) {
         if constexpr (kernel::real_vectors<K>)
             run_vectors(
-                re, nullptr, n, [](auto... v) { return K::v(v...); }, x...);
+                re, nullptr, n, [](auto... v) { return one_nan(K::v(v...)); }, x...);
         else
             run(
                 re, nullptr, n, [](auto... v) { return K::r(v...); }, x...);
@@ -119,7 +121,7 @@ template <class K> struct DoubleLoops {
     template <class... X> static void complex(D *re, D *im, ptrdiff_t n, X... x) {
         if constexpr (kernel::complex_vectors<K>)
             run_vectors(
-                re, im, n, [](auto... z) { return K::w(z...); }, x...);
+                re, im, n, [](auto... z) { return one_nan(K::w(z...)); }, x...);
         else
             run(
                 re, im, n, [](auto... z) { return K::z(z...); }, x...);

@@ -6,12 +6,15 @@
 
 #include <stddef.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
+#include "core/constants.h"
+#include "core/kernels/intrinsics.h"
 #include "core/kernels/isa.h"
 
 #ifdef KN_VECTOR_BYTES
-#include <immintrin.h>
 #if KN_VECTOR_BYTES == 64
 #define KN_SIMD(f) _mm512_##f
 #else
@@ -30,10 +33,15 @@ inline bool either(bool x, bool y) { return x || y; }
 template <class T> T same(double x) { return x; }
 inline double load(const double *p, ptrdiff_t k) { return p[k]; }
 
+// The sign of NaN, which display shows as one more blank, depends on the order of operands, and that is the
+// compiler's: where many terms meet, NaN is made the positive one.
+template <class T> T one_nan(T x) { return x == x ? x : same<T>(raw_nan); }
+
 #ifdef KN_VECTOR_BYTES
 
 typedef double V __attribute__((vector_size(KN_VECTOR_BYTES)));
 using Mask = decltype(V() < V()); // all bits of a lane, or none
+typedef uint64_t Word __attribute__((vector_size(KN_VECTOR_BYTES)));
 constexpr ptrdiff_t lanes = KN_VECTOR_BYTES / sizeof(double);
 
 template <> inline V same<V>(double x) { return KN_SIMD(set1_pd)(x); }
@@ -45,7 +53,7 @@ inline double fused(double x, double y, double z) { return std::fma(x, y, z); }
 inline V fused(V x, V y, V z) { return KN_SIMD(fmadd_pd)(x, y, z); }
 
 #if KN_VECTOR_BYTES == 64
-inline V sqrt(V x) { return _mm512_maskz_sqrt_pd(0xff, x); } // g++ 12 warns of the plain one
+inline V sqrt(V x) { return _mm512_sqrt_pd(x); }
 inline unsigned bits(Mask m) { return _mm512_movepi64_mask(reinterpret_cast<__m512i>(m)); }
 #else
 inline V sqrt(V x) { return _mm256_sqrt_pd(x); }
@@ -57,6 +65,12 @@ inline bool all(Mask m) { return bits(m) == (1u << lanes) - 1; }
 inline bool any(Mask m) { return bits(m) != 0; }
 inline Mask both(Mask x, Mask y) { return x & y; }
 inline Mask either(Mask x, Mask y) { return x | y; }
+
+// A number as its bits, and back.
+inline uint64_t word(double x) { return std::bit_cast<uint64_t>(x); }
+inline Word word(V x) { return reinterpret_cast<Word>(x); }
+inline double number_of(uint64_t w) { return std::bit_cast<double>(w); }
+inline V number_of(Word w) { return reinterpret_cast<V>(w); }
 
 // Which elements of an array: as many as there are lanes from k on, or n, which are fewer.
 struct Whole {
