@@ -63,7 +63,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES 
     endforeach()
 endif()
 
-add_library(quorvex_objects OBJECT ${sources} ${kernel_sources})
+add_library(quorvex_objects OBJECT ${sources} ${kernel_sources} ${reference_dir}/help_texts.cpp)
 quorvex_library_sources(quorvex_objects)
 target_compile_definitions(quorvex_objects
     PRIVATE $<$<BOOL:${has_x86_kernels}>:KN_X86_KERNELS>

@@ -11,6 +11,7 @@
 #include "core/header.h"
 #include "core/name_hash.h"
 #include "quorvex.h"
+#include "runtime/renamed.h"
 
 namespace kn {
 
@@ -21,20 +22,6 @@ QUORVEX_FUNCTIONS(KN_DECLARE)
 namespace {
 
 using std::string_view;
-
-// What the language calls a function whose name C++ or its library has taken.
-constexpr std::pair<const char *, string_view> renamed[] = {
-    {"and", "mand"},         {"bitand", "mbitand"}, {"bitor", "mbitor"},   {"char", "mchar"},
-    {"class", "mclass"},     {"clock", "clockM"},   {"delete", "deleteM"}, {"double", "mdouble"},
-    {"logical", "mlogical"}, {"not", "mnot"},       {"or", "mor"},         {"pause", "pauseM"},
-    {"rand", "randM"},       {"std", "stdM"},       {"stderr", "stderrM"}, {"struct", "mstruct"},
-    {"uint16", "muint16"},   {"uint8", "muint8"},   {"xor", "mxor"}};
-
-constexpr const char *word_of(const char *name) {
-    for (auto [word, renamed_to] : renamed)
-        if (renamed_to == name) return word;
-    return name;
-}
 
 namespace forms {
 #define KN_FORMS(name, description, ...) constexpr form name[] = {__VA_ARGS__};

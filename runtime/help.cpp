@@ -10,6 +10,7 @@
 #include "quorvex/display.h"
 #include "quorvex/library.h"
 #include "quorvex/startup.h"
+#include "runtime/help_texts.h"
 #include "runtime/mpath.h"
 
 using namespace kn;
@@ -42,6 +43,16 @@ void describe(const kn_function &f) {
     write_counts(outputs, sizeof outputs, f.outputs);
     print_line(f);
     kn_printf("%-20s inputs: %s; outputs: %s\n", "", inputs, outputs);
+    const HelpText *end = help_texts + help_text_count;
+    const HelpText *help = std::lower_bound(help_texts, end, f.name, [](const HelpText &a, const char *name) {
+        return std::strcmp(a.name, name) < 0;
+    });
+    if (help == end || std::strcmp(help->name, f.name) != 0) return;
+    for (const char *line = help->text; *line;) {
+        const int n = static_cast<int>(std::strcspn(line, "\n"));
+        kn_printf("%.*s\n", n, line);
+        line += n + (line[n] != '\0');
+    }
 }
 
 // Prints the lines of comment with which an M-file begins, or which follow its first line.

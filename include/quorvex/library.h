@@ -30,8 +30,8 @@ QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, M
 QUORVEX_API Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6);
 
 // Prints the functions whose name or description holds the text, all of them without one: name and
-// description in columns. For the name of a function: also its numbers of inputs and outputs; for an M-file
-// on the path, its first lines of comment.
+// description in columns. For the name of a function: also its numbers of inputs and outputs, and its text;
+// for an M-file on the path, its first lines of comment.
 QUORVEX_API Mm help(const Mm &name);
 QUORVEX_API Mm helpwin();
 QUORVEX_API Mm helpwin(const Mm &name);

@@ -68,7 +68,7 @@ TEST(BlockAlloc, blocks_do_not_overlap) {
 
 // Sizes of many blocks and of one in a span, in more memory than one chunk has; every 1000th stays.
 TEST(BlockAlloc, memory_of_freed_blocks_goes_back_and_live_ones_keep_their_contents) {
-    const double before = static_cast<double>(kn::os::process_memory());
+    [[maybe_unused]] const double before = static_cast<double>(kn::os::process_memory());
     for (size_t n : {size_t(80), size_t(5000), size_t(40000), size_t(131064)}) {
         const size_t count = (size_t(100) << 20) / n;
         std::vector<byte *> live;
