@@ -17,9 +17,9 @@ std::vector<Function> make_list() {
         unsigned legal = 0;
         for (size_t k = 0; k < f.forms.size(); ++k) {
             const kn::form &form = f.forms[k];
-            if (form.kind == kn::form::names) continue;
-            list.push_back({f.about, form.inputs, form.outputs, (*f.calls)[k]});
-            legal |= 1u << form.inputs;
+            const bool names = form.kind == kn::form::names; // which come in one cell
+            list.push_back({f.about, form.inputs + names, form.outputs, (*f.calls)[k]});
+            if (!names) legal |= 1u << form.inputs;
         }
         for (int n = 0; n <= max_count; ++n)
             if (!(legal >> n & 1)) list.push_back({f.about, n, 1, nullptr});
