@@ -86,8 +86,9 @@ Mm inv(const Mm &a) {
     a.warn_uninit();
     if (error_numeric(a, "inv") || error_square(a, "inv")) return x_M;
     if (a.size() == 0) return nop_M;
-    if (a.issparse()) return sparse(mldivide(a, eye(a.rows())));
     Mm x;
+    if (a.issparse() && a.size() == 1) return sparse(rdivide(1.0, a));
+    if (a.issparse()) return kn::sparse_doubles_of(a, x) ? kn::sparse_inverse(x) : x_M;
     if (!kn::doubles_of(a, "inv", x)) return x_M;
     if (x.size() == 1) return rdivide(1.0, x);
     return x.isc() ? kn::inverse<kn::complex>(x) : kn::inverse<double>(x);

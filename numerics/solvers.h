@@ -23,6 +23,10 @@ Mm solve_rectangular(const Mm &a, const Mm &b);
 // a sparse, of any shape; b full.
 Mm solve_sparse(const Mm &a, const Mm &b);
 
+// The inverse of a square sparse matrix of doubles, sparse. "full: matrix too large" when it has more than
+// 10^8 entries.
+Mm sparse_inverse(const Mm &a);
+
 } // namespace kn
 
 #endif

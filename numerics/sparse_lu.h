@@ -4,13 +4,33 @@
 #define QUORVEX_NUMERICS_SPARSE_LU_H
 
 #include "numerics/sparse_system.h"
+#include "numerics/superlu_memory.h"
 
 namespace kn {
 
-// x = a \ x: a real square matrix, x with columns of its order that nobody shares, NaN when a is singular.
-// `order` gives the position of each column in the elimination; null: one that keeps the factors sparse.
-// False after an error.
-bool sparse_lu_solve(const Columns &a, Mm &x, const int *order);
+// The factors of a real square matrix, for systems. `order` gives the position of each column in the
+// elimination; null: the natural one of a small matrix, else one that keeps the factors sparse. False after
+// an error.
+//
+// A matrix is singular where elimination meets a pivot of zero, or a small one and the matrix is singular
+// exactly, as its numbers are stored (exact_rank.h).
+class SparseLu {
+  public:
+    SparseLu(const Columns &a, const int *order);
+    explicit operator bool() const { return done_; }
+    // x = a \ x, q columns of the order of a; NaN when a is singular. False after an error.
+    bool solve(double *x, int q);
+
+  private:
+    struct System;
+    bool factor(const Columns &a, const int *order, int way);
+
+    const int n_;
+    Scratch<int> column_order_, row_order_;
+    SuperluCall call_;
+    Scratch<System> system_;
+    bool done_ = false, singular_ = false;
+};
 
 // a = l u of a real sparse square matrix that isn't empty, all sparse, p the interchanges of rows: l has the
 // rows of a, or with `ordered` those of u, p a = l u. Columns aren't interchanged. False after an error.

@@ -3,18 +3,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "core/columns.h"
 #include "core/header.h"
 #include "core/planes.h"
 #include "core/scratch.h"
 #include "numerics/sparse_lu.h"
+#include "quorvex/builders.h"
 #include "quorvex/solving.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 
 namespace kn {
 namespace {
+
+constexpr int largest_inverse = 100000000; // entries: as many elements as `full` would make
 
 // Columns of n elements, m of which come from `from`, beginning at `first`; the rest are zero.
 void copy_columns(double *to, int n, const double *from, int rows, int first, int m, int q) {
@@ -72,27 +76,44 @@ double augmentation(const Mm &a) {
     return largest / 1000;
 }
 
-// a \ b of a square matrix. The order of a complex one is that of its columns.
-Mm solve_columns(const Columns &a, const Mm &b, const int *order) {
-    const int n = a.cols(), q = b.cols();
-    const bool below = a.im() != nullptr;
-    if (below && n > INT32_MAX / 2) return out_of_memory(), x_M;
-    Mm x = planes_of_b(b, below);
-    if (x.getnnz() == 0) return x_M;
-    bool done;
-    if (below) {
-        const int64_t order_of_system = 2 * static_cast<int64_t>(n);
-        Columns real_a(order_of_system, order_of_system, 4 * static_cast<int64_t>(a.entries()), false);
-        Scratch<int> in_order(order ? order_of_system : 0);
-        if (!real_a || !in_order) return x_M;
-        embed_complex(a, real_a);
-        for (int k = 0; order && k < 2 * n; ++k) in_order[k] = k;
-        done = sparse_lu_solve(real_a, x, order ? in_order.get() : nullptr);
-    } else {
-        done = sparse_lu_solve(a, x, order);
+// The systems of a square matrix. A complex one is factored as a real one of twice the order, in that of its
+// columns: the first halves, then the others.
+class SparseSystem {
+  public:
+    SparseSystem(const Columns &a, const int *order)
+        : n_(a.cols()), embedded_(a.im() != nullptr), twice_(embedded_ ? 2 * static_cast<int64_t>(n_) : 0),
+          real_(twice_, twice_, 2 * (embedded_ ? 2 * static_cast<int64_t>(a.entries()) : 0), false),
+          in_order_(order ? static_cast<ptrdiff_t>(twice_) : 0) {
+        if (!real_ || !in_order_) return;
+        if (!embedded_) {
+            lu_.emplace(a, order);
+            return;
+        }
+        embed_complex(a, real_);
+        for (int k = 0; order && k < twice_; ++k) in_order_[k] = k;
+        lu_.emplace(real_, order ? in_order_.get() : nullptr);
     }
-    if (!done) return x_M;
-    return below || b.isc() ? complex_of_planes(x, n, q, below) : x;
+    explicit operator bool() const { return lu_ && *lu_; }
+
+    // a \ b; x_M after an error.
+    Mm solve(const Mm &b) {
+        Mm x = planes_of_b(b, embedded_);
+        if (x.getnnz() == 0 || !lu_->solve(x.addr(), x.cols())) return x_M;
+        return embedded_ || b.isc() ? complex_of_planes(x, n_, b.cols(), embedded_) : x;
+    }
+
+  private:
+    const int n_;
+    const bool embedded_;
+    const int64_t twice_;
+    Columns real_;
+    Scratch<int> in_order_;
+    std::optional<SparseLu> lu_;
+};
+
+Mm solve_columns(const Columns &a, const Mm &b, const int *order) {
+    SparseSystem system(a, order);
+    return system ? system.solve(b) : x_M;
 }
 
 Mm solve_overdetermined(const Mm &a, const Mm &b) {
@@ -124,7 +145,54 @@ bool permutation_of(const Mm &p, int n, int *order) {
     return fits;
 }
 
+// Adds the elements of x that aren't zero to a sparse value, behind its entries; x has as many rows, and its
+// first column is `column` of the value. False after an error.
+bool append(Mm &out, const Mm &x, int column) {
+    auto stored = [re = x.addr(), im = x.addi()](int k) { return !(re[k] == 0 && (!im || im[k] == 0)); };
+    int e = out.getnnz(), count = e;
+    for (int k = 0; k < x.getnnz(); ++k) count += stored(k);
+    if (count > largest_inverse) {
+        error("full: matrix too large");
+        return false;
+    }
+    if (count > out.getp()) {
+        out.extend_nnz(std::max(count, 2 * out.getp()));
+        if (lacks(out, count)) return false;
+    }
+    out.getnnz() = count;
+    const int first = column * x.rows();
+    for (int k = 0; k < x.getnnz(); ++k) {
+        if (!stored(k)) continue;
+        out.getindex()[e] = first + k;
+        out.addr()[e] = x.addr()[k];
+        if (out.isc()) out.addi()[e] = x.addi()[k];
+        ++e;
+    }
+    return true;
+}
+
 } // namespace
+
+// Some columns after another, so that no full matrix of the order is made.
+Mm sparse_inverse(const Mm &a) {
+    const int n = a.rows(), most = std::max(1, (1 << 20) / n);
+    Columns columns(a, n);
+    if (!columns) return x_M;
+    SparseSystem system(columns, nullptr);
+    Mm out(a.isc(), 1, a.getnnz(), n, n, kn_double);
+    if (!system || !out.issparse()) return x_M;
+    out.getnnz() = 0;
+    for (int j = 0; j < n; j += most) {
+        const int q = std::min(most, n - j);
+        Mm b = zeros(n, q);
+        if (lacks(b, n * q)) return x_M;
+        for (int k = 0; k < q; ++k) *b.addr(j + k + 1, k + 1) = 1;
+        const Mm x = system.solve(b);
+        if (x.getnnz() == 0 || !append(out, x, j)) return x_M;
+    }
+    check(out);
+    return out;
+}
 
 Mm solve_sparse(const Mm &a, const Mm &b) {
     const int m = a.rows(), n = a.cols();

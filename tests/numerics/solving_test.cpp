@@ -224,6 +224,26 @@ TEST(Solving, matrix_powers) {
                   "mpower: square matrix expected, but matrix r has 1 rows and 2 columns");
 }
 
+// Whole numbers of which one row is made of two others, or isn't: what is singular is known exactly.
+TEST(Solving, singular_sparse_systems) {
+    EXPECT_TRUE(istrue(all(isnan(mldivide(sparse(M({{1, 0, 1}, {0, 4, 4}, {2, 5, 7}})), ones(3, 1))))));
+    Random random(5);
+    for (int t = 0; t < 600; ++t) {
+        const int n = 3 + random.below(t % 10 ? 30 : 90), r = random.below(n), s = (r + 1) % n,
+                  u = (r + 2) % n;
+        Mm a = zeros(n, n), last = eye(n);
+        for (int k = 0; k < n * n; ++k)
+            if (random.below(n) < 3) a.addr()[k] = random.below(19) - 9;
+        a = a + 10 * n * eye(n); // which dominates
+        const bool singular = t % 2;
+        if (singular) a(r + 1, c_p) = 2 * a(s + 1, c_p) - 3 * a(u + 1, c_p);
+        if (t % 3 == 0) a = 0.125 * (a + C(0, 1) * a);
+        Mm x = mldivide(sparse(a), ones(n, 1)), y = lusolve(sparse(a), ones(n, 1), speye(n));
+        ASSERT_EQ(any_nonfinite(x), singular) << t;
+        ASSERT_EQ(any_nonfinite(y), singular) << t;
+    }
+}
+
 TEST(Solving, dispatch_and_shapes) {
     EXPECT_SAME(mldivide(2, M({{2, 4}})), M({{1, 2}}));
     EXPECT_SAME(invdiv(2, M({{2, 4}})), M({{1, 2}}));
@@ -402,6 +422,14 @@ TEST(Solving, without_address_space) {
 #endif
 
 #ifdef QUORVEX_ALLOC_PROBE
+TEST(Solving, sparse_inverse_without_a_full_matrix) {
+    const int n = 1500;
+    kn::alloc_probe.largest = n * n * sizeof(double) - 1;
+    Mm got = inv(sparse_of(n, n, {{0, 2}, {1, 1}}) + speye(n));
+    kn::alloc_probe.largest = 0;
+    EXPECT_SAME(got, sparse_of(n, n, {{0, -2 / 3.0}, {1, -1 / 3.0}}) + speye(n));
+}
+
 // SuperLU's allocations are among those that fail: it is left at once, and nothing it held is lost.
 TEST(Solving, sparse_factors_without_memory) {
     Random random(3);
