@@ -35,7 +35,7 @@ double solution_ratio(const Mm &a, const Mm &x, const Mm &b) {
 
 bool any_nonfinite(const Mm &x) { return scalar(any(mnot(isfinite(Mm(x(c_p)))))) != 0; }
 
-size_t address_space() {
+[[maybe_unused]] size_t address_space() {
     size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages;
     return pages * kn::os::page_size();
