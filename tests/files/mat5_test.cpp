@@ -180,8 +180,9 @@ TEST_F(Mat5, bytesAreWritten) {
                               little.matrix(6, {0, 0}, "E", empty_small)));
 }
 
-// With [] for what was never assigned, which has no data.
+// With [] for what was never assigned, which has no data, and text as doubles.
 Mm settled(const Mm &x) {
+    if (x.gettype() == kn_uint8 && x.isstr()) return setstr(mdouble(x));
     if (x.gettype() != kn_Mm || x.isstruct()) return x.gettype() == kn_none ? nop_M : x;
     Mm out(0, 0, 0, x.getndims(), x.getdims(), kn_Mm);
     for (int k = 1; k <= x.getnnz(); ++k) out.mr(k) = settled(x.mr(k));

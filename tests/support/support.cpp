@@ -174,6 +174,7 @@ Mm Random::any() {
         Mm b(0, 0, 0, ndims, dims, kn_uint8);
         for (int k = 0; k < b.getnnz(); ++k)
             b.getpr(static_cast<unsigned char *>(nullptr))[k] = static_cast<unsigned char>(engine_());
+        b.setstr(below(2));
         return b;
     }
     if (kind == 4) {
