@@ -20,57 +20,56 @@ Mm numbers(int n) { return randM(1.0, n) * 10.0 + 0.1; }
 
 native::Planes planes(const Mm &z) { return {z.addr(), z.addi()}; }
 
-struct Limits {
-    Limit usual, plus, exp, sin, times;
-};
+const Limit limit = times_native(1.2);
 
-void real_rows(int n, const Limits &limits) {
+void real_rows(int n) {
     Mm a = numbers(n), b = numbers(n);
     Doubles out(n);
     std::string of = " of " + bench::size_text(n);
-    auto binary = [&](const char *work, Limit limit, auto ours, native::Binary *loop) {
+    auto binary = [&](const char *work, auto ours, native::Binary *loop) {
         row(
             work + of, limit, [&] { keep(ours(a, b)); }, [&] { loop(n, a.addr(), b.addr(), out.data()); });
     };
-    auto unary = [&](const char *work, Limit limit, auto ours, native::Unary *loop) {
+    auto unary = [&](const char *work, auto ours, native::Unary *loop) {
         row(
             work + of, limit, [&] { keep(ours(a)); }, [&] { loop(n, a.addr(), out.data()); });
     };
     using X = const Mm &;
-    const Limit usual = limits.usual;
     binary(
-        "a + b", limits.plus, [](X x, X y) { return x + y; }, native::add);
+        "a + b", [](X x, X y) { return x + y; }, native::add);
     binary(
-        "a .* b", usual, [](X x, X y) { return times(x, y); }, native::multiply);
+        "a .* b", [](X x, X y) { return times(x, y); }, native::multiply);
     binary(
-        "a ./ b", usual, [](X x, X y) { return rdivide(x, y); }, native::divide);
+        "a ./ b", [](X x, X y) { return rdivide(x, y); }, native::divide);
     binary(
-        "a < b", usual, [](X x, X y) { return x < y; }, native::less);
+        "a < b", [](X x, X y) { return x < y; }, native::less);
     unary(
-        "sqrt(a)", usual, [](X x) { return sqrt(x); }, native::square_root);
+        "sqrt(a)", [](X x) { return sqrt(x); }, native::square_root);
     unary(
-        "exp(a)", limits.exp, [](X x) { return exp(x); }, native::exponential);
+        "exp(a)", [](X x) { return exp(x); }, native::exponential);
     unary(
-        "log(a)", usual, [](X x) { return log(x); }, native::logarithm);
+        "log(a)", [](X x) { return log(x); }, native::logarithm);
     unary(
-        "sin(a)", limits.sin, [](X x) { return sin(x); }, native::sine);
+        "sin(a)", [](X x) { return sin(x); }, native::sine);
     unary(
-        "a.^2", usual, [](X x) { return power(x, 2.0); }, native::square);
+        "a.^2", [](X x) { return power(x, 2.0); }, native::square);
     unary(
-        "a.^1.5", usual, [](X x) { return power(x, 1.5); }, native::power_three_halves);
+        "a.^1.5", [](X x) { return power(x, 1.5); }, native::power_three_halves);
+    binary(
+        "a.^b", [](X x, X y) { return power(x, y); }, native::power);
 }
 
-void complex_rows(int n, const Limits &limits) {
+void complex_rows(int n) {
     Mm a = numbers(n) + i * numbers(n), b = numbers(n) + i * numbers(n);
     Doubles re(n), im(n);
     std::string of = " of " + bench::size_text(n);
     row(
-        "complex a .* b" + of, limits.times, [&] { keep(times(a, b)); },
+        "complex a .* b" + of, limit, [&] { keep(times(a, b)); },
         [&] {
             native::complex_multiply(n, planes(a), planes(b), {re.data(), im.data()});
         });
     row(
-        "complex abs(a)" + of, limits.usual, [&] { keep(abs(a)); },
+        "complex abs(a)" + of, limit, [&] { keep(abs(a)); },
         [&] { native::complex_abs(n, planes(a), re.data()); });
 }
 
@@ -87,28 +86,23 @@ void fused_row() {
 void short_row() {
     constexpr int n = 100, steps = 1000;
     Mm a = numbers(n), b = numbers(n);
-    Doubles out(n);
     auto many = [](auto step) {
         return [step] {
             for (int k = 0; k < steps; ++k) step();
         };
     };
-    row("a + b of 100", bench::ns_each(45, steps), many([&] { keep(a + b); }),
-        many([&] { native::add(n, a.addr(), b.addr(), out.data()); }));
+    row("a + b of 100 / malloc, loop, free", limit, many([&] { keep(a + b); }),
+        many([&] { native::add_into_fresh(n, a.addr(), b.addr()); }));
 }
 
 } // namespace
 
 void bench::element_rows() {
-    const Limit usual = times_native(1.2);
-    const Limits ratios{usual, usual, usual, usual, usual};
-    const Limits largest{usual, ms(6.9), ms(7.7), ms(8.3), ms(23)};
-    const std::pair<int, Limits> sizes[] = {{10000, ratios}, {1000000, ratios}, {10000000, largest}};
     heading("Element operations");
     short_row();
-    for (auto &[n, limits] : sizes) {
-        real_rows(n, limits);
-        complex_rows(n, limits);
+    for (int n : {10000, 1000000, 10000000}) {
+        real_rows(n);
+        complex_rows(n);
     }
     fused_row();
 }

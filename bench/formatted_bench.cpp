@@ -1,7 +1,7 @@
-// Numbers to text and back, beside the C library's calls into one buffer.
+// Numbers to text and back, beside to_chars and from_chars in one buffer.
 
-#include <cstdio>
-#include <cstdlib>
+#include <algorithm>
+#include <charconv>
 #include <string>
 #include <vector>
 
@@ -11,7 +11,8 @@
 
 namespace {
 
-void print_row(const char *format, const Mm &x) {
+// Number by number, right in its field, with a blank behind it.
+void print_row(const char *format, std::chars_format kind, int precision, ptrdiff_t width, const Mm &x) {
     const int n = x.size();
     std::vector<char> out(static_cast<size_t>(n) * 32);
     const Mm fmt = TM(format), list = CL(x);
@@ -20,8 +21,14 @@ void print_row(const char *format, const Mm &x) {
         [&] { bench::keep(sprintf(fmt, list)); },
         [&] {
             char *to = out.data(), *end = to + out.size();
-            for (int k = 0; k < n; ++k)
-                to += std::snprintf(to, static_cast<size_t>(end - to), format, x.addr()[k]);
+            for (int k = 0; k < n; ++k) {
+                char *stop = std::to_chars(to, end, x.addr()[k], kind, precision).ptr;
+                const ptrdiff_t blanks = std::max<ptrdiff_t>(width - (stop - to), 0);
+                std::copy_backward(to, stop, stop + blanks);
+                std::fill_n(to, blanks, ' ');
+                to = stop + blanks;
+                *to++ = ' ';
+            }
             bench::keep(to);
         });
 }
@@ -35,9 +42,8 @@ void scan_row(const char *format, const Mm &x) {
         std::string("sscanf(s, '") + format + "'), 1e5 numbers", bench::times_native(1.5),
         [&] { bench::keep(sscanf(text, fmt)); },
         [&] {
-            const char *at = c.c_str();
-            char *end;
-            for (double &y : out) y = std::strtod(at, &end), at = end;
+            const char *at = c.data(), *end = at + c.size();
+            for (double &y : out) at = std::from_chars(at, end, y).ptr + 1;
             bench::keep(out);
         });
 }
@@ -47,9 +53,9 @@ void scan_row(const char *format, const Mm &x) {
 void bench::formatted_rows() {
     heading("Formatted text");
     const Mm x = randn(100000.0, 1.0), whole = round(x * 1000.0);
-    print_row("%g ", x);
-    print_row("%.15g ", x);
-    print_row("%8.3f ", x);
+    print_row("%g ", std::chars_format::general, 6, 0, x);
+    print_row("%.15g ", std::chars_format::general, 15, 0, x);
+    print_row("%8.3f ", std::chars_format::fixed, 3, 8, x);
     scan_row("%g", x);
     scan_row("%f", whole);
 }

@@ -1,33 +1,35 @@
-// The plain C++ that the library is compared with: loops as an expert writes them, on double arrays, into
+// The plain C++ that the library is compared with, on one thread: loops as an expert writes them, on double arrays, into
 // results that exist already, compiled for the machine they run on. Subscripts, index lists and masks are
 // doubles, as the language has them; subscripts count from 1.
 #ifndef QUORVEX_BENCH_NATIVE_H
 #define QUORVEX_BENCH_NATIVE_H
 
+#include "bench/native/boxes.h"
+
 namespace native {
 
-// -- scalars.cpp
+// -- scalars.cpp, subscripts.cpp: every scalar is a box on the C heap
 
 double add_twice(int n); // s = s + k * 2 for k = 1 to n
 double fib(double n);
 
-// -- subscripts.cpp
-
-double read_each(int n, const double *x); // the last of n reads, none of which is left out
+double read_each(int n, const double *x); // s = x(k)
 void write_each(int n, double *x, double v);
 void append(int n);         // to an empty vector
 void append_records(int n); // of one field
 struct Record {
-    double a;
+    Box a;
 };
-double read_records(int n, const Record *s);
+double read_records(int n, const Record *s); // t = s(k).a
 
 // -- elements.cpp
 
 using Unary = void(int n, const double *a, double *out);
 using Binary = void(int n, const double *a, const double *b, double *out);
-Unary square_root, exponential, logarithm, sine, square, power_three_halves;
-Binary add, multiply, divide, less;
+Unary square_root, square;
+Unary exponential, logarithm, sine, power_three_halves; // by the vector functions of SLEEF, where it is there
+Binary add, multiply, divide, less, power;
+void add_into_fresh(int n, const double *a, const double *b); // memory of the C heap, freed again
 void multiply_add(int n, const double *a, const double *b, const double *c, double *out);
 
 struct Planes { // of a complex array
@@ -77,19 +79,19 @@ void read_shorts(const char *name, int n, short *work, double *out);
 void write_doubles(const char *name, int n, const double *x);
 void write_shorts(const char *name, int n, const double *x, short *work);
 void write_shorts_apart(const char *name, int n, const double *x, short *work); // every second; work has 2 n
-long read_lines(const char *name);                            // characters of all lines, by std::getline
-void print_doubles(const char *name, int n, const double *x); // "%23.13g", a line each
-int scan_doubles(const char *name, int n, double *out);       // at most n, by strtod over the whole file
+long read_lines(const char *name);                            // characters of all lines, each in a string
+void print_doubles(const char *name, int n, const double *x); // 13 digits in 23 columns, a line each
+int scan_doubles(const char *name, int n, double *out);       // at most n, by from_chars over the whole file
 
 // -- sparse.cpp
-
-void sort_keys(int n, const int *keys, int *out);
 
 struct Csc { // compressed columns, 0-based
     int rows, cols;
     int *start, *row;
     double *value;
 };
+// From n triplets in any order, numbers from 1, equal places summed; `work` has room for them all.
+void from_triplets(int n, const double *i, const double *j, const double *s, const Csc &work, const Csc &out);
 void multiply(const Csc &a, const double *x, double *y);
 void multiply_transposed(const Csc &a, const double *x, double *y);
 void add(const Csc &a, const Csc &b, const Csc &out); // these two give rows in ascending order

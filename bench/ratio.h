@@ -1,5 +1,5 @@
 // Rows of the benchmark table. Each runs the library's call and the native version of the same work in one
-// process and is judged by a limit on their ratio or on the library's time alone.
+// process and is judged by the ratio of their times.
 #ifndef QUORVEX_BENCH_RATIO_H
 #define QUORVEX_BENCH_RATIO_H
 
@@ -7,23 +7,19 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
+#include <quorvex.h>
 
 namespace bench {
 
-// The most that the library's call may take.
+// The most that the library's call may take: so many times as long as the native work.
 struct Limit {
-    enum Kind { ratio, step, beyond, total } kind;
-    double most;   // as often as long as native; ns a step; ns a step more than native; ms in all
-    int steps = 1; // of one call
+    double most;
 };
-inline Limit times_native(double most) { return {Limit::ratio, most}; }
-inline Limit ns_each(double most, int steps) { return {Limit::step, most, steps}; }
-inline Limit ns_beyond_native(double most, int steps) { return {Limit::beyond, most, steps}; }
-inline Limit ms(double most) { return {Limit::total, most}; }
+inline Limit times_native(double most) { return {most}; }
 
 // Measures and prints one row, unless the pattern of the command line leaves it out. Both sides do the work
-// once a call. They take turns, so that other work on the machine disturbs both, and the shortest time
-// counts.
+// once a call. They take turns, so that other work on the machine disturbs both. The shortest times are
+// judged; the medians beside them tell how far to trust these.
 void row(const std::string &work, Limit limit, const std::function<void()> &ours,
          const std::function<void()> &native);
 
@@ -49,6 +45,8 @@ void file_rows();
 void matfile_rows();
 
 template <class T> void keep(const T &x) { benchmark::DoNotOptimize(&x); }
+// A result goes into a variable, as in a program: the one before stays until then.
+void keep(const Mm &x);
 
 inline std::string size_text(int n) { // 1e6 for 1000000
     int zeros = 0;

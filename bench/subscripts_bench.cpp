@@ -8,7 +8,6 @@
 
 namespace {
 
-using bench::ns_each;
 using generated::loop;
 
 void access_rows() {
@@ -22,17 +21,17 @@ void access_rows() {
     auto across = [&](auto body) { return [&, body] { loop(j, m, [&] { loop(i, m, body); }); }; };
     auto read = [&] { bench::keep(native::read_each(n, px.data())); };
     auto write = [&] { native::write_each(n, px.data(), 1.0); };
-    bench::row("s = x(k)", ns_each(10, n), along([&] { s = x(k); }), read);
-    bench::row("x(k) = v", ns_each(8, n), along([&] { x(k) = v; }), write);
-    bench::row("s = A(i,j)", ns_each(10, n), across([&] { s = a(i, j); }), read);
-    bench::row("A(i,j) = v", ns_each(8, n), across([&] { a(i, j) = v; }), write);
+    bench::row("s = x(k)", bench::times_native(1.2), along([&] { s = x(k); }), read);
+    bench::row("x(k) = v", bench::times_native(1.2), along([&] { x(k) = v; }), write);
+    bench::row("s = A(i,j)", bench::times_native(1.2), across([&] { s = a(i, j); }), read);
+    bench::row("A(i,j) = v", bench::times_native(1.2), across([&] { a(i, j) = v; }), write);
 }
 
 void append_rows(int n) {
     std::string upto = ", 1 to " + bench::size_text(n);
     auto native = [=] { native::append(n); };
     bench::row(
-        "x(k) = k behind the end" + upto, ns_each(10, n),
+        "x(k) = k behind the end" + upto, bench::times_native(1.2),
         [=] {
             Mm x(i_o, "x", 0), k(i_o, "k", 0);
             loop(k, n, [&] { x(k) = k; });
@@ -40,7 +39,7 @@ void append_rows(int n) {
         },
         native);
     bench::row(
-        "x(end+1) = k" + upto, ns_each(10, n),
+        "x(end+1) = k" + upto, bench::times_native(1.2),
         [=] {
             Mm x(i_o, "x", 0), k(i_o, "k", 0);
             x = nop_M;

@@ -34,19 +34,19 @@ void bench::workspace_rows() {
     std::unordered_map<std::string, Mm *> table;
     for (const std::string &name : others) table[name] = nullptr;
 
-    row("named value, no host", ns_beyond_native(5, steps), many([] { keep(Mm(i_o, "x", 0)); }),
+    row("named value, no host", times_native(2), many([] { keep(Mm(i_o, "x", 0)); }),
         many([] { keep(Mm()); }));
 
     kn_interactive_flag = 1;
     variables_scope.begin();
     std::vector<std::unique_ptr<Mm>> values;
     for (const std::string &name : others) values.push_back(std::make_unique<Mm>(i_o, name.c_str(), 0));
-    row("register and forget among 100 names", ns_each(150, steps),
+    row("register and forget among 100 names", times_native(1),
         many([] { keep(Mm(i_o, "one_more", 0)); }), many([&] {
             table["one_more"] = nullptr;
             table.erase("one_more");
         }));
-    row("a function with 10 named values", ns_each(2000, steps), many([&] {
+    row("a function with 10 named values", times_native(1.5), many([&] {
             variables_scope.begin();
             for (const std::string &name : inner)
                 values.push_back(std::make_unique<Mm>(i_o, name.c_str(), 0));
@@ -64,10 +64,10 @@ void bench::workspace_rows() {
 
     const Mm a(3.0), b(4.0), name = TM("atan2"), args = (CL(a), b);
     Mm y, *out = &y;
-    row("atan2 by kn_call_function", ns_beyond_native(100, steps),
+    row("atan2 by kn_call_function", times_native(4),
         many([&] { keep(kn_call_function("atan2", args, 1, &out)); }), many([&] { keep(atan2(a, b)); }));
     feval_func = kn_feval;
-    row("atan2 by feval", ns_beyond_native(100, steps), many([&] {
+    row("atan2 by feval", times_native(4), many([&] {
             Mm y1, y2, y3, y4, y5, y6;
             keep(feval_func(name, args, i_o, y1, y2, y3, y4, y5, y6));
         }),

@@ -1,6 +1,15 @@
 #include "bench/native.h"
 
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include <benchmark/benchmark.h>
+
+#if defined(BENCH_SLEEF) && defined(__AVX2__)
+#include <immintrin.h>
+#include <sleef.h>
+#endif
 
 namespace {
 
@@ -13,6 +22,44 @@ void each(int n, const double *__restrict a, const double *__restrict b, double 
     for (int k = 0; k < n; ++k) out[k] = f(a[k], b[k]);
 }
 
+#if defined(BENCH_SLEEF) && defined(__AVX512F__)
+using Vector = __m512d;
+Vector load(const double *x) { return _mm512_loadu_pd(x); }
+void store(double *out, Vector x) { _mm512_storeu_pd(out, x); }
+#define SLEEF(f) Sleef_##f##d8_u10avx512f
+#elif defined(BENCH_SLEEF) && defined(__AVX2__)
+using Vector = __m256d;
+Vector load(const double *x) { return _mm256_loadu_pd(x); }
+void store(double *out, Vector x) { _mm256_storeu_pd(out, x); }
+#define SLEEF(f) Sleef_##f##d4_u10avx2
+#endif
+
+// f of one or two arrays, a vector function of SLEEF or the one of the C library. What does not fill a vector
+// goes through one of its own.
+#ifdef SLEEF
+#define ELEMENTARY(name, function) [](auto... x) { return SLEEF(name)(x...); }
+template <class F, class... A> void each_elementary(int n, double *out, F f, A... a) {
+    constexpr int lanes = sizeof(Vector) / sizeof(double);
+    int k = 0;
+    for (; k + lanes <= n; k += lanes) store(out + k, f(load(a + k)...));
+    if (k == n) return;
+    const std::size_t rest = static_cast<std::size_t>(n - k) * sizeof(double);
+    auto part = [&](const double *x) {
+        double last[lanes] = {};
+        std::memcpy(last, x + k, rest);
+        return load(last);
+    };
+    double last[lanes];
+    store(last, f(part(a)...));
+    std::memcpy(out + k, last, rest);
+}
+#else
+#define ELEMENTARY(name, function) [](auto... x) { return function(x...); }
+template <class F, class... A> void each_elementary(int n, double *out, F f, A... a) {
+    for (int k = 0; k < n; ++k) out[k] = f(a[k]...);
+}
+#endif
+
 } // namespace
 
 namespace native {
@@ -21,23 +68,33 @@ void square_root(int n, const double *a, double *out) {
     each(n, a, out, [](double x) { return std::sqrt(x); });
 }
 void exponential(int n, const double *a, double *out) {
-    each(n, a, out, [](double x) { return std::exp(x); });
+    each_elementary(n, out, ELEMENTARY(exp, std::exp), a);
 }
 void logarithm(int n, const double *a, double *out) {
-    each(n, a, out, [](double x) { return std::log(x); });
+    each_elementary(n, out, ELEMENTARY(log, std::log), a);
 }
-void sine(int n, const double *a, double *out) {
-    each(n, a, out, [](double x) { return std::sin(x); });
+void sine(int n, const double *a, double *out) { each_elementary(n, out, ELEMENTARY(sin, std::sin), a); }
+void power(int n, const double *a, const double *b, double *out) {
+    each_elementary(n, out, ELEMENTARY(pow, std::pow), a, b);
 }
 void square(int n, const double *a, double *out) {
     each(n, a, out, [](double x) { return x * x; });
 }
 void power_three_halves(int n, const double *a, double *out) {
-    each(n, a, out, [](double x) { return std::pow(x, 1.5); });
+    auto pow = ELEMENTARY(pow, std::pow);
+    each_elementary(
+        n, out, [=](auto x) { return pow(x, decltype(x)() + 1.5); }, a);
 }
 
 void add(int n, const double *a, const double *b, double *out) {
     each(n, a, b, out, [](double x, double y) { return x + y; });
+}
+void add_into_fresh(int n, const double *a, const double *b) {
+    double *out = static_cast<double *>(std::malloc(static_cast<std::size_t>(n) * sizeof(double)));
+    if (!out) std::abort();
+    add(n, a, b, out);
+    benchmark::DoNotOptimize(out);
+    std::free(out);
 }
 void multiply(int n, const double *a, const double *b, double *out) {
     each(n, a, b, out, [](double x, double y) { return x * y; });

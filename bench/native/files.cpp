@@ -1,11 +1,15 @@
 #include "bench/native.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <string>
+
+#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -21,6 +25,14 @@ template <class T> void write(const char *name, int n, const T *x) {
     if (!f || std::fwrite(x, sizeof *x, static_cast<std::size_t>(n), f) != static_cast<std::size_t>(n))
         std::abort();
     std::fclose(f);
+}
+
+std::string whole(const char *name) {
+    std::ifstream in(name, std::ios::binary | std::ios::ate);
+    std::string text(static_cast<std::size_t>(in.tellg()), '\0');
+    in.seekg(0);
+    in.read(text.data(), static_cast<std::streamsize>(text.size()));
+    return text;
 }
 
 } // namespace
@@ -47,30 +59,48 @@ void write_shorts_apart(const char *name, int n, const double *x, short *work) {
 }
 
 long read_lines(const char *name) {
-    std::ifstream in(name);
+    const std::string text = whole(name);
     long characters = 0;
-    for (std::string line; std::getline(in, line);) characters += static_cast<long>(line.size());
+    std::string line;
+    for (const char *at = text.data(), *end = at + text.size(); at < end;) {
+        const void *found = std::memchr(at, '\n', static_cast<std::size_t>(end - at));
+        const char *stop = found ? static_cast<const char *>(found) : end;
+        line.assign(at, stop);
+        benchmark::DoNotOptimize(line.data());
+        characters += stop - at;
+        at = stop + 1;
+    }
     return characters;
 }
 
 void print_doubles(const char *name, int n, const double *x) {
+    constexpr std::size_t width = 23, digits = 13, line = width + 1, lines = 4096;
     std::FILE *f = std::fopen(name, "w");
     if (!f) std::abort();
-    for (int k = 0; k < n; ++k) std::fprintf(f, "%23.13g\n", x[k]);
+    std::string text(lines * line, ' ');
+    for (int k = 0; k < n;) {
+        char *to = text.data();
+        for (std::size_t l = 0; l < lines && k < n; ++l, ++k, to += line) {
+            char number[width];
+            const char *stop =
+                std::to_chars(number, number + width, x[k], std::chars_format::general, digits).ptr;
+            char *first = std::fill_n(to, number + width - stop, ' ');
+            *std::copy(static_cast<const char *>(number), stop, first) = '\n';
+        }
+        const auto size = static_cast<std::size_t>(to - text.data());
+        if (std::fwrite(text.data(), 1, size, f) != size) std::abort();
+    }
     std::fclose(f);
 }
 
 int scan_doubles(const char *name, int n, double *out) {
-    std::ifstream in(name, std::ios::binary | std::ios::ate);
-    std::string text(static_cast<std::size_t>(in.tellg()), ' ');
-    in.seekg(0);
-    in.read(text.data(), static_cast<std::streamsize>(text.size()));
-    const char *at = text.c_str();
+    const std::string text = whole(name);
+    const char *at = text.data(), *end = at + text.size();
     for (int k = 0; k < n; ++k) {
-        char *end;
-        out[k] = std::strtod(at, &end);
-        if (end == at) return k;
-        at = end;
+        while (at < end && (*at == ' ' || *at == '\n')) ++at;
+        const auto [stop, fault] = std::from_chars(at, end, out[k]);
+        if (fault != std::errc()) return k;
+        at = stop;
     }
     return n;
 }

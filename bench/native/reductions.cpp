@@ -32,7 +32,7 @@ void fold(int dim, int m, const double *__restrict a, double *__restrict out, do
 namespace native {
 
 void sum(int dim, int m, const double *a, double *out) {
-    fold<1>(dim, m, a, out, 0, [](double s, double v) { return s + v; });
+    fold<32>(dim, m, a, out, 0, [](double s, double v) { return s + v; });
 }
 
 void mean(int dim, int m, const double *a, double *out) {
@@ -55,9 +55,11 @@ void all(int dim, int m, const double *a, double *out) {
 
 void cumsum(int dim, int m, const double *__restrict a, double *__restrict out) {
     if (dim == 1) {
-        for (int j = 0; j < m; ++j, a += m, out += m) {
-            double s = 0;
-            for (int k = 0; k < m; ++k) out[k] = s += a[k];
+        constexpr int together = 8; // columns, whose sums don't wait for one another; m is a multiple
+        for (int j = 0; j < m; j += together, a += together * m, out += together * m) {
+            double s[together] = {};
+            for (int k = 0; k < m; ++k)
+                for (int c = 0; c < together; ++c) out[k + c * m] = s[c] += a[k + c * m];
         }
     } else {
         std::copy_n(a, m, out);

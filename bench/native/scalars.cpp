@@ -1,9 +1,18 @@
 #include "bench/native.h"
 
-double native::add_twice(int n) {
-    double s = 0;
-    for (int k = 1; k <= n; ++k) s = s + k * 2.0;
-    return s;
+namespace native {
+
+double add_twice(int n) {
+    Box s, k;
+    loop(k, n, [&] { s = s + k * 2.0; });
+    return *s;
 }
 
-double native::fib(double n) { return n < 2 ? n : fib(n - 1) + fib(n - 2); }
+static Box fib(const Box &n) {
+    if (*(n < 2.0) != 0) return n;
+    return fib(n - 1.0) + fib(n - 2.0);
+}
+
+double fib(double n) { return *fib(Box(n)); }
+
+} // namespace native

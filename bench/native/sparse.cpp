@@ -5,9 +5,32 @@
 
 namespace native {
 
-void sort_keys(int n, const int *keys, int *out) {
-    std::copy_n(keys, n, out);
-    std::sort(out, out + n);
+// Counting passes: by rows into `work`, which is the transpose, and from there by columns.
+void from_triplets(int n, const double *i, const double *j, const double *s, const Csc &work, const Csc &out) {
+    int *start = work.start;
+    std::fill_n(start, out.rows + 2, 0);
+    for (int k = 0; k < n; ++k) ++start[static_cast<int>(i[k]) + 1];
+    for (int r = 0; r < out.rows; ++r) start[r + 2] += start[r + 1];
+    for (int k = 0; k < n; ++k) {
+        int at = start[static_cast<int>(i[k])]++;
+        work.row[at] = static_cast<int>(j[k]) - 1;
+        work.value[at] = s[k];
+    }
+    transpose(work, out);
+    int kept = 0; // equal places are neighbours now
+    for (int c = 0, k = 0; c < out.cols; ++c) {
+        const int first = kept, end = out.start[c + 1];
+        out.start[c] = first;
+        for (; k < end; ++k) {
+            if (kept > first && out.row[kept - 1] == out.row[k]) {
+                out.value[kept - 1] += out.value[k];
+            } else {
+                out.row[kept] = out.row[k];
+                out.value[kept++] = out.value[k];
+            }
+        }
+    }
+    out.start[out.cols] = kept;
 }
 
 void multiply(const Csc &a, const double *x, double *y) {
