@@ -1,6 +1,6 @@
-// The plain C++ that the library is compared with, on one thread: loops as an expert writes them, on double arrays, into
-// results that exist already, compiled for the machine they run on. Subscripts, index lists and masks are
-// doubles, as the language has them; subscripts count from 1.
+// The plain C++ that the library is compared with, on one thread: loops as an expert writes them, on double
+// arrays, into results that exist already, compiled for the machine they run on. Subscripts, index lists and
+// masks are doubles, as the language has them; subscripts count from 1.
 #ifndef QUORVEX_BENCH_NATIVE_H
 #define QUORVEX_BENCH_NATIVE_H
 

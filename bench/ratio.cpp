@@ -71,8 +71,8 @@ std::string time_text(double ns) {
 
 void print(const char *work, const char *ours, const char *our_median, const char *native,
            const char *native_median, const char *ratio, const char *limit, const char *mark = "") {
-    std::printf("%-42s %9s %9s %9s %9s %7s %6s%s\n", work, ours, our_median, native, native_median, ratio, limit,
-                mark);
+    std::printf("%-42s %9s %9s %9s %9s %7s %6s%s\n", work, ours, our_median, native, native_median, ratio,
+                limit, mark);
     std::fflush(stdout);
 }
 
@@ -103,8 +103,9 @@ void bench::row(const std::string &work, Limit limit, const Work &ours, const Wo
     std::snprintf(limit_text, sizeof limit_text, "%.2f", limit.most);
     if (title) std::printf("\n%s\n", title);
     title = nullptr;
-    print(work.c_str(), time_text(a.best()).c_str(), time_text(a.median()).c_str(), time_text(b.best()).c_str(),
-          time_text(b.median()).c_str(), ratio_text, limit_text, ratio > limit.most ? "  over" : "");
+    print(work.c_str(), time_text(a.best()).c_str(), time_text(a.median()).c_str(),
+          time_text(b.best()).c_str(), time_text(b.median()).c_str(), ratio_text, limit_text,
+          ratio > limit.most ? "  over" : "");
     ++rows, over += ratio > limit.most;
 }
 
@@ -118,12 +119,13 @@ int main(int argc, char **argv) {
         else
             pattern = argv[k];
     }
-    // The native loops run on one thread, and so does the library, unless QUORVEX_THREADS says otherwise. BLAS
-    // takes as many as it likes on both sides.
+    // The native loops run on one thread, and so does the library, unless QUORVEX_THREADS says otherwise.
+    // BLAS takes as many as it likes on both sides.
     setenv("QUORVEX_THREADS", "1", 0);
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    std::printf("Threads: library %s, native 1, BLAS the same on both sides. Least times, medians after them.\n",
-                std::getenv("QUORVEX_THREADS"));
+    std::printf(
+        "Threads: library %s, native 1, BLAS the same on both sides. Least times, medians after them.\n",
+        std::getenv("QUORVEX_THREADS"));
     print("work", "ours", "median", "native", "median", "ratio", "limit");
     for (auto group : {bench::scalar_rows, bench::subscript_rows, bench::element_rows, bench::reduction_rows,
                        bench::selection_rows, bench::array_rows, bench::structure_rows, bench::value_rows,

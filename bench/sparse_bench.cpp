@@ -63,7 +63,8 @@ void bench::sparse_rows() {
         }
         Compressed by_rows(n, n + 1, million), out(n, n, million);
         row(
-            "sparse(i,j,s,m,n) of 1e6 / counting passes", times_native(2), [&] { keep(sparse(i, j, s, n, n)); },
+            "sparse(i,j,s,m,n) of 1e6 / counting passes", times_native(2),
+            [&] { keep(sparse(i, j, s, n, n)); },
             [&] {
                 native::from_triplets(million, i.addr(), j.addr(), s.addr(), by_rows.view(), out.view());
             });

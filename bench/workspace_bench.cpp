@@ -41,8 +41,8 @@ void bench::workspace_rows() {
     variables_scope.begin();
     std::vector<std::unique_ptr<Mm>> values;
     for (const std::string &name : others) values.push_back(std::make_unique<Mm>(i_o, name.c_str(), 0));
-    row("register and forget among 100 names", times_native(1),
-        many([] { keep(Mm(i_o, "one_more", 0)); }), many([&] {
+    row("register and forget among 100 names", times_native(1), many([] { keep(Mm(i_o, "one_more", 0)); }),
+        many([&] {
             table["one_more"] = nullptr;
             table.erase("one_more");
         }));

@@ -70,9 +70,7 @@ void square_root(int n, const double *a, double *out) {
 void exponential(int n, const double *a, double *out) {
     each_elementary(n, out, ELEMENTARY(exp, std::exp), a);
 }
-void logarithm(int n, const double *a, double *out) {
-    each_elementary(n, out, ELEMENTARY(log, std::log), a);
-}
+void logarithm(int n, const double *a, double *out) { each_elementary(n, out, ELEMENTARY(log, std::log), a); }
 void sine(int n, const double *a, double *out) { each_elementary(n, out, ELEMENTARY(sin, std::sin), a); }
 void power(int n, const double *a, const double *b, double *out) {
     each_elementary(n, out, ELEMENTARY(pow, std::pow), a, b);

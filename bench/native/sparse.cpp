@@ -6,7 +6,8 @@
 namespace native {
 
 // Counting passes: by rows into `work`, which is the transpose, and from there by columns.
-void from_triplets(int n, const double *i, const double *j, const double *s, const Csc &work, const Csc &out) {
+void from_triplets(int n, const double *i, const double *j, const double *s, const Csc &work,
+                   const Csc &out) {
     int *start = work.start;
     std::fill_n(start, out.rows + 2, 0);
     for (int k = 0; k < n; ++k) ++start[static_cast<int>(i[k]) + 1];
