@@ -7,7 +7,8 @@
 // said.
 //
 // Nothing warns about a matrix that is singular, or close to it: a full system then has infinities and NaN
-// where the substitution divides by zero, a sparse one NaN everywhere.
+// where the substitution divides by zero. A sparse one is NaN everywhere, when the matrix is singular
+// exactly, as its numbers are stored, or when elimination meets a pivot of zero.
 #ifndef QUORVEX_SOLVING_H
 #define QUORVEX_SOLVING_H
 
@@ -53,7 +54,8 @@ QUORVEX_API Mm lu_L(const Mm &a); // the first and the second of two outputs
 QUORVEX_API Mm lu_U(const Mm &a);
 
 // The inverse. Of a real matrix with an exactly zero pivot it is what the factorisation left: u, and the
-// multipliers below. Of a sparse matrix: a \ eye(n), sparse.
+// multipliers below. Of a sparse matrix: a \ eye(n), sparse; "full:
+// matrix too large" when that has more than 10^8 entries.
 QUORVEX_API Mm inv(const Mm &a);
 
 // The determinant; 1 for an empty matrix, rounded where all elements are whole numbers. Of a sparse matrix
