@@ -45,6 +45,7 @@ namespace {
 constexpr size_t small_limit = 0x20000; // front included
 constexpr int block_lock = 2;
 constexpr ptrdiff_t kept = ptrdiff_t{16} << 20; // bytes in free blocks that are left alone
+constexpr ptrdiff_t look_step = ptrdiff_t{1} << 20;
 
 static_assert(class_of(small_limit) == class_count - 1 && size_of(class_count - 1) == small_limit);
 static_assert([] {
@@ -75,7 +76,7 @@ class SmallBlocks {
         ASAN_UNPOISON_MEMORY_REGION(p - front_size, front_size);
         free_blocks[c] = next(p);
         state(p) = in_use;
-        count(c, -1);
+        --free_in_[c];
         return p;
     }
 
@@ -87,27 +88,42 @@ class SmallBlocks {
         next(p) = free_blocks[c];
         free_blocks[c] = p;
         ASAN_POISON_MEMORY_REGION(p - front_size, size_of(c));
-        count(c, 1);
-        trim_excess();
+        freed(c, 1);
     }
 
-    void count(int c, ptrdiff_t n) {
+    void freed(int c, ptrdiff_t n) {
         free_in_[c] += n;
-        free_bytes_ += n * static_cast<ptrdiff_t>(size_of(c));
-    }
-
-    void trim_excess() {
-        if (free_bytes_ > limit_) trim();
+        if (free_in_[c] < look_at_[c]) return;
+        if (free_bytes() > limit_) {
+            recount();
+            if (free_bytes() > limit_) trim();
+        }
+        for (int k = 0; k < class_count; ++k) look_at_[k] = free_in_[k] + look_step / bytes_of(k) + 1;
     }
 
     // Gives the spans without a block in use back.
     void trim() {
         for (int c = 0; c < class_count; ++c)
-            if (free_in_[c] * static_cast<ptrdiff_t>(size_of(c)) > kept / class_count) trim(c);
-        limit_ = std::max(kept, 2 * free_bytes_);
+            if (free_in_[c] * bytes_of(c) > kept / class_count) trim(c);
+        limit_ = std::max(kept, 2 * free_bytes());
     }
 
   private:
+    static constexpr ptrdiff_t bytes_of(int c) { return static_cast<ptrdiff_t>(size_of(c)); }
+
+    ptrdiff_t free_bytes() const {
+        ptrdiff_t bytes = 0;
+        for (int c = 0; c < class_count; ++c) bytes += free_in_[c] * bytes_of(c);
+        return bytes;
+    }
+
+    [[gnu::no_sanitize_address]] void recount() {
+        for (int c = 0; c < class_count; ++c) {
+            free_in_[c] = 0;
+            for (byte *p = free_blocks[c]; p; p = next(p)) ++free_in_[c];
+        }
+    }
+
     bool refill(int c) {
         Span *span = heap_.take(span_pages(c));
         if (!span) return false;
@@ -124,7 +140,7 @@ class SmallBlocks {
         }
         ASAN_POISON_MEMORY_REGION(memory, span->pages * heap_page);
         free_blocks[c] = first;
-        count(c, static_cast<ptrdiff_t>(n) - free_in_[c]); // the list was empty, whatever was counted
+        free_in_[c] = n; // the list was empty, whatever was counted
         return true;
     }
 
@@ -157,11 +173,12 @@ class SmallBlocks {
             heap_.give(full);
             full = after;
         }
-        count(c, n - free_in_[c]);
+        free_in_[c] = n;
     }
 
     PageHeap heap_;
-    ptrdiff_t free_in_[class_count] = {}, free_bytes_ = 0; // but for what quick_alloc and quick_free do
+    ptrdiff_t free_in_[class_count] = {}; // but for what quick_alloc and quick_free have done since a count
+    ptrdiff_t look_at_[class_count] = {}; // free blocks at which free_bytes is compared with the limit
     ptrdiff_t limit_ = kept;
 };
 
@@ -171,8 +188,7 @@ constinit SmallBlocks small_blocks;
 
 void quick_freed(size_t blocks, size_t n) {
     Lock lock(block_lock);
-    small_blocks.count(class_of(n + front_size), static_cast<ptrdiff_t>(blocks));
-    small_blocks.trim_excess();
+    small_blocks.freed(class_of(n + front_size), static_cast<ptrdiff_t>(blocks));
 }
 
 void *extend_block(void *block, size_t n) {

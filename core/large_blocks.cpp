@@ -19,6 +19,9 @@
 // leave the cache first. Those in huge pages are offered to the system while they lie here: it takes their
 // memory back when it needs some, also from an idle program. That costs less than 1 us for a huge page, a
 // hundredth of an operation that fills it.
+//
+// A block that grows keeps its pages from 8 MB on, and gets whole huge pages. Below that a copy into a kept
+// block costs less than new pages.
 
 #include "core/large_blocks.h"
 
@@ -70,6 +73,7 @@ constexpr size_t MB = size_t(1) << 20;
 constexpr size_t max_bytes = 512 * MB;
 constexpr size_t spare = 24 * MB;   // kept whatever is alive
 constexpr size_t overhang = 8 * MB; // of live and kept blocks over the most that was alive
+constexpr size_t least_grown = 8 * MB;
 
 struct Mapping {
     char *start;
@@ -163,9 +167,10 @@ struct AtEnd {
     }
 } at_end;
 
+size_t rounded(size_t bytes, size_t unit) { return (bytes + unit - 1) / unit * unit; }
+
 // Bytes of the mapping for n bytes of data.
 size_t mapping_size(size_t n) {
-    auto rounded = [](size_t bytes, size_t unit) { return (bytes + unit - 1) / unit * unit; };
     const size_t pages = rounded(header + n, os::page_size()), huge = rounded(header + n, os::huge_page);
     return huge - pages <= pages / 8 ? huge : pages;
 }
@@ -198,7 +203,8 @@ void *large_alloc(size_t n) {
 void *large_grow(void *p, size_t n) {
     char *start = static_cast<char *>(p) - header;
     const size_t size = *reinterpret_cast<size_t *>(start);
-    const size_t longer = n > SIZE_MAX / 2 ? 0 : mapping_size(n);
+    if (size < least_grown || n > SIZE_MAX / 2) return nullptr;
+    const size_t longer = rounded(header + n, os::huge_page);
     if (longer <= size) return nullptr;
     start = static_cast<char *>(os::remap(start, size, longer));
     if (!start) return nullptr;

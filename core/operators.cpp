@@ -119,9 +119,11 @@ Mm marked(int complex, const Mm &a, const Mm &b, const Mm &dim, int do_dim, op_t
 
 // The same where the operands are real and full and fit, and so is the result, which looks like `like`.
 Mm computed(const Mm &like, const Mm &a, const Mm &b, op_t op, bool logical) {
-    Mm out = Header::real_like(like);
-    if (lacks(out, like.getnnz()) || !element_loops(out, a, b, op)) return x_M;
-    out.getflags().logical = logical;
+    Mm out = Header::real_like(like); // named by all returns, so that it is built where the caller wants it
+    if (lacks(out, like.getnnz()) || !element_loops(out, a, b, op))
+        out = x_M;
+    else
+        out.getflags().logical = logical;
     return out;
 }
 
@@ -130,7 +132,8 @@ bool fit(const Mm &a, const Mm &b) {
 }
 
 // In the place of a temporary, in a fresh value, or by the engine.
-Mm elements(int complex, const Mm &a, const Mm &b, Mm *ta, Mm *tb, op_t op, bool logical) {
+[[gnu::always_inline]] inline Mm elements(int complex, const Mm &a, const Mm &b, Mm *ta, Mm *tb, op_t op,
+                                          bool logical) {
     if (can_take(ta, b, complex)) return taken(*ta, a, b, op, logical);
     if (can_take(tb, a, complex)) return taken(*tb, a, b, op, logical);
     if (!complex && is_plain(a) && is_plain(b) && fit(a, b))

@@ -147,27 +147,35 @@ Mm gathered(const Mm *x, int inputs, int fixed) {
     return list;
 }
 
-// Calls it; the outputs, of which there are `wanted`, get their values when all stand.
+// Calls a form; the outputs, of which there are `wanted`, get their values when all stand.
+void call_form(const form &chosen, Call call, const Mm *x, int wanted, Mm *const *out) {
+    if (chosen.outputs == 1) {
+        *out[0] = call(x, nullptr);
+    } else if (chosen.outputs == 0) {
+        call(x, nullptr);
+        *out[0] = x_M;
+    } else {
+        Mm y[max_outputs];
+        call(x, y);
+        for (int i = 0; i < std::max(wanted, 1); ++i) *out[i] = std::move(y[i]);
+    }
+}
+
+// The same with the form that the inputs and outputs need; false after a report.
 bool call(const Function &f, const Mm *x, int inputs, int wanted, bool needed, Mm *const *out) {
     const int k = form_of(f, x, inputs, wanted, needed);
     if (k < 0) return false;
     const form &chosen = f.forms[static_cast<size_t>(k)];
-    const Call form_call = (*f.calls)[k];
-    Mm held[max_inputs + 1];
-    if (chosen.kind != form::plain) {
+    const Call call = (*f.calls)[k];
+    if (chosen.kind == form::plain) {
+        call_form(chosen, call, x, wanted, out);
+    } else {
+        Mm held[max_inputs + 1];
         const int fixed = chosen.inputs - (chosen.kind == form::list);
         std::copy_n(x, fixed, held);
         held[fixed] = gathered(x, inputs, fixed);
-        x = held;
+        call_form(chosen, call, held, wanted, out);
     }
-    if (chosen.outputs <= 1) {
-        Mm value = form_call(x, nullptr);
-        *out[0] = chosen.outputs == 1 ? std::move(value) : x_M;
-        return true;
-    }
-    Mm y[max_outputs];
-    form_call(x, y);
-    for (int i = 0; i < std::max(wanted, 1); ++i) *out[i] = std::move(y[i]);
     return true;
 }
 
