@@ -105,7 +105,7 @@ class SmallBlocks {
     void trim() {
         for (int c = 0; c < class_count; ++c)
             if (free_in_[c] * bytes_of(c) > kept / class_count) trim(c);
-        limit_ = std::max(kept, 2 * free_bytes());
+        limit_ = std::max(kept, free_bytes() / 2 * 3);
     }
 
   private:

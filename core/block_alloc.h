@@ -55,9 +55,10 @@ template <std::size_t n> unsigned char *quick_alloc() {
 #if defined(KN_ASAN) || defined(QUORVEX_ALLOC_PROBE)
     return nullptr;
 #else
+    if (kn_threads_flag) return nullptr; // before the list is read, which another thread may be changing
     unsigned char *&list = free_blocks[block_format::class_of(n + block_format::front_size)];
     unsigned char *p = list;
-    if (!p || kn_threads_flag) return nullptr;
+    if (!p) return nullptr;
     list = block_format::next(p);
     block_format::state(p) = block_format::in_use;
     return p;

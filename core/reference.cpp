@@ -8,8 +8,10 @@
 #include "core/reference.h"
 
 #include "core/constants.h"
+#include "core/scratch.h"
 #include "quorvex/classes.h"
 #include "quorvex/display.h"
+#include "quorvex/memory.h"
 #include "quorvex/messages.h"
 
 namespace kn {
@@ -379,8 +381,13 @@ void Mr::convert() {
     for (int k = 0; k < n; ++k) {
         const Mm &s = list ? list[k] : *idx[k];
         if (list || s.gettype() != kn_double) {
-            idx[k] = new Mm(s.gettype() == kn_double ? s : subsindex(s));
-            owned = static_cast<short>(owned | 1 << k);
+            Mm index = s.gettype() == kn_double ? s : subsindex(s);
+            void *room = kn_block_alloc(sizeof(Mm));
+            if (room)
+                owned = static_cast<short>(owned | 1 << k);
+            else
+                out_of_memory();
+            idx[k] = room ? new (room) Mm(std::move(index)) : &x_M;
         }
         nidx = static_cast<short>(k + 1);
     }

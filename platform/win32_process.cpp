@@ -9,6 +9,7 @@
 #include <ctime>
 #include <float.h>
 #include <io.h>
+#include <new>
 #include <string>
 
 namespace kn::os {
@@ -67,7 +68,11 @@ const char *module_suffix() { return ".dll"; }
 bool start_detached(const char *const *words) {
     if (!*words || !**words) return false;
     std::string command; // the call may write into it
-    for (const char *const *word = words; *word; ++word) append_quoted(command, *word);
+    try {
+        for (const char *const *word = words; *word; ++word) append_quoted(command, *word);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
     STARTUPINFOA start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;

@@ -167,6 +167,7 @@ std::vector<Step> steps(const Inputs &inputs) {
          }},
         {"colon", [](In) { return colon(1, 2, 9); }},
         {"read", [](In in) { return Mm(in.x(in.two, c_p)); }},
+        {"read at a byte", [](In in) { return Mm(in.x(muint8(in.two), c_p)); }},
         {"read of a field", [](In in) { return Mm(in.st.member("b")); }},
         {"read of an element", [](In in) { return Mm(in.c.br(in.two)); }},
         {"brackets", [](In in) { return Mm((BR(in.x), in.x, semi, in.x, in.x)); }},
