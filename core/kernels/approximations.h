@@ -112,14 +112,11 @@ inline Row<V> row_of(Word k) {
         return _mm512_insertf64x4(_mm512_castpd256_pd512(quarter(lane)), quarter(lane + 4), 1);
     };
     const V a = half(0), b = half(1), c = half(2), d = half(3);
-    using M = Mask;
-    const V ab = __builtin_shuffle(a, b, M{0, 8, 2, 10, 4, 12, 6, 14});
-    const V cd = __builtin_shuffle(c, d, M{0, 8, 2, 10, 4, 12, 6, 14});
-    const V high_ab = __builtin_shuffle(a, b, M{1, 9, 3, 11, 5, 13, 7, 15});
-    const V high_cd = __builtin_shuffle(c, d, M{1, 9, 3, 11, 5, 13, 7, 15});
-    const M front = {0, 1, 8, 9, 4, 5, 12, 13}, back = {2, 3, 10, 11, 6, 7, 14, 15};
-    return {__builtin_shuffle(ab, cd, front), __builtin_shuffle(high_ab, high_cd, front),
-            __builtin_shuffle(ab, cd, back)};
+    const V ab = _mm512_unpacklo_pd(a, b), cd = _mm512_unpacklo_pd(c, d);
+    const V high_ab = _mm512_unpackhi_pd(a, b), high_cd = _mm512_unpackhi_pd(c, d);
+    return {__builtin_shufflevector(ab, cd, 0, 1, 8, 9, 4, 5, 12, 13),
+            __builtin_shufflevector(high_ab, high_cd, 0, 1, 8, 9, 4, 5, 12, 13),
+            __builtin_shufflevector(ab, cd, 2, 3, 10, 11, 6, 7, 14, 15)};
 #else
     const V a = quarter(0), b = quarter(1), c = quarter(2), d = quarter(3);
     const V ab = _mm256_unpacklo_pd(a, b), cd = _mm256_unpacklo_pd(c, d);

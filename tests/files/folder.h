@@ -16,8 +16,7 @@ namespace test {
 class Folder : public testing::Test {
   protected:
     Folder() : before_(std::filesystem::current_path()) {
-        home_ = std::filesystem::temp_directory_path() / ("kn_files_" + std::to_string(kn::os::process_id()));
-        std::filesystem::create_directory(home_);
+        home_ = new_directory();
         std::filesystem::current_path(home_);
         open_ = kn::stream_probe.open;
         kn_save_to_disk = 0;

@@ -5,6 +5,7 @@ import glob
 import os
 import subprocess
 import sys
+import tempfile
 import warnings
 
 try:
@@ -17,8 +18,9 @@ except ImportError as reason:
     print("SKIPPED:", reason)
     sys.exit(77)
 
-program, directory = sys.argv[1:]
-os.makedirs(directory, exist_ok=True)
+(program,) = sys.argv[1:]
+kept = tempfile.TemporaryDirectory()
+directory = kept.name
 random = np.random.default_rng(3)
 
 

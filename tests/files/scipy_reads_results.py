@@ -1,8 +1,8 @@
 """scipy_reads_results.py <sunspots> <longley> <data> <directory>: runs the demonstrations; scipy.io reads what they
 saved, and the numbers are those of the data and the certified coefficients."""
-import os
 import subprocess
 import sys
+import tempfile
 
 try:
     import numpy as np
@@ -11,8 +11,9 @@ except ImportError as reason:
     print("SKIPPED:", reason)
     sys.exit(77)
 
-sunspots, longley, data, directory = sys.argv[1:]
-os.makedirs(directory, exist_ok=True)
+sunspots, longley, data = sys.argv[1:]
+kept = tempfile.TemporaryDirectory()
+directory = kept.name
 for program, name in (sunspots, "sunspots"), (longley, "longley"):
     subprocess.run([program, f"{data}/{name}.txt", f"{directory}/{name}"], check=True, stdout=subprocess.DEVNULL)
 

@@ -13,10 +13,10 @@ cd "$scratch"
 
 session() { diff -u session.txt <("$host" <session.m) && "$host" --help | grep -q usage; }
 
-# Reads answers until one is the text $1; none comes within ten seconds when something is wrong, or $2 comes.
+# Reads answers until one is the text $1; none comes within a hundred seconds when something is wrong, or $2 comes.
 wait_for() {
     local line
-    while IFS= read -r -t 10 line <&"${HOST[0]}"; do
+    while IFS= read -r -t 100 line <&"${HOST[0]}"; do
         [ "$line" = "$1" ] && return
         [ "$line" = "${2-none}" ] && break
     done

@@ -20,6 +20,8 @@
 #include <tuple>
 #include <vector>
 
+#include "support/support.h"
+
 #ifndef _WIN32
 #include <sys/wait.h>
 #include <unistd.h>
@@ -131,8 +133,8 @@ class Files : public testing::Test {
   protected:
     void SetUp() override {
         ASSERT_TRUE(os::current_directory(before, sizeof before));
-        dir = testing::TempDir() + "kn_platform_" + std::to_string(os::process_id());
-        ASSERT_TRUE(os::make_directory(dir.c_str()) && os::change_directory(dir.c_str()));
+        dir = test::new_directory();
+        ASSERT_TRUE(os::change_directory(dir.c_str()));
     }
     void TearDown() override {
         EXPECT_TRUE(os::change_directory(before));

@@ -5,6 +5,7 @@
 
 #include "core/scratch.h"
 #include "platform/platform.h"
+#include "support/support.h"
 
 namespace test {
 namespace {
@@ -35,14 +36,11 @@ const std::vector<Function> &functions() {
 }
 
 Unattended::Unattended()
-    : before_(std::filesystem::current_path().string()),
-      home_((std::filesystem::temp_directory_path() / ("kn_home_" + std::to_string(kn::os::process_id())))
-                .string()),
+    : before_(std::filesystem::current_path().string()), home_(new_directory()),
       old_input_(kn_set_input_handler(
           [](char *buf, int size) { std::snprintf(buf, static_cast<size_t>(size), "1 2 x"); })),
       old_key_(kn_set_kbhit_handler([] { return 1; })) {
     kn::alloc_probe.largest = 1 << 17;
-    std::filesystem::create_directory(home_);
     go_home();
 }
 

@@ -1,13 +1,21 @@
 #include "support/support.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <limits>
 #include <ostream>
+#include <stdexcept>
 
 #include "core/header.h"
 
 namespace test {
+
+std::string new_directory() {
+    std::string name = (std::filesystem::temp_directory_path() / "kn_test_XXXXXX").string();
+    return mkdtemp(name.data()) ? name : throw std::runtime_error("no directory for a test");
+}
 namespace {
 
 std::vector<std::string> recorded_errors, recorded_warnings;

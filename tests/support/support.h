@@ -22,6 +22,9 @@ void PrintTo(const Mm &m, std::ostream *out); // class, extents and elements, fo
 
 namespace test {
 
+// An empty directory under that of temporary files.
+std::string new_directory();
+
 // -- Values.
 
 using Row = std::initializer_list<double>;
