@@ -1,13 +1,16 @@
 # The library's targets: quorvex_objects, quorvex (shared) and, by option, quorvex_static.
 
-# Folders in the order of their arrows: each may include the private headers of those before it.
-set(QUORVEX_FOLDERS platform core runtime text files sparse numerics solvers geometry graphics native)
+# The folders and their arrows.
+set(QUORVEX_LAYERS ${PROJECT_SOURCE_DIR}/src/layers)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${QUORVEX_LAYERS})
+file(STRINGS ${QUORVEX_LAYERS} layers REGEX "^[a-z]+:")
+list(TRANSFORM layers REPLACE ":.*" "" OUTPUT_VARIABLE QUORVEX_FOLDERS)
 
 # Sources are found, not listed: there is one file per idea and so there are many, and a list would only repeat
 # the folders. CONFIGURE_DEPENDS makes the build notice a new file by itself.
 set(sources)
 foreach(folder IN LISTS QUORVEX_FOLDERS)
-    file(GLOB found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.cpp)
+    file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp)
     list(APPEND sources ${found})
 endforeach()
 if(WIN32)
@@ -22,7 +25,7 @@ function(quorvex_library_sources target)
         POSITION_INDEPENDENT_CODE ON
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON)
-    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR})
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
     target_compile_definitions(${target}
         PUBLIC $<$<BOOL:${QUORVEX_ALLOC_PROBE}>:QUORVEX_ALLOC_PROBE=1>
         PRIVATE QUORVEX_BUILDING)
@@ -38,9 +41,9 @@ function(quorvex_library_sources target)
         PRIVATE quorvex_warnings quorvex_kernels Boost::headers)
 endfunction()
 
-# The kernels are compiled once more for each instruction set that the processor may turn out to have
-# (core/kernels/isa.h).
-file(GLOB kernel_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/core/kernels/*.cpp)
+# The loops are compiled once more for each instruction set that the processor may turn out to have
+# (src/base/instruction_set.h).
+file(GLOB kernel_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/kernels/loops/*.cpp)
 set(QUORVEX_OBJECT_LIBRARIES quorvex_objects) # all of them: what a test program links
 set(has_x86_kernels FALSE)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64"
@@ -63,7 +66,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES 
     endforeach()
 endif()
 
-add_library(quorvex_objects OBJECT ${sources} ${kernel_sources} ${reference_dir}/help_texts.cpp)
+add_library(quorvex_objects OBJECT ${sources} ${reference_dir}/help_texts.cpp)
 quorvex_library_sources(quorvex_objects)
 target_compile_definitions(quorvex_objects
     PRIVATE $<$<BOOL:${has_x86_kernels}>:KN_X86_KERNELS>
@@ -71,7 +74,7 @@ target_compile_definitions(quorvex_objects
 # Headers of values are written field by field and copied right after that: a copy by wider moves would wait until
 # the fields are in the cache.
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    set_source_files_properties(core/value.cpp PROPERTIES COMPILE_OPTIONS -fno-tree-slp-vectorize)
+    set_source_files_properties(src/value/value.cpp PROPERTIES COMPILE_OPTIONS -fno-tree-slp-vectorize)
 endif()
 
 # quorvex_finish(<target>): what the shared and the static library have in common.

@@ -1,7 +1,7 @@
 # The reference, made from the public headers: the texts that `help` shows, compiled into the library, and pages as
 # HTML and for man, which are installed.
 add_executable(quorvex_reference ${PROJECT_SOURCE_DIR}/docs/reference/generator.cpp)
-target_include_directories(quorvex_reference PRIVATE ${PROJECT_SOURCE_DIR})
+target_include_directories(quorvex_reference PRIVATE ${PROJECT_SOURCE_DIR}/src)
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang") # no sanitizers, under which g++ 12 sees faults in std::regex that are none
     target_compile_options(quorvex_reference PRIVATE -Wall -Wextra)
 endif()

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "core/blas.h"
+#include "engine/blas.h"
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-#include "runtime/renamed.h"
+#include "host/renamed.h"
 
 namespace fs = std::filesystem;
 using std::string;
@@ -219,7 +219,7 @@ std::vector<const Function *> by_word() {
 void write_help(const fs::path &to) {
     std::ofstream out(to);
     out << "// Made from the public headers by docs/reference/generator.cpp.\n#include "
-           "\"runtime/help_texts.h\"\n\n"
+           "\"host/help_texts.h\"\n\n"
            "namespace kn {\n\nconst HelpText help_texts[] = {\n";
     for (const auto &[name, f] : functions) {
         out << "    {\"" << name << "\",\n";

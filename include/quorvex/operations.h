@@ -130,7 +130,7 @@
 // everything else gives empty. median is NaN when the slice holds one. sumabs is sum(abs(a)).
 //
 // sum adds groups of eight elements and compensates the rounding of their total, so that it is at least as
-// accurate as pairwise summation. The order (core/kernels/sums.cpp), and so every bit, is the same on all
+// accurate as pairwise summation. The order (kernels/loops/sums.cpp), and so every bit, is the same on all
 // processors and for any number of threads. cumsum, prod and cumprod take the elements in order.
 #define QUORVEX_REDUCTION_FUNCTIONS(ROW) \
     ROW(all, "whether all elements are nonzero", 1, 2) \

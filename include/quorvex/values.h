@@ -70,7 +70,7 @@ class Mm;
 class Mr;
 class Mc;
 namespace kn {
-struct Header; // the library's own access to the fields (core/header.h)
+struct Header; // the library's own access to the fields (value/header.h)
 
 template <class T> inline constexpr bool is_bool = false;
 template <> inline constexpr bool is_bool<bool> = true;

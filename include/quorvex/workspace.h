@@ -14,7 +14,7 @@
 #include "quorvex/indexing.h"
 
 namespace kn {
-struct Scopes; // the library's own access (runtime/workspace.h)
+struct Scopes; // the library's own access (host/workspace.h)
 }
 
 class QUORVEX_API variables_scope_t {

@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "core/block_alloc.h"
+#include "base/block_alloc.h"
 #include "platform/platform.h"
 #include "support/support.h"
 

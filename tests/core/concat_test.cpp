@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "core/header.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

@@ -8,11 +8,11 @@
 #include <random>
 #include <vector>
 
-#include "core/kernel_table.h"
-#include "core/op_names.h"
-#include "core/parallel.h"
-#include "core/scalar_kernels.h"
+#include "base/parallel.h"
+#include "kernels/kernel_table.h"
+#include "special/scalar_kernels.h"
 #include "support/support.h"
+#include "value/op_names.h"
 
 using namespace test;
 

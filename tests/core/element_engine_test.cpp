@@ -7,11 +7,11 @@
 #include <cstring>
 #include <utility>
 
-#include "core/header.h"
-#include "core/op_names.h"
-#include "core/scalar_kernels.h"
-#include "core/special_functions.h"
+#include "special/scalar_kernels.h"
+#include "special/special_functions.h"
 #include "support/support.h"
+#include "value/header.h"
+#include "value/op_names.h"
 
 using namespace test;
 

@@ -2,9 +2,9 @@
 // against a slow model stand in index_model_test.cpp.
 #include <cmath>
 
-#include "core/constants.h"
-#include "core/header.h"
 #include "support/support.h"
+#include "value/constants.h"
+#include "value/header.h"
 
 using namespace test;
 

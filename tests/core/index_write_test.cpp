@@ -5,9 +5,9 @@
 #include <new>
 #include <optional>
 
-#include "core/header.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

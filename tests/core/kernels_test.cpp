@@ -15,12 +15,12 @@
 #include <string>
 #include <vector>
 
-#include "core/element_engine.h"
-#include "core/kernels/dimension_ops.h"
-#include "core/kernels/element_kernels.h"
-#include "core/op_names.h"
-#include "core/parallel.h"
+#include "base/parallel.h"
+#include "engine/element_engine.h"
+#include "kernels/loops/dimension_ops.h"
+#include "kernels/loops/element_kernels.h"
 #include "support/support.h"
+#include "value/op_names.h"
 
 namespace {
 

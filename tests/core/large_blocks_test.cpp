@@ -1,5 +1,5 @@
 // Large blocks: alignment, contents, what the cache keeps and gives again, and its bounds.
-#include "core/large_blocks.h"
+#include "base/large_blocks.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <string>
 
-#include "core/header.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

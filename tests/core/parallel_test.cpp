@@ -1,6 +1,6 @@
 // Shared work: the ranges, results seen by the caller, calls within and beside each other, helpers' state,
 // and processes that fork or end.
-#include "core/parallel.h"
+#include "base/parallel.h"
 
 #include <atomic>
 #include <cfenv>

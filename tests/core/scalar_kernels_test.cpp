@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/scalar_kernels.h"
+#include "special/scalar_kernels.h"
 #include "support/support.h"
 
 namespace {

@@ -5,8 +5,8 @@
 // holder has a model that shares nothing; after each step all of them must agree, to the bit.
 #include <utility>
 
-#include "core/kernel_table.h"
-#include "core/parallel.h"
+#include "base/parallel.h"
+#include "kernels/kernel_table.h"
 #include "support/support.h"
 
 using namespace test;

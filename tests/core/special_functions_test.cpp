@@ -4,7 +4,7 @@
 // that special_functions.h promises; the laws allow a few roundings more, for the arithmetic of the law
 // itself.
 
-#include "core/special_functions.h"
+#include "special/special_functions.h"
 
 #include <gtest/gtest.h>
 

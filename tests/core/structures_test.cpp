@@ -2,8 +2,8 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

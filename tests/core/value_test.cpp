@@ -3,9 +3,9 @@
 #include <cstring>
 #include <vector>
 
-#include "core/constants.h"
-#include "core/header.h"
 #include "support/support.h"
+#include "value/constants.h"
+#include "value/header.h"
 
 using namespace test;
 

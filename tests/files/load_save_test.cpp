@@ -11,7 +11,7 @@
 #include <unistd.h>
 #endif
 
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "files/folder.h"
 #include "files/replacement.h"
 

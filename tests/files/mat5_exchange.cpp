@@ -5,7 +5,7 @@
 #include <deque>
 #include <string>
 
-#include "files/matfile.h"
+#include "files/mat/matfile.h"
 #include "quorvex.h"
 
 namespace {

@@ -6,11 +6,11 @@
 
 #include <zlib.h>
 
-#include "core/header.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
-#include "files/mat5.h"
+#include "files/mat/mat5.h"
+#include "value/header.h"
 
 namespace {
 

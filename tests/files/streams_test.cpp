@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
 

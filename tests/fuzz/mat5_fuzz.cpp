@@ -2,7 +2,7 @@
 #include <cstdio>
 
 #include "files/file_table.h"
-#include "files/mat5.h"
+#include "files/mat/mat5.h"
 #include "support/fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

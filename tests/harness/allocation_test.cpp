@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "support/functions.h"
 #include "support/recording_engine.h"
 #include "support/support.h"
+#include "value/header.h"
 
 #ifdef QUORVEX_ALLOC_PROBE
 

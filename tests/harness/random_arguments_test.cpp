@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "support/functions.h"
 #include "support/support.h"
+#include "value/header.h"
 
 #ifdef QUORVEX_ALLOC_PROBE // which keeps the sizes that random numbers ask for in bounds
 

@@ -4,10 +4,10 @@
 #include <cmath>
 #include <vector>
 
-#include "core/header.h"
-#include "core/kernel_table.h"
-#include "core/parallel.h"
+#include "base/parallel.h"
+#include "kernels/kernel_table.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

@@ -12,8 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/blas_call.h"
-#include "core/scratch.h"
+#include "base/scratch.h"
+#include "engine/blas_call.h"
 #include "platform/platform.h"
 #include "support/support.h"
 

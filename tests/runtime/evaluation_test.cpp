@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "runtime/evaluation.h"
-#include "runtime/mpath.h"
-#include "runtime/workspace.h"
+#include "files/mpath.h"
+#include "host/workspace.h"
 #include "support/support.h"
+#include "value/calls.h"
 
 using kn::Scopes;
 using test::row;

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
 #include "platform/platform.h"
 #include "support/recording_engine.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using test::row;
 

@@ -6,9 +6,9 @@
 #include <tuple>
 #include <vector>
 
-#include "core/header.h"
 #include "platform/platform.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

@@ -14,10 +14,10 @@
 #include <tuple>
 #include <utility>
 
-#include "core/constants.h"
-#include "core/header.h"
 #include "platform/platform.h"
 #include "support/support.h"
+#include "value/constants.h"
+#include "value/header.h"
 
 #ifndef _WIN32
 #include <sys/wait.h>

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
-#include "core/scratch.h"
-#include "runtime/workspace.h"
+#include "base/scratch.h"
+#include "host/workspace.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using kn::Scopes;
 using test::row;

@@ -4,8 +4,8 @@
 #include <functional>
 #include <vector>
 
-#include "core/header.h"
 #include "support/support.h"
+#include "value/header.h"
 
 using namespace test;
 

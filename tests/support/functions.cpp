@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "core/scratch.h"
+#include "base/scratch.h"
 #include "platform/platform.h"
 #include "support/support.h"
 

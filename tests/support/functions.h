@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/function_table.h"
 #include "quorvex.h"
-#include "runtime/function_table.h"
 
 namespace test {
 

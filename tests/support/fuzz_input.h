@@ -8,8 +8,8 @@
 #include <cstring>
 #include <string>
 
-#include "core/header.h"
 #include "quorvex.h"
+#include "value/header.h"
 
 namespace fuzz {
 

@@ -8,7 +8,7 @@
 #include <ostream>
 #include <stdexcept>
 
-#include "core/header.h"
+#include "value/header.h"
 
 namespace test {
 

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "core/header.h"
 #include "quorvex/classes.h"
 #include "support/support.h"
 #include "text/text_of.h"
 #include "text/value_display.h"
+#include "value/header.h"
 
 using namespace test;
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "support/support.h"
-#include "text/format_list.h"
+#include "text/format/format_list.h"
 #include "text/text_of.h"
 
 using namespace test;

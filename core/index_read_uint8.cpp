@@ -1,6 +1,0 @@
-// Reading of bytes.
-
-#include "core/index_read.h"
-
-template Mm kn::select<unsigned char>(const Mm &, const Selection &, const int *);
-template Mm kn::read_selection<unsigned char>(const Mm &, const Subscripts &, int);

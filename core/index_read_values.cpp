@@ -1,6 +1,0 @@
-// Reading of cells and structures.
-
-#include "core/index_read.h"
-
-template Mm kn::select<Mm>(const Mm &, const Selection &, const int *);
-template Mm kn::read_selection<Mm>(const Mm &, const Subscripts &, int);

@@ -1,0 +1,81 @@
+// An array laid side by side with itself.
+//
+// Dimension by dimension: once the first tile is filled along the dimensions below k, the tiles along k are
+// copies of one contiguous block.
+#include <algorithm>
+#include <climits>
+
+#include "arrays/number_argument.h"
+#include "quorvex/arrays.h"
+#include "quorvex/builders.h"
+#include "quorvex/indexing.h"
+#include "quorvex/operations.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+#include "value/extents.h"
+#include "value/planes.h"
+
+namespace {
+
+template <class T> void lay_tiles(T *to, const T *from, const int *d, const int *count) {
+    // The runs of the first dimension, each at its place in the first tile and beside itself.
+    ptrdiff_t steps[4] = {1};
+    for (int k = 1; k < 4; k++) steps[k] = steps[k - 1] * d[k - 1] * count[k - 1];
+    for (int l = 0; l < d[3]; l++)
+        for (int k = 0; k < d[2]; k++)
+            for (int c = 0; c < d[1]; c++, from += d[0]) {
+                T *run = to + c * steps[1] + k * steps[2] + l * steps[3];
+                if (d[0] == 1)
+                    kn::fill_run(run, *from, count[0]);
+                else
+                    for (int t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
+            }
+    // Blocks along the other dimensions.
+    for (int dim = 1; dim < 4; dim++) {
+        ptrdiff_t block = steps[dim] * d[dim];
+        for (int l = 0; l < (dim < 3 ? d[3] : 1); l++)
+            for (int k = 0; k < (dim < 2 ? d[2] : 1); k++) {
+                T *first = to + l * steps[3] + (dim < 2 ? k * steps[2] : 0);
+                for (int t = 1; t < count[dim]; t++) kn::copy_run(first + t * block, first, block);
+            }
+    }
+}
+
+Mm tiled(const Mm &x, const kn::Extents &count) {
+    int dims[4]; // an extent that is cut makes no array that could be allocated
+    for (int k = 0; k < 4; k++)
+        dims[k] = static_cast<int>(
+            std::min<long long>(static_cast<long long>(x.getdims()[k]) * count.d[k], INT_MAX));
+    Mm out;
+    if (!kn::make_like(out, x, 4, dims)) return x_M;
+    if (out.size() == 0) return out;
+    kn::for_planes(out, x, [&](auto *to, const auto *from) { lay_tiles(to, from, x.getdims(), count.d); });
+    kn::check(out);
+    return out;
+}
+
+// 1, 2, ..., n, again and again.
+Mm cycle(int n, int count) { return rem(colon(0.0, static_cast<double>(n) * count - 1), n) + 1.0; }
+
+Mm repeated(const Mm &x, std::initializer_list<const Mm *> counts) {
+    x.warn_uninit();
+    for (const Mm *c : counts)
+        if (c->size() == 0) {
+            error("repmat: count is empty");
+            return x_M;
+        }
+    kn::Extents count = kn::extents_of("repmat", counts);
+    if (!x.issparse()) return tiled(x, count);
+    if (x.getndims() == 2 && count.d[2] == 1 && count.d[3] == 1)
+        return x(cycle(x.rows(), count.d[0]), cycle(x.cols(), count.d[1]));
+    return tiled(full(x), count);
+}
+
+} // namespace
+
+Mm repmat(const Mm &x, const Mm &m) { return repeated(x, {&m}); }
+Mm repmat(const Mm &x, const Mm &m, const Mm &n) { return repeated(x, {&m, &n}); }
+Mm repmat(const Mm &x, const Mm &m, const Mm &n, const Mm &p) { return repeated(x, {&m, &n, &p}); }
+Mm repmat(const Mm &x, const Mm &m, const Mm &n, const Mm &p, const Mm &q) {
+    return repeated(x, {&m, &n, &p, &q});
+}

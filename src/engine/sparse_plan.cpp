@@ -1,0 +1,191 @@
+// Element operations on sparse values. The group of the operation in the list of operations decides:
+//
+//     unary_zero               keeps zeros: computed on the stored values
+//     product                  zero where one operand is: on the stored values when the other is a non-zero
+//                              scalar, else by merge
+//     union_                   zero where both are: dense with a non-zero scalar, else by merge
+//     all others               dense
+//
+// Stored values: the operand is seen as a full column of its entries. Merge: both operands are spread over
+// the union of their positions, as two full rows. Dense: both are made full, and the result sparse again.
+// Results are sparse and store no zeros, but plus and minus with one sparse operand give a full result.
+//
+// The views are headers of their own: the operands are not touched, whatever an error handler does meanwhile.
+
+#include "engine/sparse_plan.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "base/scratch.h"
+#include "engine/element_engine.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+#include "value/header.h"
+#include "value/op_names.h"
+
+namespace kn {
+namespace {
+
+// The stored values of a sparse operand as a full column. The operand must outlive the view, since the view
+// forgets the positions.
+Mm stored_column(const Mm &a) {
+    Mm column = a;
+    int n = a.getnnz(), one = n > 0 ? 1 : 0;
+    Header::index(column) = nullptr;
+    column.setsparse(0);
+    column.getndims() = 2;
+    int extents[4] = {n, one, one, one};
+    std::copy(extents, extents + 4, column.getdims());
+    return column;
+}
+
+// A full zero is a stored element too.
+bool holds_scalar(const Mm &x) { return x.size() == 1 && x.getnnz() > 0; }
+
+struct Operation {
+    int complex_result;
+    const Mm &dim;
+    op_t op;
+    int do_dim;
+    Mm &extra;
+
+    Mm operator()(const Mm &a, const Mm &b) const {
+        return element_operation(complex_result, a, b, dim, op, do_dim, extra);
+    }
+};
+
+Mm dense(const Operation &run, const Mm &a, const Mm &b) {
+    Mm out = run(full(a), full(b));
+    return same_block(out, x_M) ? out : sparse(out); // after a report there is nothing to convert
+}
+
+// The operation on the entries of `matrix`; operand `a` or `b` is that matrix, the other is used as it is.
+Mm on_stored(const Operation &run, const Mm &a, const Mm &b, bool first) {
+    Mm matrix = sparse(first ? a : b);
+    if (!matrix.issparse()) return x_M;
+    Mm column = stored_column(matrix), other = first ? b : a;
+    if (other.issparse()) other = full(other);
+    Mm values = first ? run(column, other) : run(other, column);
+    if (values.getnnz() != matrix.getnnz()) return x_M;
+    return sparse_entries(values, matrix.getindex(), matrix);
+}
+
+// Which of two operands stores a position.
+enum : unsigned char { in_a = 1, in_b = 2 };
+
+// The union of two ascending lists. How many positions it has. Which list goes on is no branch: it can't be
+// foretold. That both do can be, in matrices of one pattern.
+int unite(const int *a, int na, const int *b, int nb, int *positions, unsigned char *where) {
+    int i = 0, j = 0, n = 0;
+    for (; i < na && j < nb; ++n) {
+        const int p = a[i], q = b[j];
+        if (p == q) {
+            positions[n] = p;
+            where[n] = in_a | in_b;
+            ++i, ++j;
+            continue;
+        }
+        const bool from_a = p < q;
+        positions[n] = from_a ? p : q;
+        where[n] = from_a ? in_a : in_b;
+        i += from_a;
+        j += !from_a;
+    }
+    for (; i < na; ++n) positions[n] = a[i++], where[n] = in_a;
+    for (; j < nb; ++n) positions[n] = b[j++], where[n] = in_b;
+    return n;
+}
+
+// One operand's values at each position of the union, 0 where it stores nothing.
+Mm spread(const Mm &a, const unsigned char *where, unsigned char in_this, int n) {
+    Mm row(a.isc(), 0, 0, 1, n, kn_double);
+    if (lacks(row, n)) return row;
+    const int last = std::max(a.getnnz() - 1, 0);
+    for (const auto &[to, from] : {std::pair(row.addr(), a.addr()), std::pair(row.addi(), a.addi())}) {
+        if (!to) continue;
+        for (int k = 0, e = 0; k < n; ++k) {
+            const bool here = where[k] & in_this;
+            const double x = from[std::min(e, last)];
+            to[k] = here ? x : 0;
+            e += here;
+        }
+    }
+    return row;
+}
+
+Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_sparse_b) {
+    Mm a = sparse(full_or_sparse_a), b = sparse(full_or_sparse_b);
+    if (!a.issparse() || !b.issparse()) return x_M;
+    const Mm &like = b.size() == 1 ? a : b;
+    if (a.size() > 1 && b.size() > 1 && !std::equal(a.getdims(), a.getdims() + 4, b.getdims())) {
+        error("%s: incompatible dimensions of: %s, %s", op_name(run.op), kn_display_name(full_or_sparse_a),
+              kn_display_name(full_or_sparse_b));
+        return x_M;
+    }
+
+    // The list of a sparse value without entries has the room, and the ownership, for the union. Positions
+    // outside the result, of a matrix against an empty value, are left out.
+    int na = a.getnnz(), nb = b.getnnz();
+    if (na > INT_MAX - nb) {
+        out_of_memory();
+        return x_M;
+    }
+    const int *ia = a.getindex(), *ib = b.getindex();
+    Mm list(0, 1, na + nb, std::max(na + nb, 1), 1, kn_double);
+    if (lacks(list, na + nb)) return x_M;
+    int *positions = list.getindex();
+    Scratch<unsigned char> where(ptrdiff_t{na} + nb);
+    if (!where) return x_M;
+    int n = unite(ia, na, ib, nb, positions, where.get());
+    while (n > 0 && positions[n - 1] >= like.size()) --n;
+    if (n == 0) return Mm(0, 1, 0, like.getndims(), like.getdims(), kn_double);
+
+    Mm row_a = spread(a, where.get(), in_a, n), row_b = spread(b, where.get(), in_b, n);
+    if (lacks(row_a, n) || lacks(row_b, n)) return x_M;
+    Mm values = run(row_a, row_b);
+    if (values.getnnz() != n) return x_M;
+    return sparse_entries(values, positions, like);
+}
+
+} // namespace
+
+Mm sparse_entries(const Mm &values, const int *positions, const Mm &like) {
+    Mm x = values;
+    if (x.gettype() != kn_double) x.deepcopy(values, kn_double);
+    int n = x.getnnz();
+    Mm out(x.isc(), 1, n, like.getndims(), like.getdims(), kn_double);
+    if (lacks(out, n)) return x_M;
+    std::copy(positions, positions + n, out.getindex());
+    std::copy(x.addr(), x.addr() + n, out.addr());
+    if (x.isc()) std::copy(x.addi(), x.addi() + n, out.addi());
+    out.setlogical(x.islogical());
+    out.resparse();
+    check(out);
+    return out;
+}
+
+Mm sparse_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,
+                    Mm &extra) {
+    Operation run = {complex_result, dim, op, do_dim, extra};
+    if ((op == op_plus || op == op_minus) && a.issparse() != b.issparse()) return run(full(a), full(b));
+
+    SparseGroup group = is_op(op) ? op_rows[op].group : SparseGroup::binary_full;
+    bool scalar_b = !do_dim && a.size() > 0 && a.size() != b.size() && holds_scalar(b);
+    bool scalar_a = !do_dim && b.size() > 0 && a.size() != b.size() && holds_scalar(a);
+    switch (group) {
+    case SparseGroup::unary_zero: return on_stored(run, a, b, true);
+    case SparseGroup::product:
+        if (scalar_a || scalar_b) return on_stored(run, a, b, scalar_b);
+        return merge(run, a, b);
+    case SparseGroup::union_:
+        if (scalar_a || scalar_b) return dense(run, a, b);
+        return merge(run, a, b);
+    case SparseGroup::unary_full:
+    case SparseGroup::binary_full:
+    case SparseGroup::reduction: return dense(run, a, b);
+    }
+    return x_M;
+}
+
+} // namespace kn

@@ -1,0 +1,100 @@
+// The elements of a MAT-file of level 5 as values: what the files mat5_*.cpp of the reader share.
+#ifndef QUORVEX_FILES_MAT_MAT5_DECODE_H
+#define QUORVEX_FILES_MAT_MAT5_DECODE_H
+
+#include <algorithm>
+
+#include "files/mat/mat5.h"
+#include "files/mat/mat5_layout.h"
+
+namespace kn {
+
+// Reads one variable, which begins at `origin`; `in` stands there. Nothing is taken on trust: no element
+// reaches behind the one that holds it, and memory is asked for only when the file has the bytes to fill it
+// (a byte for each number; compressed ones as far as compression can go, and touched when they are there).
+// Cells and structures grow as their values arrive. Values nest to any depth: those that are open form a
+// list.
+//
+// Whoever answers false has reported, unless `quiet`.
+class Mat5Decoder {
+  public:
+    Mat5Decoder(Mat5File &in, const char *file, bool quiet, uint64_t origin = 0)
+        : in_(in), file_(file), origin_(origin), quiet_(quiet) {}
+    Mat5Decoder(Mat5Inflated &in, const char *file, bool quiet)
+        : in_(in), file_(file), quiet_(quiet), inflated_(true) {}
+
+    // The start of a matrix element, up to and with its name. `end` at entry is where it has to end at the
+    // latest.
+    struct Head {
+        Mat5Entry entry;
+        uint64_t end;
+        uint32_t flags, room;
+        bool has_data; // word 2 is not 0
+        mat5::Class type() const { return static_cast<mat5::Class>(flags & mat5::class_mask); }
+        bool holds_values() const {
+            return has_data && type() >= mat5::cell_class && type() <= mat5::object_class;
+        }
+    };
+    bool head(Head &h, uint64_t end); // all of the entry but type and bytes
+    uint64_t at() const { return in_.at(); }
+    static const char *class_word(mat5::Class type);
+    static double bytes_of(const Head &h, uint64_t in_file);
+
+    // What follows; `in` then stands behind the element.
+    bool value(const Head &h, Mm &out);
+
+    bool failed(const char *format) const; // with the name of the file
+    bool unread() const;                   // "load: '%s' could not read data set"
+
+  private:
+    struct Tag {
+        uint32_t type, bytes;
+        uint64_t end; // of the data
+    };
+    struct Layout { // of numbers: code of precision.h, bytes
+        int code, size;
+        bool wide_signed; // 64 bits with a sign
+    };
+
+    // These answer without a report.
+    uint32_t word(uint32_t w) const {
+        return swap_ ? w << 24 | (w & 0xff00) << 8 | (w >> 8 & 0xff00) | w >> 24 : w;
+    }
+    uint64_t left(uint64_t end) const { return end - std::min(end, in_.at()); }
+    template <size_t n> bool words(uint32_t (&to)[n], uint64_t end) {
+        if (left(end) < sizeof to || !in_.get(to, sizeof to)) return false;
+        for (uint32_t &w : to) w = word(w);
+        return true;
+    }
+    bool align(uint64_t end);
+    bool tag(Tag &t, uint64_t end); // aligned
+
+    bool name(char (&to)[Mat5Entry::name_size], uint64_t end);
+    bool layout(const Tag &t, mat5::Class type, Layout &l) const;
+    template <class T> bool numbers(T *to, int n, const Tag &t, const Layout &l);
+    template <class T> bool plane(T *to, int n, mat5::Class type, uint64_t end);
+    bool text(double *to, int n, uint64_t end);
+
+    struct Level; // of a value that holds others
+    class Levels;
+
+    bool countable(const Head &h, uint64_t bytes_each, int &n) const;
+    bool array(const Head &h, Mm &out);
+    bool sparse(const Head &h, Mm &out);
+    bool open(const Head &h, Mm &out, Levels &levels);
+    bool open_structure(const Head &h, Mm &out, Levels &levels);
+    bool field_names(Mm &out, const Tag &t, uint32_t length, int n, int *place);
+    bool one(const Head &h, Mm &out, Levels &levels);
+    bool settle(mat5::Class type, uint64_t end);
+
+    Mat5Input &in_;
+    const char *file_;
+    uint64_t origin_ = 0;
+    uint64_t credit_ = 0; // elements of cells and structures that get room before they are there
+    bool quiet_, swap_ = false;
+    bool inflated_ = false, surplus_ = false; // see `settle`
+};
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,391 @@
+// Values from a MAT-file of level 5, class by class. How the bytes lie: mat5_layout.h.
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "base/scratch.h"
+#include "files/mat/mat5_decode.h"
+#include "quorvex/classes.h"
+#include "quorvex/display.h"
+#include "quorvex/messages.h"
+#include "quorvex/sparse.h"
+#include "value/header.h"
+
+namespace kn {
+
+using namespace mat5;
+
+namespace {
+
+// Structures without fields, and texts without data, take no bytes in a file, so their number has no other
+// bound.
+constexpr int most_without_bytes = 1 << 16;
+
+constexpr uint64_t least_element = 8; // bytes of a matrix element
+
+} // namespace
+
+// The number of elements by the extents in the head, of which each takes some bytes of the file. Without
+// memory for so many false, after a report.
+bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, int &n) const {
+    n = product(h.entry.ndims, h.entry.dims);
+    const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);
+    if (bytes_each > 0 && count > left(h.end) / bytes_each) return unread();
+    if (n < 0) out_of_memory();
+    return n >= 0;
+}
+
+// ---- Numbers and text ----
+
+bool Mat5Decoder::array(const Head &h, Mm &out) {
+    const Class type = h.type();
+    const bool bytes = type == uint8_class;
+    if (type == double_class && h.entry.ndims == 2 && h.entry.dims[0] == 1 && h.entry.dims[1] == 1 &&
+        (h.flags & ~class_mask) == 0) { // numbers have a short way
+        double x;
+        if (!plane(&x, 1, type, h.end)) return false;
+        out = x;
+        return !lacks(out, 1);
+    }
+    int n;
+    if (!countable(h, 1, n)) return false;
+    out = Mm(h.entry.complex && type != text_class, 0, 0, h.entry.ndims, h.entry.dims,
+             bytes ? kn_uint8 : kn_double);
+    if (lacks(out, n)) return false;
+    if (type == text_class) {
+        out.setstr(1);
+        if (!text(out.addr(), n, h.end)) return false;
+    } else if (bytes) {
+        unsigned char *const none = nullptr;
+        if (!plane(out.getpr(none), n, type, h.end)) return false;
+        if (out.isc() && !plane(out.getpi(none), n, type, h.end)) return false;
+    } else {
+        if (!plane(out.addr(), n, type, h.end)) return false;
+        if (out.isc() && !plane(out.addi(), n, type, h.end)) return false;
+    }
+    out.setlogical(h.entry.logical);
+    return true;
+}
+
+namespace {
+
+// The characters that n bytes mean, as codes of 16 bits (pairs of them above 65535) or whole; a byte that
+// begins no character stands for itself. At most `room` are stored; the answer is how many there are.
+int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int room) {
+    int count = 0;
+    auto put = [&](uint32_t code) {
+        if (count < room) to[count] = code;
+        ++count;
+    };
+    for (int k = 0; k < n;) {
+        const unsigned char first = from[k];
+        const int more = first < 0xc2 ? 0 : first < 0xe0 ? 1 : first < 0xf0 ? 2 : first < 0xf5 ? 3 : 0;
+        uint32_t code = more == 0 ? first : first & (0x3f >> more);
+        int followers = 0;
+        while (followers < more && k + followers + 1 < n && (from[k + followers + 1] & 0xc0) == 0x80)
+            code = code << 6 | (from[k + ++followers] & 0x3f);
+        k += followers == more ? more + 1 : 1;
+        if (followers < more)
+            put(first);
+        else if (pairs && code > 0xffff) {
+            put(0xd800 + ((code - 0x10000) >> 10));
+            put(0xdc00 + (code & 0x3ff));
+        } else
+            put(code);
+    }
+    return count;
+}
+
+} // namespace
+
+// UTF-8 is read in the way that gives n characters, if need be as bytes. Where there are none, though the
+// extents ask for some, they are blanks: so some programs write a text that they lack.
+bool Mat5Decoder::text(double *to, int n, uint64_t end) {
+    Tag t;
+    Layout l;
+    if (n == 0) return true;
+    if (!tag(t, end)) return unread();
+    if (t.bytes == 0) {
+        if (n > most_without_bytes) return unread();
+        std::fill_n(to, n, ' ');
+        return in_.seek(t.end) || unread();
+    }
+    if (t.type != utf8) return layout(t, text_class, l) && numbers(to, n, t, l);
+    const int bytes = static_cast<int>(std::min<uint32_t>(t.bytes, INT32_MAX));
+    Scratch<unsigned char> raw(bytes);
+    if (!raw) return false;
+    if (!in_.get(raw.get(), static_cast<size_t>(bytes)) || !in_.seek(t.end)) return unread();
+    for (const bool pairs : {true, false})
+        if (decode_utf8(raw.get(), bytes, pairs, to, n) == n) return true;
+    if (bytes != n) return unread();
+    std::copy_n(raw.get(), n, to);
+    return true;
+}
+
+// ---- Sparse ----
+
+// An entry of the room may have no row index: those of the columns count.
+bool Mat5Decoder::sparse(const Head &h, Mm &out) {
+    const Mat5Entry &e = h.entry;
+    const int rows = e.dims[0], cols = product(e.ndims - 1, e.dims + 1), size = product(e.ndims, e.dims);
+    Tag t;
+    Layout l;
+    if (cols < 0 || size < 0) return failed("load5: '%s' contained sparse matrix that is too large");
+    if (static_cast<uint64_t>(cols) + 1 > left(h.end)) return unread();
+
+    int there = 0;
+    if (h.room != 0) {
+        if (!tag(t, h.end)) return unread();
+        if (!layout(t, sparse_class, l)) return false;
+        there = static_cast<int>(std::min<uint32_t>(t.bytes / static_cast<uint32_t>(l.size), INT32_MAX));
+    }
+    Scratch<int> ir(there), jc(static_cast<ptrdiff_t>(cols) + 1);
+    if (!ir || !jc || (h.room != 0 && !numbers(ir.get(), there, t, l))) return false;
+    if (!tag(t, h.end)) return unread();
+    if (!layout(t, sparse_class, l) || !numbers(jc.get(), cols + 1, t, l)) return false;
+
+    const int n = jc[cols];
+    if (n < 0) return failed("load5: '%s' contained sparse matrix with negative nnz");
+    bool sound = jc[0] == 0 && n <= there && n <= size;
+    for (int c = 0; c < cols; ++c) sound = sound && jc[c] <= jc[c + 1];
+    for (int k = 0; k < n && sound; ++k) sound = ir[k] >= 0 && ir[k] < rows;
+    if (!sound) return failed("load5: '%s' contained sparse matrix with entries outside of it");
+
+    Mm matrix(e.complex, 1, n, e.ndims, e.dims, kn_double);
+    if (lacks(matrix, n) || !matrix.issparse()) return false;
+    if (n > 0) {
+        setIrJc(matrix, ir.get(), jc.get());
+        // Logical values lie as bytes, but their type may say that they are doubles.
+        if (!tag(t, h.end)) return unread();
+        if (e.logical && t.type == float64 && t.bytes / sizeof(double) < static_cast<uint32_t>(n))
+            t.type = uint8;
+        if (!layout(t, sparse_class, l) || !numbers(matrix.addr(), n, t, l)) return false;
+        if (matrix.isc() && !plane(matrix.addi(), n, sparse_class, h.end)) return false;
+        matrix.sort();
+        matrix.resparse();
+    }
+    matrix.setlogical(e.logical);
+    out = std::move(matrix);
+    return true;
+}
+
+// ---- Cells and structures ----
+
+// A value whose elements are read one after the other. `to` stands still meanwhile: it is the result, or an
+// element of the level below, which grows only between its elements.
+struct Mat5Decoder::Level {
+    Level *below;
+    Mm *to; // a row of those that are there, with room for more
+    int at, n;
+    int field, names; // of structures: the name whose value is next, and how many there are
+    uint64_t end;
+    int ndims, dims[4];
+
+    int *place() { return reinterpret_cast<int *>(this + 1); } // where the values of each name go
+
+    // Room for element `at`: for all, as long as the file can hold that many (`credit` more), else for some
+    // at a time. False when memory is exhausted.
+    bool grow(uint64_t &credit) {
+        if (at < to->getnnz()) return true;
+        const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, at);
+        const int room = more <= std::max(few, credit) ? n : at + static_cast<int>(few);
+        if (more > few && room == n) credit -= more;
+        Mm larger(0, 0, 0, 1, room, kn_Mm);
+        if (lacks(larger, room)) return false;
+        if (to->isstruct()) larger.extend_nfields(std::max(to->getnfields(), 1));
+        for (int f = 0; f < to->getnfields(); ++f)
+            if (larger.addfield(to->getfields()[f], 1) != f) return false;
+        larger.setclassid(to->getclassid());
+        if (larger.isstruct() != to->isstruct()) return false;
+        if (at > 0) Header::move_values(larger, *to);
+        *to = std::move(larger);
+        return true;
+    }
+
+    // Where the next value goes; null when memory is exhausted.
+    Mm *next(uint64_t &credit) {
+        if (field == 0 && !grow(credit)) return nullptr;
+        Mm &element = to->getpr(static_cast<Mm *>(nullptr))[at];
+        if (!to->isstruct()) {
+            ++at;
+            return &element;
+        }
+        if (field == 0) element = Header::values(to->getnfields());
+        if (lacks(element, to->getnfields())) return nullptr;
+        Mm *const value = element.getpr(static_cast<Mm *>(nullptr)) + place()[field];
+        if (++field == names) field = 0, ++at;
+        return value;
+    }
+};
+
+// The values that are open, the innermost first.
+class Mat5Decoder::Levels {
+  public:
+    Levels() = default;
+    ~Levels() {
+        while (top_) pop();
+    }
+    Levels(const Levels &) = delete;
+    Levels &operator=(const Levels &) = delete;
+
+    Level *top() const { return top_; }
+    // A level for n elements with so many names; null when memory is exhausted.
+    Level *push(const Head &h, Mm &to, int n, int names) {
+        void *const room = scratch_alloc(1, sizeof(Level) + sizeof(int) * static_cast<size_t>(names));
+        if (!room) return nullptr;
+        top_ = new (room) Level{top_, &to, 0, n, 0, names, h.end, h.entry.ndims, {}};
+        std::copy_n(h.entry.dims, most_dims, top_->dims);
+        return top_;
+    }
+    void pop() {
+        Level *const level = top_;
+        top_ = level->below;
+        heap_free(level);
+    }
+
+  private:
+    Level *top_ = nullptr;
+};
+
+// Adds n names; place[k] becomes where the values of name k go. Names that are the same (they were cut, when
+// they were written) are one field.
+bool Mat5Decoder::field_names(Mm &out, const Tag &t, uint32_t length, int n, int *place) {
+    const auto unreadable = [this] { return failed("load5: could not read field name from '%s'"); };
+    const size_t step = size_t{length} + 1;
+    Scratch<char> names(static_cast<ptrdiff_t>(step) * n);
+    Scratch<int> order(n);
+    if (!names || !order) return false;
+    for (int k = 0; k < n; ++k) {
+        char *name = names.get() + step * static_cast<size_t>(k);
+        if (!in_.get(name, length)) return unreadable();
+        name[length] = '\0';
+        if (!*name) return unreadable();
+        order[k] = k;
+    }
+    if (!in_.seek(t.end)) return unreadable();
+    auto name_at = [&](int k) { return names.get() + step * static_cast<size_t>(k); };
+    std::sort(order.get(), order.get() + n, [&](int a, int b) {
+        const int c = std::strcmp(name_at(a), name_at(b));
+        return c < 0 || (c == 0 && a < b);
+    });
+    for (int k = 0; k < n; ++k) {
+        const bool again = k > 0 && std::strcmp(name_at(order[k - 1]), name_at(order[k])) == 0;
+        place[order[k]] = again ? place[order[k - 1]] : order[k];
+        if (again) warning("load5: '%s' contained structure with two fields '%s'", file_, name_at(order[k]));
+    }
+    for (int k = 0; k < n; ++k) {
+        place[k] = place[k] == k ? out.addfield(name_at(k), 1) : place[place[k]];
+        if (place[k] < 0) return false;
+    }
+    return true;
+}
+
+bool Mat5Decoder::open_structure(const Head &h, Mm &out, Levels &levels) {
+    char cls[Mat5Entry::name_size] = "";
+    if (h.type() == object_class && !name(cls, h.end)) return false;
+
+    Tag t;
+    uint32_t word[1] = {};
+    const auto unreadable = [this] { return failed("load5: could not read field name from '%s'"); };
+    if (!tag(t, h.end) || t.bytes < sizeof word || !words(word, h.end) || !in_.seek(t.end) ||
+        !tag(t, h.end) || (t.bytes > 0 && word[0] == 0))
+        return unreadable();
+    const uint32_t length = word[0];
+    const int names = length == 0 ? 0 : static_cast<int>(std::min<uint32_t>(t.bytes / length, INT32_MAX));
+    if (t.bytes > 0 && names == 0) return unreadable();
+
+    int n;
+    if (!countable(h, static_cast<uint64_t>(names) * least_element, n)) return false;
+    if (names == 0 && n > most_without_bytes) return unread();
+    out = Mm(0, 0, 0, 0, 0, kn_Mm);
+    out.extend_nfields(std::max(names, 1));
+    Level *const level = levels.push(h, out, n, names);
+    if (!level || !out.isstruct() || !field_names(out, t, length, names, level->place())) return false;
+    if (*cls) {
+        const Mm class_name = TM(cls);
+        if (lacks(class_name, 1)) return false;
+        out = mclass(out, class_name);
+    }
+    for (; names == 0 && level->at < n; ++level->at) {
+        if (!level->grow(credit_)) return false;
+        out.getpr(static_cast<Mm *>(nullptr))[level->at] = Header::values(0);
+    }
+    return true;
+}
+
+bool Mat5Decoder::open(const Head &h, Mm &out, Levels &levels) {
+    if (h.type() != cell_class) return open_structure(h, out, levels);
+    int n;
+    if (!countable(h, least_element, n)) return false;
+    out = Mm(0, 0, 0, 0, 0, kn_Mm);
+    return levels.push(h, out, n, 0) != nullptr;
+}
+
+// ---- Any class ----
+
+// The value of one element, or what holds its elements.
+bool Mat5Decoder::one(const Head &h, Mm &out, Levels &levels) {
+    const Class type = h.type();
+    const bool outermost = !levels.top();
+    if (h.holds_values()) return open(h, out, levels);
+    bool done = true;
+    if (!h.has_data) {
+        out = Mm();
+    } else if (type == no_class) {
+        out = Mm();
+        out.gettype() = kn_none;
+    } else if (type == sparse_class) {
+        done = sparse(h, out);
+    } else if (type <= last_number_class) {
+        done = array(h, out);
+    } else if (type == handle_class || type == opaque_class) {
+        warning("load5: '%s': variable '%s' of class '%s' can not be loaded", file_, h.entry.name,
+                class_word(type));
+        out = Mm();
+    } else {
+        return failed("load5: '%s' unrecognized matrix type");
+    }
+    // A compressed variable may end before the bytes that it announces, with all its data there.
+    if (done && outermost) in_.seek(h.end);
+    return done && (outermost || settle(type, h.end));
+}
+
+// Goes to the end of a nested element. In compressed variables of some programs a text announces 8 bytes that
+// aren't there, unless they don't begin an element, and cells and structures any number: those end with their
+// last element.
+bool Mat5Decoder::settle(Class type, uint64_t end) {
+    if (inflated_ && type == text_class) {
+        if (!align(end)) return unread();
+        surplus_ = left(end) == 8;
+        if (surplus_) return true;
+    }
+    return in_.seek(end) || unread();
+}
+
+bool Mat5Decoder::value(const Head &outermost, Mm &out) {
+    constexpr uint64_t usual_ratio = 256; // a byte of a compressed variable counts for less than it may give
+    credit_ = in_.left() / (inflated_ ? usual_ratio * least_element : least_element);
+    Levels levels;
+    Head h = outermost;
+    for (Mm *to = &out;;) {
+        if (inflated_ && h.holds_values()) h.end = in_.size();
+        if (!one(h, *to, levels)) return false;
+        for (Level *level = levels.top(); level && level->at == level->n; level = levels.top()) {
+            level->to->reshape(level->ndims, level->dims);
+            if (level->below && !inflated_ && !in_.seek(level->end)) return unread();
+            levels.pop();
+        }
+        Level *const level = levels.top();
+        if (!level) break;
+        to = level->next(credit_);
+        if (!to) return false;
+        if (!align(level->end)) return unread();
+        if (!head(h, level->end)) return false;
+    }
+    check(out);
+    return true;
+}
+
+} // namespace kn

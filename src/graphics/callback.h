@@ -1,0 +1,15 @@
+// Evaluation of a text on behalf of the graphics engine.
+#ifndef QUORVEX_GRAPHICS_CALLBACK_H
+#define QUORVEX_GRAPHICS_CALLBACK_H
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+// Runs the text through callback_func. Whatever is thrown ends here: the pending error is shown, and the
+// stack of source positions goes back to where it was. Nothing happens for an empty text.
+void evaluate_guarded(const Mm &text);
+
+} // namespace kn
+
+#endif

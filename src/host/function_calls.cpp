@@ -1,0 +1,40 @@
+// The calls of the table of functions: for each row one function for each of its forms, and the list of
+// these, name_calls. A form that no overload has doesn't compile. They are kept plain, since there are
+// thousands: a form is one instance of one template, found neither by trying nor by passing arguments on.
+
+#include <utility>
+
+#include "host/function_table.h"
+#include "quorvex.h"
+
+namespace kn {
+
+template <template <class, class, bool> class Row, form f> constexpr Call call_of() {
+    constexpr bool names = f.kind == form::names;
+    return Row<std::make_index_sequence<f.inputs>, std::make_index_sequence<f.outputs>, names>::call;
+}
+
+template <template <class, class, bool> class Row, form... f>
+inline constexpr Call calls_of[] = {call_of<Row, f>()...};
+
+#define KN_ROW(name, description, ...)                                                  \
+    namespace {                                                                         \
+    template <class, class, bool> struct name##_row;                                    \
+    template <size_t... in, size_t... out, bool names>                                  \
+    struct name##_row<std::index_sequence<in...>, std::index_sequence<out...>, names> { \
+        static Mm call([[maybe_unused]] const Mm *x, [[maybe_unused]] Mm *y) {          \
+            if constexpr (names)                                                        \
+                return ::name(x[in]..., kn_names{x[sizeof...(in)]});                    \
+            else if constexpr (sizeof...(out) > 1)                                      \
+                return ::name(x[in]..., i_o, y[out]...);                                \
+            else                                                                        \
+                return ::name(x[in]...);                                                \
+        }                                                                               \
+    };                                                                                  \
+    }                                                                                   \
+    extern const Call *const name##_calls;                                              \
+    constinit const Call *const name##_calls = calls_of<name##_row, __VA_ARGS__>;
+QUORVEX_FUNCTIONS(KN_ROW)
+#undef KN_ROW
+
+} // namespace kn

@@ -1,0 +1,27 @@
+// The table of functions: what the rows of the headers state, and the calls that are made from it, one for
+// each form (calls.cpp). Sorted by C++ name.
+#ifndef QUORVEX_HOST_FUNCTION_TABLE_H
+#define QUORVEX_HOST_FUNCTION_TABLE_H
+
+#include <span>
+
+#include "quorvex/library.h"
+
+namespace kn {
+
+// Calls one form. Of several outputs each has its place in y; else the value, or x_M, is returned.
+using Call = Mm (*)(const Mm *x, Mm *y);
+
+struct Function {
+    kn_function about;
+    std::span<const form> forms;
+    const Call *const *calls; // in the same order; a list, and names, are one input, a cell
+};
+
+constexpr int max_inputs = 6, max_outputs = 6;
+
+std::span<const Function> function_table();
+
+} // namespace kn
+
+#endif

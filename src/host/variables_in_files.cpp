@@ -1,0 +1,90 @@
+// load and save with the names of variables of the workspace, as a command gives them: save f x y.
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "files/mat/matfile.h"
+#include "host/workspace.h"
+#include "platform/platform.h"
+#include "quorvex/display.h"
+#include "quorvex/matfiles.h"
+#include "quorvex/startup.h"
+
+using namespace kn;
+
+namespace {
+
+using Save = Mm (*)(const Mm &name, const Mc &list);
+
+struct Option {
+    const char *word;
+    Save save;
+};
+constexpr Option options[] = {{"-append", saveappend}, {"-ascii", saveascii}, {"-v4", saveV4}};
+
+// Adds the variables of the current level that have a name and a value.
+void add_all(Mc &list) {
+    const int level = Scopes::level();
+    for (int k = 0; k < Scopes::count(level); ++k)
+        if (const Mm &value = *Scopes::value(k, level); value.gettype() != kn_none) list, value;
+}
+
+Mm save_named(const char *caller, const Mm &file, const Mm &texts, Save save) {
+    Mc list;
+    bool named = false;
+    for (int k = 1; k <= texts.size(); ++k) {
+        char name[max_variable_name];
+        Mstr_row(texts.safebr(k), name, sizeof name);
+        if (*name == '-') {
+            const Option *option = std::find_if(std::begin(options), std::end(options), [&](const Option &o) {
+                return std::strcmp(o.word, name) == 0;
+            });
+            if (option == std::end(options)) {
+                error("%s: unknown option %s", caller, name);
+                return x_M;
+            }
+            save = option->save;
+            continue;
+        }
+        const Mm *value = Scopes::lookup_visible(name);
+        if (!value || value->gettype() == kn_none) {
+            error("%s: variable '%s' not found", caller, name);
+            return x_M;
+        }
+        list, *value;
+        named = true;
+    }
+    if (!named) add_all(list);
+    return save(file, list);
+}
+
+// Of a text the variable is called as the file, up to its first ".".
+void set_from_text(const Mm &file, const Mm &value) {
+    char path[mat_name_size], name[max_variable_name];
+    mat_name(file, path);
+    const char *last = os::last_part(path);
+    std::snprintf(name, sizeof name, "%.*s", static_cast<int>(std::strcspn(last, ".")), last);
+    if (is_variable_name(name))
+        Scopes::set(name, value);
+    else
+        error("load: %s is no name of a variable", name);
+}
+
+} // namespace
+
+Mm save(const Mm &name, const kn_names &names) { return save_named("save", name, names.texts, save); }
+Mm saveV4(const Mm &name, const kn_names &names) { return save_named("saveV4", name, names.texts, saveV4); }
+Mm saveascii(const Mm &name, const kn_names &names) {
+    return save_named("saveascii", name, names.texts, saveascii);
+}
+
+Mm load(const Mm &name, const kn_names &names) {
+    const Mm loaded = names.texts.size() > 0 ? load(name, names.texts) : load(name);
+    for (int k = 0; k < loaded.getnfields(); ++k) {
+        const char *field = loaded.getfield(k);
+        Scopes::set(field, Mm(loaded.member(field)));
+    }
+    if (!loaded.isstruct() && kn_has_value(loaded)) set_from_text(name, loaded);
+    return x_M;
+}

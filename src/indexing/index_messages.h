@@ -1,0 +1,23 @@
+// The words about positions that lie outside. `at` counts from 0, the texts from 1.
+#ifndef QUORVEX_INDEXING_INDEX_MESSAGES_H
+#define QUORVEX_INDEXING_INDEX_MESSAGES_H
+
+#include "quorvex/values.h"
+
+namespace kn {
+
+// Of plain matrices with one and two subscripts.
+void report_outside(const Mm &base, const Mm &i, int at);
+void report_row_outside(const Mm &base, const Mm &i, const Mm &j, int at);
+void report_col_outside(const Mm &base, const Mm &i, const Mm &j, int at);
+
+// Of everything else.
+void report_not_positive(const Mm &s, const Mm &base, int at);
+void report_outside_matrix(const Mm &s, const Mm &base, int at);
+void report_outside_vector(const Mm &s, const Mm &base, int at);
+void report_outside_dimension(const Mm &s, const Mm &base, int at, int extent);
+void report_sparse_zero(const Mm &s, const Mm &base);
+
+} // namespace kn
+
+#endif

@@ -1,0 +1,6 @@
+// Reading of bytes.
+
+#include "indexing/index_read.h"
+
+template Mm kn::select<unsigned char>(const Mm &, const Selection &, const int *);
+template Mm kn::read_selection<unsigned char>(const Mm &, const Subscripts &, int);

@@ -1,0 +1,209 @@
+// Sparse bases and targets: selections move between lists of entries.
+//
+// Reading takes a line at a time: the entries of a column, or of the part of it that the first subscript
+// selects, stand together, since entries ascend. Writing makes a sorted list of the new entries and merges it
+// with the old one; at equal positions the last one written stays.
+
+#include <cstring>
+
+#include "indexing/index_move.h"
+#include "value/constants.h"
+
+namespace kn {
+
+namespace {
+
+// Entries as they are collected: it grows as they come.
+class Entries {
+  public:
+    Entries(int complex, int n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
+
+    // Entry `slot` of `from` at another position.
+    void add(int position, const Mm &from, int slot) {
+        if (count_ == list_.getnnz()) extend();
+        if (failed_) return;
+        list_.getindex()[count_] = position;
+        list_.addr()[count_] = from.addr()[slot];
+        if (list_.isc()) list_.addi()[count_] = from.isc() ? from.addi()[slot] : 0.0;
+        ++count_;
+    }
+
+    // The entries as a value of these extents, sorted. False when memory was exhausted.
+    bool finish(const int *dims) {
+        if (failed_) return false;
+        int n = product(4, dims);
+        for (int k = 0; k < 4; ++k) list_.getdims()[k] = n > 0 ? dims[k] : 0;
+        list_.getndims() = n > 0 ? 4 : 2;
+        list_.collapse();
+        list_.getnnz() = count_;
+        list_.sort();
+        return std::is_sorted(list_.getindex(), list_.getindex() + count_);
+    }
+    Mm &value() { return list_; }
+    int count() const { return count_; }
+    bool failed() const { return failed_; }
+
+  private:
+    Mm list_;
+    int count_ = 0;
+    bool failed_;
+
+    void extend() {
+        int n = std::max(64, count_ < INT_MAX / 2 ? 2 * count_ : INT_MAX);
+        list_.extend_nnz(n);
+        failed_ = lacks(list_, n);
+    }
+};
+
+// For each row the places in the first subscript that select it, as chains.
+class Inverse {
+  public:
+    Inverse(const Positions &rows, int extent) : head_(extent), next_(rows.count()) {
+        if (!head_ || !next_) return;
+        std::fill_n(head_.get(), extent, -1);
+        for (int k = rows.count(); k-- > 0;) {
+            next_[k] = head_[rows[k]];
+            head_[rows[k]] = k;
+        }
+    }
+    explicit operator bool() const { return head_ && next_; }
+    int head(int row) const { return head_[row]; }
+    int next(int k) const { return next_[k]; }
+
+  private:
+    Scratch<int> head_, next_;
+};
+
+} // namespace
+
+namespace {
+
+// The first of the ascending positions from `at` on that is not below `least`, found in steps that double.
+const int *seek(const int *at, const int *end, int least) {
+    ptrdiff_t step = 1;
+    while (step < end - at && at[step] < least) {
+        at += step;
+        step *= 2;
+    }
+    return std::lower_bound(at, at + std::min(step, end - at), least);
+}
+
+} // namespace
+
+Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
+    const Mm base = source; // the error handler may assign to the variable
+    const int *index = base.getindex(), *end = index + base.getnnz();
+    const Positions &rows = s[0];
+    int extent = s.n() == 1 ? base.size() : base.rows(), count = rows.count();
+    long long total = s.total();
+    Entries out(base.isc(), 64);
+
+    // A list of rows is looked up row by row, or, when it is long, turned round once.
+    std::optional<Inverse> inverse;
+    if (!rows.is_run() && extent <= total && base.getnnz() > 0) {
+        inverse.emplace(rows, extent);
+        if (!*inverse) return nothing_M;
+    }
+    int place = 0;           // of the line in the result
+    const int *near = index; // the entries of the line before; most lines follow it
+    int last = 0;
+    Odometer lines(s, base.getdims(), 0);
+    for (ptrdiff_t next; !out.failed() && (next = lines.kn_next_index()) >= 0; place += count) {
+        int line = static_cast<int>(next);
+        int least = line + (rows.is_run() ? rows.first() : 0);
+        int span = rows.is_run() ? count : extent;
+        const int *from = near = seek(least < last ? index : near, end, least);
+        last = least;
+        if (from == end || *from - least >= span) continue;
+        if (rows.is_run()) {
+            for (; from < end && *from - least < span; ++from)
+                out.add(place + (*from - least), base, static_cast<int>(from - index));
+        } else if (inverse) {
+            for (; from < end && *from - line < extent; ++from)
+                for (int k = inverse->head(*from - line); k >= 0; k = inverse->next(k))
+                    out.add(place + k, base, static_cast<int>(from - index));
+        } else {
+            for (int k = 0; k < count && !out.failed(); ++k) {
+                int slot = base.search(line + rows[k]);
+                if (slot >= 0) out.add(place + k, base, slot);
+            }
+        }
+    }
+    if (!out.finish(dims)) return nothing_M;
+    Mm result = out.value();
+    M_types flags = base.getflags();
+    flags.persistent = flags.global = 0;
+    result.getflags() = flags;
+    check(result);
+    return result;
+}
+
+namespace {
+
+bool is_zero(const Mm &m, int k) { return m.addr()[k] == 0 && (!m.isc() || m.addi()[k] == 0); }
+
+// Position in extents `to` of a position in extents `from`.
+int renumbered(int position, const int *from, const int *to) {
+    ptrdiff_t result = 0, stride = 1;
+    for (int k = 0; k < 4; ++k) {
+        result += position % from[k] * stride;
+        position /= from[k];
+        stride *= to[k];
+    }
+    return static_cast<int>(result);
+}
+
+} // namespace
+
+bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
+    bool grows = std::memcmp(dims, t.getdims(), 4 * sizeof *dims) != 0;
+    int total = s.total(), step = src.getnnz() != 1;
+    if (total == 1 && !grows && !t.dirty() && (t.isc() || !src.isc())) {
+        Odometer one(s, dims);
+        ptrdiff_t line = one.kn_next_index();
+        int slot = t.search(static_cast<int>(line + one.line()[0] * one.stride()));
+        if (slot >= 0) {
+            t.addr()[slot] = *src.addr();
+            if (t.isc()) t.addi()[slot] = src.isc() ? *src.addi() : 0.0;
+            if (is_zero(t, slot)) t.resparse();
+            return true;
+        }
+    }
+    if (product(4, dims) < 0) {
+        out_of_memory();
+        return false;
+    }
+
+    int complex = t.isc() || src.isc();
+    Entries written(complex, total);
+    Odometer lines(s, dims);
+    int k = 0;
+    for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0;)
+        for (int l = 0; l < lines.line().count(); ++l, k += step)
+            written.add(static_cast<int>(line + lines.line()[l] * lines.stride()), src, k);
+    if (!written.finish(dims)) return false;
+    const Mm &fresh = written.value();
+
+    const int *a = t.getindex(), *b = fresh.getindex();
+    int na = t.getnnz(), nb = fresh.getnnz();
+    Entries merged(complex, na > INT_MAX - 8 - nb ? INT_MAX : na + nb);
+    if (merged.failed()) return false;
+    for (int i = 0, j = 0; i < na || j < nb;) {
+        int at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : INT_MAX;
+        if (j < nb && b[j] <= at) {
+            if (b[j] == at) ++i;
+            while (j + 1 < nb && b[j + 1] == b[j]) ++j;
+            if (!is_zero(fresh, j)) merged.add(b[j], fresh, j);
+            ++j;
+        } else {
+            if (!is_zero(t, i)) merged.add(at, t, i);
+            ++i;
+        }
+    }
+    if (!merged.finish(dims)) return false;
+    take(t, merged.value());
+    check(t);
+    return true;
+}
+
+} // namespace kn

@@ -1,0 +1,235 @@
+// Assignment with subscripts.
+//
+// An engine works out the positions, gives the target its new extents, a block of its own and, where the
+// source is complex, an imaginary plane (all in `resize`), and then scatters the source. The target keeps its
+// flags. vwcopy1 and vwcopy2 serve one and two subscripts on a plain matrix, vwcopyn everything else. An
+// empty source deletes: index_delete.cpp. Sparse targets: index_sparse.cpp.
+#ifndef QUORVEX_INDEXING_INDEX_WRITE_H
+#define QUORVEX_INDEXING_INDEX_WRITE_H
+
+#include <cstring>
+
+#include "indexing/index_messages.h"
+#include "indexing/index_move.h"
+#include "quorvex/messages.h"
+#include "quorvex/sparse.h"
+#include "value/number_block.h"
+
+namespace kn {
+
+// Room for a value that grows from n to m elements: half as much again, so that appending is amortised.
+inline int grown_room(int n, int m) { return n <= INT_MAX / 2 ? std::max(m, n + n / 2) : m; }
+
+// Elements keep their linear order, not only their subscripts, when all extents but the last one that grows
+// stay.
+inline bool keeps_order(const int *from, const int *to) {
+    int last = 3;
+    while (last > 0 && to[last] == 1) --last;
+    return std::equal(from, from + last, to);
+}
+
+// Makes the target ready to be written: extents `dims`, a block of its own, an imaginary plane if `complex`.
+// Old elements stay at their subscripts, or (linear) at their linear positions; new places are blank. In the
+// old block where it has room.
+template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear) {
+    int n = t.getnnz(), m = product(4, dims);
+    if (m < 0) {
+        out_of_memory();
+        return false;
+    }
+    linear = linear || n == 0 || keeps_order(t.getdims(), dims);
+    if (!t.dirty() && linear && m <= t.getp() && (t.isc() || !complex)) {
+        if (m > n) clear<T>(t, n, m);
+        set_extents(t, dims);
+        return true;
+    }
+
+    int room = m > n ? grown_room(n, m) : m;
+    if (linear && !complex && m > n && room <= INT_MAX - block_slack && Header::extend(t, room)) {
+        clear<T>(t, n, m);
+        set_extents(t, dims);
+        return true;
+    }
+    Mm fresh(complex || t.isc(), 0, 0, room, 1, t.gettype());
+    if (lacks(fresh, room) || !copy_fields(fresh, t)) return false;
+    bool cleared = std::is_same_v<T, Mm> && !t.isstruct(); // new cells are empty from the start
+    set_extents(fresh, dims);
+    Selection old;
+    if (linear)
+        old.next().set_run(0, n);
+    else
+        for (int k = 0; k < 4; ++k) old.next().set_run(0, t.getdims()[k]);
+    if (!cleared) clear<T>(fresh, linear ? n : 0, m);
+    if (n > 0) scatter<T>(fresh, old, t);
+    take(t, fresh);
+    return true;
+}
+
+// x(:) = src
+template <class T> bool assign_all(Mm &t, const Mm &src) {
+    int n = t.getnnz(), s = src.getnnz();
+    if (t.isc() && !src.isc()) t.getreal(1);
+    if (s == 0) return make_empty(t);
+    if (n == 0) return true;
+    if (s != 1 && s != n) {
+        const char *x = kn_display_name(t), *y = kn_display_name(src);
+        error("%s(:)=%s: size(%s) different than size(%s)", x, y, x, y);
+        return false;
+    }
+    int dims[4];
+    std::memcpy(dims, t.getdims(), sizeof dims);
+    if (s > 1 && !t.dirty() && s <= t.getp()) { // the source's block and flags
+        t = src;
+        set_extents(t, dims);
+        check(t);
+        return true;
+    }
+    Selection all;
+    all.next().set_run(0, n);
+    if (!resize<T>(t, dims, src.isc(), true)) return false;
+    scatter<T>(t, all, src);
+    check(t);
+    return true;
+}
+
+template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
+    int n = t.getnnz(), s = src.getnnz();
+    if (is_colon(i)) return assign_all<T>(t, src);
+    if (i.getnnz() == 0) return true;
+    if (s == 0) return delete1(t, i);
+
+    Selection sel;
+    if (!sel.add_alone(i, n)) return false;
+    // A mask makes the target as long as itself; numbers count rounded.
+    ptrdiff_t m = i.islogical() ? i.getnnz() : largest_rounded(i, sel[0]);
+    if (m <= 0) {
+        error("%s(%s): index is non-positive", kn_display_name(t), kn_display_name(i));
+        return false;
+    }
+    int count = sel[0].count();
+    bool fits = s == 1 || s == count;
+
+    int dims[4] = {1, 1, 1, 1};
+    if (m <= n)
+        std::memcpy(dims, t.getdims(), sizeof dims);
+    else if (!reach(dims[t.rows() > 1 ? 0 : 1], m))
+        return false;
+    // A source that doesn't fit is found out when the target has grown already.
+    if ((fits || m > n) && !resize<T>(t, dims, fits && src.isc(), true)) return false;
+    if (!fits) {
+        const char *x = kn_display_name(t), *index = kn_display_name(i), *y = kn_display_name(src);
+        if (i.islogical())
+            error("%s(%s)=%s: a logical assignment ; source size != number of non zeros in index", x, index,
+                  y);
+        else
+            error("%s(%s)=%s: size(%s) different than size(%s)", x, index, y, y, index);
+        return false;
+    }
+    if (count > 0) scatter<T>(t, sel, src);
+    check(t);
+    return true;
+}
+
+template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) {
+    const Mm *const subscripts[] = {&i, &j};
+    static const char *const texts[] = {"%s(%s,%s)=%s: row index is non-positive",
+                                        "%s(%s,%s)=%s: col index is non-positive"};
+    int s = src.getnnz();
+    int dims[4];
+    std::memcpy(dims, t.getdims(), sizeof dims);
+    if (t.getnnz() == 0) dims[2] = dims[3] = 1;
+
+    Selection sel;
+    for (int k = 0; k < 2; ++k) {
+        const int *extents = s == 1 && t.getnnz() > 0 ? t.getdims() : src.getdims();
+        if (!sel.add(*subscripts[k], s == 0 ? t.getdims()[k] : extents[k])) return false;
+        if (sel[k].count() == 0 && !is_colon(*subscripts[k])) return true;
+    }
+    if (s == 0) return delete2(t, i, j);
+    auto report = [&](const char *text) {
+        error(text, kn_display_name(t), kn_display_name(i), kn_display_name(j), kn_display_name(src));
+        return false;
+    };
+    if (s != 1 && sel.total() != s)
+        return report("%s(%s,%s)=%s: size(row index)*size(col index) is different than size(source)");
+    for (int k = 0; k < 2; ++k) {
+        const Mm &index = *subscripts[k];
+        bool numbers = !is_colon(index) && !index.islogical();
+        ptrdiff_t m = numbers ? largest_rounded(index, sel[k]) : sel[k].largest() + 1;
+        if (numbers && m < 1) return report(texts[k]);
+        if (!reach(dims[k], m)) return false;
+    }
+    if (!resize<T>(t, dims, src.isc(), false)) return false;
+    scatter<T>(t, sel, src);
+    check(t);
+    return true;
+}
+
+// The extents that hold the selection. False after "Out of memory!".
+inline bool grown_extents(int *dims, const Mm &t, const Subscripts &s, const Selection &sel) {
+    for (int k = 0; k < 4; ++k) dims[k] = t.size() > 0 ? t.getdims()[k] : 1;
+    if (s.n > 1) {
+        for (int k = 0; k < s.n; ++k)
+            if (!reach(dims[k], sel[k].largest() + 1)) return false;
+    } else if (!is_colon(s[0]) && sel[0].largest() >= t.size()) {
+        return reach(dims[t.vectordim() - 1], sel[0].largest() + 1); // only vectors come here
+    }
+    return true;
+}
+
+template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &source) {
+    bool whole = kind == Mr_brace; // one element becomes the source as it is
+    Mm src = source;
+    if (!whole) {
+        if (s.n == 0) {
+            t = src;
+            return true;
+        }
+        if (src.size() == 0) return vwcopy0(t, s);
+    } else if (s.n == 0) {
+        return true;
+    }
+
+    // In an empty target a colon among several subscripts stands for the extent of the source.
+    const int *colon_extents = !whole && t.size() == 0 && s.n > 1 ? src.getdims() : t.getdims();
+    int counts[4];
+    int total = kn_index_dims(t, s, colon_extents, 1, counts);
+    if (total <= 0) return total == 0;
+    if (!whole) {
+        int size = src.size();
+        if (size != 1 && size != total) {
+            error("In indexed assignment to the matrix %s, the index size was %d but right hand side has %d "
+                  "elements",
+                  kn_display_name(t), total, size);
+            return false;
+        }
+        if (src.issparse()) src = full(src);
+        if (lacks(src, size)) return false;
+    }
+
+    Selection sel;
+    for (int k = 0; k < s.n; ++k)
+        if (!sel.add(s[k], counts[k])) return false;
+    if (!sel.reaches(t, s, Selection::growing, 1)) return false;
+    int dims[4];
+    if (!grown_extents(dims, t, s, sel)) return false;
+    if constexpr (std::is_same_v<T, double>)
+        if (t.issparse()) return write_sparse(t, sel, dims, src);
+    if (!resize<T>(t, dims, !whole && src.isc(), false)) return false;
+    if constexpr (std::is_same_v<T, Mm>) {
+        if (whole) {
+            Odometer lines(sel, t.getdims());
+            ptrdiff_t line = lines.kn_next_index();
+            re<Mm>(t)[line + lines.line()[0] * lines.stride()] = src;
+            check(t);
+            return true;
+        }
+    }
+    scatter<T>(t, sel, src);
+    check(t);
+    return true;
+}
+
+} // namespace kn
+
+#endif

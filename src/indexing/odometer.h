@@ -1,0 +1,37 @@
+// The walk through a selection: the first subscript runs fastest.
+//
+// Elements are visited line by line. A line is all that one subscript selects while the others stand still:
+// the first subscript that selects more than one position, since those before it never move. The odometer
+// counts the subscripts behind it and gives the place where each line begins.
+#ifndef QUORVEX_INDEXING_ODOMETER_H
+#define QUORVEX_INDEXING_ODOMETER_H
+
+#include "indexing/selection.h"
+
+namespace kn {
+
+class Odometer {
+  public:
+    // Of a value with these four extents, inside which the selection lies. Lines along `axis` when it is
+    // given.
+    Odometer(const Selection &s, const int *extents, int axis = -1);
+
+    // Goes on with the n-th line, counted from 0; there is one.
+    void skip_to(ptrdiff_t n);
+    // Linear position of the next line, -1 after the last. Its elements stand at position times stride
+    // behind.
+    ptrdiff_t kn_next_index();
+    const Positions &line() const { return s_[axis_]; }
+    ptrdiff_t stride() const { return stride_[axis_]; }
+
+  private:
+    const Selection &s_;
+    int axis_;
+    ptrdiff_t stride_[4] = {};
+    int counter_[4] = {};
+    ptrdiff_t next_ = 0;
+};
+
+} // namespace kn
+
+#endif

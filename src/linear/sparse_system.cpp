@@ -1,0 +1,148 @@
+#include "linear/sparse_system.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "value/columns.h"
+#include "value/header.h"
+
+namespace kn {
+namespace {
+
+// -1 makes a Scratch that reports; a size that no int holds can't be had.
+ptrdiff_t room_for(int64_t n) { return n <= INT_MAX ? static_cast<ptrdiff_t>(n) : PTRDIFF_MAX; }
+
+int entries_before(const Mm &a, int cols) {
+    const int64_t end = static_cast<int64_t>(cols) * a.rows();
+    const int *index = a.getindex();
+    return static_cast<int>(std::lower_bound(index, index + a.getnnz(), end) - index);
+}
+
+} // namespace
+
+Columns::Columns(int64_t rows, int64_t cols, int64_t room, bool is_complex)
+    : m_(static_cast<int>(rows)), n_(static_cast<int>(cols)), is_complex_(is_complex),
+      start_(room_for(cols + 1)), row_(room_for(room)), re_(room_for(room)),
+      im_(is_complex ? room_for(room) : 0) {
+    if (start_) start_[0] = 0;
+}
+
+Columns::Columns(const Mm &a, int cols) : Columns(a.rows(), cols, entries_before(a, cols), a.isc()) {
+    if (!*this) return;
+    const int *index = a.getindex();
+    ColumnWalk walk(a.rows());
+    for (int k = 0, n = entries_before(a, cols); k < n; ++k) {
+        int row = walk.row(index[k]);
+        while (filled_ <= walk.column()) begin_column();
+        add(row, a.addr()[k], is_complex_ ? a.addi()[k] : 0, true);
+    }
+    while (filled_ < n_) begin_column();
+}
+
+void Columns::add(int row, double re, double im, bool kept) {
+    if (!kept && re == 0 && im == 0) return;
+    int k = start_[filled_]++;
+    row_[k] = row;
+    re_[k] = re;
+    if (is_complex_) im_[k] = im;
+}
+
+void embed_complex(const Columns &a, Columns &out) {
+    const int m = a.rows();
+    for (int half = 0; half < 2; ++half)
+        for (int c = 0; c < a.cols(); ++c) {
+            out.begin_column();
+            const int begin = a.start()[c], end = a.start()[c + 1];
+            for (int k = begin; k < end; ++k) out.add(a.row()[k], half ? -a.im()[k] : a.re()[k], 0);
+            for (int k = begin; k < end; ++k) out.add(a.row()[k] + m, half ? a.re()[k] : a.im()[k], 0);
+        }
+}
+
+bool augment(const Columns &a, double s, Columns &out) {
+    const int m = a.rows(), n = a.cols(), nnz = a.entries();
+    // The entries by rows: those of row r are by_row[first[r]] to by_row[first[r + 1] - 1].
+    Scratch<int> first(static_cast<ptrdiff_t>(m) + 2), by_row(nnz), column(nnz);
+    if (!first || !by_row || !column) return false;
+    std::fill_n(first.get(), m + 2, 0);
+    for (int k = 0; k < nnz; ++k) ++first[a.row()[k] + 2];
+    for (int r = 0; r < m; ++r) first[r + 2] += first[r + 1];
+    for (int c = 0; c < n; ++c)
+        for (int k = a.start()[c]; k < a.start()[c + 1]; ++k) {
+            by_row[first[a.row()[k] + 1]++] = k;
+            column[k] = c;
+        }
+    for (int r = 0; r < m; ++r) {
+        out.begin_column();
+        out.add(r, s, 0);
+        for (int e = first[r]; e < first[r + 1]; ++e) {
+            int k = by_row[e];
+            out.add(m + column[k], a.re()[k], a.im() ? -a.im()[k] : 0);
+        }
+    }
+    for (int c = 0; c < n; ++c) {
+        out.begin_column();
+        for (int k = a.start()[c]; k < a.start()[c + 1]; ++k)
+            out.add(a.row()[k], a.re()[k], a.im() ? a.im()[k] : 0);
+    }
+    return true;
+}
+
+// Columns are walked in order. The next entry of column r that hasn't been met is then in row c whenever
+// column c has one in row r.
+bool symmetric_pattern(const Columns &a, int *next) {
+    const int n = a.cols();
+    int diagonal = 0;
+    std::copy_n(a.start(), n, next);
+    for (int c = 0; c < n; ++c)
+        for (int k = a.start()[c]; k < a.start()[c + 1]; ++k) {
+            const int r = a.row()[k];
+            if (next[r] == a.start()[r + 1] || a.row()[next[r]++] != c) return false;
+            diagonal += r == c;
+        }
+    return diagonal == n;
+}
+
+// A column takes its diagonal entry if there is one. A column left over looks for a row along a path of
+// columns, each of which would hand its row to the one before and take another (Duff, On algorithms for
+// obtaining a maximum transversal, ACM Trans. Math. Softw. 7, 1981).
+int match_rows(const Columns &a, int *row_of) {
+    const int n = a.cols(), *start = a.start(), *row = a.row();
+    Scratch<int> column_of(n), path(n), next(n), fresh(n), seen(n);
+    if (!column_of || !path || !next || !fresh || !seen) return -1;
+    for (int c = 0; c < n; ++c) row_of[c] = column_of[c] = seen[c] = -1, fresh[c] = start[c];
+    for (int c = 0; c < n; ++c)
+        if (std::find(row + start[c], row + start[c + 1], c) != row + start[c + 1])
+            row_of[c] = column_of[c] = c;
+
+    int without = 0;
+    for (int c0 = 0; c0 < n; ++c0) {
+        if (row_of[c0] >= 0) continue;
+        int depth = 0, found = -1;
+        auto enter = [&](int c) {
+            path[depth] = c;
+            seen[c] = c0;
+            next[c] = start[c];
+            while (fresh[c] < start[c + 1] && column_of[row[fresh[c]]] >= 0) ++fresh[c];
+            if (fresh[c] < start[c + 1]) found = row[fresh[c]];
+        };
+        enter(c0);
+        while (found < 0 && depth >= 0) {
+            int c = path[depth];
+            while (next[c] < start[c + 1] && seen[column_of[row[next[c]]]] == c0) ++next[c];
+            if (next[c] == start[c + 1]) {
+                --depth;
+            } else {
+                ++depth;
+                enter(column_of[row[next[c]++]]);
+            }
+        }
+        if (found < 0) ++without;
+        for (; found >= 0 && depth >= 0; --depth) {
+            column_of[found] = path[depth];
+            std::swap(found, row_of[path[depth]]);
+        }
+    }
+    return without;
+}
+
+} // namespace kn

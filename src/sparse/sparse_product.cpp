@@ -1,0 +1,146 @@
+// The product of two sparse matrices, column by column: the columns of a that the entries of a column of b
+// select are added up in accumulators, one for each row, and the rows that were met are listed. Source: F. G.
+// Gustavson, "Two fast algorithms for sparse matrices: multiplication and permuted transposition", ACM Trans.
+// Math. Software 4 (1978) 250-269.
+//
+// The time is that of the products formed; the list of rows is brought into order by a sort where it is short
+// or wide, else by bits.
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cstdint>
+
+#include "base/poll.h"
+#include "base/scratch.h"
+#include "engine/multiply.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+#include "value/columns.h"
+#include "value/header.h"
+#include "value/planes_as_numbers.h"
+
+namespace {
+
+using kn::Scratch;
+
+// The rows of one column after another.
+class Rows {
+  public:
+    explicit Rows(int rows) : column_of_(rows), list_(rows), bits_(rows / 64 + ptrdiff_t{1}) {
+        if (!*this) return;
+        std::fill_n(column_of_.get(), rows, -1);
+        std::fill_n(bits_.get(), rows / 64 + 1, Word{0});
+    }
+    explicit operator bool() const { return column_of_ && list_ && bits_; }
+    int count() const { return n_; }
+
+    void begin(int column) {
+        column_ = column;
+        n_ = 0;
+    }
+    // Whether the row is new in this column.
+    bool add(int row) {
+        if (column_of_[row] == column_) return false;
+        column_of_[row] = column_;
+        list_[n_++] = row;
+        return true;
+    }
+
+    // f(row) for each of them in ascending order.
+    template <class F> void in_order(F f) {
+        constexpr int few = 64;
+        int *list = list_.get(), *end = list + n_;
+        if (n_ == 0) return;
+        const auto [least, largest] = std::minmax_element(list, end);
+        const int first = *least / 64, last = *largest / 64;
+        if (n_ < few || (last - first) / 8 > n_) {
+            std::sort(list, end);
+            std::for_each(list, end, f);
+            return;
+        }
+        for (const int *row = list; row < end; ++row) bits_[*row / 64] |= Word{1} << *row % 64;
+        for (int w = first; w <= last; ++w) {
+            for (Word left = bits_[w]; left != 0; left &= left - 1) f(64 * w + std::countr_zero(left));
+            bits_[w] = 0;
+        }
+    }
+
+  private:
+    using Word = std::uint64_t;
+    Scratch<int> column_of_, list_;
+    Scratch<Word> bits_;
+    int n_ = 0, column_ = 0;
+};
+
+// Entries to begin with: as many as products are formed, where these aren't many times the factors' entries.
+int first_room(const Mm &a, const Mm &b, const int *starts) {
+    long long products = 0, both = static_cast<long long>(a.getnnz()) + b.getnnz();
+    kn::for_entries(b, [&](int, int r, int) { products += starts[r + 1] - starts[r]; });
+    return static_cast<int>(std::min<long long>(products <= 4 * both ? products : both, INT_MAX));
+}
+
+// Makes room for `more` entries behind the `count` that there are.
+bool extend(Mm &out, int count, int more) {
+    const int room = out.getp();
+    if (more <= room - count) return true;
+    const int wanted = std::max(count + more, room < INT_MAX / 2 ? 2 * room : INT_MAX);
+    out.getnnz() = count;
+    out.extend_nnz(wanted);
+    return !kn::lacks(out, wanted);
+}
+
+template <class A, class B> Mm product(const Mm &a, const Mm &b) {
+    using C = kn::ProductOf<A, B>;
+    const int m = a.rows(), nb = b.getnnz(), *ia = a.getindex(), *ib = b.getindex();
+    const kn::PlanesOf<A> x(a);
+    const kn::PlanesOf<B> y(b);
+    Scratch<int> starts(a.cols() + ptrdiff_t{1});
+    Scratch<C> sums(m);
+    Rows rows(m);
+    if (!starts || !sums || !rows) return x_M;
+    kn::column_starts(a, starts.get());
+    Mm out(a.isc() || b.isc(), 1, first_room(a, b, starts.get()), m, b.cols(), kn_double);
+    if (!out.issparse()) return x_M;
+
+    int count = 0;
+    kn::ColumnWalk walk(b.rows());
+    for (int e = 0; e < nb;) {
+        walk.row(ib[e]);
+        rows.begin(walk.column());
+        for (; e < nb && ib[e] < walk.end(); ++e) {
+            const int r = ib[e] - walk.begin(), begin = r * m;
+            const B factor = y[e];
+            for (int k = starts[r]; k < starts[r + 1]; ++k) {
+                const int row = ia[k] - begin;
+                if (rows.add(row)) sums[row] = C();
+                sums[row] += x[k] * factor;
+            }
+        }
+        if (kn::interrupted() || !extend(out, count, rows.count())) return x_M;
+        int *index = out.getindex();
+        const kn::PlanesOf<C> z(out);
+        const int begin = walk.column() * m;
+        rows.in_order([&](int row) {
+            index[count] = begin + row;
+            z.set(count++, sums[row]);
+        });
+    }
+    out.getnnz() = count;
+    kn::check(out);
+    return out;
+}
+
+} // namespace
+
+void sparse_match(Mm &a, Mm &b) {
+    a = sparse(a);
+    b = sparse(b);
+}
+
+Mm sparse_product(const Mm &full_or_sparse_a, const Mm &full_or_sparse_b) {
+    Mm a = full_or_sparse_a, b = full_or_sparse_b;
+    sparse_match(a, b);
+    if (!a.issparse() || !b.issparse() || !kn::conform(full_or_sparse_a, full_or_sparse_b)) return x_M;
+    return kn::by_planes(
+        a, b, []<class A, class B>(const Mm &x, const Mm &y, A, B) { return product<A, B>(x, y); });
+}

@@ -1,0 +1,131 @@
+// Sparse matrices of triplets (row, column, value) in any order: sparse(i, j, s, m, n), spconvert.
+#include <algorithm>
+
+#include "base/scratch.h"
+#include "quorvex/arrays.h"
+#include "quorvex/classes.h"
+#include "quorvex/operations.h"
+#include "quorvex/sparse.h"
+#include "quorvex/startup.h"
+#include "value/header.h"
+
+namespace {
+
+// A list of n numbers, or one that stands for all.
+struct Indices {
+    const double *x;
+    int step;
+    // Rounded; what is below 1, and NaN, is 0, and what no int holds the largest one.
+    int operator[](int k) const {
+        double v = x[static_cast<ptrdiff_t>(k) * step] + 0.5;
+        return v >= 1 ? v < 2147483647.0 ? static_cast<int>(v) : 2147483647 : 0;
+    }
+};
+
+bool in_range(int k, int most, const char *too_small, const char *too_large) {
+    if (k < 1) error("%s", too_small);
+    if (k > most) error("%s", too_large);
+    return k >= 1 && k <= most;
+}
+
+// Reports the first index outside.
+bool report(const Indices &i, const Indices &j, int n, int rows, int cols) {
+    for (int k = 0; k < n; k++)
+        if (!in_range(i[k], rows, "sparse: non-positive row index encountered",
+                      "sparse: out of bounds row index encountered") ||
+            !in_range(j[k], cols, "sparse: non-positive column index encountered",
+                      "sparse: out of bounds column index encountered"))
+            break;
+    return false;
+}
+
+// The positions of n triplets. False, after a report, when an index lies outside.
+bool positions(int *index, const Indices &i, const Indices &j, int n, int rows, int cols) {
+    unsigned outside = 0;
+    for (int k = 0; k < n; k++) {
+        unsigned row = static_cast<unsigned>(i[k]) - 1, col = static_cast<unsigned>(j[k]) - 1;
+        outside |= (row >= static_cast<unsigned>(rows)) | (col >= static_cast<unsigned>(cols));
+        index[k] = static_cast<int>(col * static_cast<unsigned>(rows) + row);
+    }
+    return !outside || report(i, j, n, rows, cols);
+}
+
+int size_arg(const Mm &x) { return std::max(double_to_int(*x.addr() + 0.5), 0); }
+
+Mm of_triplets(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n) {
+    const Mm *values[] = {&i, &j, &s, &m, &n};
+    for (const Mm *x : values)
+        if (error_numeric(*x, "sparse")) return x_M;
+    int size = s.size() != 1 ? s.size() : j.size() != 1 ? j.size() : i.size();
+    for (const Mm *x : {&i, &j, &s})
+        if (x->size() != size && x->size() != 1) {
+            error("sparse: i,j and v must be same size");
+            return x_M;
+        }
+    Mm full_i = mdouble(i), full_j = mdouble(j), full_s = mdouble(s), full_m = mdouble(m),
+       full_n = mdouble(n);
+    if (full_m.size() == 0 || full_n.size() == 0) return sparse(zero_M);
+
+    Mm out(s.isc(), 1, size, size_arg(full_m), size_arg(full_n), kn_double);
+    bool made = out.issparse() && out.getp() >= size && kn::product(4, out.getdims()) >= 0;
+    if (!made || kn::lacks(full_i, i.size()) || kn::lacks(full_j, j.size()) || kn::lacks(full_s, s.size()))
+        return x_M;
+    Indices rows{full_i.addr(), i.size() != 1}, cols{full_j.addr(), j.size() != 1};
+    if (!positions(out.getindex(), rows, cols, size, size_arg(full_m), size_arg(full_n))) return x_M;
+    auto copy = [&](double *to, const double *from) {
+        if (s.size() == 1)
+            std::fill_n(to, size, *from);
+        else
+            std::copy_n(from, size, to);
+    };
+    copy(out.addr(), full_s.addr());
+    if (out.isc()) copy(out.addi(), full_s.addi());
+    out.getnnz() = size; // equal positions are stored too, for now
+    out.sort();
+    if (!std::is_sorted(out.getindex(), out.getindex() + size)) return x_M; // no memory
+    out.resparse();
+    kn::check(out);
+    return out;
+}
+
+} // namespace
+
+Mm sparse(const Mm &m, const Mm &n) { return of_triplets(nop_M, nop_M, nop_M, m, n); }
+Mm sparse(const Mm &i, const Mm &j, const Mm &s) {
+    for (const Mm *x : {&i, &j})
+        if (error_numeric(*x, "sparse")) return x_M;
+    return of_triplets(i, j, s, max(max(mdouble(i))), max(max(mdouble(j))));
+}
+Mm sparse(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n) {
+    return of_triplets(i, j, s, m, n);
+}
+Mm sparse(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n, const Mm &) {
+    return of_triplets(i, j, s, m, n);
+}
+
+Mm spconvert(const Mm &d) {
+    if (error_numeric(d, "spconvert")) return x_M;
+    if (d.size() == 0) return spzeros(nop_M);
+    Mm rows = mdouble(d);
+    int n = rows.rows(), cols = rows.cols();
+    if (rows.getndims() > 2 || cols < 3 || cols > 4) {
+        error("spconvert: matrix '%s' must have 3 or 4 columns", kn_display_name(d));
+        return x_M;
+    }
+    auto column = [&](int c) {
+        Mm x(0, 0, 0, n, 1, kn_double);
+        if (!kn::lacks(x, n)) std::copy_n(rows.addr(1, c), n, x.addr());
+        return x;
+    };
+    bool complex = rows.isc() || cols == 4;
+    Mm v(complex, 0, 0, n, 1, kn_double);
+    if (kn::lacks(v, n)) return x_M;
+    const double *re = rows.addr(1, 3), *second = cols == 4 ? rows.addr(1, 4) : nullptr;
+    const double *im = rows.isc() ? rows.addi(1, 3) : nullptr;
+    const double *second_im = im && second ? rows.addi(1, 4) : nullptr;
+    for (int k = 0; k < n; k++) {
+        v.addr()[k] = re[k] - (second_im ? second_im[k] : 0);
+        if (complex) v.addi()[k] = (im ? im[k] : 0) + (second ? second[k] : 0);
+    }
+    return sparse(column(1), column(2), v);
+}

@@ -1,0 +1,349 @@
+// Reading numbers and characters by the pieces of a format.
+//
+// A piece is matched as scanf does: blanks in it match any blanks or none, other text itself; then the
+// conversion takes the longest run that looks like its kind of number (a word for s, one character for c). An
+// input that ends too early answers -1, one that doesn't fit 0.
+//
+// In a stream, reading goes on behind what was matched. In a text, c moves on by one character and every
+// other conversion by one word with the blanks around it, wherever its match began or ended; a piece without
+// conversion stays. A turn through all pieces that neither moves nor reads anything is the last one.
+
+#include <algorithm>
+#include <charconv>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/ascii.h"
+#include "platform/platform.h"
+#include "quorvex/display.h"
+#include "quorvex/messages.h"
+#include "text/format/format_list.h"
+#include "value/header.h"
+#include "value/strings.h"
+
+namespace kn {
+namespace {
+
+bool is_hex_digit(int c) { return is_digit(c) || (to_lower(c) >= 'a' && to_lower(c) <= 'f'); }
+
+// What is read from: the next character, or EOF.
+class Text {
+  public:
+    explicit Text(std::string_view text) : start_(text.data()), at_(start_), end_(start_ + text.size()) {}
+    int peek() const { return at_ < end_ ? static_cast<unsigned char>(*at_) : EOF; }
+    void next() { ++at_; }
+    ptrdiff_t moved() const { return piece_ - start_; }
+
+    void begin_piece() { at_ = piece_; }
+    void end_piece(char conversion) {
+        at_ = piece_;
+        if (conversion == 'c') {
+            if (at_ < end_) ++at_;
+        } else if (conversion != Piece::no_conversion) {
+            skip(true);
+            skip(false);
+            skip(true);
+        }
+        piece_ = at_;
+    }
+
+  private:
+    void skip(bool blanks) {
+        while (at_ < end_ && is_white(static_cast<unsigned char>(*at_)) == blanks) ++at_;
+    }
+    const char *start_, *at_, *end_, *piece_ = start_;
+};
+
+class Stream {
+  public:
+    explicit Stream(std::FILE *file) : file_(file) {}
+    ~Stream() {
+        if (known_ && ahead_ != EOF) std::ungetc(ahead_, file_);
+    }
+    Stream(const Stream &) = delete;
+    Stream &operator=(const Stream &) = delete;
+    int peek() {
+        if (!known_) ahead_ = std::getc(file_);
+        known_ = true;
+        return ahead_;
+    }
+    void next() {
+        known_ = false;
+        ++moved_;
+    }
+    ptrdiff_t moved() const { return moved_; }
+    void begin_piece() {}
+    void end_piece(char) {}
+
+  private:
+    std::FILE *file_;
+    bool known_ = false;
+    int ahead_ = 0;
+    ptrdiff_t moved_ = 0;
+};
+
+// What was read.
+class Numbers {
+  public:
+    void append(double x) {
+        bytes_.append(std::string_view(reinterpret_cast<const char *>(&x), sizeof x));
+        if (bytes_.size() / sizeof x <= INT_MAX) return;
+        error("scanf: Matrix too large");
+        os::end_process(1);
+    }
+    explicit operator bool() const { return static_cast<bool>(bytes_); }
+    int count() const { return static_cast<int>(bytes_.size() / sizeof(double)); }
+    // The first n, as many as there are.
+    void copy(double *to, int n) const {
+        const size_t bytes = sizeof *to * static_cast<size_t>(std::min(n, count()));
+        if (bytes > 0) std::memcpy(to, bytes_.view().data(), bytes);
+        std::fill(to + bytes / sizeof *to, to + n, 0.0);
+    }
+
+  private:
+    TextBuffer bytes_;
+};
+
+enum Answer { ended = -1, unfit = 0, fits = 1 };
+
+template <class In> class Reader {
+  public:
+    explicit Reader(In &in) : in_(in) {}
+
+    // Reads by one piece. What was found stands in `word` (s, c) or `value`.
+    Answer read(const Piece &piece) {
+        blanks_ = false;
+        word.clear();
+        if (Answer a = match(piece.text); a != fits) return a;
+        if (!piece.for_c) {
+            if (blanks_) skip_blanks();
+            return unfit;
+        }
+        const bool character = piece.conversion == 'c';
+        if (blanks_ || !character) skip_blanks();
+        if (!piece.readable) return unfit;
+        if (in_.peek() == EOF) return ended;
+        left_ = piece.width < 0 ? INT_MAX : piece.width;
+        switch (piece.conversion) {
+        case 'c': take(); return word.view()[0] == '\0' ? unfit : fits;
+        case 's':
+            while (more() && !is_white(in_.peek())) take();
+            return fits;
+        case 'd':
+        case 'u': return integer(10, piece.conversion == 'd');
+        case 'i': return integer(0, true);
+        case 'o': return integer(8, false);
+        case 'x':
+        case 'X':
+        case 'p': return integer(16, false);
+        default: return number();
+        }
+    }
+    bool at_end() { return in_.peek() == EOF; }
+
+    TextBuffer word;
+    double value = 0;
+
+  private:
+    void skip_blanks() {
+        while (is_white(in_.peek())) in_.next();
+    }
+    bool more() { return left_ > 0 && in_.peek() != EOF; }
+    void take() {
+        word.append(static_cast<char>(in_.peek()));
+        drop();
+    }
+    void drop() {
+        in_.next();
+        --left_;
+    }
+    bool next_is(char c) { return more() && to_lower(in_.peek()) == c; }
+    bool take_all(const char *text) {
+        for (; *text; ++text) {
+            if (!next_is(*text)) return false;
+            take();
+        }
+        return true;
+    }
+
+    Answer match(std::string_view text) {
+        for (size_t k = 0; k < text.size(); ++k) {
+            const int c = static_cast<unsigned char>(text[k]);
+            if (is_white(c)) {
+                blanks_ = true;
+                continue;
+            }
+            if (c == '%' && k + 1 < text.size() && text[k + 1] == '%') {
+                ++k;
+                blanks_ = true;
+            }
+            if (blanks_) skip_blanks();
+            blanks_ = false;
+            if (in_.peek() == EOF) return ended;
+            if (in_.peek() != c) return unfit;
+            in_.next();
+        }
+        return fits;
+    }
+
+    void take_sign() {
+        if (next_is('-') || next_is('+')) take();
+    }
+
+    Answer integer(int base, bool is_signed) {
+        take_sign();
+        const size_t sign = word.size();
+        if (next_is('0')) {
+            take();
+            if ((base == 0 || base == 16) && next_is('x')) {
+                drop();
+                base = 16;
+            } else if (base == 0) {
+                base = 8;
+            }
+        }
+        if (base == 0) base = 10;
+        while (more() &&
+               (base == 16 ? is_hex_digit(in_.peek()) : in_.peek() >= '0' && in_.peek() < '0' + base))
+            take();
+        if (!word || word.size() == sign) return unfit;
+        const char *digits = word.c_str();
+        value = static_cast<double>(is_signed ? std::strtol(digits, nullptr, base)
+                                              : static_cast<long>(std::strtoul(digits, nullptr, base)));
+        return fits;
+    }
+
+    Answer number() {
+        take_sign();
+        const size_t sign = word.size();
+        if (next_is('n')) {
+            if (!take_all("nan")) return unfit;
+        } else if (next_is('i')) {
+            if (!take_all("inf") || (next_is('i') && !take_all("inity"))) return unfit;
+        } else {
+            bool hex = false, dot = false, exponent = false;
+            if (next_is('0')) {
+                take();
+                hex = left_ > 1 && next_is('x');
+                if (hex) take();
+            }
+            const char letter = hex ? 'p' : 'e';
+            bool digits = !hex && word.size() > sign;
+            for (; more(); take()) {
+                const int c = in_.peek();
+                if (is_digit(c) || (hex && !exponent && is_hex_digit(c))) {
+                    digits = true;
+                } else if (exponent && (c == '-' || c == '+') && to_lower(word.view().back()) == letter) {
+                } else if (digits && !exponent && to_lower(c) == letter) {
+                    exponent = dot = true;
+                } else if (!dot && c == '.') {
+                    dot = true;
+                } else {
+                    break;
+                }
+            }
+            if (word.size() == sign + (hex ? 2 : 0)) return unfit;
+            if (word && !hex) {
+                const char *at = word.data(), *end = at + word.size();
+                auto [behind, problem] = std::from_chars(at + (*at == '+'), end, value);
+                if (problem == std::errc()) return fits;
+                if (problem == std::errc::invalid_argument) return unfit;
+            }
+        }
+        if (!word) return unfit;
+        char *behind;
+        const char *text = word.c_str();
+        const os::PlainNumbers plain;
+        value = std::strtod(text, &behind);
+        return behind == text ? unfit : fits;
+    }
+
+    In &in_;
+    bool blanks_ = false; // the piece has blanks where we are
+    int left_ = 0;        // characters of the width
+};
+
+// False after a report.
+template <class In> bool scan(FormatList &list, In in, int limit, Numbers &out) {
+    Reader<In> reader(in);
+    ptrdiff_t moved = -1;
+    int nread = 0, nread_before = 0;
+    for (; nread < limit; list.advance()) {
+        if (list.at_start()) {
+            if (in.moved() == moved && nread == nread_before) break;
+            moved = in.moved();
+            nread_before = nread;
+        }
+        const Piece &piece = list.piece();
+        in.begin_piece();
+        if (piece.conversion == 'n') {
+            if (reader.at_end()) break;
+            if (!piece.skip) out.append(nread);
+        } else {
+            Answer answer = reader.read(piece);
+            if (answer == ended) break;
+            if (answer == fits && piece.for_c) {
+                nread += !piece.suppressed;
+            } else if (answer != fits && piece.conversion != Piece::no_conversion && !piece.skip) {
+                break;
+            }
+            if (piece.skip || answer != fits) {
+            } else if (piece.conversion == 'c' || piece.conversion == 's') {
+                for (char c : reader.word.view()) out.append(static_cast<unsigned char>(c));
+            } else if (piece.conversion != 'p') {
+                out.append(reader.value);
+            }
+        }
+        in.end_piece(piece.conversion);
+        if (!reader.word.goes_on() || !out) return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool format_scan(std::FILE *stream, std::string_view text, const Mm &fmt, const Mm &size, Mm &a, Mm &count,
+                 Mm &msg) {
+    FormatList list(fmt);
+    if (!list) return false;
+    Codes extents(size);
+    if (!extents) return false;
+    if (size.size() != 1 && size.size() != 2) {
+        error("scanf: size %s is not one or two elements", kn_display_name(size));
+        return false;
+    }
+    if (!stream && list.has('p')) {
+        error("sscanf: p conversions can not be read from a text");
+        return false;
+    }
+    const bool matrix = size.size() == 2;
+    const int m = std::max(double_to_int(extents.data()[0]), 0),
+              n = matrix ? std::max(double_to_int(extents.data()[1]), 0) : 1;
+    const int limit = static_cast<int>(std::min<long long>(static_cast<long long>(m) * n, INT_MAX));
+
+    Numbers numbers;
+    if (!(stream ? scan(list, Stream(stream), limit, numbers) : scan(list, Text(text), limit, numbers)))
+        return false;
+
+    const int stored = numbers.count();
+    int rows = m, cols = 1;
+    if (matrix)
+        cols = m > 0 ? stored / m + (stored % m != 0) : 0;
+    else if (list.chars_only())
+        rows = 1, cols = stored;
+    else
+        rows = std::min(m, stored);
+    Mm out(0, 0, 0, rows, cols, kn_double);
+    if (rows > 0 && cols > 0 && out.getnnz() == 0) return false; // no memory
+    numbers.copy(out.addr(), out.getnnz());
+    out.setstr(list.chars_only());
+    check(out);
+    a = out;
+    count = static_cast<double>(stored);
+    msg = TM("");
+    return true;
+}
+
+} // namespace kn

@@ -1,0 +1,75 @@
+// strvcat: rows stacked to one character matrix. The inputs are walked twice, to measure and to fill.
+
+#include <algorithm>
+#include <climits>
+#include <initializer_list>
+
+#include "base/scratch.h"
+#include "quorvex/messages.h"
+#include "quorvex/startup.h"
+#include "quorvex/text.h"
+#include "value/nesting.h"
+#include "value/strings.h"
+
+namespace {
+
+using namespace kn;
+
+constexpr double blank = 32;
+
+// Calls `work` for each value with rows of its own, in order. False when there is a structure.
+template <class F> bool each_text(const Mm &m, F work) {
+    return each_leaf(m, [&](const Mm &x) {
+        if (x.size() == 0) return true;
+        if (x.isstruct()) {
+            error("Can not convert %s into a numerical matrix", kn_display_name(x));
+            return false;
+        }
+        work(x);
+        return true;
+    });
+}
+
+Mm stack(std::initializer_list<const Mm *> inputs) {
+    long long rows = 0;
+    int cols = 0;
+    for (const Mm *m : inputs) {
+        auto measure = [&](const Mm &text) {
+            rows += text.rows();
+            cols = std::max(cols, text.size() / text.rows());
+        };
+        if (!each_text(*m, measure)) return x_M;
+    }
+    if (rows > INT_MAX) {
+        out_of_memory();
+        return x_M;
+    }
+    int m = static_cast<int>(rows);
+    Mm out(0, 0, 0, m, cols, kn_double);
+    if (m > 0 && out.getnnz() == 0) return x_M;
+
+    double *to = out.addr();
+    bool complete = true;
+    for (const Mm *input : inputs) {
+        each_text(*input, [&](const Mm &text) {
+            Codes codes(text);
+            complete = complete && codes;
+            int r = complete ? codes.rows() : 0, n = complete ? codes.cols() : 0;
+            for (int c = 0; c < cols; ++c) {
+                double *column = to + static_cast<ptrdiff_t>(c) * m;
+                if (c < n)
+                    std::copy_n(codes.data() + static_cast<ptrdiff_t>(c) * r, r, column);
+                else
+                    std::fill_n(column, r, blank);
+            }
+            to += r;
+        });
+    }
+    if (!complete) return x_M;
+    out.setstr(1);
+    return out;
+}
+
+} // namespace
+
+KN_LISTS_OF_TEXTS(strvcat, stack)

@@ -1,0 +1,73 @@
+// Sizes and shape of a value: the header only, never the elements.
+
+#include <algorithm>
+#include <cstring>
+
+#include "quorvex/messages.h"
+#include "value/header.h"
+
+int Mm::size() const {
+    if (ndims < 2 || ndims > 4) return -1;
+    return kn::product(ndims, dims);
+}
+
+int Mm::size(int dim) const {
+    if (dim >= 1 && dim <= 4) return dims[dim - 1];
+    error("%s.size(dim): no such dimension=%d", kn_display_name(*this), dim);
+    return 0;
+}
+
+int Mm::length() const {
+    int longest = 0;
+    for (int d : dims) {
+        if (d == 0) return 0;
+        if (d > longest) longest = d;
+    }
+    return longest;
+}
+
+int Mm::nsingleton() const {
+    for (int k = 0; k < 4; ++k)
+        if (dims[k] > 1) return k + 1;
+    return 1;
+}
+
+int Mm::vectordim() const {
+    int found = 0;
+    for (int k = 0; k < 4; ++k) {
+        if (dims[k] <= 1) continue;
+        if (found) return 0;
+        found = k + 1;
+    }
+    return found ? found : 2;
+}
+
+void Mm::collapse() {
+    while (ndims > 2 && dims[ndims - 1] <= 1) --ndims;
+}
+
+void Mm::reshape(int r, int c) {
+    int extents[2] = {r, c};
+    if (r < 0 || c < 0 || kn::product(2, extents) != size()) {
+        error("reshape: size=%d is different than %d*%d", size(), r, c);
+        return;
+    }
+    reshape(2, extents);
+}
+
+void Mm::reshape(int n, const int *d) {
+    bool fits = n <= 4 || std::all_of(d + 4, d + n, [](int extent) { return extent == 1; });
+    n = std::min(n, 4);
+    if (!fits || kn::product(n, d) != size()) {
+        error("reshape: size=%d is different than the product of new dimensions", size());
+        return;
+    }
+    if (size() > 0) {
+        for (int k = 0; k < 4; ++k) dims[k] = k < n ? d[k] : 1;
+    } else {
+        std::memset(dims, 0, sizeof dims);
+        n = 2;
+    }
+    ndims = n < 2 ? 2 : n;
+    collapse();
+}
