@@ -90,16 +90,18 @@ QUORVEX_API Mm texts(int rows, int cols, const char *const *list);
 QUORVEX_API double end_of(const Mm &x, int k = 1, int n = 1);
 QUORVEX_API double end_of(const Mr &x, int k = 1, int n = 1);
 
-// Whether a case of a switch is taken: a text that is the same, a number that is equal, any element of a
+// Whether a case of a switch is taken: a text that is the same, a number that is equal, any such element of a
 // cell.
 inline bool is_case(const Mm &value, const Mm &label) {
-    if (istrue(iscell(label))) {
-        for (int k = 1; k <= label.size(); ++k)
-            if (is_case(value, label.mr(k))) return true;
-        return false;
-    }
-    if (value.isstr() || label.isstr()) return istrue(strcmp(value, label));
-    return value.size() > 0 && label.size() > 0 && istrue(value == label);
+    auto same = [&](const Mm &one) {
+        if (istrue(iscell(one))) return false;
+        if (value.isstr() || one.isstr()) return istrue(strcmp(value, one)) != 0;
+        return value.size() > 0 && one.size() > 0 && istrue(value == one);
+    };
+    if (!istrue(iscell(label))) return same(label);
+    for (int k = 1; k <= label.size(); ++k)
+        if (same(label.mr(k))) return true;
+    return false;
 }
 
 // The statement `global x`, of a variable that stands outside all functions: Mm x_(i_o, "x", 1). It is []

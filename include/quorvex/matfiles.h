@@ -6,9 +6,9 @@
 // most 2047 characters. A file is saved under a name of its own, kn<process>_<k>.tmp, and takes its place
 // when all is written: until then, and after any failure, an older one stays as it was. It keeps its owner
 // and its permissions, which the new file has from its first byte. What processes that were killed have left
-// is removed when another saves in the same directory. A link, a file with several names, one whose owner
-// can't be kept and one in a directory that takes no new file keep their place: their content is replaced
-// when all is ready. (A device is written to at once.)
+// is removed when another saves in the same directory, which looks for it every now and then. A link, a file
+// with several names, one whose owner can't be kept and one in a directory that takes no new file keep their
+// place: their content is replaced when all is ready, and so does a pipe. A device is written to at once.
 //
 // What a file says of itself is compared with what is there before any memory is asked for. A value that
 // can't be loaded is reported and, should the handler return, becomes x_M.
@@ -65,10 +65,10 @@ QUORVEX_API Mm saveascii(const Mm &name, const Mm &list);
 
 // The same with the variables of the current level (or global ones) of these names, all of the level for
 // none: what a command such as `save work x y` is. load gives them the values in the file, and makes those
-// that aren't there; of text the variable called as the file, "load: %s is no name of a variable". save and
-// its kin take the options -append, -ascii and -v4 among the names ("%s: unknown option %s"); nothing is
-// saved after
-// "%s: variable '%s' not found".
+// that aren't there; of text the variable called as the file, "load: %s is no name of a variable". A name may
+// hold "*", for any characters. save and its kin take the options -append, -ascii and -v4 in any place, and
+// the first text that is no option is the file ("%s: unknown option %s", "%s: the name of a file is
+// missing"). Nothing is saved after "%s: variable '%s' not found".
 QUORVEX_API Mm load(const Mm &name, const kn_names &names);
 QUORVEX_API Mm save(const Mm &name, const kn_names &names);
 QUORVEX_API Mm saveV4(const Mm &name, const kn_names &names);

@@ -53,7 +53,8 @@ struct kn_names {
 
 // Forgets the variables of the current level, whose values stay; or those of a list (CL(x), y, ...), or of
 // names, which become empty. No names, and "variables": all of the level; "global": the global ones; "all":
-// both. An unknown name is passed over; "clear: %s is no name of a variable".
+// both. A name may hold "*", for any characters. An unknown name is passed over; "clear: %s is no name of a
+// variable".
 QUORVEX_API Mm clear();
 QUORVEX_API Mm clear(const Mc &list);
 QUORVEX_API Mm clear(const kn_names &names);

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/scratch.h"
+#include "base/wildcard.h"
 #include "platform/platform.h"
 #include "quorvex/arrays.h"
 #include "quorvex/display.h"
@@ -23,26 +24,6 @@ using namespace kn;
 namespace {
 
 constexpr int name_size = 1024;
-
-// Whether the pattern, with "*" for any characters and "?" for one, is the whole name.
-bool matches(const char *pattern, const char *name) {
-    const char *star = nullptr, *retry = nullptr;
-    while (*name) {
-        if (*pattern == '*') {
-            star = ++pattern;
-            retry = name;
-        } else if (*pattern == '?' || *pattern == *name) {
-            ++pattern;
-            ++name;
-        } else if (star) {
-            pattern = star;
-            name = ++retry;
-        } else {
-            return false;
-        }
-    }
-    return pattern[std::strspn(pattern, "*")] == '\0';
-}
 
 struct Entry {
     size_t name; // where it stands among the names

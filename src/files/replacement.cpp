@@ -48,14 +48,18 @@ void sweep(const char *directory) {
     }
 }
 
+// What has no place to come back to.
+bool is_pipe(std::FILE *stream) { return stream && io::tell(stream) < 0; }
+
 } // namespace
 
 Replacement::Replacement(const char *name) : name_(name) {
     if (!*name || create_beside()) return;
-    const bool kept = os::is_plain_file(name);
-    Stream to(io::open(name, kept ? "r+b" : "wb"));
-    Stream first(to && kept ? io::nameless() : nullptr);
-    if (!kept)
+    const bool plain = os::is_plain_file(name);
+    Stream to(io::open(name, plain ? "r+b" : "wb"));
+    const bool later = plain || is_pipe(to.get());
+    Stream first(to && later ? io::nameless() : nullptr);
+    if (!later)
         stream_.swap(to);
     else if (first)
         stream_.swap(first), kept_.swap(to);
@@ -82,7 +86,7 @@ bool Replacement::finish() {
     bool written = stream_ && !std::ferror(get());
     if (kept_) written = written && copy_over();
     std::FILE *const last = kept_ ? kept_.get() : get();
-    if ((kept_ || *own_) && kn_save_to_disk) written = written && io::write_to_disk(last);
+    if ((kept_ || *own_) && kn_save_to_disk && !is_pipe(last)) written = written && io::write_to_disk(last);
     if (!kept_.close() || !stream_.close()) written = false;
     if (*own_ && written) {
         written = !stream_fails() && os::rename_file(own_, name_);
@@ -100,7 +104,7 @@ bool Replacement::copy_over() {
         n = io::read(block, 1, sizeof block, get());
         if (io::write(block, 1, n, kept_.get()) != n) return false;
     }
-    return std::feof(get()) && io::cut_off(kept_.get());
+    return std::feof(get()) && (is_pipe(kept_.get()) || io::cut_off(kept_.get()));
 }
 
 void Replacement::give_up() {

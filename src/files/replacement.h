@@ -2,8 +2,8 @@
 // all of it stands. Until then what has the name stays as it is.
 //
 // A link, a file with several names, one of another owner, and one in a directory that takes no new file keep
-// their place: all is written to a nameless file first, and then over the old content. To what is no plain
-// file (a device, a pipe) it is written at once.
+// their place: all is written to a nameless file first, and then over the old content, or into the pipe. To a
+// device it is written at once.
 #ifndef QUORVEX_FILES_REPLACEMENT_H
 #define QUORVEX_FILES_REPLACEMENT_H
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/ascii.h"
+#include "base/wildcard.h"
 #include "files/mpath.h"
 #include "host/workspace.h"
 #include "platform/platform.h"
@@ -80,9 +81,10 @@ Mm clear(const Mc &list) {
 }
 
 Mm clear(const kn_names &names) {
-    auto clear_level = [](int level) {
+    auto clear_level = [](int level, const char *pattern = "*") {
         for (int k = Scopes::count(level); k-- > 0;)
-            if (k < Scopes::count(level)) Scopes::clear(*Scopes::value(k, level));
+            if (k < Scopes::count(level) && matches(pattern, Scopes::value(k, level)->getname()))
+                Scopes::clear(*Scopes::value(k, level));
     };
     const int n = names.texts.size();
     char name[max_variable_name];
@@ -92,7 +94,7 @@ Mm clear(const kn_names &names) {
     };
     for (int k = 1; k <= n; ++k) {
         take(k);
-        if (is_variable_name(name)) continue;
+        if (is_variable_name(name) || std::strchr(name, '*')) continue;
         error("clear: %s is no name of a variable", name);
         return x_M;
     }
@@ -105,6 +107,8 @@ Mm clear(const kn_names &names) {
         } else if (all || std::strcmp(name, "variables") == 0 || std::strcmp(name, "global") == 0) {
             if (all || *name == 'v') clear_level(Scopes::level());
             if (all || *name == 'g') clear_level(0);
+        } else if (std::strchr(name, '*')) {
+            clear_level(Scopes::level(), name);
         }
     }
     return x_M;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/wildcard.h"
 #include "files/mat/matfile.h"
 #include "host/workspace.h"
 #include "platform/platform.h"
@@ -23,19 +24,26 @@ struct Option {
 };
 constexpr Option options[] = {{"-append", saveappend}, {"-ascii", saveascii}, {"-v4", saveV4}};
 
-// Adds the variables of the current level that have a name and a value.
-void add_all(Mc &list) {
-    const int level = Scopes::level();
+// Adds the variables of the current level that have a value and a name that fits the pattern. Whether there
+// are any.
+bool add_all(Mc &list, const char *pattern) {
+    const int level = Scopes::level(), before = list.count();
     for (int k = 0; k < Scopes::count(level); ++k)
-        if (const Mm &value = *Scopes::value(k, level); value.gettype() != kn_none) list, value;
+        if (const Mm &value = *Scopes::value(k, level);
+            value.gettype() != kn_none && matches(pattern, value.getname()))
+            list, value;
+    return list.count() > before;
 }
 
-Mm save_named(const char *caller, const Mm &file, const Mm &texts, Save save) {
+// The words after the command: the first that is no option is the file, the others are variables.
+Mm save_named(const char *caller, const Mm &first, const Mm &texts, Save save) {
     Mc list;
+    Mm file = nop_M;
     bool named = false;
-    for (int k = 1; k <= texts.size(); ++k) {
-        char name[max_variable_name];
-        Mstr_row(texts.safebr(k), name, sizeof name);
+    for (int k = 0; k <= texts.size(); ++k) {
+        char name[max_variable_name] = "";
+        const Mm word = k > 0 ? texts.safebr(k) : first;
+        if (Mstr_size(word) <= max_variable_name) Mstr_row(word, name, sizeof name); // else a path
         if (*name == '-') {
             const Option *option = std::find_if(std::begin(options), std::end(options), [&](const Option &o) {
                 return std::strcmp(o.word, name) == 0;
@@ -47,15 +55,24 @@ Mm save_named(const char *caller, const Mm &file, const Mm &texts, Save save) {
             save = option->save;
             continue;
         }
+        if (file.size() == 0) {
+            file = word;
+            continue;
+        }
+        named = true;
+        if (std::strchr(name, '*') && add_all(list, name)) continue;
         const Mm *value = Scopes::lookup_visible(name);
         if (!value || value->gettype() == kn_none) {
             error("%s: variable '%s' not found", caller, name);
             return x_M;
         }
         list, *value;
-        named = true;
     }
-    if (!named) add_all(list);
+    if (file.size() == 0) {
+        error("%s: the name of a file is missing", caller);
+        return x_M;
+    }
+    if (!named) add_all(list, "*");
     return save(file, list);
 }
 
@@ -80,6 +97,14 @@ Mm saveascii(const Mm &name, const kn_names &names) {
 }
 
 Mm load(const Mm &name, const kn_names &names) {
+    for (int k = 0; k <= names.texts.size(); ++k) {
+        char word[max_variable_name] = "";
+        const Mm text = k > 0 ? names.texts.safebr(k) : name;
+        if (Mstr_size(text) <= max_variable_name) Mstr_row(text, word, sizeof word);
+        if (*word != '-') continue;
+        error("load: unknown option %s", word);
+        return x_M;
+    }
     const Mm loaded = names.texts.size() > 0 ? load(name, names.texts) : load(name);
     for (int k = 0; k < loaded.getnfields(); ++k) {
         const char *field = loaded.getfield(k);

@@ -214,6 +214,13 @@ TEST_F(LoadSave, a_file_keeps_its_place_and_permissions) {
     }
     EXPECT_TRUE(fs::is_symlink("link.mat") && status("twin.mat").st_ino == inode);
 
+    ASSERT_EQ(mkfifo("pipe.mat", 0600), 0);
+    std::FILE *reader = popen("cat pipe.mat > got.mat", "r");
+    const Mm large = randM(100, 100);
+    save(TM("pipe"), (CL(large)));
+    pclose(reader);
+    EXPECT_SAME(vbload(TM("got")), large);
+
     const pid_t gone = fork();
     if (gone == 0) _exit(0);
     waitpid(gone, nullptr, 0);
@@ -227,6 +234,7 @@ TEST_F(LoadSave, a_file_keeps_its_place_and_permissions) {
 
     const uid_t me = geteuid(), other = me == 0 ? 65534 : me; // root may write anywhere
     ASSERT_EQ(chown("d/f.mat", other, getegid()), 0);
+    fs::permissions(".", fs::perms(0755));
     fs::permissions("d", fs::perms(0555));
     ASSERT_EQ(seteuid(other), 0);
     EXPECT_EQ(test::raised([] { saveV4(TM("d/f"), (CL(2.0))); }), "(no error)");

@@ -60,9 +60,9 @@ version
 clear all
 A = 1; B = 'two'; C = [3 4];
 save work A B
-save old.mat -v4 C
+save -v4 old.mat C*
 save text.txt C -ascii
-clear A B
+clear A* B
 load work
 A, B
 load text.txt

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "base/scratch.h"
+#include "base/wildcard.h"
 #include "files/mat/mat5.h"
 #include "files/mat/matfile.h"
 #include "quorvex/builders.h"
@@ -89,25 +90,6 @@ class Variables {
 
 // ---- Into a structure ----
 
-// Whether a name is what a pattern says: "*" stands for any characters.
-bool matches(const char *name, const char *pattern) {
-    const char *star = nullptr, *resumed = nullptr;
-    while (*name) {
-        if (*pattern == '*') {
-            star = ++pattern;
-            resumed = name;
-        } else if (*pattern == *name) {
-            ++pattern, ++name;
-        } else if (star) {
-            pattern = star;
-            name = ++resumed;
-        } else
-            return false;
-    }
-    while (*pattern == '*') ++pattern;
-    return !*pattern;
-}
-
 // Patterns, each the text of an element of a cell, and whether a name has matched them.
 class Patterns {
   public:
@@ -120,7 +102,7 @@ class Patterns {
         bool wanted = false;
         char pattern[MatEntry::name_size];
         for (int k = 0; k < count(); ++k)
-            if (matches(name, text(k, pattern))) wanted = met_[k] = true;
+            if (matches(text(k, pattern), name)) wanted = met_[k] = true;
         return wanted;
     }
     void warn_unmet(const char *file) const {
