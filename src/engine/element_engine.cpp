@@ -15,11 +15,11 @@
 #include "engine/sparse_plan.h"
 #include "kernels/kernel_table.h"
 #include "kernels/op_core.h"
+#include "kernels/op_names.h"
 #include "quorvex/classes.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
-#include "value/op_names.h"
 
 namespace kn {
 namespace {

@@ -19,10 +19,10 @@
 
 #include "base/scratch.h"
 #include "engine/element_engine.h"
+#include "kernels/op_names.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
-#include "value/op_names.h"
 
 namespace kn {
 namespace {

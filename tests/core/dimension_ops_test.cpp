@@ -10,9 +10,9 @@
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
+#include "kernels/op_names.h"
 #include "special/scalar_kernels.h"
 #include "support/support.h"
-#include "value/op_names.h"
 
 using namespace test;
 

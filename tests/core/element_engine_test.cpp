@@ -7,11 +7,11 @@
 #include <cstring>
 #include <utility>
 
+#include "kernels/op_names.h"
 #include "special/scalar_kernels.h"
 #include "special/special_functions.h"
 #include "support/support.h"
 #include "value/header.h"
-#include "value/op_names.h"
 
 using namespace test;
 

@@ -19,8 +19,8 @@
 #include "engine/element_engine.h"
 #include "kernels/loops/dimension_ops.h"
 #include "kernels/loops/element_kernels.h"
+#include "kernels/op_names.h"
 #include "support/support.h"
-#include "value/op_names.h"
 
 namespace {
 

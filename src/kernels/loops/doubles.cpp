@@ -1,9 +1,9 @@
 // The loops for doubles: one row for each operation. And what else is asked of real numbers.
 
-#include "engine/result_rules.h"
 #include "kernels/loops/element_kernels.h"
 #include "kernels/loops/op_loops.h"
 #include "kernels/loops/tables.h"
+#include "kernels/real_domains.h"
 
 namespace kn::inline KN_ISA {
 

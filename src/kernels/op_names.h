@@ -1,6 +1,6 @@
 // What the list of operations says of a code, as data.
-#ifndef QUORVEX_VALUE_OP_NAMES_H
-#define QUORVEX_VALUE_OP_NAMES_H
+#ifndef QUORVEX_KERNELS_OP_NAMES_H
+#define QUORVEX_KERNELS_OP_NAMES_H
 
 #include "quorvex/op_list.h"
 

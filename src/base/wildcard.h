@@ -1,6 +1,6 @@
 // Patterns of names.
-#ifndef QUORVEX_CORE_WILDCARD_H
-#define QUORVEX_CORE_WILDCARD_H
+#ifndef QUORVEX_BASE_WILDCARD_H
+#define QUORVEX_BASE_WILDCARD_H
 
 namespace kn {
 
