@@ -66,7 +66,8 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND CMAKE_SYSTEM_PROCESSOR MATCHES 
     endforeach()
 endif()
 
-add_library(quorvex_objects OBJECT ${sources} ${reference_dir}/help_texts.cpp)
+include(${CMAKE_CURRENT_LIST_DIR}/function_calls.cmake)
+add_library(quorvex_objects OBJECT ${sources} ${function_calls} ${reference_dir}/help_texts.cpp)
 quorvex_library_sources(quorvex_objects)
 target_compile_definitions(quorvex_objects
     PRIVATE $<$<BOOL:${has_x86_kernels}>:KN_X86_KERNELS>

@@ -286,6 +286,27 @@ void write_man(const fs::path &to) {
     }
 }
 
+// The commands of ive_do, from their list.
+void write_commands(const Lines &lines, const fs::path &to) {
+    static const std::regex row(R"re(COMMAND\((\d+), (\w+), "([^"]*)", "([^"]*)", "((?:[^"\\]|\\.)*)"\))re");
+    std::ofstream html(to / "html" / "host-commands.html"), man(to / "man" / "quorvex-ive_do.3quorvex");
+    html << "<!DOCTYPE html><html lang=\"en\"><head><meta charset=\"utf-8\"><title>quorvex: commands of a "
+            "host</title></head><body><h1>ive_do(command, a, b)</h1>\n<table><tr><th>command<th>name<th>a<th>"
+            "b<th>what is done</tr>\n";
+    man << ".TH QUORVEX\\-ive_do 3quorvex\n.SH NAME\nive_do \\- commands of an interactive host\n.SH "
+           "DESCRIPTION\n.nf\n";
+    for (const string &line : lines)
+        for (std::sregex_iterator r(line.begin(), line.end(), row), end; r != end; ++r) {
+            const string text = std::regex_replace((*r)[5].str(), std::regex(R"(\\")"), "\"");
+            html << "<tr><td>" << (*r)[1] << "<td>kn_host_" << (*r)[2] << "<td>" << (*r)[3] << "<td>"
+                 << (*r)[4] << "<td>" << escaped_html(text) << "</tr>\n";
+            man << (*r)[1] << " kn_host_" << (*r)[2] << " (a: " << escaped_man((*r)[3])
+                << "; b: " << escaped_man((*r)[4]) << ")\n    " << escaped_man(text) << "\n";
+        }
+    html << "</table></body></html>\n";
+    man << ".fi\n";
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
@@ -312,5 +333,6 @@ int main(int argc, char **argv) {
     write_help(to / "help_texts.cpp");
     write_html(to / "html");
     write_man(to / "man");
+    write_commands(headers["host"], to);
     return missing > 0;
 }

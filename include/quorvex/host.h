@@ -12,41 +12,59 @@
 #define QUORVEX_HOST_CALL
 #endif
 
-// Carries out one command; texts, buffers and functions are passed as addresses. Positions count from 0. What
-// is not said to answer anything answers 0, and so does any other number.
-//
-//    0  sets kn_interactive_flag
-//    1  answers the number of variables on the current level;  23  of global ones
-//    2  name of variable a into b (40 bytes), without a trailing "_";  24  of the global ones
-//    3  displays the variable named b
-//    4  forgets the variable named b, or unloads the module of that name; all of the level for a null b, all
-//       global ones for "global"
-//    5  the figure designer
-//    6  answers the address of kn_error_stack
-//    9  a line for each variable: "global" the global ones, else those of the current level
-//   10  class word of variable a into b (40 bytes); answers whether it is an object
-//   11  the names of the variables of the level, as in 9, on one line
-//   12  eval_func = b
-//   13  help on the name b;  31  search for the text b;  32  helpwin
-//   14  the names of the files that the pattern b names
-//   15  debug,  16  print,  17  input,  18  key and  19  clear-screen handler = b
-//   20  mpath_pointer = b
-//   21  clears the screen
-//   22  window of the host = b;  38  the window that gets its keys
-//   25  kn_command_handler = b
-//   26  answers the address of the variable named b, or 0
-//   27  unloads the native module b
-//   28  guiexit(a)
-//   29  variable a on one short line into b (128 bytes);  30  of the global ones
-//   33  where b is found into a (1024 bytes)
-//   34  closes the figure b
-//   35  openvar
-//   36  memory
-//   37  version into b (2048 bytes)
-//
-// Variables by name are looked for on the current level, then among the global ones, as given and with "_"
-// behind the name; of an unknown one "Variable '%s' not found." is printed (3). A position without a variable
-// is the error "variable_scope: index out of range".
+// The commands of ive_do: number, name, what a and b are ("-" where they are not looked at), what is done or
+// answered. Texts, buffers and functions are passed as addresses; positions of variables count from 0.
+#define QUORVEX_HOST_COMMANDS(COMMAND)                                                                      \
+    COMMAND(0, interactive, "-", "-", "sets kn_interactive_flag")                                           \
+    COMMAND(1, count, "-", "-", "answers the number of variables of the level")                             \
+    COMMAND(2, name, "position", "buffer of 40 bytes", "name of a variable of the level, without a last _") \
+    COMMAND(3, show, "-", "name", "displays a variable")                                                    \
+    COMMAND(4, forget, "-", "name", "forgets a variable; the level for a null name, or \"global\"")         \
+    COMMAND(5, designer, "-", "-", "the figure designer")                                                   \
+    COMMAND(6, error_stack, "-", "-", "answers the address of kn_error_stack")                              \
+    COMMAND(9, list_lines, "-", "level", "a line for each variable of the level, or \"global\"")            \
+    COMMAND(10, class_of, "position", "buffer of 40 bytes",                                                 \
+            "class of a variable; answers whether an object")                                               \
+    COMMAND(11, list_names, "-", "level", "the names of the variables, as 9, on one line")                  \
+    COMMAND(12, set_eval, "-", "function", "eval_func")                                                     \
+    COMMAND(13, show_help, "-", "name", "help on a function")                                               \
+    COMMAND(14, list_files, "-", "pattern", "the names of files")                                           \
+    COMMAND(15, set_debug, "-", "function", "kn_debug_handler")                                             \
+    COMMAND(16, set_print, "-", "function", "kn_print_handler")                                             \
+    COMMAND(17, set_input, "-", "function", "kn_input_handler")                                             \
+    COMMAND(18, set_kbhit, "-", "function", "kn_kbhit_handler")                                             \
+    COMMAND(19, set_clc, "-", "function", "kn_clc_handler")                                                 \
+    COMMAND(20, set_path, "-", "record", "mpath_pointer")                                                   \
+    COMMAND(21, clear_screen, "-", "-", "clears the screen")                                                \
+    COMMAND(22, set_window, "-", "window", "the window of the host")                                        \
+    COMMAND(23, count_globals, "-", "-", "answers the number of global variables")                          \
+    COMMAND(24, global_name, "position", "buffer of 40 bytes",                                              \
+            "name of a global variable, without a last _")                                                  \
+    COMMAND(25, set_command, "-", "function", "kn_command_handler")                                         \
+    COMMAND(26, find, "-", "name", "answers the address of a variable, or 0")                               \
+    COMMAND(27, clear_mex, "-", "name", "unloads a native module")                                          \
+    COMMAND(28, exit_gui, "code", "-", "guiexit")                                                           \
+    COMMAND(29, summary, "position", "buffer of 128 bytes", "a variable of the level on one short line")    \
+    COMMAND(30, global_summary, "position", "buffer of 128 bytes", "a global variable on one short line")   \
+    COMMAND(31, search_help, "-", "text", "lookfor")                                                        \
+    COMMAND(32, help_window, "-", "name", "helpwin")                                                        \
+    COMMAND(33, find_file, "buffer of 1024 bytes", "name", "where a function or file is found")             \
+    COMMAND(34, figure_close, "-", "figure", "closes a figure")                                             \
+    COMMAND(35, open_variable, "-", "name", "openvar")                                                      \
+    COMMAND(36, memory_use, "-", "-", "memory")                                                             \
+    COMMAND(37, show_version, "-", "buffer of 2048 bytes", "version")                                       \
+    COMMAND(38, set_key_window, "-", "window", "the window that gets the keys of the host")
+
+enum kn_host_command {
+#define QUORVEX_HOST_COMMAND(number, name, a, b, answer) kn_host_##name = number,
+    QUORVEX_HOST_COMMANDS(QUORVEX_HOST_COMMAND)
+#undef QUORVEX_HOST_COMMAND
+};
+
+// Carries out one command of the list. What is not said to answer anything answers 0, and so does a number
+// that is no command. "The level" is the current one. Variables by name are looked for on the level, then
+// among the global ones, as given and with "_" after the name; of an unknown one "Variable '%s' not found."
+// is printed (3). A position without a variable is the error "variable_scope: index out of range".
 extern "C" QUORVEX_API intptr_t QUORVEX_HOST_CALL ive_do(int command, intptr_t a, intptr_t b);
 
 // Runs a command of the operating system, writes what it prints into output (60000 bytes), and answers its

@@ -22,7 +22,7 @@
 // One input, element by element. `arg` is angle, `finite` isfinite, `kn_isnan` isnan, `mnot` the operator !,
 // `msqrt` sqrt. reallog and realsqrt stay real (NaN below 0). expint is E1; below 0 its principal value minus
 // i pi. uint8 input computes on the value of the byte and truncates the result back to a byte.
-#define QUORVEX_UNARY_FUNCTIONS(ROW) \
+#define QUORVEX_UNARY_OPERATIONS(ROW) \
     ROW(abs, "absolute value", 1) \
     ROW(acos, "inverse cosine", 1) \
     ROW(acosh, "inverse hyperbolic cosine", 1) \
@@ -39,7 +39,6 @@
     ROW(atan, "inverse tangent", 1) \
     ROW(atanh, "inverse hyperbolic tangent", 1) \
     ROW(ceil, "rounds up", 1) \
-    ROW(conj, "complex conjugate", 1) \
     ROW(cos, "cosine", 1) \
     ROW(cosh, "hyperbolic cosine", 1) \
     ROW(cot, "cotangent", 1) \
@@ -51,7 +50,6 @@
     ROW(erfcx, "scaled complementary error function", 1) \
     ROW(erfinv, "inverse error function", 1) \
     ROW(exp, "exponential", 1) \
-    ROW(expint, "exponential integral", 1) \
     ROW(finite, "where elements are finite", 1) \
     ROW(fix, "rounds towards zero", 1) \
     ROW(floor, "rounds down", 1) \
@@ -67,9 +65,6 @@
     ROW(log2, "logarithm to base 2, or mantissa and exponent", 1, 1_to_2) \
     ROW(mnot, "where elements are zero", 1) \
     ROW(msqrt, "square root", 1) \
-    ROW(real, "real part", 1) \
-    ROW(reallog, "natural logarithm of reals", 1) \
-    ROW(realsqrt, "square root of reals", 1) \
     ROW(round, "rounds to whole numbers", 1) \
     ROW(sec, "secant", 1) \
     ROW(sech, "hyperbolic secant", 1) \
@@ -80,7 +75,14 @@
     ROW(sqrt, "square root", 1) \
     ROW(tan, "tangent", 1) \
     ROW(tanh, "hyperbolic tangent", 1) \
-    ROW(uminus, "negation", 1) \
+    ROW(uminus, "negation", 1)
+#define QUORVEX_UNARY_FUNCTIONS(ROW) \
+    QUORVEX_UNARY_OPERATIONS(ROW) \
+    ROW(conj, "complex conjugate", 1) \
+    ROW(expint, "exponential integral", 1) \
+    ROW(real, "real part", 1) \
+    ROW(reallog, "natural logarithm of reals", 1) \
+    ROW(realsqrt, "square root of reals", 1) \
     ROW(uplus, "the value itself", 1)
 
 // Two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide, ldivide and
@@ -88,7 +90,7 @@
 // a) is the regularized lower incomplete gamma function. mod and rem of anything by 0 are NaN. plus to
 // mrdivide are also the operators. mtimes is the matrix product ("*: wrong dimensions of: %s %dx%d, %s
 // %dx%d"); mrdivide by a scalar divides the elements.
-#define QUORVEX_BINARY_FUNCTIONS(ROW) \
+#define QUORVEX_BINARY_OPERATIONS(ROW) \
     ROW(atan2, "angle of a point", 2) \
     ROW(betaln, "logarithm of the beta function", 2) \
     ROW(bitcmp, "complement of bits", 2) \
@@ -114,8 +116,6 @@
     ROW(minus, "difference", 2) \
     ROW(mod, "remainder with the sign of the divisor", 2) \
     ROW(mor, "logical or", 2) \
-    ROW(mrdivide, "matrix division from the right", 2) \
-    ROW(mtimes, "matrix product", 2) \
     ROW(mxor, "logical exclusive or", 2) \
     ROW(ne, "not equal", 2) \
     ROW(plus, "sum of two values", 2) \
@@ -123,6 +123,10 @@
     ROW(rdivide, "division of elements", 2) \
     ROW(rem, "remainder with the sign of the dividend", 2) \
     ROW(times, "product of elements", 2)
+#define QUORVEX_BINARY_FUNCTIONS(ROW) \
+    QUORVEX_BINARY_OPERATIONS(ROW) \
+    ROW(mrdivide, "matrix division from the right", 2) \
+    ROW(mtimes, "matrix product", 2)
 
 // Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim. Reported are "%s: dim
 // argument may not be empty" and "%s: dimension=%d does not exist for matrix %s". Results keep uint8 (wrapping

@@ -15,7 +15,7 @@
 #include "engine/sparse_plan.h"
 #include "kernels/kernel_table.h"
 #include "kernels/op_core.h"
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 #include "quorvex/classes.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"

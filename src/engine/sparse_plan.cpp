@@ -19,7 +19,7 @@
 
 #include "base/scratch.h"
 #include "engine/element_engine.h"
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/header.h"

@@ -1,5 +1,5 @@
-// ive_do: the commands of an interactive host. Texts, buffers and functions come as
-// addresses; what belongs to a subject is a call of the function that everybody else calls.
+// ive_do: the commands of an interactive host, one function for each row of the list in quorvex/host.h. What
+// belongs to a subject is a call of the function that everybody else calls.
 
 #include "quorvex/host.h"
 
@@ -42,7 +42,10 @@ void copy_text(intptr_t buffer, const Mm &text, int size) {
 
 int level_named(intptr_t word) { return std::strcmp(word_at(word), "global") == 0 ? 0 : Scopes::level(); }
 
-void not_yet(const char *function) { error("%s is not yet implemented", function); }
+intptr_t not_yet(const char *function) {
+    error("%s is not yet implemented", function);
+    return 0;
+}
 
 // ---- Variables ----
 
@@ -61,44 +64,65 @@ void variable_name(int position, int level, intptr_t buffer) {
     if (n >= 2 && out[n - 1] == '_') out[n - 1] = '\0';
 }
 
-void summary(int position, int level, intptr_t buffer) {
+void variable_summary(int position, int level, intptr_t buffer) {
     if (const Mm *value = Scopes::value(position, level))
         if (buffer) value_summary(*value, buffer_at(buffer), summary_size);
 }
 
-intptr_t class_of(int position, intptr_t buffer) {
-    const Mm *value = Scopes::value(position, Scopes::level());
+// ---- The commands ----
+
+namespace commands {
+
+using Address = intptr_t;
+
+int level() { return Scopes::level(); }
+int position_of(Address a) { return static_cast<int>(a); }
+
+void interactive(Address, Address) { kn_interactive_flag = 1; }
+Address error_stack(Address, Address) { return address_of(&kn_error_stack); }
+
+Address count(Address, Address) { return Scopes::count(level()); }
+Address count_globals(Address, Address) { return Scopes::count(0); }
+void name(Address a, Address b) { variable_name(position_of(a), level(), b); }
+void global_name(Address a, Address b) { variable_name(position_of(a), 0, b); }
+void summary(Address a, Address b) { variable_summary(position_of(a), level(), b); }
+void global_summary(Address a, Address b) { variable_summary(position_of(a), 0, b); }
+Address find(Address, Address b) { return address_of(Scopes::lookup_visible(word_at(b))); }
+
+Address class_of(Address a, Address b) {
+    const Mm *value = Scopes::value(position_of(a), level());
     if (!value) return 0;
-    copy_text(buffer, kn_class_word(*value), name_size);
+    copy_text(b, kn_class_word(*value), name_size);
     return isobject(*value);
 }
 
-void show(intptr_t word) {
-    const char *name = word_at(word);
+void show(Address, Address b) {
+    const char *name = word_at(b);
     if (const Mm *value = Scopes::lookup_visible(name))
         display(*value);
     else
         kn_printf("Variable '%s' not found.\n", name);
 }
 
-void forget(intptr_t word) {
-    if (!word || std::strcmp(text_at(word), "global") == 0) return Scopes::remove_all(level_named(word));
+void forget(Address, Address b) {
+    if (!b || std::strcmp(text_at(b), "global") == 0) return Scopes::remove_all(level_named(b));
     // Else it would be the name of a module to unload; an unknown one does nothing, and none can be loaded.
-    if (Mm *value = Scopes::lookup(text_at(word), Scopes::level())) Scopes::remove(*value);
+    if (Mm *value = Scopes::lookup(text_at(b), level())) Scopes::remove(*value);
 }
 
-void list_names(int level) {
-    const int n = Scopes::count(level);
-    for (int k = 0; k < n; ++k) kn_printf("%s ", Scopes::name(k, level));
+void list_names(Address, Address b) {
+    const int at = level_named(b), n = Scopes::count(at);
+    for (int k = 0; k < n; ++k) kn_printf("%s ", Scopes::name(k, at));
     if (n > 0) kn_print_handler("\n");
 }
 
-void list_lines(int level) {
-    for (int k = 0; k < Scopes::count(level); ++k) whos_line(*Scopes::value(k, level));
+void list_lines(Address, Address b) {
+    const int at = level_named(b);
+    for (int k = 0; k < Scopes::count(at); ++k) whos_line(*Scopes::value(k, at));
 }
 
-void list_files(const Mm &pattern) {
-    const Mm entries = dir(pattern);
+void list_files(Address, Address b) {
+    const Mm entries = dir(value_at(b));
     char name[path_size];
     for (int k = 1; entries.isstruct() && k <= entries.size(); ++k) {
         copy_text(address_of(name), Mm(entries(k).member("name")), path_size);
@@ -106,49 +130,36 @@ void list_files(const Mm &pattern) {
     }
 }
 
-// ---- The commands ----
+void show_help(Address, Address b) { help(value_at(b)); }
+void search_help(Address, Address b) { lookfor(value_at(b)); }
+void help_window(Address, Address b) { helpwin(value_at(b)); }
+void find_file(Address a, Address b) { copy_text(a, which(value_at(b)), path_size); }
+void open_variable(Address, Address b) { openvar(value_at(b)); }
+void memory_use(Address, Address) { memory(); }
+void show_version(Address, Address b) { copy_text(b, version(), version_size); }
 
-intptr_t run(int command, intptr_t a, intptr_t b) {
-    const int position = static_cast<int>(a), level = Scopes::level();
-    switch (command) {
-    case 0: kn_interactive_flag = 1; break;
-    case 1: return Scopes::count(level);
-    case 2: variable_name(position, level, b); break;
-    case 3: show(b); break;
-    case 4: forget(b); break;
-    case 5: not_yet("designer"); break;
-    case 6: return address_of(&kn_error_stack);
-    case 9: list_lines(level_named(b)); break;
-    case 10: return class_of(position, b);
-    case 11: list_names(level_named(b)); break;
-    case 12: eval_func = function_at<kn_eval_hook>(b); break;
-    case 13: help(value_at(b)); break;
-    case 14: list_files(value_at(b)); break;
-    case 15: kn_set_debug_handler(function_at<kn_code_handler>(b)); break;
-    case 16: kn_set_print_handler(function_at<kn_text_handler>(b)); break;
-    case 17: kn_set_input_handler(function_at<kn_input_hook>(b)); break;
-    case 18: kn_set_kbhit_handler(function_at<kn_kbhit_hook>(b)); break;
-    case 19: kn_set_clc_handler(function_at<kn_clc_hook>(b)); break;
-    case 20: mpath_pointer = static_cast<kn_path_record *>(pointer_at(b)); break;
-    case 21: kn_clc_handler(); break;
-    case 22: setapplicationhandle(pointer_at(b)); break;
-    case 23: return Scopes::count(0);
-    case 24: variable_name(position, 0, b); break;
-    case 25: kn_command_handler = function_at<kn_command_hook>(b); break;
-    case 26: return address_of(Scopes::lookup_visible(word_at(b)));
-    case 27: not_yet("clear_mex"); break;
-    case 28: guiexit(static_cast<double>(a)); break;
-    case 29: summary(position, level, b); break;
-    case 30: summary(position, 0, b); break;
-    case 31: lookfor(value_at(b)); break;
-    case 32: helpwin(value_at(b)); break;
-    case 33: copy_text(a, which(value_at(b)), path_size); break;
-    case 34: not_yet("figure_close"); break;
-    case 35: openvar(value_at(b)); break;
-    case 36: memory(); break;
-    case 37: copy_text(b, version(), version_size); break;
-    case 38: setapplicationkeyhandle(pointer_at(b)); break;
-    }
+void set_eval(Address, Address b) { eval_func = function_at<kn_eval_hook>(b); }
+void set_debug(Address, Address b) { kn_set_debug_handler(function_at<kn_code_handler>(b)); }
+void set_print(Address, Address b) { kn_set_print_handler(function_at<kn_text_handler>(b)); }
+void set_input(Address, Address b) { kn_set_input_handler(function_at<kn_input_hook>(b)); }
+void set_kbhit(Address, Address b) { kn_set_kbhit_handler(function_at<kn_kbhit_hook>(b)); }
+void set_clc(Address, Address b) { kn_set_clc_handler(function_at<kn_clc_hook>(b)); }
+void set_command(Address, Address b) { kn_command_handler = function_at<kn_command_hook>(b); }
+void set_path(Address, Address b) { mpath_pointer = static_cast<kn_path_record *>(pointer_at(b)); }
+void set_window(Address, Address b) { setapplicationhandle(pointer_at(b)); }
+void set_key_window(Address, Address b) { setapplicationkeyhandle(pointer_at(b)); }
+
+void clear_screen(Address, Address) { kn_clc_handler(); }
+void exit_gui(Address a, Address) { guiexit(static_cast<double>(a)); }
+Address designer(Address, Address) { return not_yet("designer"); }
+Address clear_mex(Address, Address) { return not_yet("clear_mex"); }
+Address figure_close(Address, Address) { return not_yet("figure_close"); }
+
+} // namespace commands
+
+intptr_t answer(intptr_t (*command)(intptr_t, intptr_t), intptr_t a, intptr_t b) { return command(a, b); }
+intptr_t answer(void (*command)(intptr_t, intptr_t), intptr_t a, intptr_t b) {
+    command(a, b);
     return 0;
 }
 
@@ -156,5 +167,11 @@ intptr_t run(int command, intptr_t a, intptr_t b) {
 } // namespace kn
 
 extern "C" intptr_t QUORVEX_HOST_CALL ive_do(int command, intptr_t a, intptr_t b) {
-    return kn::run(command, a, b);
+    switch (command) {
+#define KN_COMMAND(number, name, ...) \
+    case kn_host_##name: return kn::answer(kn::commands::name, a, b);
+        QUORVEX_HOST_COMMANDS(KN_COMMAND)
+#undef KN_COMMAND
+    default: return 0;
+    }
 }

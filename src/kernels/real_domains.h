@@ -2,7 +2,7 @@
 #ifndef QUORVEX_KERNELS_REAL_DOMAINS_H
 #define QUORVEX_KERNELS_REAL_DOMAINS_H
 
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 
 namespace kn {
 

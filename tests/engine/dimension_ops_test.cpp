@@ -10,7 +10,7 @@
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 #include "special/scalar_kernels.h"
 #include "support/support.h"
 

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <utility>
 
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 #include "special/scalar_kernels.h"
 #include "special/special_functions.h"
 #include "support/support.h"

@@ -19,7 +19,7 @@
 #include "engine/element_engine.h"
 #include "kernels/loops/dimension_ops.h"
 #include "kernels/loops/element_kernels.h"
-#include "kernels/op_names.h"
+#include "kernels/op_rows.h"
 #include "support/support.h"
 
 namespace {
@@ -37,7 +37,7 @@ template <class K> constexpr Kind kind_of() { return {requires(const kn::Slices<
 }
 constexpr Kind kinds[] = {
 #define ROW(name, group, rule, K) kind_of<kn::kernel::K>(),
-    QUORVEX_OPERATIONS(ROW)
+    KN_OPERATIONS(ROW)
 #undef ROW
 };
 

@@ -3,6 +3,7 @@
 #include "kernels/loops/element_kernels.h"
 #include "kernels/loops/op_loops.h"
 #include "kernels/loops/tables.h"
+#include "kernels/op_rows.h"
 #include "kernels/real_domains.h"
 
 namespace kn::inline KN_ISA {
@@ -71,13 +72,13 @@ template <Rule rule, class K> constexpr NumberFunctions numbers_for() {
 
 const Loops<double> double_loops[op_count_] = {
 #define KN_ROW(name, group, rule, K) loops_for<double, DoubleLoops, kernel::K>(),
-    QUORVEX_OPERATIONS(KN_ROW)
+    KN_OPERATIONS(KN_ROW)
 #undef KN_ROW
 };
 
 const NumberFunctions number_functions[op_count_] = {
 #define KN_ROW(name, group, rule, K) numbers_for<Rule::rule, kernel::K>(),
-    QUORVEX_OPERATIONS(KN_ROW)
+    KN_OPERATIONS(KN_ROW)
 #undef KN_ROW
 };
 

@@ -1,11 +1,15 @@
 // The calls of the table of functions: for each row one function for each of its forms, and the list of
 // these, name_calls. A form that no overload has doesn't compile. They are kept plain, since there are
 // thousands: a form is one instance of one template, found neither by trying nor by passing arguments on.
+//
+// The build expands the rows of each public header in a source of its own (cmake/function_calls.cmake).
+#ifndef QUORVEX_HOST_FUNCTION_CALLS_H
+#define QUORVEX_HOST_FUNCTION_CALLS_H
 
 #include <utility>
 
 #include "host/function_table.h"
-#include "quorvex.h"
+#include "quorvex/workspace.h"
 
 namespace kn {
 
@@ -17,7 +21,7 @@ template <template <class, class, bool> class Row, form f> constexpr Call call_o
 template <template <class, class, bool> class Row, form... f>
 inline constexpr Call calls_of[] = {call_of<Row, f>()...};
 
-#define KN_ROW(name, description, ...)                                                  \
+#define KN_CALLS(name, description, ...)                                                \
     namespace {                                                                         \
     template <class, class, bool> struct name##_row;                                    \
     template <size_t... in, size_t... out, bool names>                                  \
@@ -34,7 +38,7 @@ inline constexpr Call calls_of[] = {call_of<Row, f>()...};
     }                                                                                   \
     extern const Call *const name##_calls;                                              \
     constinit const Call *const name##_calls = calls_of<name##_row, __VA_ARGS__>;
-QUORVEX_FUNCTIONS(KN_ROW)
-#undef KN_ROW
 
 } // namespace kn
+
+#endif
