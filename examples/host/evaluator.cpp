@@ -26,7 +26,7 @@ std::string text_of(const Mm &value) {
 // ---- Variables ----
 
 Mm *Evaluator::find(const std::string &name) {
-    return reinterpret_cast<Mm *>(ive(26, nullptr, name.c_str()));
+    return reinterpret_cast<Mm *>(ive(kn_host_find, nullptr, name.c_str()));
 }
 
 void Evaluator::set(const std::string &name, const Mm &value) {
@@ -45,7 +45,7 @@ void Evaluator::set(const std::string &name, const Mm &value) {
 bool Evaluator::is_value(const std::string &name) { return find(name) || constant(name); }
 
 void Evaluator::forget() {
-    ive(4);
+    ive(kn_host_forget);
     for (auto &[name, variable] : variables_) variable->value = Mm();
 }
 

@@ -21,7 +21,7 @@
 using Values = std::vector<Mm>;
 
 // A command of ive_do with addresses.
-inline intptr_t ive(int command, const void *a = nullptr, const void *b = nullptr) {
+inline intptr_t ive(kn_host_command command, const void *a = nullptr, const void *b = nullptr) {
     return ive_do(command, reinterpret_cast<intptr_t>(a), reinterpret_cast<intptr_t>(b));
 }
 

@@ -8,16 +8,25 @@ namespace {
 
 // The words that are commands of ive_do: their numbers, and the word that may follow, "*" for any. With other
 // words they are calls by name, as all others.
-enum { where = 33, version_text = 37, leave = -1 };
+constexpr int leave = -1;
 struct Command {
     int number;
     std::string word;
 };
-const std::map<std::string, Command> commands = {
-    {"whos", {9, "global"}}, {"who", {11, "global"}}, {"help", {13, "*"}},    {"dir", {14, "*"}},
-    {"ls", {14, "*"}},       {"clc", {21, ""}},       {"lookfor", {31, "*"}}, {"helpwin", {32, "*"}},
-    {"which", {where, "*"}}, {"openvar", {35, "*"}},  {"memory", {36, ""}},   {"version", {version_text, ""}},
-    {"exit", {leave, ""}},   {"quit", {leave, ""}}};
+const std::map<std::string, Command> commands = {{"whos", {kn_host_list_lines, "global"}},
+                                                 {"who", {kn_host_list_names, "global"}},
+                                                 {"help", {kn_host_show_help, "*"}},
+                                                 {"dir", {kn_host_list_files, "*"}},
+                                                 {"ls", {kn_host_list_files, "*"}},
+                                                 {"clc", {kn_host_clear_screen, ""}},
+                                                 {"lookfor", {kn_host_search_help, "*"}},
+                                                 {"helpwin", {kn_host_help_window, "*"}},
+                                                 {"which", {kn_host_find_file, "*"}},
+                                                 {"openvar", {kn_host_open_variable, "*"}},
+                                                 {"memory", {kn_host_memory_use, ""}},
+                                                 {"version", {kn_host_show_version, ""}},
+                                                 {"exit", {leave, ""}},
+                                                 {"quit", {leave, ""}}};
 
 // What open files hold back: after an error a user looks into them, or ends the host.
 void write_out_files() {
@@ -38,12 +47,12 @@ Session *Session::current = nullptr;
 
 Session::Session(const std::string &host_directory)
     : path_(kn_new_path_record(host_directory.c_str())),
-      stack_(*reinterpret_cast<kn_error_stack_t *>(ive(6))) {
+      stack_(*reinterpret_cast<kn_error_stack_t *>(ive(kn_host_error_stack))) {
     current = this;
-    ive(0); // interactive: named values register
-    ive(12, nullptr, reinterpret_cast<void *>(eval_hook));
-    ive(17, nullptr, reinterpret_cast<void *>(console::input));
-    ive(20, nullptr, path_);
+    ive(kn_host_interactive); // interactive: named values register
+    ive(kn_host_set_eval, nullptr, reinterpret_cast<void *>(eval_hook));
+    ive(kn_host_set_input, nullptr, reinterpret_cast<void *>(console::input));
+    ive(kn_host_set_path, nullptr, path_);
     feval_func = feval_hook;
     kn_poll_handler = poll;
     evaluator_.define("run", [this](const Values &arguments, int) { return run_script(arguments); });
@@ -52,7 +61,7 @@ Session::Session(const std::string &host_directory)
 Session::~Session() {
     evaluator_.forget();
     kn_poll_handler = nullptr;
-    ive(20);
+    ive(kn_host_set_path);
     kn_delete_path_record(path_);
 }
 
@@ -170,15 +179,15 @@ void Session::command(const Statement &statement, bool quiet) {
     char text[2048] = "";
     switch (const int number = found->second.number) {
     case leave: finished_ = true; break;
-    case where:
-        ive(where, text, word.c_str());
+    case kn_host_find_file:
+        ive(kn_host_find_file, text, word.c_str());
         kn_printf("%s\n", text);
         break;
-    case version_text:
-        ive(version_text, nullptr, text);
+    case kn_host_show_version:
+        ive(kn_host_show_version, nullptr, text);
         kn_printf("%s\n", text);
         break;
-    default: ive(number, nullptr, word.c_str());
+    default: ive(static_cast<kn_host_command>(number), nullptr, word.c_str());
     }
 }
 
