@@ -8,7 +8,7 @@
 
 #include <utility>
 
-#include "host/function_table.h"
+#include "host/form_call.h"
 #include "quorvex/workspace.h"
 
 namespace kn {

@@ -5,12 +5,10 @@
 
 #include <span>
 
+#include "host/form_call.h"
 #include "quorvex/library.h"
 
 namespace kn {
-
-// Calls one form. Of several outputs each has its place in y; else the value, or x_M, is returned.
-using Call = Mm (*)(const Mm *x, Mm *y);
 
 struct Function {
     kn_function about;
