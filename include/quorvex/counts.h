@@ -3,7 +3,7 @@
 //     ROW(lt, "less", 2)
 //     ROW(max, "largest element", 1, 2, 3, 1_to_2, 3_to_2)
 //     ROW(disp, "prints a value", 1_to_0)
-//     ROW(sprintf, "values as text by a format", 1, 2_list)
+//     ROW(sprintf, "values as text in a format", 1, 2_list)
 //
 // A form is a number of inputs, and the kind of its inputs and outputs:
 //
