@@ -16,8 +16,8 @@ struct Counts {
     int in = 0, out = 0;
 };
 
-// The frame of a running function, declared before its variables: an entry on the stack of source positions, a
-// level of the workspace, and the results of nargin() and nargout(). The destructor restores those of the
+// The frame of a running function, declared before its variables: an entry on the stack of source positions,
+// a level of the workspace, and the results of nargin() and nargout(). The destructor restores those of the
 // caller, also after an error. Counts that the caller has set itself (nargout_set, as feval does) take
 // precedence for this one call.
 class Frame {

@@ -45,8 +45,8 @@
 //   37  version into b (2048 bytes)
 //
 // A variable named by b is searched for on the current level, then among the global ones, as given and with
-// "_" appended; command 3 prints "Variable '%s' not found." for an unknown one. An index without a variable is
-// the error "variable_scope: index out of range".
+// "_" appended; command 3 prints "Variable '%s' not found." for an unknown one. An index without a variable
+// is the error "variable_scope: index out of range".
 extern "C" QUORVEX_API intptr_t QUORVEX_HOST_CALL ive_do(int command, intptr_t a, intptr_t b);
 
 // Runs a command of the operating system, writes what it prints into output (60000 bytes), and returns its

@@ -1,28 +1,28 @@
 // Indexed expressions and comma lists: what generated code makes of x(i,j), s.a, c{k}, [a, b; c] and {a, b}.
 //
 // An Mr holds a base and its subscripts, and does nothing until it is converted to a value (a read) or
-// assigned to (a write). An Mc is a list of pointers. Both borrow what they refer to, so they must not outlive
-// the full expression that makes them.
+// assigned to (a write). An Mc is a list of pointers. Both borrow what they refer to, so they must not
+// outlive the full expression that makes them.
 //
 // Subscripts. A number v selects the 0-based index trunc(v - 1); a logical value selects where it is not zero
 // (NaN does not select), the object c_p selects everything. x(i,j) of an array with more dimensions refers to
 // its first page.
 //
-// Reading. x() and x(:,:) are x itself, x(:) has its elements as a column; all three share the block. With one
-// subscript a vector base determines the direction of the result, otherwise the subscript its shape; a logical
-// matrix gives a column. A complex selection without imaginary parts is real; a sparse base gives a sparse
-// value. c{k} is only the first selected element, [] when there is none; s.a of several structures is a row of
-// cells. An index out of range is reported, and the result is a value of type kn_none, as after every failed
-// read. A sparse subscript of a plain matrix is converted to full, and remains full.
+// Reading. x() and x(:,:) are x itself, x(:) has its elements as a column; all three share the block. With
+// one subscript a vector base determines the direction of the result, otherwise the subscript its shape; a
+// logical matrix gives a column. A complex selection without imaginary parts is real; a sparse base gives a
+// sparse value. c{k} is only the first selected element, [] when there is none; s.a of several structures is
+// a row of cells. An index out of range is reported, and the result is a value of type kn_none, as after
+// every failed read. A sparse subscript of a plain matrix is converted to full, and remains full.
 //
-// Writing. The target keeps its type and its flags (except that x(:) = y of equal size shares the block of y),
-// becomes complex when the source is, and grows to include all indices: a vector along its direction, a matrix
-// with one subscript into a column. New elements are zero, [] or empty fields. A source of another type is
-// converted; an unset or empty target receives the type of the source. A single element fills all indices;
-// otherwise the counts must agree. An empty source deletes. c{k} = y stores y unchanged; s.a = y assigns to the
-// first structure, and adds the field if needed. Structures that are assigned must have the same fields in the
-// same order, or one more in the source. Objects use the methods subsref, subsasgn and subsindex of their
-// class.
+// Writing. The target keeps its type and its flags (except that x(:) = y of equal size shares the block of
+// y), becomes complex when the source is, and grows to include all indices: a vector along its direction, a
+// matrix with one subscript into a column. New elements are zero, [] or empty fields. A source of another
+// type is converted; an unset or empty target receives the type of the source. A single element fills all
+// indices; otherwise the counts must agree. An empty source deletes. c{k} = y stores y unchanged; s.a = y
+// assigns to the first structure, and adds the field if needed. Structures that are assigned must have the
+// same fields in the same order, or one more in the source. Objects use the methods subsref, subsasgn and
+// subsindex of their class.
 #ifndef QUORVEX_INDEXING_H
 #define QUORVEX_INDEXING_H
 
@@ -43,9 +43,9 @@ class QUORVEX_API Mr {
     ~Mr() {
         if (owned) drop();
     }
-    // n subscripts (0 to 4) on a value, or on another reference. A subscript that is not a double is converted
-    // by subsindex; a cell as the only subscript of () counts as its elements. The colon is the object c_p
-    // itself.
+    // n subscripts (0 to 4) on a value, or on another reference. A subscript that is not a double is
+    // converted by subsindex; a cell as the only subscript of () counts as its elements. The colon is the
+    // object c_p itself.
     Mr(const Mm &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
     Mr(const Mr &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
     // The same with one and two subscripts.
@@ -85,8 +85,8 @@ class QUORVEX_API Mr {
   private:
     friend struct kn::RefAccess;
 
-    // Every subscript of a program makes one, so construction uses few stores: subscripts after the first nidx,
-    // and fields that the kind does not use, are uninitialized.
+    // Every subscript of a program makes one, so construction uses few stores: subscripts after the first
+    // nidx, and fields that the kind does not use, are uninitialized.
     Mr_idx_type kind;
     short nidx;
     short owned;      // a bit for each subscript that is an owned copy
@@ -123,8 +123,8 @@ inline Mr Mm::member(const char *field) const { return Mr(*this, field); }
 // subsindex of its class. A cell or structure is reported, and gives an empty value.
 QUORVEX_API Mm subsindex(const Mm &x);
 
-// A comma list. An item is a value, or a number or text that becomes a value only when it is needed: a literal
-// of thousands of items then compiles without a temporary for each.
+// A comma list. An item is a value, or a number or text that becomes a value only when it is needed: a
+// literal of thousands of items then compiles without a temporary for each.
 class QUORVEX_API Mc {
   public:
     Mc();

@@ -4,9 +4,10 @@
 
 #include "quorvex/counts.h"
 
-// One function: its C++ name, its name in the language, its line of help. `inputs` and `outputs` are bit sets:
-// bit n is set for a form with n of them, bit 0 of `outputs` for a form without output. `list` and `names` are
-// the numbers of inputs before the list and before the variables (counts.h); -1 where there is no such form.
+// One function: its C++ name, its name in the language, its line of help. `inputs` and `outputs` are bit
+// sets: bit n is set for a form with n of them, bit 0 of `outputs` for a form without output. `list` and
+// `names` are the numbers of inputs before the list and before the variables (counts.h); -1 where there is no
+// such form.
 struct kn_function {
     const char *name, *word, *description;
     unsigned inputs, outputs;
@@ -18,15 +19,17 @@ QUORVEX_API int kn_functions(const kn_function **list);
 // Finds a function by its C++ name (randM, mand) or its name in the language (rand, and); null for none.
 QUORVEX_API const kn_function *kn_find_function(const char *name);
 
-// Calls a function by name with the elements of the cell `args`. The nargout outputs go to out[0], out[1], ...;
-// `out` has room for at least one, also with nargout 0, and a function without a result sets it to x_M
+// Calls a function by name with the elements of the cell `args`. The nargout outputs go to out[0], out[1],
+// ...; `out` has room for at least one, also with nargout 0, and a function without a result sets it to x_M
 // (kn_has_value). Returns x_M; after an error every output is x_M. With nargout 0 texts may name variables of
-// the workspace (`save`, `load`, `clear`). "Undefined function '%s'"; "%s does not accept %d input%s"; "Too many
+// the workspace (`save`, `load`, `clear`). "Undefined function '%s'"; "%s does not accept %d input%s"; "Too
+// many
 // (%d>%d) outputs for %s" when no form with this number of inputs has so many outputs.
 QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, Mm *const *out);
 
-// The same with the signature of feval_func and nargout() outputs: `feval_func = kn_feval` makes the library's
-// functions available to a program. A function without output gives x_M where one output is requested.
+// The same with the signature of feval_func and nargout() outputs: `feval_func = kn_feval` makes the
+// library's functions available to a program. A function without output gives x_M where one output is
+// requested.
 QUORVEX_API Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6);
 
 // Print help. lookfor prints a line, name and description, for each function that has the text in them. help

@@ -1,6 +1,6 @@
 // Every message of the library passes through one funnel: an entry point formats the text and passes it to a
-// handler that a host may replace. An error ends the process (the default) or is thrown as `const char *` (flag
-// 16). If a host's handler returns, the reporting function continues with a valid value.
+// handler that a host may replace. An error ends the process (the default) or is thrown as `const char *`
+// (flag 16). If a host's handler returns, the reporting function continues with a valid value.
 #ifndef QUORVEX_MESSAGES_H
 #define QUORVEX_MESSAGES_H
 

@@ -2,20 +2,22 @@
 //
 //     OP(name, sparse group, result rule, kernel)
 //
-// name          what messages print, what class dispatch looks for, and, behind "op_", the enumerator.
+// name          the name in messages and in class dispatch, and, after "op_", the enumerator.
 // sparse group  what the operation does with the zeros of a sparse operand (see engine/sparse_plan.cpp):
 //                 unary_zero   keeps zeros, one operand: works on the stored values
-//                 product      zero where either operand is zero: merge of positions
-//                 union_       zero where both operands are zero: merge of positions
-//                 unary_full   does not keep zeros: works on the dense form
+//                 product      zero where either operand is zero: intersects the indices
+//                 union_       zero where both operands are zero: merges the indices
+//                 unary_full   does not keep zeros: works on the full form
 //                 binary_full  the same with two operands
-//                 reduction    runs along a dimension: works on the dense form
-// result rule   when the language function asks for an imaginary plane (see engine/result_rules.cpp):
-//                 never, operand (some operand is complex), negative (or an element is below 0), outside_one
-//                 (below -1 or above 1), outside_zero_one (below 0 or above 1), inside_one (strictly between
-//                 -1 and 1, or an unstored zero), below_one (or an unstored zero), power_rule; `logical` is
-//                 `never` and the result is logical.
-// kernel        the structure in core/ that holds the element functions.
+//                 reduction    runs along a dimension: works on the full form
+// result rule   when the result of the language function has an imaginary plane (see
+// engine/result_rules.cpp):
+//                 never; operand: an operand is complex; and in addition, when an element is below 0
+//                 (negative), below -1 or above 1 (outside_one), below 0 or above 1 (outside_zero_one),
+//                 between -1 and 1 or an unstored zero (inside_one), below 1 or an unstored zero (below_one);
+//                 power_rule for powers. `logical` is `never`, and the result is logical.
+// kernel        the structure with the element functions (kernels/loops/element_kernels.h,
+//               kernels/loops/dimension_ops.h).
 //
 // The enumeration, the names, the sparse plan, the result rules and the dispatch tables are all made from
 // this list.
