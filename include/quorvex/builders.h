@@ -27,9 +27,9 @@ QUORVEX_API Mm cputime(); // always 0
 // Random numbers, uniform on [0, 1) or standard normal; one number without sizes. randM("state") gives the
 // state of the generator (a column of 35 elements, 2 for randn), randM("state", y) sets it ("%s('state',y): y
 // must be scalar or %d-element state vector"); "seed" does the same for an older generator. Setting selects
-// the generator. The streams are exact: a state gives the same numbers everywhere. Sources:
-// Marsaglia and Zaman (subtract with borrow), Marsaglia (xorshift), Park and Miller (seed), Marsaglia and
-// Tsang, SIAM J. Sci. Stat. Comput. 5 (1984) 349-359 (randn).
+// the generator. The streams are exact: a state gives the same numbers everywhere. Sources: subtract with
+// borrow by Marsaglia and Zaman, xorshift by Marsaglia, the older generator by Park and Miller, randn by
+// Marsaglia and Tsang, SIAM J. Sci. Stat. Comput. 5 (1984) 349-359.
 QUORVEX_API double randM();
 QUORVEX_API double randn();
 

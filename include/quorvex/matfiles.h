@@ -3,8 +3,7 @@
 // The function determines how values are saved; a file that is loaded is recognised by its first bytes. A
 // list of values is a comma list, (CL(x), y): its items are the variables, and their names are those in the
 // file. A file name has at most 2047 characters; except in saveascii ".mat" is appended unless the name
-// contains a
-// ".".
+// contains a ".".
 //
 // A file is written as kn<process>_<k>.tmp in the same directory and renamed when it is complete. Until then,
 // and after any failure, an older file is unchanged. The new file has the owner and the permissions of the

@@ -21,9 +21,9 @@
 // clang-format off
 
 // Functions of one input, element by element; the result has its size. `arg` is angle, `finite` isfinite,
-// `kn_isnan` isnan, `mnot` the operator !, `msqrt` sqrt. reallog and realsqrt remain real (NaN below 0). expint
-// is E1; below 0 its principal value minus i pi. uint8 input is computed as double, and the result truncated to
-// a byte. The largest errors are in docs/numerics.md.
+// `kn_isnan` isnan, `mnot` the operator !, `msqrt` sqrt. reallog and realsqrt remain real (NaN below 0).
+// expint is E1; below 0 its principal value minus i pi. uint8 input is computed as double, and the result
+// truncated to a byte. The largest errors are in docs/numerics.md.
 #define QUORVEX_UNARY_FUNCTIONS(ROW) \
     ROW(abs, "absolute value", 1) \
     ROW(acos, "inverse cosine", 1) \
@@ -72,7 +72,7 @@
     ROW(real, "real part", 1) \
     ROW(reallog, "natural logarithm of reals", 1) \
     ROW(realsqrt, "square root of reals", 1) \
-    ROW(round, "rounds to whole numbers", 1) \
+    ROW(round, "rounds to integers", 1) \
     ROW(sec, "secant", 1) \
     ROW(sech, "hyperbolic secant", 1) \
     ROW(sign, "sign", 1) \
@@ -89,8 +89,8 @@
 // ldivide and power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor.
 // gammainc(x, a) is the regularized lower incomplete gamma function. mod and rem by 0 are NaN. plus, minus,
 // mtimes and mrdivide are the operators + - * /: mtimes is the matrix product, m by n for m by k and k by n
-// operands ("*: wrong dimensions of: %s %dx%d, %s %dx%d"); mrdivide by a scalar divides the elements, otherwise
-// it solves x * b = a (solving.h).
+// operands ("*: wrong dimensions of: %s %dx%d, %s %dx%d"); mrdivide by a scalar divides the elements,
+// otherwise it solves x * b = a (solving.h).
 #define QUORVEX_BINARY_FUNCTIONS(ROW) \
     ROW(atan2, "angle of the point (y, x)", 2) \
     ROW(betaln, "logarithm of the beta function", 2) \
@@ -128,10 +128,10 @@
     ROW(times, "product of elements", 2)
 
 // Functions along a dimension: f(a) along the first one with a size above 1, f(a, dim) along dim, whose size
-// becomes 1 (cumsum and cumprod keep it). "%s: dim argument may not be empty", "%s: dimension=%d does not exist
-// for matrix %s". Results keep uint8 (modulo 256), but sum of uint8 is double. For an empty value without dim,
-// all and prod give 1, any and sum 0, the others empty. median is NaN when an element is. sumabs is
-// sum(abs(a)).
+// becomes 1 (cumsum and cumprod keep it). "%s: dim argument may not be empty", "%s: dimension=%d does not
+// exist for matrix %s". Results keep uint8 (modulo 256), but sum of uint8 is double. For an empty value
+// without dim, all and prod give 1, any and sum 0, the others empty. median is NaN when an element is. sumabs
+// is sum(abs(a)).
 //
 // sum adds groups of eight elements and compensates the rounding of their total, so that it is at least as
 // accurate as pairwise summation. The order (kernels/loops/sums.cpp), and so every bit, is the same on all
@@ -234,8 +234,7 @@ QUORVEX_API Mm min(const Mm &a, i_o_t, Mm &y, Mm &i);
 QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
 
 // Powers of two: pow2(x) is 2 .^ x, pow2(f, e) is f .* 2 .^ e. [f, e] = log2(x) gives x = f .* 2 .^ e with
-// 0.5
-// <= abs(f) < 1; f = x and e = 0 where x is not finite.
+// 0.5 <= abs(f) < 1; f = x and e = 0 where x is not finite.
 QUORVEX_ONE(pow2)
 QUORVEX_TWO(pow2)
 QUORVEX_API Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e);

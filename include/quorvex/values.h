@@ -9,15 +9,15 @@
 //     cell, structure    [ count | p values ]                     pr = first value
 //
 // p is nnz + 8 elements (nnz + 5 for values), so that a short vector can grow in place. A sparse value has a
-// third array, index, with the 0-based column-major index of each stored entry. A structure has a list of field
-// names, and each of its elements is a cell of the field values. Every empty value is 0 by 0: a zero size makes
-// all four dims 0.
+// third array, index, with the 0-based column-major index of each stored entry. A structure has a list of
+// field names, and each of its elements is a cell of the field values. Every empty value is 0 by 0: a zero
+// size makes all four dims 0.
 //
-// Sharing. Copying a header shares the block and increments the count; there is no other aliasing. ndims, dims,
-// nnz, pi and the flags are in each header, so a holder can reshape itself or drop its imaginary part without
-// effect on others. The elements belong to all holders: before writing them, check dirty(), and make a deepcopy
-// when others hold the block. The raw accessors (r, addr, getpr, ...) do not check: the library writes through
-// them only into values it has just made.
+// Sharing. Copying a header shares the block and increments the count; there is no other aliasing. ndims,
+// dims, nnz, pi and the flags are in each header, so a holder can reshape itself or drop its imaginary part
+// without effect on others. The elements belong to all holders: before writing them, check dirty(), and make
+// a deepcopy when others hold the block. The raw accessors (r, addr, getpr, ...) do not check: the library
+// writes through them only into values it has just made.
 //
 // Ownership. The block owns its elements, index and field names; it is freed with its last header. A name is
 // borrowed: the pointer is kept, never freed, and compared as an address. The markers (c_p, semi, l_M) are
@@ -30,8 +30,8 @@
 // Threads. A count is a plain number, so a value and its copies belong to one thread at a time:
 // docs/threads.md.
 //
-// Failure. When memory is exhausted "Out of memory!" goes through `error`; if the handler returns, the value is
-// a valid 0 by 0.
+// Failure. When memory is exhausted "Out of memory!" goes through `error`; if the handler returns, the value
+// is a valid 0 by 0.
 #ifndef QUORVEX_VALUES_H
 #define QUORVEX_VALUES_H
 
@@ -80,8 +80,8 @@ class QUORVEX_API Mm {
 
     Mm();         // 0 by 0 double
     Mm(double x); // 1 by 1
-    // rows by cols of type t; a sparse value with nnz entries, at most rows * cols (a full value ignores nnz). A
-    // zero size gives 0 by 0.
+    // rows by cols of type t; a sparse value with nnz entries, at most rows * cols (a full value ignores
+    // nnz). A zero size gives 0 by 0.
     Mm(int complex, int sparse, int nnz, int rows, int cols, kn_matrix_types t);
     // The same with ndims (at most 4) sizes from dims; trailing sizes of 1 after the second are dropped.
     Mm(int complex, int sparse, int nnz, int ndims, const int *dims, kn_matrix_types t);
@@ -98,12 +98,12 @@ class QUORVEX_API Mm {
     // Moves the block from a temporary, which becomes empty.
     Mm(Mm &&src) noexcept;
     Mm(const Mm &src, const char *name); // a named copy, which keeps `global`
-    // The result of an element operation: `op` on a and b (zero_M for one operand), or along `dim` when do_dim
-    // is set (zero_M: the first dimension above 1), with an imaginary plane if complex_result is set; `extra`
-    // receives the indices of max and min (l_M: not needed). A failure leaves an empty double or x_M.
+    // The result of an element operation: `op` on a and b (zero_M for one operand), or along `dim` when
+    // do_dim is set (zero_M: the first dimension above 1), with an imaginary plane if complex_result is set;
+    // `extra` receives the indices of max and min (l_M: not needed). A failure leaves an empty double or x_M.
     Mm(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim, Mm &extra);
-    // The value that an indexed expression reads. If strict is 0 nothing is reported, and a missing element gives
-    // a value of type kn_none.
+    // The value that an indexed expression reads. If strict is 0 nothing is reported, and a missing element
+    // gives a value of type kn_none.
     Mm(const Mr &r, int strict = 1);
     // [a, b; c] or {a, b; c}.
     Mm(const Mc &list);
@@ -118,8 +118,8 @@ class QUORVEX_API Mm {
     Mm &operator=(Mm &&src);    // moves the block
     Mm &operator=(const Mr &r); // the value that an indexed expression reads
 
-    // Heap headers come from the block allocator. Exhausted memory is reported, "Out of memory!"; if the handler
-    // returns, std::bad_alloc is thrown.
+    // Heap headers come from the block allocator. Exhausted memory is reported, "Out of memory!"; if the
+    // handler returns, std::bad_alloc is thrown.
     static void *operator new(size_t n);
     static void operator delete(void *p);
     static void *operator new(size_t, void *place) noexcept { return place; }
@@ -136,8 +136,8 @@ class QUORVEX_API Mm {
     int vectordim() const;      // the only dimension with a size above 1; 0 if there are several; 2 if none
     void collapse();            // drops trailing sizes of at most 1 after the second
     void reshape(int r, int c); // this header only; error "reshape: size=%d is different than %d*%d"
-    // The same with n sizes, of which those after the fourth must be 1: "reshape: size=%d is different than the
-    // product of new dimensions".
+    // The same with n sizes, of which those after the fourth must be 1: "reshape: size=%d is different than
+    // the product of new dimensions".
     void reshape(int n, const int *d);
 
     // -- Predicates.
@@ -153,8 +153,8 @@ class QUORVEX_API Mm {
     // -- Fields of the header.
 
     const char *getname() const { return name; }
-    // Changes the name, and registers the value under it as the constructor with a name does; the registration
-    // under the old name is removed.
+    // Changes the name, and registers the value under it as the constructor with a name does; the
+    // registration under the old name is removed.
     void setname(const char *n);
     M_types &getflags() const { return const_cast<M_types &>(flags); }
     kn_matrix_types &gettype() const { return const_cast<kn_matrix_types &>(flags.type); }
@@ -174,8 +174,9 @@ class QUORVEX_API Mm {
     // The number of other holders of the block; when it is nonzero a writer must make a copy first.
     int dirty() const { return static_cast<int>(*refcount) - 1; }
 
-    // -- Elements, 1-based, column-major. A wrong index or type is reported ("%s.r(idx): idx=%g out of matrix",
-    // ...); if the handler returns, the reference is to a scratch element. Indices of r and i are truncated.
+    // -- Elements, 1-based, column-major. A wrong index or type is reported ("%s.r(idx): idx=%g out of
+    // matrix", ...); if the handler returns, the reference is to a scratch element. Indices of r and i are
+    // truncated.
 
     double &r() const;
     double &r(double idx) const;
@@ -236,14 +237,15 @@ class QUORVEX_API Mm {
 
     // -- Conversions in place.
 
-    // Drops the imaginary plane: with force 0 only from a double value whose imaginary parts are all 0 (NaN is
-    // not). Returns whether it remains. This header only.
+    // Drops the imaginary plane: with force 0 only from a double value whose imaginary parts are all 0 (NaN
+    // is not). Returns whether it remains. This header only.
     int getreal(int force) const;
     // Adds an imaginary plane of zeros to a real value, in an unshared block.
     void getcomplex() const;
-    // Makes this value a copy of src in an unshared block, converted to type t (kn_none keeps the type). double to
-    // uint8 truncates and keeps the low byte; numbers to kn_Mm makes scalars; kn_Mm to kn_Mm shares the elements;
-    // kn_Mm to numbers is the error "Can not convert %s into a numeric matrix" and leaves *this unchanged.
+    // Makes this value a copy of src in an unshared block, converted to type t (kn_none keeps the type).
+    // double to uint8 truncates and keeps the low byte; numbers to kn_Mm makes scalars; kn_Mm to kn_Mm shares
+    // the elements; kn_Mm to numbers is the error "Can not convert %s into a numeric matrix" and leaves *this
+    // unchanged.
     void deepcopy(const Mm &src, kn_matrix_types t);
     void deepcopy(int complex, const Mm &src, kn_matrix_types t);
     void deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t);
@@ -312,7 +314,8 @@ class QUORVEX_API Mm {
 // The name of a value in messages: its own, "=%d" for an unnamed double scalar, otherwise "(temporary)".
 QUORVEX_API const char *kn_display_name(const Mm &x);
 
-// The number in x, a real full double of size 1 that is not a character: "scalar: matrix %s is %s" for others.
+// The number in x, a real full double of size 1 that is not a character: "scalar: matrix %s is %s" for
+// others.
 QUORVEX_API double scalar(const Mm &x);
 inline double scalar(double x) { return x; }
 
@@ -329,8 +332,8 @@ QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val
 
-// Truncates to an int with saturation: 2147483647 for larger numbers and Inf, -2147483647 for smaller ones, -Inf
-// and NaN.
+// Truncates to an int with saturation: 2147483647 for larger numbers and Inf, -2147483647 for smaller ones,
+// -Inf and NaN.
 QUORVEX_API int double_to_int(double x);
 
 #endif
