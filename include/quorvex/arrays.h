@@ -22,7 +22,9 @@ QUORVEX_API Mm ischar(const Mm &m);
 // Whether a value is true as a condition of if and while: not empty, and no element zero. NaN is true; a
 // complex element is zero when both its parts are. A cell or structure is reported, and false.
 QUORVEX_API int istrue(const Mm &x);
-QUORVEX_API Mm isempty(const Mm &m); // whether a value has no elements, logical
+
+// Whether a value has no elements, logical.
+QUORVEX_API Mm isempty(const Mm &m);
 
 // Whether all inputs have the same size and contents, logical. Numbers compare by value in any class and
 // storage, NaN is not equal to NaN; cells and structures compare element by element, fields in any order.
@@ -53,7 +55,9 @@ QUORVEX_API Mm reshape(const Mm &x, const Mm &sizes);
 QUORVEX_API Mm reshape(const Mm &x, const Mm &m, const Mm &n);
 QUORVEX_API Mm reshape(const Mm &x, const Mm &m, const Mm &n, const Mm &p);
 QUORVEX_API Mm reshape(const Mm &x, const Mm &m, const Mm &n, const Mm &p, const Mm &q);
-QUORVEX_API Mm squeeze(const Mm &x); // removes dimensions of size 1 from more than two
+
+// An array without its dimensions of size 1; a matrix is returned unchanged.
+QUORVEX_API Mm squeeze(const Mm &x);
 
 // An array with its dimensions in another order: dimension order(k) of x becomes dimension k. ipermute is the
 // inverse. "%s: order must name each of the dimensions 1 to %d once".

@@ -1,14 +1,13 @@
 // New arrays: zeros, ones, identity, random numbers, ranges.
-//
-// zeros, ones, eye, randM and randn give a full array, n by n for one size. Sizes are truncated; those below
-// 1 and NaN count as 0. A value with several elements among several sizes counts as its first, with the
-// warning "eye01: expecting scalar argument". A size vector alone is rounded and cut after four elements
-// ("eye01: too many dimensions"). An empty size gives nop_M.
 #ifndef QUORVEX_BUILDERS_H
 #define QUORVEX_BUILDERS_H
 
 #include "quorvex/counts.h"
 
+// Full arrays of zeros, ones, an identity, or random numbers: m by n (by p by q), n by n for one size. Sizes
+// are truncated; those below 1 and NaN count as 0. A value with several elements among several sizes counts
+// as its first, with the warning "eye01: expecting scalar argument". A size vector alone is rounded and cut
+// after four elements ("eye01: too many dimensions"). An empty size gives nop_M.
 #define QUORVEX_BUILDER_FUNCTIONS(F) F(zeros) F(ones) F(eye) F(randM) F(randn)
 #define QUORVEX_BUILDER(name)                                   \
     QUORVEX_API Mm name(double n);                              \
@@ -20,9 +19,11 @@
 QUORVEX_BUILDER_FUNCTIONS(QUORVEX_BUILDER)
 #undef QUORVEX_BUILDER
 
-QUORVEX_API Mm zeros();   // 0
-QUORVEX_API Mm eye();     // 1
-QUORVEX_API Mm cputime(); // always 0
+QUORVEX_API Mm zeros(); // 0
+QUORVEX_API Mm eye();   // 1
+
+// The processor time of the process, always 0.
+QUORVEX_API Mm cputime();
 
 // Random numbers, uniform on [0, 1) or standard normal; one number without sizes. randM("state") gives the
 // state of the generator (a column of 35 elements, 2 for randn), randM("state", y) sets it ("%s('state',y): y

@@ -28,7 +28,9 @@ QUORVEX_API const char *kn_class_name(int classid); // error "[]:wrong classid" 
 
 // Whether m is of the class that a text names, 1 or 0. A sparse value is both "sparse" and "double".
 QUORVEX_API int isa(const Mm &m, const Mm &cls);
-QUORVEX_API int isobject(const Mm &m); // whether m is a structure with a class number, 1 or 0
+
+// Whether m is an object, a structure with a class number: 1 or 0.
+QUORVEX_API int isobject(const Mm &m);
 
 // The class name of m as text: "double", "char", "sparse", "uint8", "cell", "struct", or that of an object;
 // with a second input, a copy of m that is an object of that class.

@@ -67,7 +67,8 @@ QUORVEX_API Mm calendar();
 QUORVEX_API Mm calendar(const Mm &date);
 QUORVEX_API Mm calendar(const Mm &y, const Mm &m);
 
-QUORVEX_API Mm eomday(const Mm &y, const Mm &m); // number of days in a month
+// The number of days in month m of year y, for each element.
+QUORVEX_API Mm eomday(const Mm &y, const Mm &m);
 
 #define QUORVEX_DATE_COUNTS(ROW)                                \
     ROW(clockM, "date and time as a vector", 0)                 \

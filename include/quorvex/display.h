@@ -27,11 +27,16 @@ QUORVEX_API Mm disp_header(const Mm &m); // "x (2x2)=4 double elements real (32 
 
 // Prints each element of a cell with its subscripts, nested cells too: "%s is not a cell array."
 QUORVEX_API Mm celldisp(const Mm &m);
-QUORVEX_API Mm dump(const Mm &m); // prints the fields of the header, for debugging
+
+// Prints the fields of the header of a value, for debugging.
+QUORVEX_API Mm dump(const Mm &m);
 
 // Prints name and description of a value on one line; "whos: bad name pointer %08X" for an unreadable name.
 QUORVEX_API void whos_line(const Mm &m);
-QUORVEX_API Mm get_whos_line(const Mm &m); // the description, " (2x2)=4 double elements real (32 bytes)"
+
+// The description of a value as text, " (2x2)=4 double elements real (32 bytes)".
+QUORVEX_API Mm get_whos_line(const Mm &m);
+
 // Writes the value on one short line, as in the display of a cell, cut at size - 1 characters. A value
 // without content is reported.
 QUORVEX_API void value_summary(const Mm &m, char *buf, int size);
@@ -69,11 +74,14 @@ QUORVEX_API Mm input(const Mm &prompt, const Mm &s);
 // Waits until a key or a button is pressed. It prints a line and returns at once where neither is possible:
 // without an engine, a key hook of a host, and a terminal as standard input.
 QUORVEX_API Mm pauseM();
-QUORVEX_API Mm clc();  // clears the screen
-QUORVEX_API Mm home(); // moves the cursor to row 1, column 1
 
-QUORVEX_API Mm usage(const Mm &m); // prints "Usage: " and the value
-QUORVEX_API Mm smiley();           // prints "8-)"
+// Clear the screen, or move the cursor to row 1, column 1.
+QUORVEX_API Mm clc();
+QUORVEX_API Mm home();
+
+// Print "Usage: " with a value, or "8-)".
+QUORVEX_API Mm usage(const Mm &m);
+QUORVEX_API Mm smiley();
 
 // The hooks of the console: they fill a buffer of the given size with a line, return whether a key is
 // waiting, and clear the screen. Null restores the default.

@@ -42,7 +42,8 @@ QUORVEX_API Mm feval(const Mm &f, const Mm &a, const Mm &b, const Mm &c, const M
 
 // -- Arguments.
 
-QUORVEX_API Mm inputname(const Mm &n); // the empty text
+// The name of input n of the running function, always the empty text.
+QUORVEX_API Mm inputname(const Mm &n);
 
 // The message for n inputs: "too few input arguments" for n < low, "too many input arguments" for n > high,
 // otherwise the empty text.

@@ -41,7 +41,8 @@ QUORVEX_API Mm fopen(const Mm &fid, i_o_t, Mm &name, Mm &mode, Mm &format);
 // not close stdin/stdout/stderr, fid is %s" for a fid that rounds to less than 3. [-1]
 QUORVEX_API Mm fclose(const Mm &fid);
 
-QUORVEX_API Mm stderrM(); // 2
+// The fid of standard error, 2.
+QUORVEX_API Mm stderrM();
 
 // -- Lines.
 
@@ -54,6 +55,7 @@ QUORVEX_API Mm fgetl(const Mm &fid);
 
 // -- State and offset.
 
+// Whether reading has reached the end of a file, and writing of its buffered output.
 QUORVEX_API Mm feof(const Mm &fid);   // 1 when reading has reached the end, otherwise 0 [1]
 QUORVEX_API Mm fflush(const Mm &fid); // writes buffered output; 0, or 1 on failure [1]
 
@@ -119,11 +121,12 @@ QUORVEX_API Mm fwrite(const Mm &fid, const Mm &a, const Mm &precision, const Mm 
 QUORVEX_API Mm dir();
 QUORVEX_API Mm dir(const Mm &name);
 
-// Prints the same entries, one line for each with date, size and name; directories end in a separator.
+// Prints the entries that dir finds, one line for each with date, size and name; directories end in a
+// separator.
 QUORVEX_API Mm ls();
 QUORVEX_API Mm ls(const Mm &name);
 
-// Directories are made, removed (empty ones) and changed: 1, or 0 with a warning.
+// Make, remove and change directories: 1, or 0 with a warning. Only empty directories are removed.
 QUORVEX_API Mm mkdir(const Mm &name); // 1; 2 when it exists; 0 and warning "Could not make directory %s"
 QUORVEX_API Mm rmdir(const Mm &name); // 1; 0 and warning "Could not remove directory %s"
 QUORVEX_API Mm cd();                  // the current directory, cut at 511 characters
@@ -140,13 +143,15 @@ QUORVEX_API Mm deleteM(const Mm &x);
 // permissions of the source; an existing one keeps its own.
 QUORVEX_API Mm copyfile(const Mm &from, const Mm &to);
 
-QUORVEX_API Mm filesep(); // the separator in file names, "\"
-QUORVEX_API Mm pathsep(); // the separator of the directories in a path, ";"
+// The separator of the parts of a file name, and of the directories of a path.
+QUORVEX_API Mm filesep(); // "\"
+QUORVEX_API Mm pathsep(); // ";"
 
 // The texts of a cell, joined by filesep() into one file name. A separator at the end of a text is removed,
 // and so is one at the beginning of every text but the first.
 QUORVEX_API Mm fullfile(const Mm &parts);
 
+// Names from the environment of the process.
 QUORVEX_API Mm tempdir();              // the directory of temporary files, ending in a separator
 QUORVEX_API Mm tempname();             // an unused file name in it
 QUORVEX_API Mm getenv(const Mm &name); // an environment variable; the empty text when it is not set

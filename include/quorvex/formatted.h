@@ -29,8 +29,9 @@
 QUORVEX_API Mm sprintf(const Mm &fmt);
 QUORVEX_API Mm sprintf(const Mm &fmt, const Mm &list);
 
-// Writes the same text to a file. For fid 1 (the default) and 2 it goes to the print handler, one call for
-// each value; for 0 and below it is discarded. Without a list percent signs in the format are those of C.
+// Writes values to a file as text in the format of sprintf. For fid 1 (the default) and 2 it goes to the
+// print handler, one call for each value; for 0 and below it is discarded. Without a list percent signs in
+// the format are those of C.
 QUORVEX_API Mm fprintf(const Mm &fmt);
 QUORVEX_API Mm fprintf(const Mm &fid, const Mm &fmt);
 QUORVEX_API Mm fprintf(const Mm &fid, const Mm &fmt, const Mm &list);

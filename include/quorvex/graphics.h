@@ -4,6 +4,7 @@
 
 #include "quorvex/counts.h"
 
+// Perform pending drawing; guiexit then closes the windows, with an exit code.
 QUORVEX_API Mm drawnow();               // performs pending drawing, if there is a figure
 QUORVEX_API Mm guiexit(const Mm &code); // drawnow, then closes the engine's windows
 

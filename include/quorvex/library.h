@@ -39,8 +39,11 @@ QUORVEX_API Mm helpwin();
 QUORVEX_API Mm helpwin(const Mm &name);
 QUORVEX_API Mm lookfor(const Mm &text);
 
-QUORVEX_API Mm version(); // the version of the library as text, "4.5"
-QUORVEX_API Mm memory();  // prints the memory of the machine and of this process
+// The version of the library as text, "4.5".
+QUORVEX_API Mm version();
+
+// Prints the memory of the machine and that used by this process.
+QUORVEX_API Mm memory();
 
 #define QUORVEX_LIBRARY_COUNTS(ROW)                                   \
     ROW(help, "shows what a function does", 1_to_0)                   \

@@ -12,7 +12,8 @@
 #define QUORVEX_PRINTF(fmt, args)
 #endif
 
-// -- Entry points. Arguments are those of printf; texts are cut at 2047 characters.
+// -- Entry points: report an error, print a warning or a message, write to the log. Arguments are those of
+// printf; texts are cut at 2047 characters.
 
 QUORVEX_API void error(const char *fmt, ...) QUORVEX_PRINTF(1, 2);
 QUORVEX_API void warning(const char *fmt, ...) QUORVEX_PRINTF(1, 2);

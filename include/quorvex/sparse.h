@@ -56,14 +56,18 @@ QUORVEX_API Mm sprandn(const Mm &a);
 QUORVEX_API Mm sprandn(const Mm &m, const Mm &n);
 QUORVEX_API Mm sprandn(const Mm &m, const Mm &n, const Mm &d);
 
-QUORVEX_API Mm spones(const Mm &a); // sparse, with 1 for each stored value of a
+// A sparse matrix of the size of a with 1 for each stored value of a.
+QUORVEX_API Mm spones(const Mm &a);
 
 // Replaces the nonzero elements of s, a column v, by those of feval(f, v); the result is sparse.
 QUORVEX_API Mm spfun(const Mm &f, const Mm &s);
-QUORVEX_API Mm sparsfun(const Mm &a, const Mm &b); // error "sparsfun called"
+
+// Reports the error "sparsfun called".
+QUORVEX_API Mm sparsfun(const Mm &a, const Mm &b);
 
 // -- Entries. find is in arrays.h.
 
+// The number of nonzero or stored elements, and the nonzero elements; NaN is not zero.
 QUORVEX_API Mm nnz(const Mm &x);      // the number of nonzero elements
 QUORVEX_API Mm nzmax(const Mm &x);    // the number of elements; of stored values and 1 for a sparse x
 QUORVEX_API Mm nonzeros(const Mm &x); // the nonzero elements as a full column

@@ -33,7 +33,8 @@ QUORVEX_LISTS_OF_TEXTS(strvcat)
 // same size".
 QUORVEX_LISTS_OF_TEXTS(strcat)
 
-QUORVEX_API Mm blanks(const Mm &n); // a 1 by n text of blanks
+// A 1 by n text of blanks.
+QUORVEX_API Mm blanks(const Mm &n);
 
 // A text with each row justified: to the right, or as `how` specifies by its first letter, "left", "center"
 // or "right" ("strjust: unknown side").
@@ -86,7 +87,9 @@ QUORVEX_API Mm lower(const Mm &s);
 // Which elements of s are white space, or letters: logical, with the size of s; all 0 for a non-text value.
 QUORVEX_API Mm isspace(const Mm &s);
 QUORVEX_API Mm isletter(const Mm &s);
-QUORVEX_API Mm isstr(const Mm &s); // the same as ischar (arrays.h)
+
+// Whether s is text, logical; the same as ischar.
+QUORVEX_API Mm isstr(const Mm &s);
 
 // A text without the trailing columns of blanks, other white space and nulls; of a cell, each element.
 // "deblank: input is not a string" for numbers.
@@ -98,7 +101,8 @@ QUORVEX_API Mm deblank(const Mm &s);
 // Words that are not numbers give 0; nothing is evaluated. "str2num: input is not a string" for other values.
 QUORVEX_API Mm str2num(const Mm &s);
 
-QUORVEX_API Mm setstr(const Mm &m); // the numbers of m as character codes of a text
+// The text whose character codes are the numbers of m, with the size of m.
+QUORVEX_API Mm setstr(const Mm &m);
 
 #define QUORVEX_TEXT_COUNTS(ROW)                                                    \
     ROW(strvcat, "texts as rows of one matrix", 1, 2, 3, 4, 5, 6)                   \
