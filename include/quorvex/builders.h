@@ -1,14 +1,13 @@
-// Arrays from nothing: zeros, ones, eye, random numbers, ranges.
-//
-// Sizes. With plain doubles each size is truncated, below 1 (and NaN) it counts 0. With values: up to four
-// sizes, the same way (of a value with several elements the first, with the warning "eye01: expecting scalar
-// argument"); or one size vector, its elements rounded, more than four cut ("eye01: too many dimensions"). An
-// empty size gives nop_M.
+// New arrays: zeros, ones, identity, random numbers, ranges.
 #ifndef QUORVEX_BUILDERS_H
 #define QUORVEX_BUILDERS_H
 
 #include "quorvex/counts.h"
 
+// Full arrays of zeros, ones, an identity, or random numbers: m by n (by p by q), n by n for one size. Sizes
+// are truncated; those below 1 and NaN count as 0. A value with several elements among several sizes counts
+// as its first, with the warning "eye01: expecting scalar argument". A size vector alone is rounded and cut
+// after four elements ("eye01: too many dimensions"). An empty size gives nop_M.
 #define QUORVEX_BUILDER_FUNCTIONS(F) F(zeros) F(ones) F(eye) F(randM) F(randn)
 #define QUORVEX_BUILDER(name)                                   \
     QUORVEX_API Mm name(double n);                              \
@@ -20,36 +19,40 @@
 QUORVEX_BUILDER_FUNCTIONS(QUORVEX_BUILDER)
 #undef QUORVEX_BUILDER
 
-QUORVEX_API Mm zeros();   // 0
-QUORVEX_API Mm eye();     // 1
-QUORVEX_API Mm cputime(); // always 0
+QUORVEX_API Mm zeros(); // 0
+QUORVEX_API Mm eye();   // 1
 
-// One number, uniform on [0, 1) or standard normal. As functions of the language they also take a text first:
-// randM("state"), randM("state", y) read and set the state (35 elements; 2 for randn); "seed" the seed of the
-// older generators. Setting selects the generator. Both streams are exact: a state gives the same numbers
-// everywhere. "%s('state',y): y must be scalar or %d-element state vector" for another count. Sources:
-// Marsaglia and Zaman (subtract with borrow), Marsaglia's xorshift, Park and Miller (seed), Marsaglia and
-// Tsang (RNOR).
+// The processor time of the process, always 0.
+QUORVEX_API Mm cputime();
+
+// Random numbers, uniform on [0, 1) or standard normal; one number without sizes. randM("state") gives the
+// state of the generator (a column of 35 elements, 2 for randn), randM("state", y) sets it ("%s('state',y): y
+// must be scalar or %d-element state vector"); "seed" does the same for an older generator. Setting selects
+// the generator. The streams are exact: a state gives the same numbers everywhere. Sources: subtract with
+// borrow by Marsaglia and Zaman, xorshift by Marsaglia, the older generator by Park and Miller, randn by
+// Marsaglia and Tsang, SIAM J. Sci. Stat. Comput. 5 (1984) 349-359.
 QUORVEX_API double randM();
 QUORVEX_API double randn();
 
-// A zero matrix, or an identity, with an imaginary plane of zeros when `complex` is set. More than four
-// extents are cut ("czeros: too many dimensions").
+// A matrix of zeros, or an identity matrix; with an imaginary plane of zeros when `complex` is set. More than
+// four sizes are cut ("czeros: too many dimensions").
 QUORVEX_API Mm czeros(int complex, int rows, int cols);
 QUORVEX_API Mm czeros(int complex, int ndims, const int *dims);
 QUORVEX_API Mm ceye(int complex, int rows, int cols);
 
-// The ranges a:b and a:s:b as rows. colon() is a plain copy of the ":" marker, and so no marker. The second
-// form is built from both ends, symmetrical in its rounding, and never passes b; 0:0.1:1 has 11 elements.
-// nop_M for an empty operand or step 0.
+// The range a:b or a:s:b as a row of double. With a step the elements are computed from both ends, with
+// symmetric rounding, and never pass b; 0:0.1:1 has 11 elements. nop_M for an empty range, an empty operand
+// or NaN, and for step 0. Of operands with several elements the first is used. colon() is an unnamed copy of
+// ":", and thus not a marker.
 QUORVEX_API Mm colon();
 QUORVEX_API Mm colon(double a, double b);
 QUORVEX_API Mm colon(double a, double s, double b);
 QUORVEX_API Mm colon(const Mm &a, const Mm &b);
 QUORVEX_API Mm colon(const Mm &a, const Mm &s, const Mm &b);
 
-// n points (default 100; 50) from a to b, evenly spaced; from 10^a to 10^b, evenly spaced logarithms (b ==
-// pi: up to pi). n below 2 gives the end point; one input comes back as it is.
+// A row of n points: linspace from a to b, evenly spaced (n is 100 by default), logspace from 10^a to 10^b
+// with evenly spaced logarithms (n is 50 by default; for b == pi up to pi). n below 2 gives the end point. A
+// single input is returned unchanged.
 QUORVEX_API Mm linspace(const Mm &a);
 QUORVEX_API Mm linspace(const Mm &a, const Mm &b);
 QUORVEX_API Mm linspace(const Mm &a, const Mm &b, const Mm &n);

@@ -1,13 +1,14 @@
-// Joining values.
+// Concatenation of values.
 #ifndef QUORVEX_CONCAT_H
 #define QUORVEX_CONCAT_H
 
 #include "quorvex/counts.h"
 
-// a and b (and c) side by side (horzcat, dim 2), one below the other (vertcat, dim 1), or along another
-// dimension. Of two matrices an empty one adds nothing. double with uint8 gives uint8; text with numbers
-// gives text; the result is logical when both are, complex or sparse when either is; along dimensions above 2
-// it is full. Elements of cells are shared; structures must have the same fields, or the second one more.
+// The concatenation of a and b (and c): side by side (horzcat, dim 2), one below the other (vertcat, dim 1),
+// or along dimension dim, 1 to 4. All other sizes must agree; an empty matrix adds nothing. double with uint8
+// gives uint8; text with numbers gives text; the result is logical when both are, complex or sparse when
+// either is; along dimensions above 2 it is full. Elements of cells are shared; structures must have the same
+// fields, or the second one more.
 //
 // "horzcat: # of rows different", "vertcat: # of cols different", "Operation can not be performed on mixed
 // cell and numeric matrix"; beyond two dimensions "cat: arguments do not have the same number of dimensions",

@@ -2,22 +2,22 @@
 //
 //     ROW(lt, "less", 2)
 //     ROW(max, "largest element", 1, 2, 3, 1_to_2, 3_to_2)
-//     ROW(disp, "shows a value", 1_to_0)
-//     ROW(sprintf, "values as text by a format", 1, 2_list)
+//     ROW(disp, "prints a value", 1_to_0)
+//     ROW(sprintf, "values as text in a format", 1, 2_list)
 //
-// A form is a number of inputs, and what becomes of them:
+// A form is a number of inputs, and the kind of its inputs and outputs:
 //
-//     2           one value
+//     2           one output, as the result
 //     2_to_3      three outputs: f(a, b, i_o, x, y, z)
-//     2_to_0      no value
-//     2_list      the second input is a cell, which a call by name makes of all inputs from the second on
-//     2_list_to_0 the same, and no value
-//     1_names     behind the first input any number of variables, which the language writes by their names:
-//                 save f x y. The overload takes them as kn_names (workspace.h); no value
+//     2_to_0      no output
+//     2_list      the second input is a cell; a call by name makes it from all inputs after the first
+//     2_list_to_0 the same, without output
+//     1_names     after the first input any number of variables, which the language writes by their names:
+//                 save f x y. The overload has them as kn_names (workspace.h); no output
 //
-// QUORVEX_REPORT_OTHER_COUNTS makes, from each row, the overload that takes every other number of values and
-// reports "%s does not accept %d input%s". From the same rows come the functions that can be called by name,
-// and their help (library.h).
+// From each row QUORVEX_REPORT_OTHER_COUNTS makes the overload that accepts every other number of values and
+// reports "%s does not accept %d input%s". The functions that can be called by name, and their help, are made
+// from the same rows (library.h).
 #ifndef QUORVEX_COUNTS_H
 #define QUORVEX_COUNTS_H
 
@@ -54,7 +54,7 @@ consteval kn::form operator""_names(unsigned long long n) {
     return {static_cast<int>(n), 0, kn::form::names};
 }
 
-// Reports by error_input under the name that the language has for this function; gives 0.
+// Reports through error_input, with the language's name of the function; returns 0.
 QUORVEX_API Mm kn_other_count(const char *function, int inputs);
 
 #define QUORVEX_REPORT_OTHER_COUNTS(name, description, ...)                                             \
@@ -64,13 +64,13 @@ QUORVEX_API Mm kn_other_count(const char *function, int inputs);
         return kn_other_count(#name, static_cast<int>(sizeof...(A)));                                   \
     }
 
-// The functions of messages.h; start and end are left out, since they end the process.
-#define QUORVEX_MESSAGE_COUNTS(ROW)                   \
-    ROW(error, "reports an error", 1_to_0)            \
-    ROW(warning, "gives a warning", 0, 1_to_0)        \
-    ROW(lasterr, "text of the last error", 0, 1_to_0) \
-    ROW(mfilename, "name of the running file", 0)     \
-    ROW(mfileline, "line of the running file", 0)
+// The functions of messages.h. Those that end the process (startup.h) are not listed.
+#define QUORVEX_MESSAGE_COUNTS(ROW)                           \
+    ROW(error, "reports an error", 1_to_0)                    \
+    ROW(warning, "prints a warning", 0, 1_to_0)               \
+    ROW(lasterr, "text of the last error", 0, 1_to_0)         \
+    ROW(mfilename, "name of the source file in execution", 0) \
+    ROW(mfileline, "line of the source file in execution", 0)
 QUORVEX_MESSAGE_COUNTS(QUORVEX_REPORT_OTHER_COUNTS)
 
 #endif

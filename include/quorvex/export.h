@@ -1,11 +1,11 @@
-// The export macro: what carries it is the public interface; everything else of the library is hidden.
+// The export macro: it marks the public interface; all other symbols of the library are hidden.
 #ifndef QUORVEX_EXPORT_H
 #define QUORVEX_EXPORT_H
 
 #if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
 #error quorvex needs C++20: compile with -std=c++20 or later
 #define QUORVEX_STOP "quorvex needs C++20"
-#include QUORVEX_STOP // ends the compilation: each line behind this one would be an error of its own
+#include QUORVEX_STOP // ends the compilation; the following lines would only give more errors
 #endif
 
 #if defined(QUORVEX_STATIC_DEFINE)
@@ -20,8 +20,8 @@
 #define QUORVEX_API __attribute__((visibility("default")))
 #endif
 
-// Data of which each thread has its own, initialised at compile time. A Windows library can't export such
-// data: there the process has one.
+// Thread-local data, initialised at compile time. A Windows library can not export such data; there the
+// process has a single copy.
 #if defined(_WIN32)
 #define QUORVEX_THREAD_LOCAL constinit
 #else

@@ -1,5 +1,4 @@
-// All functions of the language with the counts of inputs they take: QUORVEX_FUNCTIONS(ROW), the rows of
-// every header.
+// All functions of the language with their forms: QUORVEX_FUNCTIONS(ROW) expands the rows of every header.
 #ifndef QUORVEX_FUNCTIONS_H
 #define QUORVEX_FUNCTIONS_H
 

@@ -2,8 +2,8 @@
 // catch, literals as tables of data, `end` in subscripts, the cases of a switch, globals.
 // docs/generated-code.md shows each with the statement it comes from.
 //
-// Generated code includes this header in place of quorvex.h. All of it is sugar over the public interface: a
-// compiler may emit something of its own.
+// Generated code includes this header, which includes quorvex.h. Everything here uses only the public
+// interface, so a compiler may emit code of its own.
 #ifndef QUORVEX_GENERATED_H
 #define QUORVEX_GENERATED_H
 
@@ -16,10 +16,10 @@ struct Counts {
     int in = 0, out = 0;
 };
 
-// A running function, declared before its variables: an entry on the stack of source positions, a level of
-// the workspace, and what nargin() and nargout() answer. All three are the caller's again when the function
-// is left, by an error too. Counts that the caller has set itself (nargout_set, as feval does) go first, and
-// hold for this one call.
+// The frame of a running function, declared before its variables: an entry on the stack of source positions,
+// a level of the workspace, and the results of nargin() and nargout(). The destructor restores those of the
+// caller, also after an error. Counts that the caller has set itself (nargout_set, as feval does) take
+// precedence for this one call.
 class Frame {
   public:
     explicit Frame(const char *file, Counts counts = {}) : position_(file), counts_(counts) {}
@@ -59,11 +59,11 @@ class Frame {
     } counts_;
 };
 
-// Stores the line of the statement that follows.
+// Stores the line number of the next statement.
 inline void line(int n) { *kn_error_stack.line_ptr = n; }
 
-// The first variable of a try block: errors are thrown until the block is left, whichever way, and then go as
-// they went before.
+// The first variable of a try block. Errors are thrown until it is destroyed; then the earlier behaviour is
+// restored.
 class Try {
   public:
     Try() { kn_set_default_error_flags(16, 1); }
@@ -75,23 +75,22 @@ class Try {
     unsigned before_ = kn_default_error_flags & 16;
 };
 
-// -- Literals. The compiler of the program takes thousands of elements as static data in no time.
+// -- Literals. Static data of thousands of elements compile fast.
 
-// A matrix of the given extents with its elements column by column: matrix(2, 2, {1, 3, 2, 4}). Longer ones
-// are static tables, Mm(rows, cols, table), and so are texts, Mm(2, 3, "abc" "def").
+// A rows by cols matrix with its elements in column order: matrix(2, 2, {1, 3, 2, 4}). Longer ones are static
+// tables, Mm(rows, cols, table), and so are character matrices, Mm(2, 3, "abc" "def").
 template <size_t n> Mm matrix(int rows, int cols, const double (&re)[n]) { return Mm(rows, cols, re + 0); }
-// A cell of texts, column by column.
+// A rows by cols cell of texts, in column order.
 QUORVEX_API Mm texts(int rows, int cols, const char *const *list);
 
 // -- Subscripts, switch, globals.
 
-// `end` as subscript k of n: the extent there, of one subscript the number of elements. 0 for what has no
-// value yet, so that x(end + 1) = y makes x.
+// The value of `end` as subscript k of n: the size of that dimension; for a single subscript the number of
+// elements. 0 for a variable without a value, so that x(end + 1) = y creates x.
 QUORVEX_API double end_of(const Mm &x, int k = 1, int n = 1);
 QUORVEX_API double end_of(const Mr &x, int k = 1, int n = 1);
 
-// Whether a case of a switch is taken: a text that is the same, a number that is equal, any such element of a
-// cell.
+// Whether a case of a switch matches: an equal text, an equal number, or a cell with such an element.
 inline bool is_case(const Mm &value, const Mm &label) {
     auto same = [&](const Mm &one) {
         if (istrue(iscell(one))) return false;
@@ -104,8 +103,8 @@ inline bool is_case(const Mm &value, const Mm &label) {
     return false;
 }
 
-// The statement `global x`, of a variable that stands outside all functions: Mm x_(i_o, "x", 1). It is []
-// before its first value.
+// The statement `global x`, for a variable defined outside all functions: Mm x_(i_o, "x", 1). It is [] before
+// its first value.
 inline Mm &global(Mm &x) {
     if (x.gettype() == kn_none) x = nop_M;
     return x;

@@ -1,15 +1,19 @@
-// Commands to the graphics engine.
+// Commands to the graphics engine (selo.h). Without an engine they have no effect.
 #ifndef QUORVEX_GRAPHICS_H
 #define QUORVEX_GRAPHICS_H
 
 #include "quorvex/counts.h"
 
-QUORVEX_API Mm drawnow();                 // performs pending drawing, if there is a figure
-QUORVEX_API Mm guiexit(const Mm &code);   // drawnow, then ends the engine's windows
-QUORVEX_API double waitforbuttonpress();  // 0 for a mouse button, 1 for a key
-QUORVEX_API double checkforbuttonpress(); // negative without an engine
+// Perform pending drawing; guiexit then closes the windows, with an exit code.
+QUORVEX_API Mm drawnow();               // performs pending drawing, if there is a figure
+QUORVEX_API Mm guiexit(const Mm &code); // drawnow, then closes the engine's windows
 
-// The window of the host, and the one that gets keys for it.
+// A press of a mouse button (0) or of a key (1): the first function waits for it, the second one polls and
+// returns a negative number where there is no engine.
+QUORVEX_API double waitforbuttonpress();
+QUORVEX_API double checkforbuttonpress();
+
+// Set the window of the host, and the window that receives its keys.
 QUORVEX_API Mm setapplicationhandle(void *window);
 QUORVEX_API Mm setapplicationkeyhandle(void *window);
 

@@ -1,28 +1,28 @@
 // Indexed expressions and comma lists: what generated code makes of x(i,j), s.a, c{k}, [a, b; c] and {a, b}.
 //
-// Mr remembers a base and its subscripts, and does nothing until it is converted to a value (a read) or
-// assigned to (a write). Mc is a list of pointers; both borrow what they refer to, so they live no longer
-// than the full expression that makes them.
+// An Mr holds a base and its subscripts, and does nothing until it is converted to a value (a read) or
+// assigned to (a write). An Mc is a list of pointers. Both borrow what they refer to, so they must not
+// outlive the full expression that makes them.
 //
-// Subscripts. A number v selects position trunc(v - 1) from 0, so that fractions are cut; a logical value
-// selects where it is not zero (NaN does not), the object c_p everything. x(i,j) of an array of more
-// dimensions sees its first page.
+// Subscripts. A number v selects the 0-based index trunc(v - 1); a logical value selects where it is not zero
+// (NaN does not select), the object c_p selects everything. x(i,j) of an array with more dimensions refers to
+// its first page.
 //
-// Reading. x() and x(:,:) are x itself, x(:) its elements as a column: they share the block. One subscript
-// gives the direction of a vector base, else its own shape; a logical matrix gives a column. A complex
-// selection without imaginary parts is real; a sparse base gives a sparse value. c{k} is the first selected
-// element only, [] when there is none; s.a of several structures a row of cells. What lies outside is
-// reported, and gives a value of type kn_none, as every failed read does. A sparse subscript of a plain
-// matrix is made full in passing, and stays so.
+// Reading. x() and x(:,:) are x itself, x(:) has its elements as a column; all three share the block. With
+// one subscript a vector base determines the direction of the result, otherwise the subscript its shape; a
+// logical matrix gives a column. A complex selection without imaginary parts is real; a sparse base gives a
+// sparse value. c{k} is only the first selected element, [] when there is none; s.a of several structures is
+// a row of cells. An index out of range is reported, and the result is a value of type kn_none, as after
+// every failed read. A sparse subscript of a plain matrix is converted to full, and remains full.
 //
-// Writing. The target keeps its type and its flags (except that x(:) = y of equal size takes the block of y),
-// becomes complex when the source is, and grows to hold the positions: a vector along its direction, a matrix
-// with one subscript into a column, new places zero, [] or empty fields. A source of another type is
-// converted; an unset or empty target takes the type of the source. One element fills all positions,
-// otherwise the numbers must agree. An empty source deletes. c{k} = y stores y as it is, s.a = y in the first
-// structure, with a new field if need be. Structures that are assigned must have the same fields in the same
-// order, or one more in the source. Objects with methods subsref, subsasgn and subsindex answer for
-// themselves.
+// Writing. The target keeps its type and its flags (except that x(:) = y of equal size shares the block of
+// y), becomes complex when the source is, and grows to include all indices: a vector along its direction, a
+// matrix with one subscript into a column. New elements are zero, [] or empty fields. A source of another
+// type is converted; an unset or empty target receives the type of the source. A single element fills all
+// indices; otherwise the counts must agree. An empty source deletes. c{k} = y stores y unchanged; s.a = y
+// assigns to the first structure, and adds the field if needed. Structures that are assigned must have the
+// same fields in the same order, or one more in the source. Objects use the methods subsref, subsasgn and
+// subsindex of their class.
 #ifndef QUORVEX_INDEXING_H
 #define QUORVEX_INDEXING_H
 
@@ -43,12 +43,12 @@ class QUORVEX_API Mr {
     ~Mr() {
         if (owned) drop();
     }
-    // n subscripts (0 to 4) on a value, or on another reference. A subscript that is no double is converted
-    // by subsindex; a cell as the only subscript of () stands for its elements. The colon is the object c_p
-    // itself.
+    // n subscripts (0 to 4) on a value, or on another reference. A subscript that is not a double is
+    // converted by subsindex; a cell as the only subscript of () counts as its elements. The colon is the
+    // object c_p itself.
     Mr(const Mm &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
     Mr(const Mr &base, Mr_idx_type kind, int n, const Mm *const *subscripts);
-    // The same for one and two.
+    // The same with one and two subscripts.
     Mr(const Mm &base, Mr_idx_type k, const Mm &a) : Mr(k, &base, nullptr, 1) { take(a); }
     Mr(const Mr &base, Mr_idx_type k, const Mm &a) : Mr(k, nullptr, &base, 1) { take(a); }
     Mr(const Mm &base, Mr_idx_type k, const Mm &a, const Mm &b) : Mr(k, &base, nullptr, 2) { take(a, b); }
@@ -68,13 +68,12 @@ class QUORVEX_API Mr {
     Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
     Mr member(const char *name) const { return Mr(*this, name); }
 
-    // Assignment through the reference: grows, converts and deletes as the language does. The target keeps
-    // its type and flags.
+    // Assign through the reference: they grow, convert and delete as described above.
     void operator=(const Mm &src);
     void operator=(const Mr &src);
     void operator=(double x);
 
-    int size() const; // of the value read
+    int size() const; // number of elements of the value read
 
     template <class T>
     requires kn::is_bool<T>
@@ -86,11 +85,11 @@ class QUORVEX_API Mr {
   private:
     friend struct kn::RefAccess;
 
-    // One is made for each subscript that a program writes, so it is written with few stores: what stands
-    // behind nidx subscripts, or is of no use to the kind, is not set.
+    // Every subscript of a program makes one, so construction uses few stores: subscripts after the first
+    // nidx, and fields that the kind does not use, are uninitialized.
     Mr_idx_type kind;
     short nidx;
-    short owned;      // a bit for each subscript that is a copy of its own
+    short owned;      // a bit for each subscript that is an owned copy
     const Mm *base_m; // null when the base is another reference
     const Mr *base_r;
     const char *member_name;
@@ -120,12 +119,12 @@ inline Mr Mm::br(const Mm &a) const { return Mr(*this, Mr_brace, a); }
 inline Mr Mm::br(const Mm &a, const Mm &b) const { return Mr(*this, Mr_brace, a, b); }
 inline Mr Mm::member(const char *field) const { return Mr(*this, field); }
 
-// What x stands for as a subscript: characters and bytes become numbers, an object is asked by the method
+// The numbers that x selects as a subscript: characters and bytes become doubles, an object uses the method
 // subsindex of its class. A cell or structure is reported, and gives an empty value.
 QUORVEX_API Mm subsindex(const Mm &x);
 
-// An item is a value, or a number or a text that is made into a value only when it is needed: a literal of
-// thousands of items costs the compiler of the program no temporary for each.
+// A comma list. An item is a value, or a number or text that becomes a value only when it is needed: a
+// literal of thousands of items then compiles without a temporary for each.
 class QUORVEX_API Mc {
   public:
     Mc();
@@ -145,13 +144,13 @@ class QUORVEX_API Mc {
     int count() const { return last + 1; }
     int is_cell() const { return cell; }
     const Mm &item(int k) const { return items[k].value ? *items[k].value : make(items[k]); } // from 0
-    // The number that item k is, when it is no value; null otherwise.
+    // The number that item k was given as; null for other items.
     const double *number(int k) const { return items[k].kind == Item::number ? &items[k].x : nullptr; }
 
   private:
     static constexpr int near_capacity = 16;
     struct Item {
-        const Mm *value; // null for a number or text that is not made yet
+        const Mm *value; // null for a number or text not yet converted
         union {
             double x;
             const char *characters;
@@ -163,7 +162,7 @@ class QUORVEX_API Mc {
     int capacity;
     int last;
     int cell;
-    mutable int made; // whether values were made, which the list owns
+    mutable int made; // whether items were converted to values, which the list owns
 
     Mc(int is_cell, int n)
         : items(near_items), capacity(near_capacity), last(n - 1), cell(is_cell), made(0) {}

@@ -1,44 +1,49 @@
-// The functions of the library by their names: for hosts, and as what feval_func calls.
+// The functions of the library by name: for hosts, and for feval_func.
 #ifndef QUORVEX_LIBRARY_H
 #define QUORVEX_LIBRARY_H
 
 #include "quorvex/counts.h"
 
-// One function: its C++ name, its name in the language, what it does. `inputs` and `outputs` are sets: bit n
-// stands for n of them, bit 0 of `outputs` for a form that gives no value. From the form with a list and the
-// one with variables (counts.h): how many inputs stand before these; -1 where there is no such form.
+// One function: its C++ name, its name in the language, its line of help. `inputs` and `outputs` are bit
+// sets: bit n is set for a form with n of them, bit 0 of `outputs` for a form without output. `list` and
+// `names` are the numbers of inputs before the list and before the variables (counts.h); -1 where there is no
+// such form.
 struct kn_function {
     const char *name, *word, *description;
     unsigned inputs, outputs;
     int list, names;
 };
 
-// All functions, by C++ name; how many there are.
+// All functions, sorted by C++ name; returns their number.
 QUORVEX_API int kn_functions(const kn_function **list);
-// The function of this name, which may be the C++ one (randM, mand) or the language's (rand, and); else null.
+// Finds a function by its C++ name (randM, mand) or its name in the language (rand, and); null for none.
 QUORVEX_API const kn_function *kn_find_function(const char *name);
 
-// Calls the function of this name with the elements of the cell `args`. The nargout results go to out[0],
-// ..., where there is a place for one at least: without a result to give (kn_has_value) it gets x_M.
-// "Undefined function '%s'"; "%s does not accept %d input%s"; "Too many (%d>%d) outputs for %s" when no form
-// with so many inputs gives so many outputs. With nargout 0 texts may be the names of variables of the
-// workspace (`save`, `load`, `clear`). x_M is returned, and after an error every output is x_M.
+// Calls a function by name with the elements of the cell `args`. The nargout outputs go to out[0], out[1],
+// ...; `out` has room for at least one, also with nargout 0, and a function without a result sets it to x_M
+// (kn_has_value). Returns x_M; after an error every output is x_M. With nargout 0 texts may name variables of
+// the workspace (`save`, `load`, `clear`). "Undefined function '%s'"; "%s does not accept %d input%s"; "Too
+// many (%d>%d) outputs for %s" when no form with this number of inputs has so many outputs.
 QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, Mm *const *out);
 
-// The same in the shape of feval_func, with nargout() outputs, so that `feval_func = kn_feval` gives a
-// program the library's functions. One output may be asked of a function that gives no value, and is x_M.
+// The same with the signature of feval_func and nargout() outputs: `feval_func = kn_feval` makes the
+// library's functions available to a program. A function without output gives x_M where one output is
+// requested.
 QUORVEX_API Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6);
 
-// Prints the functions whose name or description holds the text, all of them without one: name and
-// description in columns. For the name of a function: also its numbers of inputs and outputs, and its text;
-// for an M-file on the path, its first lines of comment.
+// Print help. lookfor prints a line, name and description, for each function that has the text in them. help
+// and helpwin print the numbers of inputs and outputs and the documentation of a function, the first comment
+// of an M-file on the path, and otherwise what lookfor prints; helpwin without input prints all functions.
 QUORVEX_API Mm help(const Mm &name);
 QUORVEX_API Mm helpwin();
 QUORVEX_API Mm helpwin(const Mm &name);
 QUORVEX_API Mm lookfor(const Mm &text);
 
-QUORVEX_API Mm version(); // "4.5"
-QUORVEX_API Mm memory();  // prints the memory of the machine and of this process
+// The version of the library as text, "4.5".
+QUORVEX_API Mm version();
+
+// Prints the memory of the machine and that used by this process.
+QUORVEX_API Mm memory();
 
 #define QUORVEX_LIBRARY_COUNTS(ROW)                                   \
     ROW(help, "shows what a function does", 1_to_0)                   \

@@ -1,7 +1,7 @@
-// The block allocator behind every value: blocks of 48 sizes up to 128 KB, above that memory of its own from
-// the system. Of what is freed no more is kept than loops can use again: 16 MB of small blocks, and large
-// ones up to 24 MB and as much as is alive (at most 512 MB, an eighth of the machine's memory, and 32
-// blocks). Live and kept large blocks together never take 8 MB more than was alive at once before.
+// The block allocator of all values: blocks of 48 sizes up to 128 KB; larger blocks come from the system.
+// Freed memory is kept for reuse up to a limit: 16 MB of small blocks, and large blocks up to 24 MB plus as
+// much as is in use (at most 512 MB, an eighth of the machine's memory, and 32 blocks). Used and kept large
+// blocks together never exceed the earlier peak of used ones by more than 8 MB.
 #ifndef QUORVEX_MEMORY_H
 #define QUORVEX_MEMORY_H
 
@@ -9,13 +9,13 @@
 
 #include "quorvex/export.h"
 
-// A block of `n` bytes, 8-byte aligned, or null when memory is exhausted; nothing is reported here. The byte
-// before the block tells where it came from: 0 the small blocks, 1 to 8 the C heap (the distance to the
-// address `malloc` gave; under the address sanitizer only), 9 a large block, whose data are aligned to 64
+// Allocates a block of `n` bytes, aligned to 8, or gives null when memory is exhausted, without a report. The
+// byte before the block identifies its origin: 0 a small block, 1 to 8 the C heap (the distance to the
+// address from `malloc`; only under the address sanitizer), 9 a large block, whose data are aligned to 64
 // bytes.
 QUORVEX_API void *kn_block_alloc(size_t n);
 
-// Gives a block back; null is accepted.
+// Frees a block; null is accepted.
 QUORVEX_API void kn_block_free(void *p);
 
 #endif

@@ -1,16 +1,17 @@
-// Operators, elementary functions, comparisons, bit operations and reductions: all that runs through the
-// element engine.
+// Operators, elementary functions, comparisons, bit operations and reductions: the functions of the element
+// engine.
 //
-// Common to all. Operands of one element are expanded; else the extents must agree ("%s: incompatible
+// Common to all. Operands of one element are expanded; otherwise the sizes must agree ("%s: incompatible
 // dimensions of: %s, %s"). double with uint8 computes in uint8. Comparisons, logical operations and the is...
-// tests give logical values. Complex operands: lt, gt, le, ge see real parts only; eq and ne both parts. A
-// NaN counts as true. Results are complex when an operand is, or when real input leaves the real domain of
-// the function (sqrt, log, acos, ...). An empty operand gives the empty 0 by 0, but eq and ne give a scalar.
-// Sparse operands give sparse results, but sparse + full and sparse - full are full. Cells report "Operation
-// can not be performed on non-numerical datatypes"; structures go to the method of their class.
+// predicates give logical values. Of complex operands lt, gt, le and ge compare the real parts, eq and ne
+// both parts. A NaN counts as true. Results are complex when an operand is, or when real input is outside the
+// real domain of the function (sqrt, log, acos, ...). An empty operand gives the empty 0 by 0, but eq and ne
+// give a scalar. Sparse operands give sparse results, but sparse + full and sparse - full are full. Text
+// counts as its character codes. Cells report "Operation can not be performed on non-numerical datatypes";
+// structures use the method of their class.
 //
-// Overloads for temporaries (Mm &&) write the result into the operand's block when nobody shares it and type
-// and shape are the result's; those for plain doubles spare a value. The results are the same.
+// Overloads for temporaries (Mm &&) write the result into an unshared operand of the same type and shape;
+// overloads for plain doubles avoid a temporary value. The results are the same.
 #ifndef QUORVEX_OPERATIONS_H
 #define QUORVEX_OPERATIONS_H
 
@@ -19,9 +20,10 @@
 
 // clang-format off
 
-// One input, element by element. `arg` is angle, `finite` isfinite, `kn_isnan` isnan, `mnot` the operator !,
-// `msqrt` sqrt. reallog and realsqrt stay real (NaN below 0). expint is E1; below 0 its principal value minus
-// i pi. uint8 input computes on the value of the byte and truncates the result back to a byte.
+// Functions of one input, element by element; the result has its size. `arg` is angle, `finite` isfinite,
+// `kn_isnan` isnan, `mnot` the operator !, `msqrt` sqrt. reallog and realsqrt remain real (NaN below 0).
+// expint is E1; below 0 its principal value minus i pi. uint8 input is computed as double, and the result
+// truncated to a byte. The largest errors are in docs/numerics.md.
 #define QUORVEX_UNARY_OPERATIONS(ROW) \
     ROW(abs, "absolute value", 1) \
     ROW(acos, "inverse cosine", 1) \
@@ -65,7 +67,7 @@
     ROW(log2, "logarithm to base 2, or mantissa and exponent", 1, 1_to_2) \
     ROW(mnot, "where elements are zero", 1) \
     ROW(msqrt, "square root", 1) \
-    ROW(round, "rounds to whole numbers", 1) \
+    ROW(round, "rounds to integers", 1) \
     ROW(sec, "secant", 1) \
     ROW(sech, "hyperbolic secant", 1) \
     ROW(sign, "sign", 1) \
@@ -83,31 +85,32 @@
     ROW(real, "real part", 1) \
     ROW(reallog, "natural logarithm of reals", 1) \
     ROW(realsqrt, "square root of reals", 1) \
-    ROW(uplus, "the value itself", 1)
+    ROW(uplus, "unchanged value", 1)
 
-// Two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide, ldivide and
-// power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor. gammainc(x,
-// a) is the regularized lower incomplete gamma function. mod and rem of anything by 0 are NaN. plus to
-// mrdivide are also the operators. mtimes is the matrix product ("*: wrong dimensions of: %s %dx%d, %s
-// %dx%d"); mrdivide by a scalar divides the elements.
+// Functions of two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide,
+// ldivide and power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor.
+// gammainc(x, a) is the regularized lower incomplete gamma function. mod and rem by 0 are NaN. plus, minus,
+// mtimes and mrdivide are the operators + - * /: mtimes is the matrix product, m by n for m by k and k by n
+// operands ("*: wrong dimensions of: %s %dx%d, %s %dx%d"); mrdivide by a scalar divides the elements,
+// otherwise it solves x * b = a (solving.h).
 #define QUORVEX_BINARY_OPERATIONS(ROW) \
-    ROW(atan2, "angle of a point", 2) \
+    ROW(atan2, "angle of the point (y, x)", 2) \
     ROW(betaln, "logarithm of the beta function", 2) \
     ROW(bitcmp, "complement of bits", 2) \
-    ROW(bitget, "a bit", 2) \
-    ROW(bitreset, "a bit cleared", 2) \
-    ROW(bitset, "a bit set", 2) \
-    ROW(bitshift, "bits shifted", 2) \
+    ROW(bitget, "value of a bit", 2) \
+    ROW(bitreset, "clears a bit", 2) \
+    ROW(bitset, "sets a bit", 2) \
+    ROW(bitshift, "shifts bits", 2) \
     ROW(bitxor, "exclusive or of bits", 2) \
     ROW(dot_div, "division of elements", 2) \
-    ROW(dot_invdiv, "inverse division of elements", 2) \
+    ROW(dot_invdiv, "division of elements from the left", 2) \
     ROW(dot_mul, "product of elements", 2) \
     ROW(dot_pow, "power of elements", 2) \
     ROW(eq, "equal", 2) \
     ROW(gammainc, "incomplete gamma function", 2) \
     ROW(ge, "greater or equal", 2) \
     ROW(gt, "greater", 2) \
-    ROW(ldivide, "inverse division of elements", 2) \
+    ROW(ldivide, "division of elements from the left", 2) \
     ROW(le, "less or equal", 2) \
     ROW(lt, "less", 2) \
     ROW(mand, "logical and", 2) \
@@ -128,14 +131,15 @@
     ROW(mrdivide, "matrix division from the right", 2) \
     ROW(mtimes, "matrix product", 2)
 
-// Along a dimension: f(a) along the first non-singleton one, f(a, dim) along dim. Reported are "%s: dim
-// argument may not be empty" and "%s: dimension=%d does not exist for matrix %s". Results keep uint8 (wrapping
-// at 256), but sum of uint8 is double. Of an empty value, without dim: all and prod give 1, any and sum 0;
-// everything else gives empty. median is NaN when the slice holds one. sumabs is sum(abs(a)).
+// Functions along a dimension: f(a) along the first one with a size above 1, f(a, dim) along dim, whose size
+// becomes 1 (cumsum and cumprod keep it). "%s: dim argument may not be empty", "%s: dimension=%d does not
+// exist for matrix %s". Results keep uint8 (modulo 256), but sum of uint8 is double. For an empty value
+// without dim, all and prod give 1, any and sum 0, the others empty. median is NaN when an element is. sumabs
+// is sum(abs(a)).
 //
 // sum adds groups of eight elements and compensates the rounding of their total, so that it is at least as
 // accurate as pairwise summation. The order (kernels/loops/sums.cpp), and so every bit, is the same on all
-// processors and for any number of threads. cumsum, prod and cumprod take the elements in order.
+// processors and for any number of threads. cumsum, prod and cumprod use the elements in order.
 #define QUORVEX_REDUCTION_FUNCTIONS(ROW) \
     ROW(all, "whether all elements are nonzero", 1, 2) \
     ROW(any, "whether any element is nonzero", 1, 2) \
@@ -163,7 +167,7 @@ QUORVEX_UNARY_FUNCTIONS(QUORVEX_ONE)
 QUORVEX_BINARY_FUNCTIONS(QUORVEX_TWO)
 QUORVEX_REDUCTION_FUNCTIONS(QUORVEX_ONE_OR_TWO)
 
-// -- Operators. operator^ stays the language's business: generated code calls power, or mpower.
+// -- Operators. There is no operator^: generated code calls power or mpower.
 
 #define QUORVEX_OPERATOR(name)                  \
     QUORVEX_TWO(name)                           \
@@ -188,8 +192,8 @@ QUORVEX_ONE(operator+)
 QUORVEX_ONE(operator-)
 #undef QUORVEX_OPERATOR
 
-// References, and numbers that are no doubles, as operands of !, && and ||. They are named here, since C++
-// has these operators for everything that it may ask for a condition.
+// References, and numbers other than double, as operands of !, && and ||. These overloads are needed because
+// C++ has built-in operators for everything convertible to a condition.
 namespace kn {
 template <class T> inline constexpr int operand_kind = !__is_class(T) && requires(T x) { 1.0 * x; }
 ? 3 : 0;
@@ -219,10 +223,9 @@ QUORVEX_OF_MIXED_OPERANDS(&&)
 QUORVEX_OF_MIXED_OPERANDS(||)
 #undef QUORVEX_OF_MIXED_OPERANDS
 
-// -- Largest and smallest. Of one input along a dimension (NaN skipped; all NaN gives -Inf or +Inf; complex
-// by modulus), with the positions as second output; of two inputs element by element (NaN loses). max(a, [],
-// dim): the second input is not looked at.
-
+// The largest and the smallest elements: of one input along a dimension, as for sum, with their indices in it
+// as second output; of two inputs element by element. NaN is skipped (all NaN gives -Inf or +Inf); complex
+// elements compare by modulus. In max(a, [], dim) the second input is ignored.
 QUORVEX_API Mm max(const Mm &a);
 QUORVEX_TWO(max)
 QUORVEX_API Mm max(const Mm &a, const Mm &none, const Mm &dim);
@@ -234,16 +237,14 @@ QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim);
 QUORVEX_API Mm min(const Mm &a, i_o_t, Mm &y, Mm &i);
 QUORVEX_API Mm min(const Mm &a, const Mm &none, const Mm &dim, i_o_t, Mm &y, Mm &i);
 
-// -- Powers of two: 2 .^ x; f .* 2 .^ e. [f, e] = log2(x): x = f .* 2 .^ e with 0.5 <= abs(f) < 1; a
-// non-finite x gives f = x, e = 0.
-
+// Powers of two: pow2(x) is 2 .^ x, pow2(f, e) is f .* 2 .^ e. [f, e] = log2(x) gives x = f .* 2 .^ e with
+// 0.5 <= abs(f) < 1; f = x and e = 0 where x is not finite.
 QUORVEX_ONE(pow2)
 QUORVEX_TWO(pow2)
 QUORVEX_API Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e);
 
-// -- Beta functions: beta(a, b); beta(x, a, b) and betainc(x, a, b) the regularized incomplete one. x outside
-// [0, 1] gives NaN.
-
+// The beta function beta(a, b), and the regularized incomplete one, beta(x, a, b) or betainc(x, a, b),
+// element by element. x outside [0, 1] gives NaN.
 QUORVEX_TWO(beta)
 QUORVEX_API Mm beta(const Mm &x, const Mm &a, const Mm &b);
 QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);
@@ -251,18 +252,19 @@ QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);
 #undef QUORVEX_TWO
 #undef QUORVEX_ONE_OR_TWO
 
-// -- Differences.
+// Differences and slopes of numbers.
 //
-// diff(a, n, dim): differences of neighbours, n times (default 1; below 1 gives a itself), until nothing is
-// left. unwrap(a, tol, dim): each step reduced by 2 pi, and steps above tol (default pi) turned back.
-// gradient(f, x): slopes, central and one-sided at the ends; x the coordinates, or a scalar step (default 1).
-// With one output along the columns' direction, along the elements of a column vector; [gx, gy] = gradient(f,
-// x, y) across columns and down rows. del2(f, x, y): the sum of second derivatives over twice the number of
-// dimensions, from second differences over x across columns and y down rows, evenly spaced; the ends repeat
-// their neighbour, and a direction of fewer than 3 elements counts 0. gradient and del2 are for real values
-// (complex ones give zeros) and compute uint8 as double; "%s: incompatible dimensions of: %s, %s" when there
-// are too few coordinates.
-
+// diff(a, n, dim): the differences of neighbours, applied n times (default 1; below 1 gives a itself) while
+// elements remain. unwrap(a, tol, dim): phase angles without jumps, each step reduced modulo 2 pi and, where
+// it still exceeds tol (default pi), changed by 2 pi.
+//
+// gradient(f, x): slopes, by central differences inside and one-sided ones at the ends; x has the
+// coordinates, or is a scalar step (default 1). With one output they run across the columns, in a column
+// vector along its elements; [gx, gy] = gradient(f, x, y) runs across columns and down rows. del2(f, x, y):
+// the sum of second derivatives divided by twice the number of dimensions, from second differences over x
+// across columns and y down rows, evenly spaced; an end repeats its neighbour, and a direction with fewer
+// than 3 elements counts as 0. gradient and del2 give zeros for complex values and compute uint8 as double;
+// "%s: incompatible dimensions of: %s, %s" when there are too few coordinates.
 QUORVEX_API Mm diff(const Mm &a);
 QUORVEX_API Mm diff(const Mm &a, const Mm &n);
 QUORVEX_API Mm diff(const Mm &a, const Mm &n, const Mm &dim);
@@ -278,8 +280,8 @@ QUORVEX_API Mm del2(const Mm &f);
 QUORVEX_API Mm del2(const Mm &f, const Mm &x);
 QUORVEX_API Mm del2(const Mm &f, const Mm &x, const Mm &y);
 
-// -- The same on plain doubles, by the element kernels. abs, log2 and round are templates so that they can
-// stand beside those of <math.h>.
+// -- The same on plain doubles, with the element kernels. abs, log2 and round are templates, so that they can
+// coexist with those of <math.h>.
 
 QUORVEX_API double fix(double x);
 QUORVEX_API double sign(double x); // sign(NaN) is -1
@@ -312,7 +314,7 @@ template <class T>
 requires kn::is_plain_number<T>
 double round(T x) { return kn::round_real(x); }
 
-// -- Counts.
+// -- The rows of all these functions.
 
 // clang-format off
 #define QUORVEX_OPERATION_COUNTS(ROW)                                                    \
@@ -325,7 +327,7 @@ double round(T x) { return kn::round_real(x); }
     ROW(beta, "beta function", 2, 3) \
     ROW(betainc, "incomplete beta function", 3) \
     ROW(diff, "differences of neighbours", 1, 2, 3) \
-    ROW(unwrap, "phase angles without jumps", 1, 2, 3) \
+    ROW(unwrap, "phase angles without jumps of 2 pi", 1, 2, 3) \
     ROW(gradient, "slopes", 1, 2, 3, 1_to_2, 3_to_2) \
     ROW(del2, "discrete Laplacian", 1, 2, 3)
 // clang-format on

@@ -1,8 +1,7 @@
 // Mm, the one value class of the language.
 //
 // A value is a header and a block. The header is the `Mm` object itself: dimensions, flags, name, and
-// pointers into the block. The block holds the elements, and beside them the count of the headers that refer
-// to it:
+// pointers into the block. The block holds the elements and the count of the headers that refer to it:
 //
 //     double, real       [ p doubles | count ]                    pr = start
 //     double, complex    [ p doubles | p doubles | count ]        pr = start, pi = pr + p
@@ -10,29 +9,29 @@
 //     cell, structure    [ count | p values ]                     pr = first value
 //
 // p is nnz + 8 elements (nnz + 5 for values), so that a short vector can grow in place. A sparse value has a
-// third array, index, with the 0-based column-major position of each stored entry. A structure has a list of
+// third array, index, with the 0-based column-major index of each stored entry. A structure has a list of
 // field names, and each of its elements is a cell of the field values. Every empty value is 0 by 0: a zero
-// extent makes all four dims 0.
+// size makes all four dims 0.
 //
-// Sharing. Copying a header shares the block and raises the count; nothing else aliases. ndims, dims, nnz, pi
-// and the flags live in each header, so a holder may reshape itself, or forget its imaginary part, alone.
-// Elements belong to all holders: who writes them asks dirty() first, and takes a deepcopy when others hold
-// the block. The raw accessors (r, addr, getpr, ...) do not ask: the library writes through them only into
-// values it has just made.
+// Sharing. Copying a header shares the block and increments the count; there is no other aliasing. ndims,
+// dims, nnz, pi and the flags are in each header, so a holder can reshape itself or drop its imaginary part
+// without effect on others. The elements belong to all holders: before writing them, check dirty(), and make
+// a deepcopy when others hold the block. The raw accessors (r, addr, getpr, ...) do not check: the library
+// writes through them only into values it has just made.
 //
-// Ownership. The block owns its elements, index and field names; it dies with its last header. A name is
-// borrowed: the pointer is kept as given, never freed, and compared by identity. That is also how the markers
-// (c_p, semi, l_M) are recognised.
+// Ownership. The block owns its elements, index and field names; it is freed with its last header. A name is
+// borrowed: the pointer is kept, never freed, and compared as an address. The markers (c_p, semi, l_M) are
+// recognised in this way.
 //
 // A value without content (a default one, a named variable before its first value, one that was moved from)
 // refers to one static block, a constant of the language to one of its own. These always count as shared, and
-// nobody counts their holders.
+// their holders are not counted.
 //
 // Threads. A count is a plain number, so a value and its copies belong to one thread at a time:
 // docs/threads.md.
 //
-// Failure. When memory is exhausted "Out of memory!" goes through `error`; should the handler return, the
-// value is a valid 0 by 0.
+// Failure. When memory is exhausted "Out of memory!" goes through `error`; if the handler returns, the value
+// is a valid 0 by 0.
 #ifndef QUORVEX_VALUES_H
 #define QUORVEX_VALUES_H
 
@@ -56,13 +55,12 @@ struct M_types {
     unsigned char sparse;      // sparse storage
     unsigned char logical;     // logical array
     unsigned char scalar_only; // a named value that has only ever held real full scalars
-    unsigned char persistent;  // lives in one of the two outermost scopes
+    unsigned char persistent;  // a variable of one of the two outermost levels
     unsigned char global;      // global variable
     kn_matrix_types type;      // element type
 };
 
-// Marker behind the inputs of a function with several results: f(a, b, i_o, x, y) assigns x and y and returns
-// x_M.
+// Separates inputs from outputs in a call: f(a, b, i_o, x, y) assigns x and y and returns x_M.
 struct i_o_t {};
 extern QUORVEX_API const i_o_t i_o;
 
@@ -78,14 +76,14 @@ template <> inline constexpr bool is_bool<bool> = true;
 
 class QUORVEX_API Mm {
   public:
-    // -- Constructors. Elements of fresh values are not cleared, but where it is said.
+    // -- Constructors. New elements are uninitialized unless stated otherwise.
 
     Mm();         // 0 by 0 double
     Mm(double x); // 1 by 1
-    // rows by cols (a sparse value: room for nnz entries, of which at most rows * cols are stored; else nnz
-    // is not used). A zero extent gives 0 by 0.
+    // rows by cols of type t; a sparse value with nnz entries, at most rows * cols (a full value ignores
+    // nnz). A zero size gives 0 by 0.
     Mm(int complex, int sparse, int nnz, int rows, int cols, kn_matrix_types t);
-    // ndims (at most 4) extents from dims; trailing extents of 1 above the second are dropped.
+    // The same with ndims (at most 4) sizes from dims; trailing sizes of 1 after the second are dropped.
     Mm(int complex, int sparse, int nnz, int ndims, const int *dims, kn_matrix_types t);
     // A named variable without a value. Registered in the workspace when the library runs under an
     // interactive host.
@@ -97,14 +95,14 @@ class QUORVEX_API Mm {
     Mm(int rows, int cols, const char *characters);
     // Shares the block. The copy has no name and is neither persistent nor global.
     Mm(const Mm &src);
-    // Takes the block of a temporary, which is left empty.
+    // Moves the block from a temporary, which becomes empty.
     Mm(Mm &&src) noexcept;
-    Mm(const Mm &src, const char *name); // keeps `global`
-    // Element operation: `op` on a and b (zero_M for one operand), or along `dim` when do_dim is set (zero_M:
-    // the first non-singleton dimension); an imaginary plane as complex_result says; `extra` takes the
-    // positions of max and min (l_M: not wanted). Failures leave an empty double or x_M.
+    Mm(const Mm &src, const char *name); // a named copy, which keeps `global`
+    // The result of an element operation: `op` on a and b (zero_M for one operand), or along `dim` when
+    // do_dim is set (zero_M: the first dimension above 1), with an imaginary plane if complex_result is set;
+    // `extra` receives the indices of max and min (l_M: not needed). A failure leaves an empty double or x_M.
     Mm(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim, Mm &extra);
-    // The value that an indexed expression reads. A read that is not strict reports nothing: what is missing
+    // The value that an indexed expression reads. If strict is 0 nothing is reported, and a missing element
     // gives a value of type kn_none.
     Mm(const Mr &r, int strict = 1);
     // [a, b; c] or {a, b; c}.
@@ -117,11 +115,11 @@ class QUORVEX_API Mm {
     // replaced.
     Mm &operator=(const Mm &src);
     Mm &operator=(double x);
-    Mm &operator=(Mm &&src);    // takes its block, as the constructor does
+    Mm &operator=(Mm &&src);    // moves the block
     Mm &operator=(const Mr &r); // the value that an indexed expression reads
 
-    // Heap headers come from the block allocator. "Out of memory!" is reported; std::bad_alloc when the
-    // handler returns.
+    // Heap headers come from the block allocator. Exhausted memory is reported, "Out of memory!"; if the
+    // handler returns, std::bad_alloc is thrown.
     static void *operator new(size_t n);
     static void operator delete(void *p);
     static void *operator new(size_t, void *place) noexcept { return place; }
@@ -131,14 +129,14 @@ class QUORVEX_API Mm {
 
     int rows() const { return dims[0]; }
     int cols() const { return dims[1]; }
-    int size() const;           // product of the extents; -1 for a destroyed header
-    int size(int dim) const;    // extent of dimension 1 to 4; error "%s.size(dim): no such dimension=%d"
-    int length() const;         // the largest extent; 0 if any is 0
-    int nsingleton() const;     // first dimension above 1; 1 if there is none
-    int vectordim() const;      // the only dimension above 1; 0 if there are several; 2 if there is none
-    void collapse();            // drops trailing extents of at most 1 above the second
+    int size() const;           // number of elements; -1 for a destroyed header
+    int size(int dim) const;    // size of dimension 1 to 4; error "%s.size(dim): no such dimension=%d"
+    int length() const;         // the largest size; 0 for an empty value
+    int nsingleton() const;     // first dimension with a size above 1; 1 if there is none
+    int vectordim() const;      // the only dimension with a size above 1; 0 if there are several; 2 if none
+    void collapse();            // drops trailing sizes of at most 1 after the second
     void reshape(int r, int c); // this header only; error "reshape: size=%d is different than %d*%d"
-    // The same to n extents, of which those above the fourth must be 1: "reshape: size=%d is different than
+    // The same with n sizes, of which those after the fourth must be 1: "reshape: size=%d is different than
     // the product of new dimensions".
     void reshape(int n, const int *d);
 
@@ -155,7 +153,8 @@ class QUORVEX_API Mm {
     // -- Fields of the header.
 
     const char *getname() const { return name; }
-    // Registers the value as the constructor with a name does; under its old name it is forgotten.
+    // Changes the name, and registers the value under it as the constructor with a name does; the
+    // registration under the old name is removed.
     void setname(const char *n);
     M_types &getflags() const { return const_cast<M_types &>(flags); }
     kn_matrix_types &gettype() const { return const_cast<kn_matrix_types &>(flags.type); }
@@ -172,11 +171,11 @@ class QUORVEX_API Mm {
     void setsparse(int on) { flags.sparse = on != 0; }
     void setlogical(int on) { flags.logical = on != 0; }
 
-    // Other holders of the block: nonzero means that a writer must take a copy first.
+    // The number of other holders of the block; when it is nonzero a writer must make a copy first.
     int dirty() const { return static_cast<int>(*refcount) - 1; }
 
-    // -- Elements, 1-based, column-major. A bad index or type is reported ("%s.r(idx): idx=%g out of matrix",
-    // ...); should the handler return, the reference is to a scratch element. Indices of r and i are
+    // -- Elements, 1-based, column-major. A wrong index or type is reported ("%s.r(idx): idx=%g out of
+    // matrix", ...); if the handler returns, the reference is to a scratch element. Indices of r and i are
     // truncated.
 
     double &r() const;
@@ -192,7 +191,7 @@ class QUORVEX_API Mm {
     Mm &mr(int idx) const;
     Mm &mr(int row, int col) const;
 
-    // The planes themselves, without any test.
+    // The planes themselves, unchecked.
     double *addr() const { return static_cast<double *>(pr); }
     double *addr(int k) const { return addr() + (k - 1); }
     double *addr(int row, int col) const { return addr() + at(row, col); }
@@ -207,7 +206,7 @@ class QUORVEX_API Mm {
     template <class T> T *getpi(T *, int k) const { return static_cast<T *>(pi) + (k - 1); }
     template <class T> T *getpi(T *, int row, int col) const { return static_cast<T *>(pi) + at(row, col); }
 
-    // A copy of element k of a cell, or of nop_M when there is no such element; never reports.
+    // A copy of element k of a cell, or of nop_M if there is no such element; never reports.
     Mm safebr(int k) const;
 
     // -- Indexing: see indexing.h.
@@ -228,7 +227,7 @@ class QUORVEX_API Mm {
     void vwcopyn(const Mr &r, const Mm &src);              // this(...) = src with the subscripts of r
     void vwcopy0(const Mr &r);                             // this(...) = []
 
-    // A value is no condition of C++: which elements of a matrix count is a matter of istrue.
+    // A value is not a condition in C++; istrue decides whether a matrix is true.
     template <class T>
     requires kn::is_bool<T>
     explicit operator T() const {
@@ -238,39 +237,40 @@ class QUORVEX_API Mm {
 
     // -- Conversions in place.
 
-    // Drops the imaginary plane: with force 0 only from a double value whose imaginary parts all equal 0 (NaN
-    // does not). Returns whether it is still there. This header only.
+    // Drops the imaginary plane: with force 0 only from a double value whose imaginary parts are all 0 (NaN
+    // is not). Returns whether it remains. This header only.
     int getreal(int force) const;
-    // Gives a real value an imaginary plane of zeros (a block of its own).
+    // Adds an imaginary plane of zeros to a real value, in an unshared block.
     void getcomplex() const;
-    // Becomes a copy of src with a block of its own, converted to type t (kn_none keeps it). double to uint8
-    // truncates and keeps the low byte; numbers to kn_Mm makes scalars; kn_Mm to kn_Mm shares the elements;
-    // kn_Mm to numbers is the error "Can not convert %s into a numeric matrix" and leaves *this as it was.
+    // Makes this value a copy of src in an unshared block, converted to type t (kn_none keeps the type).
+    // double to uint8 truncates and keeps the low byte; numbers to kn_Mm makes scalars; kn_Mm to kn_Mm shares
+    // the elements; kn_Mm to numbers is the error "Can not convert %s into a numeric matrix" and leaves *this
+    // unchanged.
     void deepcopy(const Mm &src, kn_matrix_types t);
     void deepcopy(int complex, const Mm &src, kn_matrix_types t);
     void deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t);
 
-    // "variable '%s' was used without a value" when there is none.
+    // Reports "variable '%s' was used without a value" for a variable never assigned.
     void warn_uninit() const;
 
     // -- Sparse values. Each begins with error_sparse.
 
-    int search(int pos) const; // slot of a position by binary search, or -1
-    void sort();               // entries by position, ties in their order
-    void resparse();           // drops zeros and sums equal positions of sorted entries
-    void extend_nnz(int n);    // room for n entries, the new ones zero
+    int search(int pos) const; // number of the entry with this index, by binary search; -1 for none
+    void sort();               // sorts the entries by index, equal ones in their order
+    void resparse();           // drops zeros and adds sorted entries with equal indices
+    void extend_nnz(int n);    // extends to n entries, the new ones zero
 
     // -- Field names of a structure.
 
-    // 0-based position, or -1; strict reports "%s.%s: not a structure" or "%s.%s: structure field does not
-    // exist".
+    // Finds a field: its 0-based index, or -1; with strict set "%s.%s: not a structure" or "%s.%s: structure
+    // field does not exist" is reported.
     int findfield(const char *field, int strict) const;
     const char *getfield(int k) const; // "getfield: index=%d out of range [0..%d)"
-    // Position of the field, added when it is not there (force: without looking). Unshares first. -1 when
-    // memory is exhausted.
+    // Adds a field, unless it exists (force: without a search), and returns its index; -1 when memory is
+    // exhausted. Unshares the block first.
     int addfield(const char *field, int force);
-    int rmfield(const char *field); // the name list only; old position or -1
-    void extend_nfields(int n);     // room for n names
+    int rmfield(const char *field); // removes a name from the list only; its old index or -1
+    void extend_nfields(int n);     // makes room for n names
 
   private:
     friend struct kn::Header;
@@ -285,7 +285,7 @@ class QUORVEX_API Mm {
     M_types flags;
     int nfields;
     int classid;
-    int level; // of the workspace that holds this named value, -1 for none; not set where there is no name
+    int level; // workspace level of this named value, -1 for none; uninitialized without a name
     int *index;
     const char *name;
     const char **fields;
@@ -311,10 +311,11 @@ class QUORVEX_API Mm {
     bool is_number() const;
 };
 
-// The name of a value in messages: its name, "=%d" for an unnamed double scalar, "(temporary)" otherwise.
+// The name of a value in messages: its own, "=%d" for an unnamed double scalar, otherwise "(temporary)".
 QUORVEX_API const char *kn_display_name(const Mm &x);
 
-// The scalar in x: a real full double of size 1 that is no character; else error "scalar: matrix %s is %s".
+// The number in x, a real full double of size 1 that is not a character: "scalar: matrix %s is %s" for
+// others.
 QUORVEX_API double scalar(const Mm &x);
 inline double scalar(double x) { return x; }
 
@@ -331,8 +332,8 @@ QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val
 
-// Saturating conversion: 2147483647 from there on and for +Inf, -2147483647 below it and for -Inf and NaN,
-// else truncation.
+// Truncates to an int with saturation: 2147483647 for larger numbers and Inf, -2147483647 for smaller ones,
+// -Inf and NaN.
 QUORVEX_API int double_to_int(double x);
 
 #endif
