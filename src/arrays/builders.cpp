@@ -7,7 +7,6 @@
 
 #include <algorithm>
 
-#include "arrays/number_argument.h"
 #include "arrays/random.h"
 #include "base/poll.h"
 #include "base/scratch.h"
@@ -15,6 +14,7 @@
 #include "quorvex/startup.h"
 #include "value/header.h"
 #include "value/keyword.h"
+#include "value/number_argument.h"
 
 namespace {
 
@@ -118,7 +118,7 @@ template <class Function> bool reads(Function &f, const Mm &command, Mm &result)
 
 template <class Function> bool sets(Function &f, const Mm &command, const Mm &y) {
     if (kn::is_word(command, "seed")) {
-        f.set_seed(kn::first(y));
+        f.set_seed(kn::first_number(y));
         return true;
     }
     if (!kn::is_word(command, "state")) return false;

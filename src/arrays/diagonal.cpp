@@ -2,17 +2,17 @@
 #include <algorithm>
 #include <climits>
 
-#include "arrays/number_argument.h"
 #include "quorvex/arrays.h"
 #include "quorvex/builders.h"
 #include "quorvex/indexing.h"
 #include "quorvex/startup.h"
+#include "value/number_argument.h"
 #include "value/planes.h"
 
 namespace {
 
 int diagonal_number(const Mm &k) {
-    return std::clamp(double_to_int(kn::first(k)), -INT_MAX / 2, INT_MAX / 2);
+    return std::clamp(double_to_int(kn::first_number(k)), -INT_MAX / 2, INT_MAX / 2);
 }
 
 // ---- diag ----

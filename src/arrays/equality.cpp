@@ -52,7 +52,7 @@ bool equal_entries(const Mm &a, const Mm &b) {
 
 // Extents and kind, the names of fields, and the elements of what holds no values.
 bool alike(const Mm &a, const Mm &b) {
-    if (!std::equal(a.getdims(), a.getdims() + 4, b.getdims())) return false;
+    if (!kn::same_size(a, b)) return false;
     if ((a.gettype() == kn_Mm) != (b.gettype() == kn_Mm) || a.isstruct() != b.isstruct()) return false;
     if (a.isstruct()) {
         if (a.getclassid() != b.getclassid() || a.getnfields() != b.getnfields()) return false;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/number_tests.h"
 #include "quorvex/classes.h"
 #include "value/header.h"
 #include "value/number_block.h"
@@ -45,6 +46,6 @@ int istrue(const Mm &x) {
     const double *re = v.addr(), *im = v.addi();
     int n = v.getnnz();
     for (int k = 0; k < n; k++)
-        if (re[k] == 0 && (!im || im[k] == 0)) return 0;
+        if (!kn::is_nonzero(re, im, k)) return 0;
     return n > 0;
 }

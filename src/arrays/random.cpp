@@ -28,8 +28,6 @@ std::uint32_t xorshift(std::uint32_t j) {
 
 double as_signed(std::uint32_t x) { return static_cast<std::int32_t>(x); }
 
-constexpr int random_lock = 1;
-
 } // namespace
 
 std::uint32_t low_word(double x) {
@@ -156,11 +154,11 @@ template <class Step> double NormalGenerator::from_seed(Step step) {
 
 template <class Generator> double RandomFunction<Generator>::draw() {
     auto uniform = [this] {
-        Lock lock(random_lock);
+        Lock lock(Guarded::random_generators);
         return old_.next();
     };
     if (!use_state_.load(std::memory_order_relaxed)) return Generator::from_seed(uniform);
-    Lock lock(random_lock);
+    Lock lock(Guarded::random_generators);
     return now_.next();
 }
 
@@ -179,7 +177,7 @@ template <class Generator> void RandomFunction<Generator>::fill(double *x, ptrdi
 }
 
 template <class Generator> bool RandomFunction<Generator>::set_state(const double *y, int n) {
-    Lock lock(random_lock);
+    Lock lock(Guarded::random_generators);
     use_state_ = true;
     if (n == 1)
         now_.reset(y[0]);
@@ -191,18 +189,18 @@ template <class Generator> bool RandomFunction<Generator>::set_state(const doubl
 }
 
 template <class Generator> void RandomFunction<Generator>::get_state(double *y) const {
-    Lock lock(random_lock);
+    Lock lock(Guarded::random_generators);
     now_.get(y);
 }
 
 template <class Generator> void RandomFunction<Generator>::set_seed(double y) {
-    Lock lock(random_lock);
+    Lock lock(Guarded::random_generators);
     use_state_ = false;
     old_.set(y);
 }
 
 template <class Generator> double RandomFunction<Generator>::get_seed() const {
-    Lock lock(random_lock);
+    Lock lock(Guarded::random_generators);
     return old_.get();
 }
 

@@ -1,12 +1,12 @@
-// The random generators behind randM and randn.
+// The random generators of randM and randn.
 //
 // Each of the two functions has a present generator, whose state is a column of numbers, and an older one
 // with an integer seed; setting a state or a seed selects the generator. The streams are exact: all words are
 // unsigned 32-bit, every uniform number is a multiple of 2^-53 before its mantissa is stirred.
 //
-// While kn_threads_flag is set every number drawn, and every state read or set, holds lock 1 of the runtime.
-// A draw of the older normal generator holds it for each of its uniform steps. Without the flag an array is
-// filled from a copy of the state in local memory.
+// While kn_threads_flag is set, every draw and every read or change of a state holds the lock of the random
+// generators. A draw of the older normal generator holds it for each of its uniform steps. Without the flag
+// an array is filled from a copy of the state in local memory.
 #ifndef QUORVEX_ARRAYS_RANDOM_H
 #define QUORVEX_ARRAYS_RANDOM_H
 

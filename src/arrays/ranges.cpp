@@ -2,12 +2,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "arrays/number_argument.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
 #include "quorvex/operations.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 // A copy has no name, and so is no marker.
 Mm colon() { return c_p; }
@@ -54,19 +54,19 @@ Mm colon(double a, double s, double b) {
 
 Mm colon(const Mm &a, const Mm &b) {
     if (a.size() == 0 || b.size() == 0) return nop_M;
-    return colon(kn::first(a), kn::first(b));
+    return colon(kn::first_number(a), kn::first_number(b));
 }
 
 Mm colon(const Mm &a, const Mm &s, const Mm &b) {
     if (a.size() == 0 || s.size() == 0 || b.size() == 0) return nop_M;
-    return colon(kn::first(a), kn::first(s), kn::first(b));
+    return colon(kn::first_number(a), kn::first_number(s), kn::first_number(b));
 }
 
 Mm linspace(const Mm &a) { return +a; }
 Mm linspace(const Mm &a, const Mm &b) { return linspace(a, b, 100.0); }
 
 Mm linspace(const Mm &a, const Mm &b, const Mm &n) {
-    double points = kn::first(n), m = points - 1;
+    double points = kn::first_number(n), m = points - 1;
     if (points < 2) return b;
     return a + rdivide(times(colon(0.0, m), b - a), m);
 }
@@ -87,5 +87,5 @@ Mm logspace(const Mm &a, const Mm &b) { return logspace(a, b, 50.0); }
 
 Mm logspace(const Mm &a, const Mm &b, const Mm &n) {
     Mm top = every(b == pi) ? log10(pi) : b;
-    return power(10.0, kn::first(n) >= 2 ? linspace(a, top, n) : top);
+    return power(10.0, kn::first_number(n) >= 2 ? linspace(a, top, n) : top);
 }

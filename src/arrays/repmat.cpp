@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <climits>
 
-#include "arrays/number_argument.h"
 #include "quorvex/arrays.h"
 #include "quorvex/builders.h"
 #include "quorvex/indexing.h"
@@ -13,6 +12,7 @@
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/extents.h"
+#include "value/number_argument.h"
 #include "value/planes.h"
 
 namespace {

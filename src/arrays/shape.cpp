@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "arrays/number_argument.h"
 #include "arrays/slice.h"
 #include "base/scratch.h"
 #include "quorvex/arrays.h"
@@ -10,6 +9,7 @@
 #include "quorvex/classes.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 namespace {
 
@@ -28,8 +28,8 @@ Mm shaped(const Mm &x, std::initializer_list<const Mm *> sizes) {
         if (size->size() == 0)
             unknown = n;
         else
-            known = std::min<long long>(known * std::max(extent(kn::first(*size)), 0), 1LL << 32);
-        dims[n++] = size->size() == 0 ? 0 : extent(kn::first(*size));
+            known = std::min<long long>(known * std::max(extent(kn::first_number(*size)), 0), 1LL << 32);
+        dims[n++] = size->size() == 0 ? 0 : extent(kn::first_number(*size));
     }
     int total = x.size();
     if (unknown >= 0) {
@@ -95,7 +95,7 @@ Mm rot90(const Mm &x) { return rot90(x, 1.0); }
 
 Mm rot90(const Mm &x, const Mm &quarters) {
     if (error_2d(x, "rot90")) return x_M;
-    double k = kn::first(quarters);
+    double k = kn::first_number(quarters);
     switch (double_to_int(k - 4 * std::floor(k / 4))) {
     case 1: return flipud(transpose(x));
     case 2: return flipud(fliplr(x));

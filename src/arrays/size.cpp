@@ -1,10 +1,10 @@
 // The extents of a value, as values.
 #include <algorithm>
 
-#include "arrays/number_argument.h"
 #include "quorvex/arrays.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ Mm size(const Mm &x) {
 Mm size(const Mm &x, const Mm &dim) {
     constexpr int backwards = 100;
     x.warn_uninit();
-    int d = double_to_int(kn::first(dim));
+    int d = double_to_int(kn::first_number(dim));
     if (d != backwards) return x.size(d);
     Mm out = size(x);
     std::reverse(out.addr(), out.addr() + out.getnnz());

@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "arrays/number_argument.h"
 #include "quorvex/arrays.h"
 #include "quorvex/indexing.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ Mm kn::along(const Mm &x, int dim) {
 }
 
 int kn::dimension(const char *name, const Mm &x, const Mm &dim) {
-    int d = double_to_int(first(dim));
+    int d = double_to_int(first_number(dim));
     if (d >= 1 && d <= 4) return d;
     error("%s: dimension=%d does not exist for matrix %s", name, d, kn_display_name(x));
     return 0;

@@ -1,7 +1,6 @@
 // Means, variances and covariances, by the formulas that subtract the mean first.
 #include <algorithm>
 
-#include "arrays/number_argument.h"
 #include "arrays/slice.h"
 #include "quorvex/arrays.h"
 #include "quorvex/builders.h"
@@ -11,12 +10,13 @@
 #include "quorvex/operations.h"
 #include "quorvex/startup.h"
 #include "value/constants.h"
+#include "value/number_argument.h"
 
 namespace {
 
 // n - 1 for flag 0, n for flag 1; a single observation has variance 0. -1 after an error.
 double divisor(const char *name, const Mm &flag, int n) {
-    double f = flag.size() == 0 ? 0 : kn::first(flag);
+    double f = flag.size() == 0 ? 0 : kn::first_number(flag);
     if (f == 0) return std::max(n - 1, 1);
     if (f == 1) return n;
     error("%s: flag must be 0 or 1", name);

@@ -8,10 +8,9 @@
 #include "quorvex/indexing.h"
 #include "quorvex/operations.h"
 #include "quorvex/startup.h"
+#include "value/header.h"
 
 namespace {
-
-bool same_size(const Mm &a, const Mm &b) { return std::equal(a.getdims(), a.getdims() + 4, b.getdims()); }
 
 // b in the direction of a (in `turned`) when both are vectors of one length; else b itself.
 const Mm &directed_as(const Mm &b, const Mm &a, Mm &turned) {
@@ -25,7 +24,7 @@ const Mm &directed_as(const Mm &b, const Mm &a, Mm &turned) {
 Mm dot_along(const Mm &a, const Mm &b, const Mm *dim) {
     a.warn_uninit();
     b.warn_uninit();
-    if (!same_size(a, b)) {
+    if (!kn::same_size(a, b)) {
         error("dot: a and b must be same size");
         return x_M;
     }
@@ -36,7 +35,7 @@ Mm dot_along(const Mm &a, const Mm &b, const Mm *dim) {
 Mm cross_along(const Mm &a, const Mm &b, int dim) {
     a.warn_uninit();
     b.warn_uninit();
-    if (!same_size(a, b)) {
+    if (!kn::same_size(a, b)) {
         error("cross: a and b must be same size");
         return x_M;
     }
@@ -55,7 +54,7 @@ bool areas(const char *name, const Mm &x, const Mm &y, int dim, Mm &out) {
     Mm pairs = kn::slice(y, dim, colon(1.0, m - 1)) + kn::slice(y, dim, colon(2.0, m));
     if (x.size() == 0) {
         out = pairs / 2.0;
-    } else if (same_size(x, y)) {
+    } else if (kn::same_size(x, y)) {
         out = times(diff(x, 1.0, dim), pairs) / 2.0;
     } else if (isvector(x).r() != 0 && x.size() == m) {
         Mm widths = kn::along(diff(x), dim);

@@ -42,8 +42,7 @@ constinit byte *free_blocks[class_count] = {};
 
 namespace {
 
-constexpr size_t small_limit = 0x20000; // front included
-constexpr int block_lock = 2;
+constexpr size_t small_limit = 0x20000;         // front included
 constexpr ptrdiff_t kept = ptrdiff_t{16} << 20; // bytes in free blocks that are left alone
 constexpr ptrdiff_t look_step = ptrdiff_t{1} << 20;
 
@@ -187,7 +186,7 @@ constinit SmallBlocks small_blocks;
 } // namespace
 
 void quick_freed(size_t blocks, size_t n) {
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     small_blocks.freed(class_of(n + front_size), static_cast<ptrdiff_t>(blocks));
 }
 
@@ -207,7 +206,7 @@ void *kn_block_alloc(size_t n) {
         p = static_cast<byte *>(large_alloc(n));
     } else {
         const int c = class_of(n + front_size);
-        Lock lock(block_lock);
+        Lock lock(Guarded::blocks);
         p = small_blocks.take(c);
         if (!p) {
             release_large_blocks();
@@ -226,7 +225,7 @@ void kn_block_free(void *block) {
     if (p[-1]) {
         large_free(p);
     } else {
-        Lock lock(block_lock);
+        Lock lock(Guarded::blocks);
         small_blocks.give(p);
     }
 }

@@ -65,7 +65,6 @@ LargeCacheUse large_cache_bound() { return {}; }
 
 namespace {
 
-constexpr int block_lock = 2;
 constexpr size_t header = 64; // before the data
 constexpr char origin = 9;
 constexpr size_t max_blocks = 32;
@@ -160,7 +159,7 @@ constinit Cache cache = {};
 // Nothing is kept any more once the library is unloaded or the program ends.
 struct AtEnd {
     ~AtEnd() {
-        Lock lock(block_lock);
+        Lock lock(Guarded::blocks);
         cache.drop_all();
         cache.limit = 0;
         cache.measured = true;
@@ -182,7 +181,7 @@ void *large_alloc(size_t n) {
     const size_t size = mapping_size(n);
     Mapping m;
     {
-        Lock lock(block_lock);
+        Lock lock(Guarded::blocks);
         m = cache.take(size);
     }
     if (!m.start) {
@@ -192,7 +191,7 @@ void *large_alloc(size_t n) {
             m.start = static_cast<char *>(os::map(size));
             if (!m.start) return nullptr;
         }
-        Lock lock(block_lock);
+        Lock lock(Guarded::blocks);
         cache.lives(size);
     }
     *reinterpret_cast<size_t *>(m.start) = m.size;
@@ -209,29 +208,29 @@ void *large_grow(void *p, size_t n) {
     start = static_cast<char *>(os::remap(start, size, longer));
     if (!start) return nullptr;
     *reinterpret_cast<size_t *>(start) = longer;
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     cache.lives(longer - size);
     return start + header;
 }
 
 void large_free(void *p) {
     char *start = static_cast<char *>(p) - header;
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     cache.give({start, *reinterpret_cast<size_t *>(start)});
 }
 
 void release_large_blocks() {
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     cache.drop_all();
 }
 
 LargeCacheUse large_cache_use() {
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     return {cache.count, cache.bytes};
 }
 
 LargeCacheUse large_cache_bound() {
-    Lock lock(block_lock);
+    Lock lock(Guarded::blocks);
     return {max_blocks, cache.byte_limit()};
 }
 

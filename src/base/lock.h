@@ -1,5 +1,4 @@
-// Holding one of the three numbered locks for a scope: 0 the file table, 1 the random generators, 2 the block
-// allocator. Nothing is locked unless the threads flag is on.
+// Locks of the library, each held for a scope. Nothing is locked unless the threads flag is on.
 #ifndef QUORVEX_BASE_LOCK_H
 #define QUORVEX_BASE_LOCK_H
 
@@ -8,9 +7,14 @@
 
 namespace kn {
 
+// What the locks guard. A thread that holds one may enter those after it, not those before it.
+enum class Guarded { file_table, random_generators, blocks, count };
+
+static_assert(os::lock_count == static_cast<int>(Guarded::count));
+
 class Lock {
   public:
-    explicit Lock(int n) : n_(kn_threads_flag ? n : -1) {
+    explicit Lock(Guarded what) : n_(kn_threads_flag ? static_cast<int>(what) : -1) {
         if (n_ >= 0) os::enter_lock(n_);
     }
     ~Lock() {
@@ -20,7 +24,7 @@ class Lock {
     Lock &operator=(const Lock &) = delete;
 
   private:
-    int n_;
+    int n_; // -1 when nothing was locked
 };
 
 } // namespace kn

@@ -20,6 +20,7 @@
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 namespace kn {
 namespace {
@@ -27,9 +28,7 @@ namespace {
 // The dimension in the first element of `dim`, -1 when there is none.
 int dimension_in(const Mm &dim) {
     if (dim.size() < 1) return -1;
-    if (dim.gettype() == kn_uint8) return *dim.getpr(static_cast<unsigned char *>(nullptr));
-    if (dim.issparse()) return dim.getnnz() > 0 && dim.getindex()[0] == 0 ? double_to_int(*dim.addr()) : 0;
-    return double_to_int(dim.r());
+    return double_to_int(first_number(dim));
 }
 
 // How a result lies to its operands.
@@ -60,10 +59,8 @@ Mm of_empty(const Mm &a, const Mm &b, op_t op, int d) {
 
 // -- Shapes. False after a report.
 
-bool same_extents(const Mm &a, const Mm &b) { return std::equal(a.getdims(), a.getdims() + 4, b.getdims()); }
-
 bool incompatible(const Mm &a, const Mm &b, op_t op) {
-    error("%s: incompatible dimensions of: %s, %s", op_name(op), kn_display_name(a), kn_display_name(b));
+    report_incompatible(op_name(op), a, b);
     return false;
 }
 
@@ -107,7 +104,7 @@ bool shape_along(const Mm &a, const Mm &b, op_t op, int d, Shape &s) {
 }
 
 bool shape_of_elements(const Mm &a, const Mm &b, op_t op, Shape &s) {
-    if (b.getnnz() != 1 && a.getnnz() != 1 && !same_extents(a, b)) return incompatible(a, b, op);
+    if (b.getnnz() != 1 && a.getnnz() != 1 && !same_size(a, b)) return incompatible(a, b, op);
     const Mm &like = b.getnnz() == 1 ? a : b;
     std::copy(like.getdims(), like.getdims() + 4, s.dims);
     return true;
@@ -281,6 +278,10 @@ Realness real_elements(op_t op, double *out, const double *x, ptrdiff_t n) {
     });
     if (!done) return Realness::interrupted;
     return left ? Realness::left : Realness::real;
+}
+
+void report_incompatible(const char *function, const Mm &a, const Mm &b) {
+    error("%s: incompatible dimensions of: %s, %s", function, kn_display_name(a), kn_display_name(b));
 }
 
 Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,

@@ -11,6 +11,9 @@ namespace kn {
 Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,
                      Mm &extra);
 
+// Reports that two operands of a function do not have the same size, nor one of them one element.
+void report_incompatible(const char *function, const Mm &a, const Mm &b);
+
 // The elements of `op` on a and b, full values of one numeric type, written into `out`, which has the type
 // and the extents of the result and may be a or b. For one operand b is not looked at. False when
 // interrupted; then `out` holds nothing of use.

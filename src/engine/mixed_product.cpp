@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/number_tests.h"
 #include "base/parallel.h"
 #include "engine/multiply.h"
 #include "quorvex/startup.h"
@@ -13,9 +14,6 @@
 
 namespace kn {
 namespace {
-
-bool is_finite(double x) { return std::fabs(x) <= raw_realmax; }
-bool is_finite(Complex z) { return is_finite(z.re) && is_finite(z.im); }
 
 // Columns worth waking a thread for.
 ptrdiff_t grain_of(ptrdiff_t work_per_column) { return (1 << 15) / (work_per_column + 1) + 1; }

@@ -15,6 +15,7 @@
 #include <memory>
 
 #include "base/hooks.h"
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "engine/gemm.h"
 #include "quorvex/arrays.h"
@@ -40,7 +41,7 @@ struct Products {
 
 bool all_finite(const double *x, ptrdiff_t n) {
     long long others = 0;
-    for (ptrdiff_t k = 0; k < n; ++k) others += !(std::fabs(x[k]) <= raw_realmax);
+    for (ptrdiff_t k = 0; k < n; ++k) others += !is_finite(x[k]);
     return others == 0;
 }
 

@@ -118,9 +118,8 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
     Mm a = sparse(full_or_sparse_a), b = sparse(full_or_sparse_b);
     if (!a.issparse() || !b.issparse()) return x_M;
     const Mm &like = b.size() == 1 ? a : b;
-    if (a.size() > 1 && b.size() > 1 && !std::equal(a.getdims(), a.getdims() + 4, b.getdims())) {
-        error("%s: incompatible dimensions of: %s, %s", op_name(run.op), kn_display_name(full_or_sparse_a),
-              kn_display_name(full_or_sparse_b));
+    if (a.size() > 1 && b.size() > 1 && !same_size(a, b)) {
+        report_incompatible(op_name(run.op), full_or_sparse_a, full_or_sparse_b);
         return x_M;
     }
 

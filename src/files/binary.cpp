@@ -8,7 +8,6 @@
 
 #include "base/scratch.h"
 #include "files/file_table.h"
-#include "files/inputs.h"
 #include "files/precision.h"
 #include "files/stream_calls.h"
 #include "quorvex/builders.h"
@@ -19,6 +18,7 @@
 #include "quorvex/startup.h"
 #include "text/text_buffer.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 using namespace kn;
 
@@ -33,7 +33,7 @@ struct Layout {
     bool swap;
 
     Layout(int s, const Mm &name, const Mm &skipped, const Mm &format)
-        : slot(s), stream(fid_stream(s)), precision(file_precision(name)), skip(count_in(skipped)) {
+        : slot(s), stream(fid_stream(s)), precision(file_precision(name)), skip(count_argument(skipped)) {
         const int code = machine_format_code(format);
         swap = (code == unknown_format ? fid_format(slot) : code) != native_format;
     }

@@ -103,7 +103,7 @@ int fid_format(int slot) { return slot < first_fid ? native_format : slots[slot]
 int fid_close(int slot) {
     std::FILE *stream;
     {
-        Lock lock(0);
+        Lock lock(Guarded::file_table);
         stream = slots[slot].stream;
         slots[slot].stream = nullptr;
     }
@@ -111,13 +111,13 @@ int fid_close(int slot) {
 }
 
 void fid_close_all() {
-    Lock lock(0);
+    Lock lock(Guarded::file_table);
     for (int slot = first_fid; slot < fid_slots; ++slot)
         if (fid_is_open(slot)) fid_close(slot);
 }
 
 int fid_store(Stream &stream, const char *name, const char *mode, int format) {
-    Lock lock(0);
+    Lock lock(Guarded::file_table);
     os::write_out_files = write_out_slots;
     for (int slot = first_fid; slot < fid_slots; ++slot) {
         Slot &s = slots[slot];

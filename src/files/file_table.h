@@ -1,7 +1,7 @@
 // The table of open files: 129 slots, indexed by fid.
 //
 // 0 to 2 are the standard streams, which have no stream here; files take 3 to 127. A slot is taken and given
-// back under lock 0.
+// back under its lock.
 #ifndef QUORVEX_FILES_FILE_TABLE_H
 #define QUORVEX_FILES_FILE_TABLE_H
 

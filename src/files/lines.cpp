@@ -4,11 +4,11 @@
 #include <cstring>
 
 #include "files/file_table.h"
-#include "files/inputs.h"
 #include "files/stream_calls.h"
 #include "quorvex/files.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
+#include "value/number_argument.h"
 
 using namespace kn;
 
@@ -56,7 +56,7 @@ size_t drop_line_ends(char *line, size_t n) {
 Mm fgets(const Mm &fid) { return fgets(fid, longest); }
 
 Mm fgets(const Mm &fid, const Mm &n) {
-    return next_line("fgets", fid, std::min(double_to_int(number_in(n)), longest), keep_newline);
+    return next_line("fgets", fid, std::min(double_to_int(number_argument(n)), longest), keep_newline);
 }
 
 Mm fgetl(const Mm &fid) { return next_line("fgetl", fid, longest, drop_line_ends); }

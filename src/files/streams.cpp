@@ -5,7 +5,6 @@
 
 #include "base/lock.h"
 #include "files/file_table.h"
-#include "files/inputs.h"
 #include "files/mpath.h"
 #include "files/stream_calls.h"
 #include "platform/platform.h"
@@ -14,6 +13,7 @@
 #include "quorvex/startup.h"
 #include "value/header.h"
 #include "value/keyword.h"
+#include "value/number_argument.h"
 
 using namespace kn;
 
@@ -97,7 +97,7 @@ int origin_of(const Mm &origin) {
         if (!is_word(origin, "cof")) error("fseek: origin %s not bof, cof or eof", kn_display_name(origin));
         return SEEK_CUR;
     }
-    const int n = double_to_int(number_in(origin));
+    const int n = double_to_int(number_argument(origin));
     return n < 0 ? SEEK_SET : n == 0 ? SEEK_CUR : SEEK_END;
 }
 
@@ -143,7 +143,7 @@ Mm fclose(const Mm &fid) {
         fid_close_all();
         return x_M;
     }
-    if (is_number(fid) && count_in(fid) < first_fid) {
+    if (is_number(fid) && count_argument(fid) < first_fid) {
         error("fclose: can not close stdin/stdout/stderr, fid is %s", kn_display_name(fid));
         return x_M;
     }
@@ -181,7 +181,7 @@ Mm ferror(const Mm &fid, const Mm &x, i_o_t, Mm &message, Mm &number) {
 Mm fseek(const Mm &fid, const Mm &offset, const Mm &origin) {
     const int slot = file_lookup(fid, "fseek");
     if (slot < 0) return -1;
-    const long long bytes = offset_in(offset);
+    const long long bytes = offset_argument(offset);
     return io::seek(fid_stream(slot), bytes, origin_of(origin)) == 0 ? 0 : -1;
 }
 

@@ -13,10 +13,6 @@
 
 namespace kn {
 
-template <class T> inline constexpr kn_matrix_types type_of = kn_double;
-template <> inline constexpr kn_matrix_types type_of<unsigned char> = kn_uint8;
-template <> inline constexpr kn_matrix_types type_of<Mm> = kn_Mm;
-
 // f(std::type_identity<T>()) for the elements of m.
 template <class F> auto by_type(const Mm &m, F f) {
     switch (m.gettype()) {
@@ -57,8 +53,6 @@ bool vwcopy0(Mm &t, const Subscripts &s);
 
 // -- What they share.
 
-// Field names and class of a structure.
-bool copy_fields(Mm &to, const Mm &from);
 // Replaces the target's block; its flags stay.
 void take(Mm &t, const Mm &fresh);
 // The target becomes an empty value of its type.

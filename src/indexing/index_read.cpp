@@ -100,16 +100,6 @@ Mm select(const Mm &base, const Selection &s, const int *dims) {
 
 // -- What the engines share.
 
-bool copy_fields(Mm &to, const Mm &from) {
-    if (!from.isstruct()) return true;
-    to.extend_nfields(std::max(from.getnfields(), 8));
-    if (!to.isstruct()) return false;
-    for (int k = 0; k < from.getnfields(); ++k)
-        if (to.addfield(from.getfields()[k], 1) < 0) return false;
-    to.setclassid(from.getclassid());
-    return true;
-}
-
 void take(Mm &t, const Mm &fresh) {
     M_types flags = t.getflags();
     t = fresh;

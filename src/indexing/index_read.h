@@ -8,6 +8,7 @@
 #include "indexing/index_messages.h"
 #include "indexing/index_move.h"
 #include "value/constants.h"
+#include "value/fields.h"
 
 namespace kn {
 

@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "base/number_tests.h"
 #include "indexing/index_move.h"
 #include "value/constants.h"
 
@@ -140,8 +141,6 @@ Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
 
 namespace {
 
-bool is_zero(const Mm &m, int k) { return m.addr()[k] == 0 && (!m.isc() || m.addi()[k] == 0); }
-
 // Position in extents `to` of a position in extents `from`.
 int renumbered(int position, const int *from, const int *to) {
     ptrdiff_t result = 0, stride = 1;
@@ -165,7 +164,7 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
         if (slot >= 0) {
             t.addr()[slot] = *src.addr();
             if (t.isc()) t.addi()[slot] = src.isc() ? *src.addi() : 0.0;
-            if (is_zero(t, slot)) t.resparse();
+            if (!is_nonzero(t.addr(), t.addi(), slot)) t.resparse();
             return true;
         }
     }
@@ -193,10 +192,10 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
         if (j < nb && b[j] <= at) {
             if (b[j] == at) ++i;
             while (j + 1 < nb && b[j + 1] == b[j]) ++j;
-            if (!is_zero(fresh, j)) merged.add(b[j], fresh, j);
+            if (is_nonzero(fresh.addr(), fresh.addi(), j)) merged.add(b[j], fresh, j);
             ++j;
         } else {
-            if (!is_zero(t, i)) merged.add(at, t, i);
+            if (is_nonzero(t.addr(), t.addi(), i)) merged.add(at, t, i);
             ++i;
         }
     }

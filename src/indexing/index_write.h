@@ -13,6 +13,7 @@
 #include "indexing/index_move.h"
 #include "quorvex/messages.h"
 #include "quorvex/sparse.h"
+#include "value/fields.h"
 #include "value/number_block.h"
 
 namespace kn {

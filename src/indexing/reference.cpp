@@ -373,7 +373,7 @@ void Mr::convert() {
     int n = nidx;
     // A cell as the only subscript stands for its elements.
     const Mm *list = nullptr;
-    if (n == 1 && kind == Mr_paren && idx[0]->gettype() == kn_Mm && !idx[0]->isstruct()) {
+    if (n == 1 && kind == Mr_paren && is_cell(*idx[0])) {
         list = re<Mm>(*idx[0]);
         n = idx[0]->getnnz() <= 4 ? idx[0]->getnnz() : 0;
     }

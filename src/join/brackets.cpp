@@ -268,7 +268,7 @@ Mm braces(const Mc &list) {
 Mm braces_with_spliced(const Mc &list, int k) {
     const Mm &args = list.item(k);
     bool unset = args.gettype() == kn_none;
-    if (!unset && (args.gettype() != kn_Mm || args.isstruct())) {
+    if (!unset && !is_cell(args)) {
         error("%s must be cell array", "varargin");
         return x_M;
     }

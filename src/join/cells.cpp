@@ -37,7 +37,7 @@ Mm cell_from_array(int n, const Mm *const *a) {
 }
 
 Mm iscellstr(const Mm &x) {
-    bool yes = x.gettype() == kn_Mm && !x.isstruct();
+    bool yes = kn::is_cell(x);
     for (int k = 1; yes && k <= x.getnnz(); k++) yes = x.mr(k).isstr();
     return mlogical(yes ? 1.0 : 0.0);
 }

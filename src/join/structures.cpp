@@ -14,8 +14,6 @@
 
 namespace {
 
-bool is_cell(const Mm &x) { return x.gettype() == kn_Mm && !x.isstruct(); }
-
 constexpr int name_length = 40;
 
 // A field name in a value: its characters in storage order.
@@ -92,7 +90,7 @@ Mm get(const Mm &s, std::initializer_list<const Mm *> steps) {
             FieldName name(*step, "getfield");
             Mm next = x.member(member_name(x, name));
             reached = next;
-        } else if (is_cell(*step) && step->getnnz() >= 1 && step->getnnz() <= 4) {
+        } else if (kn::is_cell(*step) && step->getnnz() >= 1 && step->getnnz() <= 4) {
             Mm subscripts[4];
             const Mm *list[4];
             int n = step->getnnz();
@@ -100,7 +98,7 @@ Mm get(const Mm &s, std::initializer_list<const Mm *> steps) {
                 subscripts[k] = step->mr(k + 1);
                 list[k] = &subscripts[k];
             }
-            Mm next = Mr(x, is_cell(x) ? Mr_brace : Mr_paren, n, list);
+            Mm next = Mr(x, kn::is_cell(x) ? Mr_brace : Mr_paren, n, list);
             reached = next;
         } else {
             error("getfield: index must be a string or cell array");
@@ -136,9 +134,9 @@ Mm rmfield(const Mm &s, const Mm &names) {
     if (!out.isstruct()) return x_M;
     for (int e = 1; e <= s.getnnz(); e++)
         if (!built_right(s, e)) return x_M;
-    int n = is_cell(names) ? names.getnnz() : 1;
+    int n = kn::is_cell(names) ? names.getnnz() : 1;
     for (int k = 1; k <= n; k++) {
-        FieldName name(is_cell(names) ? names.mr(k) : names, "rmfield");
+        FieldName name(kn::is_cell(names) ? names.mr(k) : names, "rmfield");
         int f = find_name(out, name);
         if (f < 0) {
             error("rmfield: structure has no field named '%s'", name.text);
@@ -173,7 +171,7 @@ Mm getfield(const Mm &s, const Mm &step1, const Mm &step2, const Mm &step3, cons
 
 Mm mstruct(const Mm &args) {
     int nargs = args.getnnz();
-    if (!is_cell(args)) return args;
+    if (!kn::is_cell(args)) return args;
     if (nargs == 1) return args.mr(1);
     if (nargs % 2 != 0) {
         error("struct: odd numbers of inputs");
@@ -183,13 +181,13 @@ Mm mstruct(const Mm &args) {
     int pairs = nargs / 2, one[] = {1, 1}, ndims = 2;
     const int *dims = one;
     for (int p = 1; p <= pairs; p++)
-        if (is_cell(value(p))) {
+        if (kn::is_cell(value(p))) {
             ndims = value(p).getndims();
             dims = value(p).getdims();
         }
     int n = kn::product(ndims, dims);
     for (int p = 1; p <= pairs; p++)
-        if (is_cell(value(p)) && value(p).getnnz() != n) {
+        if (kn::is_cell(value(p)) && value(p).getnnz() != n) {
             error("struct: all cell arrays must be of same size");
             return x_M;
         }
@@ -201,7 +199,7 @@ Mm mstruct(const Mm &args) {
     if (!make_elements(out)) return x_M;
     for (int p = 1; p <= pairs; p++) {
         int f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
-        for (int k = 1; k <= n; k++) out.mr(k).mr(f + 1) = is_cell(value(p)) ? value(p).mr(k) : value(p);
+        for (int k = 1; k <= n; k++) out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
     }
     kn::check(out);
     return out;
@@ -229,11 +227,11 @@ Mm struct2cell(const Mm &s) {
 
 Mm cell2struct(const Mm &c, const Mm &fields, const Mm &dim) {
     const char *name = "cell2struct";
-    if (!is_cell(c)) {
+    if (!kn::is_cell(c)) {
         error("%s: first argument is not a cell", name);
         return x_M;
     }
-    if (!is_cell(fields)) {
+    if (!kn::is_cell(fields)) {
         error("%s: second argument is not a cell", name);
         return x_M;
     }

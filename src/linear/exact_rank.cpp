@@ -90,7 +90,7 @@ class Lower {
 // arithmetic operations, SIAM J. Sci. Stat. Comput. 9, 1988).
 class Elimination {
   public:
-    explicit Elimination(const Columns &a)
+    explicit Elimination(const CompressedColumns &a)
         : a_(a), n_(a.cols()), lower_(n_), step_of_(n_), met_(n_), path_(n_), rows_(n_), next_(n_), x_(n_) {
         if (!*this) return;
         std::fill_n(step_of_.get(), n_, -1);
@@ -156,7 +156,7 @@ class Elimination {
             x_[e->row] = difference(x_[e->row], product(x_[row], e->value));
     }
 
-    const Columns &a_;
+    const CompressedColumns &a_;
     const int n_;
     Lower lower_;
     Scratch<int> step_of_, met_, path_, rows_;
@@ -167,7 +167,7 @@ class Elimination {
 
 } // namespace
 
-Rank exact_rank(const Columns &a, const int *column_order, const int *row_order) {
+Rank exact_rank(const CompressedColumns &a, const int *column_order, const int *row_order) {
     const int n = a.cols();
     Elimination elimination(a);
     Scratch<int> column(n), row(n);

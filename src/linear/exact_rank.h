@@ -16,7 +16,7 @@ enum class Rank { full, deficient, unknown };
 // column_order and row_order give the position of each column in the elimination and that of its pivot's
 // row, by which the factors stay sparse; another row is taken where that element is zero. Unknown after a
 // report, of no memory or an interruption.
-Rank exact_rank(const Columns &a, const int *column_order, const int *row_order);
+Rank exact_rank(const CompressedColumns &a, const int *column_order, const int *row_order);
 
 } // namespace kn
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/number_tests.h"
 #include "linear/blocked_lu.h"
 #include "linear/lapack.h"
 #include "linear/lu.h"
@@ -43,7 +44,7 @@ Mm determinant(const Matrix<complex> &f, const Pivots &p) {
     double exponent = 0;
     for (int i = 0; i < f.rows(); ++i) {
         d *= p[i] == i + 1 ? f(i, i) : -f(i, i);
-        if (modulus(d) == 0 || !std::isfinite(modulus(d))) break;
+        if (modulus(d) == 0 || !is_finite(modulus(d))) break;
         for (; modulus(d) < 1; d *= 10) --exponent;
         for (; modulus(d) >= 10; d /= 10) ++exponent;
     }

@@ -1,6 +1,7 @@
 // Whole powers of square matrices: the squares of the base that the binary digits of the exponent select.
 #include <cmath>
 
+#include "base/number_tests.h"
 #include "linear/solvers.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
@@ -18,7 +19,7 @@ double whole_number(const Mm &x) {
     const Mm y = mdouble(x);
     if (y.size() != 1 || (y.isc() && *y.addi() != 0)) return raw_nan;
     const double e = *y.addr();
-    return std::isfinite(e) && e == std::floor(e) ? e : raw_nan;
+    return is_finite(e) && e == std::floor(e) ? e : raw_nan;
 }
 
 Mm whole_power(const Mm &a, double e) {

@@ -7,6 +7,7 @@
 
 #include <slu_ddefs.h>
 
+#include "base/number_tests.h"
 #include "base/poll.h"
 #include "engine/blas_call.h"
 #include "linear/exact_rank.h"
@@ -19,7 +20,7 @@ namespace kn {
 namespace {
 
 // SuperLU begins with room for so many entries of the factors, whose number is an int.
-bool fits_superlu(const Columns &a) {
+bool fits_superlu(const CompressedColumns &a) {
     if (static_cast<int64_t>(a.entries()) * sp_ienv(6) <= INT_MAX) return true;
     out_of_memory();
     return false;
@@ -44,14 +45,14 @@ template <class F> void each_entry(const SuperMatrix &lower, const SuperMatrix &
 
 // Whether a pivot is so small, beside its column of a and of u, that it may be what rounding has left of
 // zero. Not of a matrix with infinities or NaN.
-bool suspicious(const Columns &a, const int *column_order, const SuperMatrix &l, const SuperMatrix &u,
-                double *pivot, double *largest) {
+bool suspicious(const CompressedColumns &a, const int *column_order, const SuperMatrix &l,
+                const SuperMatrix &u, double *pivot, double *largest) {
     constexpr double small = 1e-8;
     const int n = a.cols();
     for (int c = 0; c < n; ++c) {
         double &most = largest[column_order[c]] = 0;
         for (int k = a.start()[c]; k < a.start()[c + 1]; ++k) {
-            if (!(std::fabs(a.re()[k]) <= raw_realmax)) return false;
+            if (!is_finite(a.re()[k])) return false;
             most = std::max(most, std::fabs(a.re()[k]));
         }
         pivot[c] = 0;
@@ -71,7 +72,7 @@ bool suspicious(const Columns &a, const int *column_order, const SuperMatrix &l,
 
 // The work for SuperluCall::run.
 struct SparseLu::System {
-    const Columns *a;
+    const CompressedColumns *a;
     int *column_order, *row_order;
     superlu_options_t options;
     SuperMatrix l, u;
@@ -111,7 +112,7 @@ struct SparseLu::System {
     }
 };
 
-SparseLu::SparseLu(const Columns &a, const int *order)
+SparseLu::SparseLu(const CompressedColumns &a, const int *order)
     : n_(a.cols()), column_order_(n_), row_order_(n_), system_(1) {
     if (!column_order_ || !row_order_ || !system_ || !fits_superlu(a)) return;
     constexpr int natural = 32; // up to here no other order is faster
@@ -122,7 +123,7 @@ SparseLu::SparseLu(const Columns &a, const int *order)
     done_ = singular_ || factor(a, order, order || n_ <= natural ? MY_PERMC : filling_least);
 }
 
-bool SparseLu::factor(const Columns &a, const int *order, int way) {
+bool SparseLu::factor(const CompressedColumns &a, const int *order, int way) {
     System &s = *system_.get();
     s = {&a, column_order_.get(), row_order_.get(), {}, {}, {}, 0, nullptr, 0};
     set_default_options(&s.options);
@@ -166,7 +167,7 @@ namespace {
 // -- Factors.
 
 struct Factors {
-    const Columns &a;
+    const CompressedColumns &a;
     int *column_order, *row_order, *parent;
     SuperMatrix l, u;
     int info;
@@ -202,7 +203,7 @@ void destroy(void *context) {
 }
 
 // Structurally singular columns have no pivot to choose: they get a stored zero.
-bool complete(const Columns &a, Columns &out) {
+bool complete(const CompressedColumns &a, CompressedColumns &out) {
     const int n = a.cols();
     Scratch<int> row_of(n), column_of(n);
     if (!row_of || !column_of || match_rows(a, row_of.get()) < 0) return false;
@@ -254,9 +255,9 @@ class Entries {
 
 bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
     const int n = a.rows();
-    Columns entries(a, n);
+    CompressedColumns entries(a, n);
     if (!entries) return false;
-    Columns all(n, n, static_cast<int64_t>(entries.entries()) + n, false);
+    CompressedColumns all(n, n, static_cast<int64_t>(entries.entries()) + n, false);
     Scratch<int> column_order(n), row_order(n), parent(n);
     if (!all || !column_order || !row_order || !parent || !complete(entries, all) || !fits_superlu(all))
         return false;

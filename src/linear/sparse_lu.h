@@ -16,14 +16,14 @@ namespace kn {
 // exactly, as its numbers are stored (exact_rank.h).
 class SparseLu {
   public:
-    SparseLu(const Columns &a, const int *order);
+    SparseLu(const CompressedColumns &a, const int *order);
     explicit operator bool() const { return done_; }
     // x = a \ x, q columns of the order of a; NaN when a is singular. False after an error.
     bool solve(double *x, int q);
 
   private:
     struct System;
-    bool factor(const Columns &a, const int *order, int way);
+    bool factor(const CompressedColumns &a, const int *order, int way);
 
     const int n_;
     Scratch<int> column_order_, row_order_;
@@ -33,7 +33,7 @@ class SparseLu {
 };
 
 // a = l u of a real sparse square matrix that isn't empty, all sparse, p the interchanges of rows: l has the
-// rows of a, or with `ordered` those of u, p a = l u. Columns aren't interchanged. False after an error.
+// rows of a, or with `ordered` those of u, p a = l u. Columns are not interchanged. False after an error.
 bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p);
 
 } // namespace kn

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <optional>
 
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "linear/sparse_lu.h"
 #include "quorvex/builders.h"
@@ -80,7 +81,7 @@ double augmentation(const Mm &a) {
 // columns: the first halves, then the others.
 class SparseSystem {
   public:
-    SparseSystem(const Columns &a, const int *order)
+    SparseSystem(const CompressedColumns &a, const int *order)
         : n_(a.cols()), embedded_(a.im() != nullptr), twice_(embedded_ ? 2 * static_cast<int64_t>(n_) : 0),
           real_(twice_, twice_, 2 * (embedded_ ? 2 * static_cast<int64_t>(a.entries()) : 0), false),
           in_order_(order ? static_cast<ptrdiff_t>(twice_) : 0) {
@@ -106,22 +107,22 @@ class SparseSystem {
     const int n_;
     const bool embedded_;
     const int64_t twice_;
-    Columns real_;
+    CompressedColumns real_;
     Scratch<int> in_order_;
     std::optional<SparseLu> lu_;
 };
 
-Mm solve_columns(const Columns &a, const Mm &b, const int *order) {
+Mm solve_columns(const CompressedColumns &a, const Mm &b, const int *order) {
     SparseSystem system(a, order);
     return system ? system.solve(b) : x_M;
 }
 
 Mm solve_overdetermined(const Mm &a, const Mm &b) {
     const int m = a.rows(), n = a.cols();
-    Columns columns(a, n);
+    CompressedColumns columns(a, n);
     if (!columns) return x_M;
     const int64_t order = static_cast<int64_t>(m) + n;
-    Columns system(order, order, m + 2 * static_cast<int64_t>(columns.entries()), a.isc());
+    CompressedColumns system(order, order, m + 2 * static_cast<int64_t>(columns.entries()), a.isc());
     if (!system || !augment(columns, augmentation(a), system)) return x_M;
     Mm x = padded(b, 0, m, m + n);
     if (x.getnnz() == 0) return x_M;
@@ -148,7 +149,7 @@ bool permutation_of(const Mm &p, int n, int *order) {
 // Adds the elements of x that aren't zero to a sparse value, behind its entries; x has as many rows, and its
 // first column is `column` of the value. False after an error.
 bool append(Mm &out, const Mm &x, int column) {
-    auto stored = [re = x.addr(), im = x.addi()](int k) { return !(re[k] == 0 && (!im || im[k] == 0)); };
+    auto stored = [re = x.addr(), im = x.addi()](int k) { return is_nonzero(re, im, k); };
     int e = out.getnnz(), count = e;
     for (int k = 0; k < x.getnnz(); ++k) count += stored(k);
     if (count > largest_inverse) {
@@ -176,7 +177,7 @@ bool append(Mm &out, const Mm &x, int column) {
 // Some columns after another, so that no full matrix of the order is made.
 Mm sparse_inverse(const Mm &a) {
     const int n = a.rows(), most = std::max(1, (1 << 20) / n);
-    Columns columns(a, n);
+    CompressedColumns columns(a, n);
     if (!columns) return x_M;
     SparseSystem system(columns, nullptr);
     Mm out(a.isc(), 1, a.getnnz(), n, n, kn_double);
@@ -197,7 +198,7 @@ Mm sparse_inverse(const Mm &a) {
 Mm solve_sparse(const Mm &a, const Mm &b) {
     const int m = a.rows(), n = a.cols();
     if (m > n) return solve_overdetermined(a, b);
-    Columns leading(a, m);
+    CompressedColumns leading(a, m);
     if (!leading) return x_M;
     Mm x = solve_columns(leading, b, nullptr);
     return m == n || x.getnnz() == 0 ? x : padded(x, 0, m, n);
@@ -220,7 +221,7 @@ Mm lusolve(const Mm &a, const Mm &b, const Mm &p) {
         error("%s: a,b does not have the same number of rows", "lusolve");
         return x_M;
     }
-    kn::Columns columns(x, n);
+    kn::CompressedColumns columns(x, n);
     kn::Scratch<int> order(n);
     if (!columns || !order || !kn::permutation_of(p, n, order.get())) return x_M;
     return kn::solve_columns(columns, full_b, order.get());

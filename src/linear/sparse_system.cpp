@@ -1,53 +1,11 @@
 #include "linear/sparse_system.h"
 
 #include <algorithm>
-#include <climits>
 
-#include "value/columns.h"
-#include "value/header.h"
+#include "base/scratch.h"
 
 namespace kn {
-namespace {
-
-// -1 makes a Scratch that reports; a size that no int holds can't be had.
-ptrdiff_t room_for(int64_t n) { return n <= INT_MAX ? static_cast<ptrdiff_t>(n) : PTRDIFF_MAX; }
-
-int entries_before(const Mm &a, int cols) {
-    const int64_t end = static_cast<int64_t>(cols) * a.rows();
-    const int *index = a.getindex();
-    return static_cast<int>(std::lower_bound(index, index + a.getnnz(), end) - index);
-}
-
-} // namespace
-
-Columns::Columns(int64_t rows, int64_t cols, int64_t room, bool is_complex)
-    : m_(static_cast<int>(rows)), n_(static_cast<int>(cols)), is_complex_(is_complex),
-      start_(room_for(cols + 1)), row_(room_for(room)), re_(room_for(room)),
-      im_(is_complex ? room_for(room) : 0) {
-    if (start_) start_[0] = 0;
-}
-
-Columns::Columns(const Mm &a, int cols) : Columns(a.rows(), cols, entries_before(a, cols), a.isc()) {
-    if (!*this) return;
-    const int *index = a.getindex();
-    ColumnWalk walk(a.rows());
-    for (int k = 0, n = entries_before(a, cols); k < n; ++k) {
-        int row = walk.row(index[k]);
-        while (filled_ <= walk.column()) begin_column();
-        add(row, a.addr()[k], is_complex_ ? a.addi()[k] : 0, true);
-    }
-    while (filled_ < n_) begin_column();
-}
-
-void Columns::add(int row, double re, double im, bool kept) {
-    if (!kept && re == 0 && im == 0) return;
-    int k = start_[filled_]++;
-    row_[k] = row;
-    re_[k] = re;
-    if (is_complex_) im_[k] = im;
-}
-
-void embed_complex(const Columns &a, Columns &out) {
+void embed_complex(const CompressedColumns &a, CompressedColumns &out) {
     const int m = a.rows();
     for (int half = 0; half < 2; ++half)
         for (int c = 0; c < a.cols(); ++c) {
@@ -58,7 +16,7 @@ void embed_complex(const Columns &a, Columns &out) {
         }
 }
 
-bool augment(const Columns &a, double s, Columns &out) {
+bool augment(const CompressedColumns &a, double s, CompressedColumns &out) {
     const int m = a.rows(), n = a.cols(), nnz = a.entries();
     // The entries by rows: those of row r are by_row[first[r]] to by_row[first[r + 1] - 1].
     Scratch<int> first(static_cast<ptrdiff_t>(m) + 2), by_row(nnz), column(nnz);
@@ -89,7 +47,7 @@ bool augment(const Columns &a, double s, Columns &out) {
 
 // Columns are walked in order. The next entry of column r that hasn't been met is then in row c whenever
 // column c has one in row r.
-bool symmetric_pattern(const Columns &a, int *next) {
+bool symmetric_pattern(const CompressedColumns &a, int *next) {
     const int n = a.cols();
     int diagonal = 0;
     std::copy_n(a.start(), n, next);
@@ -105,7 +63,7 @@ bool symmetric_pattern(const Columns &a, int *next) {
 // A column takes its diagonal entry if there is one. A column left over looks for a row along a path of
 // columns, each of which would hand its row to the one before and take another (Duff, On algorithms for
 // obtaining a maximum transversal, ACM Trans. Math. Softw. 7, 1981).
-int match_rows(const Columns &a, int *row_of) {
+int match_rows(const CompressedColumns &a, int *row_of) {
     const int n = a.cols(), *start = a.start(), *row = a.row();
     Scratch<int> column_of(n), path(n), next(n), fresh(n), seen(n);
     if (!column_of || !path || !next || !fresh || !seen) return -1;

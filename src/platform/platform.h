@@ -60,16 +60,18 @@ bool readable(const void *p, std::size_t n);
 // doesn't even begin.
 bool copy_readable(char *out, std::size_t size, const char *text);
 
-// ---- Locks: three, numbered 0 to 2, recursive ----
+// ---- Recursive locks, numbered from 0. base/lock.h names them. ----
+
+inline constexpr int lock_count = 3;
 
 // Creates the locks unless they exist. In the child of a fork, which has only the thread that forked, they
 // are free, and what they guard is as between two holders: the fork waits for them.
 void create_locks();
 
-// Deletes the locks, which nobody may hold or await. Entering one later creates them anew.
+// Deletes the locks, which nobody may hold or await. Entering one later creates them again.
 void delete_locks();
 
-// Enters lock `n`, after creating the locks if need be; works before any static object is built. Guards the
+// Enters lock `n`, creating the locks first if necessary; works before any static object is built. Guards the
 // thread (see guard_thread).
 void enter_lock(int n);
 

@@ -1,7 +1,7 @@
 // The parts of the platform that the C++ library does alike on every system: the numbered locks, the clocks,
 // and a few functions that rest on the others.
 //
-// The locks have a place of their own, and one atomic state tells whether they stand there. It needs no
+// The locks have static storage, and one atomic state tells whether they have been created in it. It needs no
 // constructor, so they can be entered while static objects are still being built, and no memory.
 #include "platform/platform.h"
 
@@ -20,7 +20,7 @@ namespace kn::os {
 
 namespace {
 
-using Locks = std::array<std::recursive_mutex, 3>;
+using Locks = std::array<std::recursive_mutex, lock_count>;
 
 enum class LockState { none, in_work, there };
 constinit std::atomic<LockState> lock_state = LockState::none;
@@ -30,12 +30,12 @@ Locks &locks() { return *std::launder(reinterpret_cast<Locks *>(lock_room)); }
 
 // A lock number is never computed from what a program gives.
 std::recursive_mutex &numbered(int n) {
-    assert(0 <= n && n < static_cast<int>(std::tuple_size_v<Locks>));
+    assert(0 <= n && n < lock_count);
     return locks()[static_cast<std::size_t>(n)];
 }
 
-// A fork happens while the forking thread holds all locks, taken in the order in which they are nested. In
-// the child nobody can leave them, since that thread has a new number there: they are made anew.
+// A fork happens while the forking thread holds all locks, entered in the order in which they are nested. In
+// the child nobody can leave them, since that thread has a new number there: they are created again.
 bool there() { return lock_state.load(std::memory_order_acquire) == LockState::there; }
 void hold_all() {
     if (there())

@@ -1,12 +1,66 @@
-// The compressed-column view of a sparse value: row indices and column starts, there and back.
-#include "value/columns.h"
+// Compressed columns of sparse values, there and back.
+#include "sparse/compressed_columns.h"
 
 #include <algorithm>
 #include <climits>
 
-#include "base/scratch.h"
 #include "quorvex/sparse.h"
+#include "value/columns.h"
 #include "value/header.h"
+
+namespace kn {
+namespace {
+
+int entries_before(const Mm &a, ptrdiff_t cols) {
+    const int64_t end = static_cast<int64_t>(cols) * a.rows();
+    const int *index = a.getindex();
+    return static_cast<int>(std::lower_bound(index, index + a.getnnz(), end) - index);
+}
+
+// A size that no int holds can't be had, and is reported.
+ptrdiff_t room_for(int64_t n) { return n <= INT_MAX ? static_cast<ptrdiff_t>(n) : PTRDIFF_MAX; }
+
+} // namespace
+
+void column_starts(const Mm &a, ptrdiff_t cols, int *starts) {
+    const int n = entries_before(a, cols);
+    ptrdiff_t c = 0;
+    for_entries(a, n, [&](int k, int, int column) {
+        while (c <= column) starts[c++] = k;
+    });
+    while (c <= cols) starts[c++] = n;
+}
+
+void row_indices(const Mm &a, int n, int *rows) {
+    for_entries(a, n, [rows](int k, int row, int) { rows[k] = row; });
+}
+
+CompressedColumns::CompressedColumns(int64_t rows, int64_t cols, int64_t room, bool is_complex)
+    : m_(static_cast<int>(rows)), n_(static_cast<int>(cols)), is_complex_(is_complex),
+      start_(room_for(cols + 1)), row_(room_for(room)), re_(room_for(room)),
+      im_(is_complex ? room_for(room) : 0) {
+    if (start_) start_[0] = 0;
+}
+
+CompressedColumns::CompressedColumns(const Mm &a, int cols)
+    : CompressedColumns(a.rows(), cols, entries_before(a, cols), a.isc()) {
+    if (!*this) return;
+    column_starts(a, cols, start());
+    filled_ = cols;
+    row_indices(a, entries(), row());
+    std::copy_n(a.addr(), entries(), re());
+    if (is_complex_) std::copy_n(a.addi(), entries(), im());
+}
+
+void CompressedColumns::add(int row, double re, double im, bool kept) {
+    if (!kept && re == 0 && im == 0) return;
+    int k = start_[filled_]++;
+    row_[k] = row;
+    re_[k] = re;
+    if (is_complex_) im_[k] = im;
+}
+
+} // namespace kn
 
 namespace {
 
@@ -19,10 +73,10 @@ int *ints(size_t n) {
 
 // The column starts of a sparse value, closed by -1.
 int *starts_of(const Mm &a) {
-    const size_t cols = static_cast<size_t>(kn::column_count(a));
-    int *jc = ints(cols + 2);
+    const ptrdiff_t cols = kn::column_count(a);
+    int *jc = ints(static_cast<size_t>(cols) + 2);
     if (!jc) return nullptr;
-    kn::column_starts(a, jc);
+    kn::column_starts(a, cols, jc);
     jc[cols + 1] = -1;
     return jc;
 }
@@ -34,7 +88,7 @@ int *getIr(const Mm &a) {
     int *ir = ints(static_cast<size_t>(std::max(a.getnnz(), 2)));
     if (!ir) return nullptr;
     ir[0] = ir[1] = 0;
-    kn::for_entries(a, [ir](int k, int row, int) { ir[k] = row; });
+    kn::row_indices(a, a.getnnz(), ir);
     return ir;
 }
 

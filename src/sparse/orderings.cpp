@@ -5,7 +5,7 @@
 #include "quorvex/builders.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
-#include "value/columns.h"
+#include "sparse/compressed_columns.h"
 #include "value/header.h"
 
 namespace {
@@ -31,7 +31,7 @@ Mm colperm(const Mm &a) {
     int n = s.cols();
     kn::Scratch<int> counts(n + ptrdiff_t{1});
     if (!counts) return x_M;
-    kn::column_starts(s, counts.get());
+    kn::column_starts(s, n, counts.get());
     for (int c = 0; c < n; c++) counts[c] = counts[c + 1] - counts[c];
     return order_of(counts.get(), n);
 }

@@ -15,6 +15,7 @@
 #include "engine/multiply.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
+#include "sparse/compressed_columns.h"
 #include "value/columns.h"
 #include "value/header.h"
 #include "value/planes_as_numbers.h"
@@ -98,7 +99,7 @@ template <class A, class B> Mm product(const Mm &a, const Mm &b) {
     Scratch<C> sums(m);
     Rows rows(m);
     if (!starts || !sums || !rows) return x_M;
-    kn::column_starts(a, starts.get());
+    kn::column_starts(a, a.cols(), starts.get());
     Mm out(a.isc() || b.isc(), 1, first_room(a, b, starts.get()), m, b.cols(), kn_double);
     if (!out.issparse()) return x_M;
 

@@ -1,6 +1,7 @@
 // What a value holds: nnz, nzmax, nonzeros; and spfun, which works on that.
 #include <algorithm>
 
+#include "base/number_tests.h"
 #include "quorvex/arrays.h"
 #include "quorvex/classes.h"
 #include "quorvex/sparse.h"
@@ -14,7 +15,7 @@ Mm nnz(const Mm &x) {
     if (error_numeric(x, "nnz")) return x_M;
     auto count = [&](const auto *re, const auto *im) {
         int n = 0;
-        for (int k = 0; k < x.getnnz(); k++) n += !(re[k] == 0) || (im && !(im[k] == 0));
+        for (int k = 0; k < x.getnnz(); k++) n += kn::is_nonzero(re, im, k);
         return static_cast<double>(n);
     };
     auto planes = [&](auto *tag) { return count(x.getpr(tag), x.getpi(tag)); };

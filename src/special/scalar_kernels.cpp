@@ -5,6 +5,7 @@
 #include <bit>
 #include <limits>
 
+#include "base/number_tests.h"
 #include "quorvex/values.h"
 
 namespace kn {
@@ -103,7 +104,7 @@ struct PowersMod2Pi {
     }
 };
 
-bool finite_quotient(double x, double y) { return y != 0 && std::isfinite(x) && std::isfinite(y); }
+bool finite_quotient(double x, double y) { return y != 0 && is_finite(x) && is_finite(y); }
 
 // The low 32 bits of a whole number.
 uint32_t word(double x) { return std::fabs(x) < 0x1p63 ? static_cast<uint32_t>(static_cast<int64_t>(x)) : 0; }
@@ -145,7 +146,7 @@ double pow2_2(double f, double e) {
 }
 
 double range_reduce(double x) {
-    if (!std::isfinite(x)) return raw_nan;
+    if (!is_finite(x)) return raw_nan;
     static const PowersMod2Pi two_pow_mod_2pi;
     double rest = std::fabs(x), sum = 0;
     for (;;) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "platform/platform.h"
 #include "quorvex/classes.h"
@@ -93,7 +94,7 @@ Mm digits_of(const Mm &d, int base, int len) {
         error("dec2base: base must be 2 or more");
         return x_M;
     }
-    if (!std::all_of(x, end, [](double v) { return std::isfinite(v); })) {
+    if (!std::all_of(x, end, [](double v) { return is_finite(v); })) {
         error("dec2base: numbers must be finite");
         return x_M;
     }

@@ -27,8 +27,7 @@ bool equal_codes(const double *a, const double *b, ptrdiff_t n, bool fold) {
 
 bool agree(const Mm &a, const Mm &b, const Rule &rule) {
     if (!a.isstr() || !b.isstr() || !is_text(a) || !is_text(b)) return false;
-    const bool same_extents = std::equal(a.getdims(), a.getdims() + 4, b.getdims());
-    if (rule.beginning ? std::min(a.size(), b.size()) < rule.n : !same_extents) return false;
+    if (rule.beginning ? std::min(a.size(), b.size()) < rule.n : !same_size(a, b)) return false;
     const int n = rule.beginning ? std::max(rule.n, 0) : a.size();
     if (n == 0) return true;
     const Codes x(a), y(b);

@@ -30,7 +30,7 @@ Mm deblank(const Mm &s) { return map_leaves(s, deblank_text); }
 
 Mm cellstr(const Mm &x) {
     x.warn_uninit();
-    if (x.gettype() == kn_Mm && !x.isstruct()) return x;
+    if (is_cell(x)) return x;
     int m = x.rows();
     Mm out(0, 0, 0, m, 1, kn_Mm);
     if (kn::lacks(out, m)) return x_M;

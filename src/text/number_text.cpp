@@ -13,6 +13,7 @@
 #include <cmath>
 #include <span>
 
+#include "base/number_tests.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -224,7 +225,7 @@ void append_number(TextBuffer &out, double x, const NumberFormat &f) {
     size_t start = out.size(), n = f.digits.write(text, x);
     out.append_blanks(f.blanks + (n < f.width ? f.width - n : 0));
     out.append({text, n});
-    if (out && !std::isfinite(x)) respell(out, start, x);
+    if (out && !is_finite(x)) respell(out, start, x);
 }
 
 void append_field(TextBuffer &out, double re, double im, const NumberFormat &re_format,

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <iterator>
 
 #include "base/scratch.h"
 #include "kernels/array_moves.h"
@@ -108,21 +107,15 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
 
 // ---- Tokens ----
 
-constexpr double standard_delimiters[] = {0, '\t', '\n', '\v', '\f', '\r', ' '};
-
-Mm tokenise(const Mm &s, const double *delimiters, ptrdiff_t n_delimiters, Mm &token, Mm &remainder) {
+template <class Delimits> Mm tokenise(const Mm &s, Delimits delimits, Mm &token, Mm &remainder) {
     if (error_text_row(s, "strtok")) return x_M;
     const Codes text(s);
     if (!text) return x_M;
-    auto delimits = [&](double c) {
-        const double *end = delimiters + n_delimiters;
-        return std::find(delimiters, end, c) != end;
-    };
     const double *end = text.data() + text.size(), *begin = std::find_if_not(text.data(), end, delimits),
                  *rest = std::find_if(begin, end, delimits);
-    Mm first = row_of_text(begin, rest - begin), behind = row_of_text(rest, end - rest);
+    Mm first = row_of_text(begin, rest - begin), after = row_of_text(rest, end - rest);
     token = first;
-    remainder = behind;
+    remainder = after;
     return x_M;
 }
 
@@ -191,14 +184,15 @@ Mm strrep(const Mm &s, const Mm &old, const Mm &now) {
     return cell_of_answers(*shape, [&](int k) { return replace(texts[k], words[k], others[k]); });
 }
 
-Mm strtok(const Mm &s, i_o_t, Mm &token, Mm &remainder) {
-    return tokenise(s, standard_delimiters, std::size(standard_delimiters), token, remainder);
-}
+Mm strtok(const Mm &s, i_o_t, Mm &token, Mm &remainder) { return tokenise(s, is_blank, token, remainder); }
 
 Mm strtok(const Mm &s, const Mm &delimiters, i_o_t, Mm &token, Mm &remainder) {
     if (error_text(delimiters, "strtok")) return x_M;
     const Codes codes(delimiters);
-    return codes ? tokenise(s, codes.data(), codes.size(), token, remainder) : x_M;
+    if (!codes) return x_M;
+    const double *first = codes.data(), *last = first + codes.size();
+    return tokenise(
+        s, [=](double c) { return std::find(first, last, c) != last; }, token, remainder);
 }
 
 Mm strtok(const Mm &s) {

@@ -1,6 +1,5 @@
-// The columns of sparse entries: positions ascend, so that the entries of a column stand together. A value of
-// more than two dimensions counts as the matrix of all its columns, those of each page behind the ones of the
-// page before.
+// Walks through the columns of sparse entries. Indices ascend, so the entries of a column are consecutive. A
+// value of more than two dimensions counts as the matrix of all its columns, page after page.
 #ifndef QUORVEX_VALUE_COLUMNS_H
 #define QUORVEX_VALUE_COLUMNS_H
 
@@ -42,26 +41,19 @@ inline ptrdiff_t column_count(const Mm &a) {
     return n;
 }
 
-// f(slot, row, column) for each entry of a sparse value, column after column.
-template <class F> void for_entries(const Mm &a, F f) {
-    const int *index = a.getindex(), nnz = a.getnnz();
+// f(slot, row, column) for the first n entries of a sparse value, column after column.
+template <class F> void for_entries(const Mm &a, int n, F f) {
+    const int *index = a.getindex();
     ColumnWalk walk(a.rows());
-    for (int k = 0; k < nnz;) {
+    for (int k = 0; k < n;) {
         walk.row(index[k]);
         const int begin = walk.begin(), column = walk.column();
         const long long end = walk.end();
-        for (; k < nnz && index[k] < end; ++k) f(k, index[k] - begin, column);
+        for (; k < n && index[k] < end; ++k) f(k, index[k] - begin, column);
     }
 }
 
-// starts[c] is the slot of the first entry at or behind column c, for c from 0 to column_count(a).
-inline void column_starts(const Mm &a, int *starts) {
-    ptrdiff_t c = 0;
-    for_entries(a, [&](int k, int, int column) {
-        while (c <= column) starts[c++] = k;
-    });
-    for (const ptrdiff_t n = column_count(a); c <= n;) starts[c++] = a.getnnz();
-}
+template <class F> void for_entries(const Mm &a, F f) { for_entries(a, a.getnnz(), f); }
 
 } // namespace kn
 

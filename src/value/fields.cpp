@@ -6,6 +6,8 @@
 
 #include "value/fields.h"
 
+#include <algorithm>
+
 #include "base/scratch.h"
 #include "quorvex/messages.h"
 #include "value/header.h"
@@ -21,6 +23,16 @@ bool takes_fields(const Mm &m, const char *field) {
     return false;
 }
 } // namespace
+
+bool kn::copy_fields(Mm &to, const Mm &from) {
+    if (!from.isstruct()) return true;
+    to.extend_nfields(std::max(from.getnfields(), first_slots));
+    if (!to.isstruct()) return false;
+    for (int k = 0; k < from.getnfields(); ++k)
+        if (to.addfield(from.getfields()[k], 1) < 0) return false;
+    to.setclassid(from.getclassid());
+    return true;
+}
 
 using namespace kn;
 

@@ -2,6 +2,7 @@
 //
 // A sparse value keeps its entries in the ascending order of their column-major positions, so both ways are
 // one pass over the elements.
+#include "base/number_tests.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "value/header.h"
@@ -9,8 +10,6 @@
 namespace {
 
 constexpr double largest_full = 1e8;
-
-bool is_nonzero(double x) { return !(x == 0); }
 
 double element_count(const Mm &a) {
     double n = 1;
@@ -22,7 +21,7 @@ template <class Element> Mm nonzeros_of(const Mm &a) {
     int n = a.getnnz();
     const Element *re = a.getpr(static_cast<Element *>(nullptr));
     const Element *im = a.getpi(static_cast<Element *>(nullptr));
-    auto stored = [re, im](int k) { return is_nonzero(re[k]) || (im && is_nonzero(im[k])); };
+    auto stored = [re, im](int k) { return kn::is_nonzero(re, im, k); };
 
     int nnz = 0;
     for (int k = 0; k < n; k++) nnz += stored(k);

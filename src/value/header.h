@@ -6,6 +6,8 @@
 #ifndef QUORVEX_VALUE_HEADER_H
 #define QUORVEX_VALUE_HEADER_H
 
+#include <algorithm>
+
 #include "quorvex/values.h"
 
 namespace kn {
@@ -52,7 +54,17 @@ struct Header {
 // Whether the value has no room for the n stored elements it was made for.
 inline bool lacks(const Mm &m, int n) { return m.getnnz() < n; }
 
+// The element type of a C++ type.
+template <class T> inline constexpr kn_matrix_types type_of = kn_double;
+template <> inline constexpr kn_matrix_types type_of<unsigned char> = kn_uint8;
+template <> inline constexpr kn_matrix_types type_of<Mm> = kn_Mm;
+
+// Neither numbers nor a structure.
 inline bool is_cell(const Mm &m) { return m.gettype() == kn_Mm && !m.isstruct(); }
+
+inline bool same_size(const Mm &a, const Mm &b) {
+    return std::equal(a.getdims(), a.getdims() + 4, b.getdims());
+}
 
 // Whether two headers refer to one block.
 inline bool same_block(const Mm &a, const Mm &b) { return Header::refcount(a) == Header::refcount(b); }

@@ -1,6 +1,8 @@
 // A result of the same kind as an operand.
 #include "value/planes.h"
 
+#include "value/fields.h"
+
 bool kn::make_like(Mm &out, const Mm &x, int ndims, const int *dims) {
     kn_matrix_types t = x.gettype() == kn_none ? kn_double : x.gettype();
     int n = product(ndims, dims);
@@ -11,12 +13,7 @@ bool kn::make_like(Mm &out, const Mm &x, int ndims, const int *dims) {
     flags.type = t;
     flags.sparse = flags.scalar_only = flags.persistent = flags.global = 0;
     made.getflags() = flags;
-    if (x.isstruct()) {
-        made.extend_nfields(x.getnfields() > 8 ? x.getnfields() : 8);
-        if (!made.isstruct()) return false;
-    }
-    for (int k = 0; k < x.getnfields(); k++)
-        if (made.addfield(x.getfields()[k], 1) < 0) return false;
+    if (!copy_fields(made, x)) return false;
     made.setclassid(x.getclassid());
     out = made;
     return true;

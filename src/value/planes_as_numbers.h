@@ -3,6 +3,7 @@
 #ifndef QUORVEX_VALUE_PLANES_AS_NUMBERS_H
 #define QUORVEX_VALUE_PLANES_AS_NUMBERS_H
 
+#include "base/number_tests.h"
 #include "quorvex/values.h"
 
 namespace kn {
@@ -22,7 +23,7 @@ inline Complex operator*(Complex x, Complex y) {
 }
 template <class A, class B> using ProductOf = decltype(A() * B());
 
-inline bool is_nonzero(double x) { return !(x == 0); }
+inline bool is_finite(Complex z) { return is_finite(z.re) && is_finite(z.im); }
 inline bool is_nonzero(Complex z) { return is_nonzero(z.re) || is_nonzero(z.im); }
 
 // The planes of a value as an array of numbers.

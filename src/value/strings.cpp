@@ -50,8 +50,7 @@ const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> v
         if (!shape || (shape->size() == 1 && x->size() != 1)) shape = x;
     }
     for (const Mm *x : values) {
-        if (!is_cell(*x) || x->size() == 1 || std::equal(x->getdims(), x->getdims() + 4, shape->getdims()))
-            continue;
+        if (!is_cell(*x) || x->size() == 1 || same_size(*x, *shape)) continue;
         error("%s: cell arrays must be of same size", caller);
         return nullptr;
     }

@@ -17,10 +17,6 @@ template <class T> T &scratch_element() {
     return element;
 }
 
-template <class T> constexpr kn_matrix_types type_of = kn_double;
-template <> constexpr kn_matrix_types type_of<unsigned char> = kn_uint8;
-template <> constexpr kn_matrix_types type_of<Mm> = kn_Mm;
-
 template <class T> bool has_type(const Mm &m) {
     if (m.gettype() == type_of<T>) return true;
     error(".r / .i : wrong matrix type");

@@ -2,9 +2,11 @@
 
 #include <cstring>
 
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "quorvex/messages.h"
 #include "special/scalar_kernels.h"
+#include "value/fields.h"
 #include "value/header.h"
 
 namespace kn {
@@ -83,12 +85,7 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
     if (sparse) {
         for (int k = 0; k < src.nnz; ++k) copy.index[k] = src.index ? src.index[k] : k;
     }
-    if (src.fields) {
-        copy.extend_nfields(src.nfields > 8 ? src.nfields : 8);
-        if (!copy.fields) return;
-    }
-    for (int k = 0; k < src.nfields; ++k)
-        if (copy.addfield(src.fields[k], 1) < 0) return;
+    if (!copy_fields(copy, src)) return;
     copy.classid = src.classid;
     copy.flags = src.flags;
     copy.flags.sparse = sparse;
@@ -104,7 +101,7 @@ int Mm::getreal(int force) const {
     if (!force && flags.type == kn_double) {
         const double *im = addi();
         for (int k = 0; k < nnz; ++k)
-            if (!(im[k] == 0)) return 1;
+            if (is_nonzero(im[k])) return 1;
     }
     const_cast<Mm *>(this)->pi = nullptr;
     return 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "quorvex/messages.h"
 #include "value/header.h"
@@ -11,8 +12,6 @@
 using namespace kn;
 
 namespace {
-
-bool is_zero(double x) { return x >= 0 && 0 >= x; }
 
 // A position above, the slot where it stands below: in ascending order ties keep theirs.
 using Place = std::uint64_t;
@@ -76,7 +75,7 @@ void Mm::sort() {
 void Mm::resparse() {
     if (error_sparse(*this, "::resparse") || !unshared(*this)) return;
     double *re = addr(), *im = addi();
-    auto zero = [=](int k) { return is_zero(re[k]) && (!im || is_zero(im[k])); };
+    auto zero = [=](int k) { return !is_nonzero(re, im, k); };
     int kept = 0; // most values keep all entries
     while (kept < nnz && !zero(kept) && (kept == 0 || index[kept - 1] != index[kept])) ++kept;
     for (int k = kept; k < nnz; ++k) {

@@ -11,6 +11,7 @@
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 #include "quorvex/sparse.h"
+#include "value/fields.h"
 #include "value/header.h"
 
 namespace kn {
@@ -194,11 +195,8 @@ struct Mat5Decoder::Level {
         if (more > few && room == n) credit -= more;
         Mm larger(0, 0, 0, 1, room, kn_Mm);
         if (lacks(larger, room)) return false;
-        if (to->isstruct()) larger.extend_nfields(std::max(to->getnfields(), 1));
-        for (int f = 0; f < to->getnfields(); ++f)
-            if (larger.addfield(to->getfields()[f], 1) != f) return false;
+        if (!copy_fields(larger, *to)) return false;
         larger.setclassid(to->getclassid());
-        if (larger.isstruct() != to->isstruct()) return false;
         if (at > 0) Header::move_values(larger, *to);
         *to = std::move(larger);
         return true;

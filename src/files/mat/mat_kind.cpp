@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/ascii.h"
 #include "files/mat/matfile.h"
 #include "files/mpath.h"
 #include "quorvex/display.h"
@@ -18,7 +19,7 @@ constexpr size_t text_sample = 32;
 constexpr int level5_version = 124; // two bytes in the writer's order: 1 0
 
 // "Characters of text" as in the "C" locale, whatever locale the program runs in.
-bool is_text_byte(char c) { return (c >= ' ' && c <= '~') || (c >= '\t' && c <= '\r'); }
+bool is_text_byte(char c) { return (c >= ' ' && c <= '~') || is_white(c); }
 
 std::FILE *find(const kn_path_record *record, const char *name) {
     char whole[mat_name_size];

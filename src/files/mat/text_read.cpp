@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "base/ascii.h"
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "files/mat/matfile.h"
 #include "platform/platform.h"
@@ -57,7 +58,7 @@ bool number_of(std::string_view token, double &x) {
 // A finite number in the usual spelling, of which most files are made; its end, or null for any other token.
 const char *plain_number(const char *at, const char *end, double &x) {
     const auto [behind, problem] = std::from_chars(at, end, x);
-    const bool plain = problem == std::errc() && std::isfinite(x) &&
+    const bool plain = problem == std::errc() && is_finite(x) &&
                        behind - at <= static_cast<ptrdiff_t>(token_length) &&
                        (behind == end || separates(*behind));
     return plain ? behind : nullptr;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/number_tests.h"
 #include "platform/platform.h"
 #include "quorvex/classes.h"
 #include "quorvex/dates.h"
@@ -122,7 +123,7 @@ Mm date_numbers(const char *caller, std::initializer_list<const Mm *> inputs) {
     for (int p = 0; p < k; ++p) {
         step[p] = held[p].size() != 1;
         parts[p] = held[p].addr();
-        if (step[p] && !std::equal(held[p].getdims(), held[p].getdims() + 4, shape->getdims())) {
+        if (step[p] && !same_size(held[p], *shape)) {
             error("%s: inputs must be of same size", caller);
             return x_M;
         }
@@ -161,7 +162,7 @@ Mm month_of(const DateParts &p) {
     if (lacks(out, 42)) return x_M;
     std::fill_n(out.addr(), 42, 0.0);
     const double days = days_in_month(p.year, p.month);
-    const int first = std::isfinite(days) ? day_of_week(day_number(p.year, p.month, 1)) : 0;
+    const int first = is_finite(days) ? day_of_week(day_number(p.year, p.month, 1)) : 0;
     for (int day = 0; day < days; ++day) *out.addr((first + day) / 7 + 1, (first + day) % 7 + 1) = day + 1;
     return out;
 }
@@ -278,7 +279,7 @@ Mm weekday(const Mm &date, i_o_t, Mm &number, Mm &name) {
     if (lacks(numbers, n) || (n > 0 && names.getnnz() == 0)) return x_M;
     for (int k = 1; k <= n; ++k) {
         const double x = *dates.addr(k);
-        const bool known = std::isfinite(x);
+        const bool known = is_finite(x);
         *numbers.addr(k) = known ? day_of_week(x) + 1 : raw_nan;
         for (int c = 0; c < name_length; ++c)
             *names.addr(k, c + 1) = known ? week_day_names[day_of_week(x)][c] : ' ';

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <limits>
 
+#include "base/number_tests.h"
 #include "platform/platform.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"
@@ -123,7 +124,7 @@ void append_number(TextBuffer &out, const Piece &piece, double x) {
         }
         if (piece.plain) pad(out, number, piece);
     }
-    if (out && !std::isfinite(x)) respell(out, start, x);
+    if (out && !is_finite(x)) respell(out, start, x);
 }
 
 void append_string(TextBuffer &out, const Piece &piece, const Rest &rest) {
