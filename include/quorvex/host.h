@@ -12,19 +12,19 @@
 #define QUORVEX_HOST_CALL
 #endif
 
-// The commands of ive_do: number, name, what a and b are ("-" where they are not looked at), what is done or
-// answered. Texts, buffers and functions are passed as addresses; positions of variables count from 0.
+// The commands of ive_do: number, name, what a and b are ("-" where they are ignored), what is done or
+// returned. Texts, buffers and functions are passed as addresses; positions of variables count from 0.
 #define QUORVEX_HOST_COMMANDS(COMMAND)                                                                      \
     COMMAND(0, interactive, "-", "-", "sets kn_interactive_flag")                                           \
-    COMMAND(1, count, "-", "-", "answers the number of variables of the level")                             \
+    COMMAND(1, count, "-", "-", "returns the number of variables of the level")                             \
     COMMAND(2, name, "position", "buffer of 40 bytes", "name of a variable of the level, without a last _") \
     COMMAND(3, show, "-", "name", "displays a variable")                                                    \
     COMMAND(4, forget, "-", "name", "forgets a variable; the level for a null name, or \"global\"")         \
     COMMAND(5, designer, "-", "-", "the figure designer")                                                   \
-    COMMAND(6, error_stack, "-", "-", "answers the address of kn_error_stack")                              \
+    COMMAND(6, error_stack, "-", "-", "returns the address of kn_error_stack")                              \
     COMMAND(9, list_lines, "-", "level", "a line for each variable of the level, or \"global\"")            \
     COMMAND(10, class_of, "position", "buffer of 40 bytes",                                                 \
-            "class of a variable; answers whether an object")                                               \
+            "class of a variable; returns whether an object")                                               \
     COMMAND(11, list_names, "-", "level", "the names of the variables, as 9, on one line")                  \
     COMMAND(12, set_eval, "-", "function", "eval_func")                                                     \
     COMMAND(13, show_help, "-", "name", "help on a function")                                               \
@@ -37,11 +37,11 @@
     COMMAND(20, set_path, "-", "record", "mpath_pointer")                                                   \
     COMMAND(21, clear_screen, "-", "-", "clears the screen")                                                \
     COMMAND(22, set_window, "-", "window", "the window of the host")                                        \
-    COMMAND(23, count_globals, "-", "-", "answers the number of global variables")                          \
+    COMMAND(23, count_globals, "-", "-", "returns the number of global variables")                          \
     COMMAND(24, global_name, "position", "buffer of 40 bytes",                                              \
             "name of a global variable, without a last _")                                                  \
     COMMAND(25, set_command, "-", "function", "kn_command_handler")                                         \
-    COMMAND(26, find, "-", "name", "answers the address of a variable, or 0")                               \
+    COMMAND(26, find, "-", "name", "returns the address of a variable, or 0")                               \
     COMMAND(27, clear_mex, "-", "name", "unloads a native module")                                          \
     COMMAND(28, exit_gui, "code", "-", "guiexit")                                                           \
     COMMAND(29, summary, "position", "buffer of 128 bytes", "a variable of the level on one short line")    \
@@ -67,15 +67,15 @@ enum kn_host_command {
 // is printed (3). A position without a variable is the error "variable_scope: index out of range".
 extern "C" QUORVEX_API intptr_t QUORVEX_HOST_CALL ive_do(int command, intptr_t a, intptr_t b);
 
-// Runs a command of the operating system, writes what it prints into output (60000 bytes), and answers its
-// status. Null at first.
+// Runs a command of the operating system, writes what it prints into output (60000 bytes), and returns its
+// status. Null by default.
 typedef int (*kn_command_hook)(const char *command, int length, char *output, int size);
 extern QUORVEX_API kn_command_hook kn_command_handler;
 
-// Lets a host interrupt long calls: asked at most every 20 ms, at safe points of them, on the thread that
-// called; not while it answers. After a nonzero answer "Interrupted" is reported and the call ends as after
-// any error; the hook may also throw a `const char *` itself, or call the library. Null at first. Not
-// interrupted are the factorisation of a sparse matrix, and the work along one slice of an array.
+// Lets a host interrupt long calls. The hook is called at safe points, at most every 20 ms, on the thread of
+// the call, and not recursively. After a nonzero result "Interrupted" is reported and the call ends as after
+// any error; the hook may also throw a `const char *` itself, or call the library. Null by default. The
+// factorisation of a sparse matrix, and the work along one slice of an array, are not interrupted.
 typedef int (*kn_poll_hook)();
 extern QUORVEX_API kn_poll_hook kn_poll_handler;
 
