@@ -68,7 +68,7 @@ class QUORVEX_API Mr {
     Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
     Mr member(const char *name) const { return Mr(*this, name); }
 
-    // Assign through the reference: they grow, convert and delete as described above.
+    // Assignments through the reference. They grow, convert and delete as described above.
     void operator=(const Mm &src);
     void operator=(const Mr &src);
     void operator=(double x);

@@ -10,8 +10,7 @@
 //                 unary_full   does not keep zeros: works on the full form
 //                 binary_full  the same with two operands
 //                 reduction    runs along a dimension: works on the full form
-// result rule   when the result of the language function has an imaginary plane (see
-// engine/result_rules.cpp):
+// result rule   when a result has an imaginary plane (see engine/result_rules.cpp):
 //                 never; operand: an operand is complex; and in addition, when an element is below 0
 //                 (negative), below -1 or above 1 (outside_one), below 0 or above 1 (outside_zero_one),
 //                 between -1 and 1 or an unstored zero (inside_one), below 1 or an unstored zero (below_one);
