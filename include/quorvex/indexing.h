@@ -32,7 +32,7 @@
 enum Mr_idx_type { Mr_paren = 40, Mr_member = 46, Mr_none = 63, Mr_brace = 123 };
 
 namespace kn {
-struct RefAccess; // the library's own access to a reference (indexing/reference.cpp)
+struct RefAccess; // the library's own access to a reference (indexing/reference.h)
 }
 
 class QUORVEX_API Mr {
