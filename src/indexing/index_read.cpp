@@ -9,7 +9,7 @@
 namespace kn {
 
 bool reads_plain(const Mm &base, const Subscripts &s) {
-    if (!is_plain(base) || base.isstruct() || s.n > 2) return false;
+    if (!is_full_matrix(base) || base.isstruct() || s.n > 2) return false;
     for (int k = 0; k < s.n; ++k)
         if (s[k].getndims() != 2) return false;
     for (int k = 0; k < s.n; ++k) {
@@ -100,7 +100,7 @@ Mm select(const Mm &base, const Selection &s, const int *dims) {
 
 // -- What the engines share.
 
-void take(Mm &t, const Mm &fresh) {
+void replace_block(Mm &t, const Mm &fresh) {
     M_types flags = t.getflags();
     t = fresh;
     t.getflags() = flags;
@@ -109,7 +109,7 @@ void take(Mm &t, const Mm &fresh) {
 bool make_empty(Mm &t) {
     Mm none(0, t.issparse(), 0, 0, 0, t.gettype());
     if (none.gettype() != t.gettype() || none.issparse() != t.issparse()) return false; // no memory
-    take(t, none);
+    replace_block(t, none);
     return true;
 }
 
