@@ -8,10 +8,14 @@
 
 namespace kn {
 
-bool reads_plain(const Mm &base, const Subscripts &s) {
+bool reads_matrix(const Mm &base, const Subscripts &s) {
     if (!is_full_matrix(base) || base.isstruct() || s.n > 2) return false;
     for (int k = 0; k < s.n; ++k)
         if (s[k].getndims() != 2) return false;
+    return true;
+}
+
+bool make_full(const Subscripts &s) {
     for (int k = 0; k < s.n; ++k) {
         if (!s[k].issparse()) continue;
         Mm scattered = full(s[k]);
@@ -22,7 +26,7 @@ bool reads_plain(const Mm &base, const Subscripts &s) {
     return true;
 }
 
-bool select_plain(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims) {
+bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims) {
     auto outside = [&](int k, int extent) { // only numbers are tested: a mask stops at the extent
         return s[k].islogical() ? -1 : sel[k].first_outside(extent);
     };
