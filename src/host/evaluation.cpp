@@ -1,6 +1,6 @@
 // The evaluation hooks, and the words of the language that rest on them.
 
-#include "value/calls.h"
+#include "value/call_by_name.h"
 
 #include <cstdio>
 #include <cstring>

@@ -2,7 +2,7 @@
 // so that whoever finds it can tell whether that process has gone, even one that no process number here
 // means.
 #include "platform/platform.h"
-#include "platform/posix_name.h"
+#include "platform/posix_file_name.h"
 
 #include <cerrno>
 #include <csignal>

@@ -38,7 +38,7 @@ class Finder {
         ptrdiff_t matched = 0;
         for (ptrdiff_t k = 0; k < text.size(); ++k) {
             if (matched == n_) matched = border_[n_];
-            if (matched == 0) { // on to where the first and the last character of the word stand
+            if (matched == 0) { // on to where its first and last characters occur
                 const ptrdiff_t places = text.size() - n_ + 1 - k;
                 const double *at = codes + k;
                 const ptrdiff_t passed = find_pair(at, at + n_ - 1, places, word_[0], word_[n_ - 1]);
@@ -121,7 +121,7 @@ template <class Delimits> Mm tokenise(const Mm &s, Delimits delimits, Mm &token,
 
 // ---- Rows that match ----
 
-// Whether the row of codes, `step` apart, begins with s; `exact`: and has only blanks behind it.
+// Whether the row of codes, `step` apart, begins with s; `exact`: and has only blanks after it.
 bool begins(const double *row, ptrdiff_t n, ptrdiff_t step, const Codes &s, bool exact) {
     if (n < s.size()) return false;
     for (ptrdiff_t k = 0; k < s.size(); ++k)

@@ -13,8 +13,8 @@
 #endif
 
 #include "base/scratch.h"
+#include "files/atomic_write.h"
 #include "files/folder.h"
-#include "files/replacement.h"
 
 namespace {
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "files/mpath.h"
+#include "files/search_path.h"
 #include "host/workspace.h"
 #include "support/support.h"
-#include "value/calls.h"
+#include "value/call_by_name.h"
 
 using kn::Scopes;
 using test::row;

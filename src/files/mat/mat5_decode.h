@@ -9,8 +9,8 @@
 
 namespace kn {
 
-// Reads one variable, which begins at `origin`; `in` stands there. Nothing is taken on trust: no element
-// reaches behind the one that holds it, and memory is asked for only when the file has the bytes to fill it
+// Reads one variable, which begins at `origin`; `in` is there. Nothing is taken on trust: no element
+// reaches beyond the one that holds it, and memory is asked for only when the file has the bytes to fill it
 // (a byte for each number; compressed ones as far as compression can go, and touched when they are there).
 // Cells and structures grow as their values arrive. Values nest to any depth: those that are open form a
 // list.
@@ -40,7 +40,7 @@ class Mat5Decoder {
     static const char *class_word(mat5::Class type);
     static double bytes_of(const Head &h, uint64_t in_file);
 
-    // What follows; `in` then stands behind the element.
+    // What follows; `in` is then after the element.
     bool value(const Head &h, Mm &out);
 
     bool failed(const char *format) const; // with the name of the file
@@ -69,6 +69,8 @@ class Mat5Decoder {
     bool align(uint64_t end);
     bool tag(Tag &t, uint64_t end); // aligned
 
+    bool head_tag(Head &h, uint64_t end, uint64_t &start);
+    bool dimensions(Mat5Entry &e, uint32_t bytes, uint64_t end);
     bool name(char (&to)[Mat5Entry::name_size], uint64_t end);
     bool layout(const Tag &t, mat5::Class type, Layout &l) const;
     template <class T> bool numbers(T *to, int n, const Tag &t, const Layout &l);

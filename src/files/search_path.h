@@ -1,6 +1,6 @@
 // The list of directories in which M-files, and files that are read, are looked for.
-#ifndef QUORVEX_FILES_MPATH_H
-#define QUORVEX_FILES_MPATH_H
+#ifndef QUORVEX_FILES_SEARCH_PATH_H
+#define QUORVEX_FILES_SEARCH_PATH_H
 
 #include <cstddef>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // A file under a name of its own, kn<process>_<k>.tmp, until it takes the place of another.
 
-#include "files/replacement.h"
+#include "files/atomic_write.h"
 
 #include <charconv>
 #include <cstring>

@@ -1,6 +1,6 @@
 // The M path: directories one after the other, each ended by a null character, in one block.
 
-#include "files/mpath.h"
+#include "files/search_path.h"
 
 #include <algorithm>
 #include <cstring>

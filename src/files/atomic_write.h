@@ -4,8 +4,8 @@
 // A link, a file with several names, one of another owner, and one in a directory that takes no new file keep
 // their place: all is written to a nameless file first, and then over the old content, or into the pipe. To a
 // device it is written at once.
-#ifndef QUORVEX_FILES_REPLACEMENT_H
-#define QUORVEX_FILES_REPLACEMENT_H
+#ifndef QUORVEX_FILES_ATOMIC_WRITE_H
+#define QUORVEX_FILES_ATOMIC_WRITE_H
 
 #include <cstdio>
 
