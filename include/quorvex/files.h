@@ -55,7 +55,7 @@ QUORVEX_API Mm fgetl(const Mm &fid);
 
 // -- State and offset.
 
-// Whether reading has reached the end of a file, and writing of its buffered output.
+// feof tests for the end of a file, fflush writes the buffered output of a file.
 QUORVEX_API Mm feof(const Mm &fid);   // 1 when reading has reached the end, otherwise 0 [1]
 QUORVEX_API Mm fflush(const Mm &fid); // writes buffered output; 0, or 1 on failure [1]
 
@@ -151,7 +151,7 @@ QUORVEX_API Mm pathsep(); // ";"
 // and so is one at the beginning of every text but the first.
 QUORVEX_API Mm fullfile(const Mm &parts);
 
-// Names from the environment of the process.
+// The directory of temporary files, an unused name in it, and environment variables.
 QUORVEX_API Mm tempdir();              // the directory of temporary files, ending in a separator
 QUORVEX_API Mm tempname();             // an unused file name in it
 QUORVEX_API Mm getenv(const Mm &name); // an environment variable; the empty text when it is not set

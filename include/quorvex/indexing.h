@@ -32,7 +32,7 @@
 enum Mr_idx_type { Mr_paren = 40, Mr_member = 46, Mr_none = 63, Mr_brace = 123 };
 
 namespace kn {
-struct RefAccess; // the library's own access to a reference (indexing/reference.cpp)
+struct RefAccess; // the library's own access to a reference (indexing/reference.h)
 }
 
 class QUORVEX_API Mr {
@@ -68,7 +68,7 @@ class QUORVEX_API Mr {
     Mr br(const Mm &a, const Mm &b, const Mm &c, const Mm &d) const;
     Mr member(const char *name) const { return Mr(*this, name); }
 
-    // Assign through the reference: they grow, convert and delete as described above.
+    // Assignments through the reference. They grow, convert and delete as described above.
     void operator=(const Mm &src);
     void operator=(const Mr &src);
     void operator=(double x);

@@ -31,9 +31,10 @@ QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, M
 // requested.
 QUORVEX_API Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6);
 
-// Print help. lookfor prints a line, name and description, for each function that has the text in them. help
-// and helpwin print the numbers of inputs and outputs and the documentation of a function, the first comment
-// of an M-file on the path, and otherwise what lookfor prints; helpwin without input prints all functions.
+// Print help. lookfor prints name and description of each function whose name or description contains a text.
+// help and helpwin print the numbers of inputs and outputs and the documentation of a function, the first
+// comment of an M-file on the path, and otherwise what lookfor prints; helpwin without input prints all
+// functions.
 QUORVEX_API Mm help(const Mm &name);
 QUORVEX_API Mm helpwin();
 QUORVEX_API Mm helpwin(const Mm &name);

@@ -23,7 +23,8 @@
 // Functions of one input, element by element; the result has its size. `arg` is angle, `finite` isfinite,
 // `kn_isnan` isnan, `mnot` the operator !, `msqrt` sqrt. reallog and realsqrt remain real (NaN below 0).
 // expint is E1; below 0 its principal value minus i pi. uint8 input is computed as double, and the result
-// truncated to a byte. The largest errors are in docs/numerics.md.
+// truncated to a byte. docs/numerics.md has the largest errors of elementary functions. Sources: erfcx by
+// Shepherd and Laframboise, Math. Comp. 36 (1981) 249-253; erfinv and expint by Boost.Math.
 #define QUORVEX_UNARY_OPERATIONS(ROW) \
     ROW(abs, "absolute value", 1) \
     ROW(acos, "inverse cosine", 1) \
@@ -89,10 +90,12 @@
 
 // Functions of two inputs, element by element. dot_mul, dot_div, dot_invdiv and dot_pow are times, rdivide,
 // ldivide and power; mand, mor, mxor, mbitand and mbitor are the language's and, or, xor, bitand and bitor.
-// gammainc(x, a) is the regularized lower incomplete gamma function. mod and rem by 0 are NaN. plus, minus,
-// mtimes and mrdivide are the operators + - * /: mtimes is the matrix product, m by n for m by k and k by n
-// operands ("*: wrong dimensions of: %s %dx%d, %s %dx%d"); mrdivide by a scalar divides the elements,
-// otherwise it solves x * b = a (solving.h).
+// gammainc(x, a) is the regularized lower incomplete gamma function (source: Temme, Probab. Engrg. Inform.
+// Sci. 8 (1994) 291-307, and continued fractions). mod and rem by 0 are NaN. plus, minus, mtimes and mrdivide
+// are the operators + - * /: mtimes is the matrix product, m by n for m by k and k by n operands ("*: wrong
+// dimensions of: %s %dx%d, %s %dx%d"), large complex ones by three real products (Higham, SIAM J. Matrix
+// Anal. Appl. 13, 1992); mrdivide by a scalar divides the elements, otherwise it solves x * b = a
+// (solving.h).
 #define QUORVEX_BINARY_OPERATIONS(ROW) \
     ROW(atan2, "angle of the point (y, x)", 2) \
     ROW(betaln, "logarithm of the beta function", 2) \
@@ -244,7 +247,8 @@ QUORVEX_TWO(pow2)
 QUORVEX_API Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e);
 
 // The beta function beta(a, b), and the regularized incomplete one, beta(x, a, b) or betainc(x, a, b),
-// element by element. x outside [0, 1] gives NaN.
+// element by element. x outside [0, 1] gives NaN. Sources: DiDonato and Morris, ACM Trans. Math. Software 18
+// (1992) 360-373; Temme, Probab. Engrg. Inform. Sci. 8 (1994) 291-307.
 QUORVEX_TWO(beta)
 QUORVEX_API Mm beta(const Mm &x, const Mm &a, const Mm &b);
 QUORVEX_API Mm betainc(const Mm &x, const Mm &a, const Mm &b);

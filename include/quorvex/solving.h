@@ -31,7 +31,7 @@ QUORVEX_API Mm mldivide(const Mm &a, const Mm &b);
 QUORVEX_API Mm invdiv(const Mm &a, const Mm &b);
 
 // The solution a \ b for a sparse square a and a full b, by sparse triangular factors. p is a sparse
-// permutation matrix; the row index of its column k is the place of column k of a in the elimination
+// permutation matrix; the row index in its column k is the step in which column k of a is eliminated
 // ("lusolve: %s is not a permutation of %d columns"). Complex systems are solved as real ones of twice the
 // order. NaN when a is singular. "getIr: sparse matrix expected, but matrix %s is full".
 QUORVEX_API Mm lusolve(const Mm &a, const Mm &b, const Mm &p);

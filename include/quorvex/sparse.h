@@ -69,7 +69,7 @@ QUORVEX_API Mm sparsfun(const Mm &a, const Mm &b);
 
 // The number of nonzero or stored elements, and the nonzero elements; NaN is not zero.
 QUORVEX_API Mm nnz(const Mm &x);      // the number of nonzero elements
-QUORVEX_API Mm nzmax(const Mm &x);    // the number of elements; of stored values and 1 for a sparse x
+QUORVEX_API Mm nzmax(const Mm &x);    // the number of elements; for a sparse x of stored ones, plus 1
 QUORVEX_API Mm nonzeros(const Mm &x); // the nonzero elements as a full column
 
 // -- Permutations of 1 to n as rows.

@@ -30,7 +30,7 @@ QUORVEX_API Mm num2cell(const Mm &x);  // a cell of the size of x with its eleme
 QUORVEX_API Mm mstruct(const Mm &args);
 
 // The fields of a structure: their names, whether one exists, s without some of them, s with one changed.
-// "%s: structure expected, but matrix %s is not".
+// fieldnames and rmfield report "%s: structure expected, but matrix %s is not" for other values.
 QUORVEX_API Mm fieldnames(const Mm &s);               // an m by 1 cell of names
 QUORVEX_API Mm isfield(const Mm &s, const Mm &name);  // logical; a plain 0 for other values
 QUORVEX_API Mm rmfield(const Mm &s, const Mm &names); // "rmfield: structure has no field named '%s'"

@@ -68,7 +68,7 @@ constexpr uint32_t span_blocks(int size_class) {
 
 class SmallBlocks {
   public:
-    byte *take(int c) {
+    byte *allocate(int c) {
         if (!free_blocks[c] && !refill(c)) return nullptr;
         byte *p = free_blocks[c];
         ASAN_UNPOISON_MEMORY_REGION(p, size_of(c) - front_size);
@@ -80,7 +80,7 @@ class SmallBlocks {
     }
 
     // A block that is not in use is not ours and is left alone.
-    void give(byte *p) {
+    void release(byte *p) {
         if (state(p) != in_use) return;
         const int c = p[-2];
         state(p) = 0;
@@ -124,7 +124,7 @@ class SmallBlocks {
     }
 
     bool refill(int c) {
-        Span *span = heap_.take(span_pages(c));
+        Span *span = heap_.allocate(span_pages(c));
         if (!span) return false;
         const size_t size = size_of(c);
         const uint32_t n = span_blocks(c);
@@ -169,7 +169,7 @@ class SmallBlocks {
         while (full) {
             Span *after = full->next;
             full->marks = 0;
-            heap_.give(full);
+            heap_.release(full);
             full = after;
         }
         free_in_[c] = n;
@@ -207,11 +207,11 @@ void *kn_block_alloc(size_t n) {
     } else {
         const int c = class_of(n + front_size);
         Lock lock(Guarded::blocks);
-        p = small_blocks.take(c);
+        p = small_blocks.allocate(c);
         if (!p) {
             release_large_blocks();
             small_blocks.trim();
-            p = small_blocks.take(c);
+            p = small_blocks.allocate(c);
         }
     }
     if (p) count_live(1);
@@ -226,6 +226,6 @@ void kn_block_free(void *block) {
         large_free(p);
     } else {
         Lock lock(Guarded::blocks);
-        small_blocks.give(p);
+        small_blocks.release(p);
     }
 }

@@ -113,7 +113,7 @@ struct Cache {
     }
 
     // The block for a request; null when it needs new memory, for which there is room then.
-    Mapping take(size_t size) {
+    Mapping reuse(size_t size) {
         Mapping *kept = find(size, size + size / 8);
         const size_t most = std::max(most_live, live + size) + overhang;
         if (!kept && live + bytes + size > most) {
@@ -133,7 +133,7 @@ struct Cache {
     }
 
     // Keeps a block, or gives it back.
-    void give(Mapping m) {
+    void release(Mapping m) {
         live -= m.size;
         const size_t most = std::min(live + spare, byte_limit());
         const bool keep = m.size <= most;
@@ -182,7 +182,7 @@ void *large_alloc(size_t n) {
     Mapping m;
     {
         Lock lock(Guarded::blocks);
-        m = cache.take(size);
+        m = cache.reuse(size);
     }
     if (!m.start) {
         m = {static_cast<char *>(os::map(size)), size};
@@ -216,7 +216,7 @@ void *large_grow(void *p, size_t n) {
 void large_free(void *p) {
     char *start = static_cast<char *>(p) - header;
     Lock lock(Guarded::blocks);
-    cache.give({start, *reinterpret_cast<size_t *>(start)});
+    cache.release({start, *reinterpret_cast<size_t *>(start)});
 }
 
 void release_large_blocks() {

@@ -103,11 +103,11 @@ bool PageHeap::extend(std::uint32_t pages) {
     latest_->accessible += more;
     Span *span = &latest_->spans[start];
     latest_->describe(span, more, true);
-    give(span);
+    release(span);
     return true;
 }
 
-Span *PageHeap::take(std::uint32_t pages) {
+Span *PageHeap::allocate(std::uint32_t pages) {
     Span *span = find(pages);
     if (!span && extend(pages)) span = find(pages);
     if (!span) return nullptr;
@@ -121,7 +121,7 @@ Span *PageHeap::take(std::uint32_t pages) {
     return span;
 }
 
-void PageHeap::give(Span *span) {
+void PageHeap::release(Span *span) {
     Chunk *chunk = chunk_of(span);
     os::discard(memory(span), span->pages * heap_page);
     std::uint32_t pages = span->pages;

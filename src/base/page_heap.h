@@ -31,9 +31,9 @@ struct Span {
 class PageHeap {
   public:
     // A span of so many pages, contents unspecified, or null.
-    Span *take(std::uint32_t pages);
+    Span *allocate(std::uint32_t pages);
     // Takes a span back, and gives its memory to the system.
-    void give(Span *span);
+    void release(Span *span);
 
     static unsigned char *memory(Span *span);
     static Span *span_of(const void *p);

@@ -26,7 +26,7 @@ bool before(const Keyed &x, const Keyed &y) {
     return before(x.size, y.size) || (!before(y.size, x.size) && before(x.turn, y.turn));
 }
 
-struct Slices {
+struct SliceLayout {
     int len = 1;
     ptrdiff_t stride = 1, outer = 1;
 };
@@ -34,7 +34,7 @@ struct Slices {
 // read(offset) and write(offset, element) reach the value; `slice` has room for one slice. False when
 // interrupted.
 template <class E, class Read, class Write>
-bool sort_slices(const Slices &s, E *slice, Read read, Write write) {
+bool sort_slices(const SliceLayout &s, E *slice, Read read, Write write) {
     for (ptrdiff_t o = 0; o < s.outer; ++o)
         for (ptrdiff_t i = 0; i < s.stride; ++i) {
             if (interrupted()) return false;
@@ -46,7 +46,7 @@ bool sort_slices(const Slices &s, E *slice, Read read, Write write) {
     return true;
 }
 
-template <class T> bool sort_real(const Slices &s, const T *from, T *to) {
+template <class T> bool sort_real(const SliceLayout &s, const T *from, T *to) {
     if (s.stride == 1) {
         std::copy(from, from + s.len * s.outer, to);
         for (ptrdiff_t o = 0; o < s.outer; ++o) {
@@ -61,7 +61,7 @@ template <class T> bool sort_real(const Slices &s, const T *from, T *to) {
         s, slice.get(), [from](ptrdiff_t k) { return from[k]; }, [to](ptrdiff_t k, T x) { to[k] = x; });
 }
 
-bool sort_complex(const Slices &s, const Mm &a, Mm &out) {
+bool sort_complex(const SliceLayout &s, const Mm &a, Mm &out) {
     Scratch<Keyed> slice(s.len);
     if (!slice) return false;
     return sort_slices(
@@ -80,7 +80,7 @@ bool sort_complex(const Slices &s, const Mm &a, Mm &out) {
 
 Mm sorted_along(const Mm &a, int d) {
     const int *dims = a.getdims();
-    Slices s;
+    SliceLayout s;
     s.len = dims[d - 1];
     for (int k = 0; k < d - 1; ++k) s.stride *= dims[k];
     for (int k = d; k < 4; ++k) s.outer *= dims[k];

@@ -88,19 +88,19 @@ Mm clear(const kn_names &names) {
     };
     const int n = names.texts.size();
     char name[max_variable_name];
-    auto take = [&](int k) {
+    auto read_name = [&](int k) {
         *name = '\0';
         Mstr_row(names.texts.safebr(k), name, sizeof name);
     };
     for (int k = 1; k <= n; ++k) {
-        take(k);
+        read_name(k);
         if (is_variable_name(name) || std::strchr(name, '*')) continue;
         error("clear: %s is no name of a variable", name);
         return x_M;
     }
     if (n == 0) clear_level(Scopes::level());
     for (int k = 1; k <= n; ++k) {
-        take(k);
+        read_name(k);
         const bool all = std::strcmp(name, "all") == 0;
         if (Mm *value = Scopes::lookup(name, Scopes::level())) {
             Scopes::clear(*value);

@@ -20,7 +20,7 @@ Mm &writable(const Mm *m) { return const_cast<Mm &>(*m); }
 // another place is selected.
 int grows_along(const Mm &t, int n, const Mm *const *s) {
     int rows = t.rows(), cols = t.cols(), size = t.getnnz();
-    if (!is_plain(t) || size == INT_MAX || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
+    if (!is_full_matrix(t) || size == INT_MAX || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
     double i = *s[0]->addr();
     if (n == 1) {
         if (i != size + 1.0 || (rows > 1 && cols > 1)) return -1;
@@ -43,7 +43,7 @@ bool make_room(Mm &t) {
     std::copy_n(t.getdims(), 4, dims);
     Header::move_values(fresh, t);
     set_extents(fresh, dims);
-    take(t, fresh);
+    replace_block(t, fresh);
     return true;
 }
 

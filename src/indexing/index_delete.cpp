@@ -43,7 +43,7 @@ class Keep {
 bool retain(Mm &t, const Selection &kept, const int *dims) {
     Mm rest = select(t, kept, dims);
     if (rest.gettype() != t.gettype()) return false; // no memory
-    take(t, rest);
+    replace_block(t, rest);
     check(t);
     return true;
 }

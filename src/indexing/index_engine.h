@@ -54,7 +54,7 @@ bool vwcopy0(Mm &t, const Subscripts &s);
 // -- What they share.
 
 // Replaces the target's block; its flags stay.
-void take(Mm &t, const Mm &fresh);
+void replace_block(Mm &t, const Mm &fresh);
 // The target becomes an empty value of its type.
 bool make_empty(Mm &t);
 // New extents for the header; nnz is their product.

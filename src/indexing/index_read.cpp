@@ -8,10 +8,14 @@
 
 namespace kn {
 
-bool reads_plain(const Mm &base, const Subscripts &s) {
-    if (!is_plain(base) || base.isstruct() || s.n > 2) return false;
+bool reads_matrix(const Mm &base, const Subscripts &s) {
+    if (!is_full_matrix(base) || base.isstruct() || s.n > 2) return false;
     for (int k = 0; k < s.n; ++k)
         if (s[k].getndims() != 2) return false;
+    return true;
+}
+
+bool make_full(const Subscripts &s) {
     for (int k = 0; k < s.n; ++k) {
         if (!s[k].issparse()) continue;
         Mm scattered = full(s[k]);
@@ -22,7 +26,7 @@ bool reads_plain(const Mm &base, const Subscripts &s) {
     return true;
 }
 
-bool select_plain(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims) {
+bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims) {
     auto outside = [&](int k, int extent) { // only numbers are tested: a mask stops at the extent
         return s[k].islogical() ? -1 : sel[k].first_outside(extent);
     };
@@ -100,7 +104,7 @@ Mm select(const Mm &base, const Selection &s, const int *dims) {
 
 // -- What the engines share.
 
-void take(Mm &t, const Mm &fresh) {
+void replace_block(Mm &t, const Mm &fresh) {
     M_types flags = t.getflags();
     t = fresh;
     t.getflags() = flags;
@@ -109,7 +113,7 @@ void take(Mm &t, const Mm &fresh) {
 bool make_empty(Mm &t) {
     Mm none(0, t.issparse(), 0, 0, 0, t.gettype());
     if (none.gettype() != t.gettype() || none.issparse() != t.issparse()) return false; // no memory
-    take(t, none);
+    replace_block(t, none);
     return true;
 }
 

@@ -14,14 +14,18 @@ namespace kn {
 
 // -- Shapes. `dims` comes with 1 in all places.
 
-// Positions and shape of a read from a plain matrix. False after a report, or what would be one.
-bool select_plain(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims);
+// Indices and shape of a read that reads_matrix accepts, with full subscripts. False after a report, or where
+// a strict read would report.
+bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims);
 // The same for all other reads. When only the positions lie outside, `outside` is set too.
 bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims,
                     bool &outside);
 
-// Whether a read goes the plain way. A sparse subscript becomes full for it, and stays so.
-bool reads_plain(const Mm &base, const Subscripts &s);
+// Whether one or two matrices select from a full matrix that is no structure array.
+bool reads_matrix(const Mm &base, const Subscripts &s);
+// Replaces each sparse subscript by its full value, in the program's variable. False when memory is
+// exhausted.
+bool make_full(const Subscripts &s);
 
 template <class T> Mm select(const Mm &base, const Selection &sel, const int *dims) {
     int n = sel.total();
@@ -41,9 +45,10 @@ template <class T> Mm read_selection(const Mm &base, const Subscripts &s, int st
     int dims[4] = {1, 1, 1, 1};
     bool outside = false;
     const Mm model = base.isstruct() ? base : Mm(); // the error handler may assign to the variable
-    if (reads_plain(base, s) ? select_plain(sel, base, s, strict, dims)
-                             : select_general(sel, base, s, strict, dims, outside))
-        return base.issparse() ? select_sparse(base, sel, dims) : select<T>(base, sel, dims);
+    const bool selected = reads_matrix(base, s) && make_full(s)
+                              ? select_from_matrix(sel, base, s, strict, dims)
+                              : select_general(sel, base, s, strict, dims, outside);
+    if (selected) return base.issparse() ? select_sparse(base, sel, dims) : select<T>(base, sel, dims);
     if (!outside || !model.isstruct()) return nothing_M;
 
     // Places in a structure array that are still to come: empty fields, for an assignment to fill.

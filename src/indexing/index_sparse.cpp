@@ -14,10 +14,10 @@ namespace kn {
 
 namespace {
 
-// Entries as they are collected: it grows as they come.
-class Entries {
+// EntryBuilder as they are collected: it grows as they come.
+class EntryBuilder {
   public:
-    Entries(int complex, int n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
+    EntryBuilder(int complex, int n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
 
     // Entry `slot` of `from` at another position.
     void add(int position, const Mm &from, int slot) {
@@ -97,7 +97,7 @@ Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
     const Positions &rows = s[0];
     int extent = s.n() == 1 ? base.size() : base.rows(), count = rows.count();
     long long total = s.total();
-    Entries out(base.isc(), 64);
+    EntryBuilder out(base.isc(), 64);
 
     // A list of rows is looked up row by row, or, when it is long, turned round once.
     std::optional<Inverse> inverse;
@@ -174,7 +174,7 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
     }
 
     int complex = t.isc() || src.isc();
-    Entries written(complex, total);
+    EntryBuilder written(complex, total);
     Odometer lines(s, dims);
     int k = 0;
     for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0;)
@@ -185,7 +185,7 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
 
     const int *a = t.getindex(), *b = fresh.getindex();
     int na = t.getnnz(), nb = fresh.getnnz();
-    Entries merged(complex, na > INT_MAX - 8 - nb ? INT_MAX : na + nb);
+    EntryBuilder merged(complex, na > INT_MAX - 8 - nb ? INT_MAX : na + nb);
     if (merged.failed()) return false;
     for (int i = 0, j = 0; i < na || j < nb;) {
         int at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : INT_MAX;
@@ -200,7 +200,7 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
         }
     }
     if (!merged.finish(dims)) return false;
-    take(t, merged.value());
+    replace_block(t, merged.value());
     check(t);
     return true;
 }

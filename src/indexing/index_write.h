@@ -62,7 +62,7 @@ template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear)
         for (int k = 0; k < 4; ++k) old.next().set_run(0, t.getdims()[k]);
     if (!cleared) clear<T>(fresh, linear ? n : 0, m);
     if (n > 0) scatter<T>(fresh, old, t);
-    take(t, fresh);
+    replace_block(t, fresh);
     return true;
 }
 

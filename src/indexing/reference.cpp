@@ -213,8 +213,9 @@ bool store(Mm &t, Mr_idx_type kind, const Subscripts &subscripts, const Mm &sour
         }
         if (!settle_type(t, *kept, src, converted) || !settle_fields(t, *src)) return false;
     }
-    general = general || kind != Mr_paren || t.isstruct() || !is_plain(t) || !is_plain(*src) || s.n > 2;
-    for (int k = 0; k < s.n; ++k) general = general || !is_plain(s[k]);
+    general =
+        general || kind != Mr_paren || t.isstruct() || !is_full_matrix(t) || !is_full_matrix(*src) || s.n > 2;
+    for (int k = 0; k < s.n; ++k) general = general || !is_full_matrix(s[k]);
     return by_type(t, [&](auto type) {
         using T = typename decltype(type)::type;
         if (general || s.n == 0) return vwcopyn<T>(t, kind, s, *src);

@@ -79,7 +79,8 @@ struct RefAccess {
         int at;
         if (r.kind != Mr_paren || !takes_numbers(base) || !selects_one<true>(base, r, at)) return false;
         if (at == base.getnnz()) {
-            if (!is_plain(base) || at == base.getp() || (base.rows() > 1 && base.cols() > 1)) return false;
+            if (!is_full_matrix(base) || at == base.getp() || (base.rows() > 1 && base.cols() > 1))
+                return false;
             extend(base, base.rows() > 1 ? 0 : 1);
         }
         base.addr()[at] = x;

@@ -40,10 +40,10 @@ inline int position(double v) {
 }
 
 // Full, and a matrix.
-inline bool is_plain(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
+inline bool is_full_matrix(const Mm &m) { return !m.issparse() && m.getndims() == 2; }
 // A full numeric scalar, which selects the one position(*s.addr()).
 inline bool is_scalar_subscript(const Mm &s) {
-    return s.getnnz() == 1 && is_plain(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
+    return s.getnnz() == 1 && is_full_matrix(s) && !s.islogical() && s.gettype() == kn_double && !is_colon(s);
 }
 
 // The positions of one subscript: a run, a list, or, of the only subscript of a reference, what the list

@@ -34,7 +34,7 @@ struct Survey {
             bool end = ends_row(list, k);
             if (list.number(k)) {
                 all_logical = false;
-                take(1, 1);
+                place(1, 1);
             } else if (!end) {
                 look_at(list.item(k));
             }
@@ -52,10 +52,10 @@ struct Survey {
         str = str || x.isstr();
         any_logical = any_logical || x.islogical();
         all_logical = all_logical && x.islogical();
-        if (is_content(x)) take(x.rows(), x.cols());
+        if (is_content(x)) place(x.rows(), x.cols());
     }
 
-    void take(int r, int c) {
+    void place(int r, int c) {
         if (width_ > 0) {
             stacked = false;
             if (height_ != r) even = false;

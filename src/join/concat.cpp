@@ -94,18 +94,18 @@ Mm join_full(int dim, const Mm &a, const Mm &b) {
 
 // ---- Sparse matrices ----
 
-struct Entries {
+struct EntryList {
     const double *re, *im;
     const int *index;
     int nnz, rows;
-    explicit Entries(const Mm &s)
+    explicit EntryList(const Mm &s)
         : re(s.addr()), im(s.addi()), index(s.getindex()), nnz(s.getnnz()), rows(s.rows()) {}
 };
 
-struct Taker {
+struct EntryWriter {
     double *re, *im;
     int *index, e = 0;
-    void take(const Entries &s, int k, int position) {
+    void append(const EntryList &s, int k, int position) {
         re[e] = s.re[k];
         if (im) im[e] = s.im ? s.im[k] : 0;
         index[e++] = position;
@@ -121,14 +121,14 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
     Mm out(sx.isc() || sy.isc(), 1, nnz, 2, extents.d, kn_double);
     if (lacks(out, nnz) || !out.issparse()) return x_M;
 
-    Entries a(sx), b(sy);
-    Taker to{out.addr(), out.addi(), out.getindex()};
+    EntryList a(sx), b(sy);
+    EntryWriter to{out.addr(), out.addi(), out.getindex()};
     if (dim == 2) {
-        for (int k = 0; k < a.nnz; k++) to.take(a, k, a.index[k]);
-        for (int k = 0; k < b.nnz; k++) to.take(b, k, x.size() + b.index[k]);
+        for (int k = 0; k < a.nnz; k++) to.append(a, k, a.index[k]);
+        for (int k = 0; k < b.nnz; k++) to.append(b, k, x.size() + b.index[k]);
     } else { // column by column
         ColumnWalk in_a(a.rows), in_b(b.rows);
-        auto column = [](ColumnWalk &walk, const Entries &s, int k) {
+        auto column = [](ColumnWalk &walk, const EntryList &s, int k) {
             if (k >= s.nnz) return INT_MAX;
             walk.row(s.index[k]);
             return walk.column();
@@ -137,10 +137,10 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
             int ca = column(in_a, a, ka), cb = column(in_b, b, kb), c = std::min(ca, cb);
             if (ca == c)
                 for (; ka < a.nnz && a.index[ka] < in_a.end(); ka++)
-                    to.take(a, ka, c * rows + a.index[ka] - in_a.begin());
+                    to.append(a, ka, c * rows + a.index[ka] - in_a.begin());
             if (cb == c)
                 for (; kb < b.nnz && b.index[kb] < in_b.end(); kb++)
-                    to.take(b, kb, c * rows + a.rows + b.index[kb] - in_b.begin());
+                    to.append(b, kb, c * rows + a.rows + b.index[kb] - in_b.begin());
         }
     }
     join_flags(out, x, y);

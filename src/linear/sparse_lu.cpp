@@ -222,9 +222,9 @@ bool complete(const CompressedColumns &a, CompressedColumns &out) {
 }
 
 // The entries of a sparse matrix in any order.
-class Entries {
+class UnorderedEntries {
   public:
-    explicit Entries(int n) : list_(n) {}
+    explicit UnorderedEntries(int n) : list_(n) {}
     explicit operator bool() const { return static_cast<bool>(list_); }
     void add(int position, double v) { list_[count_++] = {position, v}; }
 
@@ -274,7 +274,7 @@ bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
 
     int in_l = n, in_u = 0;
     each_entry(f.l, f.u, [&](bool lower, int, int, double) { ++(lower ? in_l : in_u); });
-    Entries of_l(in_l), of_u(in_u), of_p(n);
+    UnorderedEntries of_l(in_l), of_u(in_u), of_p(n);
     if (!of_l || !of_u || !of_p) return false;
     auto row_in_l = [&](int i) { return ordered ? i : row_from[i]; };
     for (int j = 0; j < n; ++j) {

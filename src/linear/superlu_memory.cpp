@@ -18,10 +18,10 @@ thread_local constinit SuperluCall *current_call = nullptr;
 SuperluCall *SuperluCall::current() { return current_call; }
 
 SuperluCall::~SuperluCall() {
-    while (held_.next != &held_) give_back(held_.next + 1);
+    while (held_.next != &held_) release(held_.next + 1);
 }
 
-void *SuperluCall::take(size_t bytes) {
+void *SuperluCall::allocate(size_t bytes) {
     static_assert(sizeof(Block) % alignof(std::max_align_t) == 0);
     auto *block =
         static_cast<Block *>(bytes > SIZE_MAX - sizeof(Block) ? nullptr : heap_alloc(sizeof(Block) + bytes));
@@ -32,7 +32,7 @@ void *SuperluCall::take(size_t bytes) {
     return block + 1;
 }
 
-void SuperluCall::give_back(void *p) {
+void SuperluCall::release(void *p) {
     if (!p) return;
     Block *block = static_cast<Block *>(p) - 1;
     block->previous->next = block->next;
@@ -83,13 +83,13 @@ KN_FOR_SUPERLU void superlu_abort_and_exit(char *reason);
 
 void *superlu_malloc(size_t bytes) {
     kn::SuperluCall *call = kn::SuperluCall::current();
-    return call ? call->take(bytes) : std::malloc(bytes);
+    return call ? call->allocate(bytes) : std::malloc(bytes);
 }
 
 void superlu_free(void *p) {
     kn::SuperluCall *call = kn::SuperluCall::current();
     if (call)
-        call->give_back(p);
+        call->release(p);
     else
         std::free(p);
 }

@@ -26,8 +26,8 @@ class SuperluCall {
 
     // For SuperLU, while a call runs.
     static SuperluCall *current();
-    void *take(size_t bytes);
-    void give_back(void *p);
+    void *allocate(size_t bytes);
+    void release(void *p);
     [[noreturn]] void leave(const char *reason); // null: memory is exhausted
 
   private:

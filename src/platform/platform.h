@@ -95,23 +95,6 @@ void join_thread(Thread thread);
 // it.
 void around_fork(void (*before)(), void (*in_parent)(), void (*in_child)());
 
-// ---- Modules ----
-
-using Module = struct ModuleHandle *;
-
-// Loads the module in the file `path`; a name without a directory is looked for in the current directory,
-// then where the system keeps its libraries. On failure returns null and puts the system's reason into `why`.
-Module load_module(const char *path, char *why, std::size_t why_size);
-
-// The address of an exported symbol, or null.
-void *find_symbol(Module module, const char *name);
-
-// Gives the module back; null does nothing.
-void unload_module(Module module);
-
-// The ending of module files, with its dot.
-const char *module_suffix();
-
 // ---- Processes ----
 
 // Starts a program that outlives the caller, without terminal and input: its name, then the words that it is
@@ -246,9 +229,6 @@ double monotonic_clock();
 
 // Milliseconds of the same kind, in steps of up to 16; costs a few nanoseconds.
 long long coarse_milliseconds();
-
-// Seconds of processor time that this process has used.
-double processor_time();
 
 // The local calendar date and time of a `wall_clock` value. False when the system has none for it.
 bool local_time(double seconds, LocalTime &out);

@@ -1,4 +1,4 @@
-// Modules, processes, floating-point state, messages, console and calendar on Linux.
+// Processes, floating-point state, messages, console and calendar on Linux.
 #include "platform/platform.h"
 #include "platform/posix_name.h"
 
@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <string>
@@ -42,30 +41,6 @@ void write_to_terminal(const char *sequence) {
 }
 
 } // namespace
-
-Module load_module(const char *path, char *why, std::size_t why_size) {
-    const SystemName name(path);
-    char file[PATH_MAX];
-    // The loader looks for a bare name only where libraries are kept, and takes the empty one for this
-    // program.
-    const bool here = !*path || (!std::strchr(name, '/') && file_exists(path));
-    const bool fits = std::snprintf(file, sizeof file, "%s%s", here ? "./" : "",
-                                    static_cast<const char *>(name)) < static_cast<int>(sizeof file);
-    void *module = fits ? dlopen(file, RTLD_NOW | RTLD_LOCAL) : nullptr;
-    if (!module) {
-        const char *reason = fits ? dlerror() : "name too long";
-        std::snprintf(why, why_size, "%s", reason ? reason : "");
-    }
-    return static_cast<Module>(module);
-}
-
-void *find_symbol(Module module, const char *name) { return module ? dlsym(module, name) : nullptr; }
-
-void unload_module(Module module) {
-    if (module) dlclose(module);
-}
-
-const char *module_suffix() { return ".so"; }
 
 // The child starts the program as a child of its own and ends, so that nobody has to wait for the program.
 // Whether it started is told by a pipe, which closes when it has.
@@ -140,12 +115,6 @@ long long coarse_milliseconds() {
     timespec t = {};
     clock_gettime(clock, &t);
     return t.tv_sec * 1000LL + t.tv_nsec / 1000000;
-}
-
-double processor_time() {
-    timespec t = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
 }
 
 bool local_time(double seconds, LocalTime &out) {

@@ -1,4 +1,4 @@
-// Modules, processes, floating-point state, messages, console and calendar on Windows.
+// Processes, floating-point state, messages, console and calendar on Windows.
 #include "platform/platform.h"
 #include "platform/win32_common.h"
 
@@ -37,33 +37,6 @@ void append_quoted(std::string &command, const char *word) {
 }
 
 } // namespace
-
-// The loader wants backslashes and looks for a bare name in the current directory late, so it is given the
-// whole path of a file that is meant by its place.
-Module load_module(const char *path, char *why, std::size_t why_size) {
-    char whole[MAX_PATH];
-    const bool placed = std::strpbrk(path, "/\\:") || file_exists(path);
-    HMODULE module = LoadLibraryA(placed && absolute_path(path, whole, sizeof whole) ? whole : path);
-    if (!module) {
-        char reason[512] = "";
-        FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, GetLastError(), 0,
-                       reason, sizeof reason, nullptr);
-        reason[std::strcspn(reason, "\r\n")] = 0;
-        std::snprintf(why, why_size, "%s: %s", path, reason);
-    }
-    return reinterpret_cast<Module>(module);
-}
-
-void *find_symbol(Module module, const char *name) {
-    return module ? reinterpret_cast<void *>(GetProcAddress(reinterpret_cast<HMODULE>(module), name))
-                  : nullptr;
-}
-
-void unload_module(Module module) {
-    if (module) FreeLibrary(reinterpret_cast<HMODULE>(module));
-}
-
-const char *module_suffix() { return ".dll"; }
 
 bool start_detached(const char *const *words) {
     if (!*words || !**words) return false;
@@ -129,12 +102,6 @@ void clear_screen() {
 }
 
 long long coarse_milliseconds() { return static_cast<long long>(GetTickCount64()); }
-
-double processor_time() {
-    FILETIME created, ended, kernel, user;
-    if (!GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user)) return 0;
-    return seconds_of(kernel) + seconds_of(user);
-}
 
 bool local_time(double seconds, LocalTime &out) {
     if (!(std::abs(seconds) < 1e15)) return false;

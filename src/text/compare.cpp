@@ -13,7 +13,7 @@ namespace {
 
 using namespace kn;
 
-struct Rule {
+struct Comparison {
     const char *caller;
     bool fold;      // upper and lower case are the same
     bool beginning; // only the first n characters count
@@ -25,7 +25,7 @@ bool equal_codes(const double *a, const double *b, ptrdiff_t n, bool fold) {
     return std::equal(a, a + n, b, [](double x, double y) { return to_lower(x) == to_lower(y); });
 }
 
-bool agree(const Mm &a, const Mm &b, const Rule &rule) {
+bool agree(const Mm &a, const Mm &b, const Comparison &rule) {
     if (!a.isstr() || !b.isstr() || !is_text(a) || !is_text(b)) return false;
     if (rule.beginning ? std::min(a.size(), b.size()) < rule.n : !same_size(a, b)) return false;
     const int n = rule.beginning ? std::max(rule.n, 0) : a.size();
@@ -44,7 +44,7 @@ Mm beside_cell(const Mm &m, const Mm &other) {
     return rows;
 }
 
-Mm compare(const Mm &a, const Mm &b, const Rule &rule) {
+Mm compare(const Mm &a, const Mm &b, const Comparison &rule) {
     a.warn_uninit();
     b.warn_uninit();
     if (!is_cell(a) && !is_cell(b)) return Header::number(agree(a, b, rule), true);

@@ -53,7 +53,7 @@ class Tokens {
 template <class F> void scan(const char *text, TextBuffer &word, F number) {
     bool new_row = true;
     Tokens in(text);
-    auto take = [&] {
+    auto append_token = [&] {
         if (!in) return;
         word.append(in.token());
         in.next();
@@ -66,12 +66,12 @@ template <class F> void scan(const char *text, TextBuffer &word, F number) {
             continue;
         }
         word.clear();
-        take();
+        append_token();
         if (token.size() > 1 && is_sign(token.back())) {
-            take();
+            append_token();
         } else if (is_sign(in.token())) {
-            take();
-            take();
+            append_token();
+            append_token();
         }
         if (!word.goes_on()) return;
         number(word, new_row);
@@ -79,11 +79,11 @@ template <class F> void scan(const char *text, TextBuffer &word, F number) {
     }
 }
 
-struct Complex {
+struct ParsedNumber {
     double re = 0, im = 0;
 };
 
-Complex special_word(std::string_view word) {
+ParsedNumber special_word(std::string_view word) {
     auto is = [&](std::string_view w) {
         return std::equal(word.begin(), word.end(), w.begin(), w.end(),
                           [](char a, char b) { return to_lower(a) == b; });
@@ -98,7 +98,7 @@ bool is_imaginary(const TextBuffer &word) { return word.view().back() == 'i'; }
 
 // Reads re, re+imi or imi, the most common forms; false for all others, which sscanf may still accept as
 // numbers.
-bool plain_number(std::string_view text, Complex &z) {
+bool plain_number(std::string_view text, ParsedNumber &z) {
     if (text.size() > 1 && text[0] == '+' && (is_digit(text[1]) || text[1] == '.')) text.remove_prefix(1);
     const char *last = text.data() + text.size();
     auto [end, problem] = std::from_chars(text.data(), last, z.re);
@@ -117,8 +117,8 @@ bool plain_number(std::string_view text, Complex &z) {
 }
 
 // The value of a number's text. An "i" without a number before it is 1i.
-Complex value_of(TextBuffer &word) {
-    Complex z;
+ParsedNumber value_of(TextBuffer &word) {
+    ParsedNumber z;
     std::string_view text = word.view();
     if (plain_number(text, z)) return z;
     bool imaginary = is_imaginary(word);
@@ -128,7 +128,7 @@ Complex value_of(TextBuffer &word) {
     const os::PlainNumbers plain;
     switch (std::sscanf(word.c_str(), "%lg %lg", &z.re, &z.im)) {
     case 2: return z;
-    case 1: return imaginary ? Complex{0, z.re} : Complex{z.re, 0};
+    case 1: return imaginary ? ParsedNumber{0, z.re} : ParsedNumber{z.re, 0};
     default: return special_word(word.view());
     }
 }
@@ -146,7 +146,7 @@ bool kn::text_number(const Mm &s, TextNumber &x) {
     auto parts = [](char c) { return c == ' ' || c == '\t'; };
     while (!word.empty() && parts(word.front())) word.remove_prefix(1);
     while (!word.empty() && parts(word.back())) word.remove_suffix(1);
-    Complex z;
+    ParsedNumber z;
     if (word.empty() || !plain_number(word, z)) return false;
     x = {z.re, z.im, word.back() == 'i'};
     return true;
@@ -180,7 +180,7 @@ Mm str2num(const Mm &s) {
     scan(text.get(), word, [&](TextBuffer &number, bool new_row) {
         row += new_row;
         at = new_row ? row : at + rows;
-        Complex z = value_of(number);
+        ParsedNumber z = value_of(number);
         re[at] = z.re;
         if (im) im[at] = z.im;
     });

@@ -46,7 +46,7 @@ struct Header {
 
     // Of numbers: value/number_block.h.
     static bool has_number_block(const Mm &m);
-    static Mm number(double x, bool logical);
+    static Mm number(double x, bool logical, bool scalar_only = false);
     static Mm number_slowly(double x, bool logical, bool scalar_only);
     static Mm number_in(Mm &temporary, double x, bool logical);
 };

@@ -84,10 +84,10 @@ inline bool Header::has_number_block(const Mm &m) {
     return m.p == number_room && m.refcount == count_of_number(m.pr) && !m.index;
 }
 
-inline Mm Header::number(double x, bool logical) {
+inline Mm Header::number(double x, bool logical, bool scalar_only) {
     void *block = quick_alloc<number_bytes>();
-    if (!block) return number_slowly(x, logical, false);
-    return Mm(Mm::Number{block, x, logical, false});
+    if (!block) return number_slowly(x, logical, scalar_only);
+    return Mm(Mm::Number{block, x, logical, scalar_only});
 }
 
 // The same in the block of a temporary.

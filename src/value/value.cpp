@@ -36,7 +36,7 @@ constexpr int slack = block_slack;
 constexpr int value_slack = 5;        // of a block of values
 constexpr size_t many_numbers = 4096; // likely to free much memory together
 
-struct Extents {
+struct RowsAndColumns {
     int d[2];
 };
 
@@ -294,15 +294,10 @@ Mm Header::number_slowly(double x, bool logical, bool scalar_only) {
 
 Mm::Mm() : flags{0, 0, 0, 0, 0, 0, kn_double}, name(nullptr), shadow(nullptr) { hold_nothing(); }
 
-Mm::Mm(double x) {
-    if (void *block = quick_alloc<number_bytes>())
-        new (this) Mm(Number{block, x, false, true});
-    else
-        new (this) Mm(Header::number_slowly(x, false, true));
-}
+Mm::Mm(double x) : Mm(Header::number(x, false, true)) {}
 
 Mm::Mm(int complex, int sparse, int stored, int rows, int cols, kn_matrix_types t)
-    : Mm(complex, sparse, stored, 2, Extents{{rows, cols}}.d, t) {}
+    : Mm(complex, sparse, stored, 2, RowsAndColumns{{rows, cols}}.d, t) {}
 
 Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types t)
     : ndims(n < 2   ? 2

@@ -1,5 +1,6 @@
 // The block allocator: which layer serves a request, alignment, reuse, and blocks from several threads.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <thread>
@@ -49,21 +50,27 @@ TEST(BlockAlloc, a_freed_block_comes_back_first_to_its_size) {
     }
 }
 
-TEST(BlockAlloc, blocks_do_not_overlap) {
-    struct {
-        byte *p;
-        std::vector<byte> held;
-    } live[300] = {};
+// Small and large ones.
+TEST(BlockAlloc, live_blocks_keep_their_contents_while_others_come_and_go) {
     test::Random random(1);
-    for (int round = 0; round < 8000; ++round) {
-        auto &[p, held] = live[random.below(300)];
-        ASSERT_TRUE(std::equal(held.begin(), held.end(), p));
-        kn_block_free(p);
-        held.assign(static_cast<size_t>(random.below(1 << (4 + random.below(14)))), static_cast<byte>(round));
-        p = take(held.size());
-        std::fill_n(p, held.size(), static_cast<byte>(round));
+    for (auto [count, least, bits, rounds] :
+         {std::array{300, 0, 18, 8000}, std::array{12, 128 << 10, 23, 400}}) {
+        struct Block {
+            byte *p = nullptr;
+            std::vector<byte> held;
+        };
+        std::vector<Block> live(static_cast<size_t>(count));
+        for (int round = 0; round < rounds; ++round) {
+            auto &[p, held] = live[static_cast<size_t>(random.below(count))];
+            ASSERT_TRUE(std::equal(held.begin(), held.end(), p));
+            kn_block_free(p);
+            const int n = least + random.below(1 << (4 + random.below(bits - 4)));
+            held.assign(static_cast<size_t>(n), static_cast<byte>(round));
+            p = take(held.size());
+            std::copy(held.begin(), held.end(), p);
+        }
+        for (auto &b : live) kn_block_free(b.p);
     }
-    for (auto &b : live) kn_block_free(b.p);
 }
 
 // Sizes of many blocks and of one in a span, in more memory than one chunk has; every 1000th stays.

@@ -25,29 +25,6 @@ class LargeBlocks : public testing::Test {
     const bool cached = bound.blocks > 0; // not under the address sanitizer
 };
 
-TEST_F(LargeBlocks, live_ones_keep_their_contents_while_others_come_and_go) {
-    struct {
-        byte *p;
-        std::vector<byte> held;
-    } live[12] = {};
-    test::Random random(1);
-    for (int round = 0; round < 400; ++round) {
-        auto &[p, held] = live[random.below(12)];
-        ASSERT_TRUE(std::equal(held.begin(), held.end(), p)) << round;
-        kn_block_free(p);
-        held.assign(128 * KB + static_cast<size_t>(random.below(1 << (10 + random.below(13)))),
-                    static_cast<byte>(round));
-        p = take(held.size());
-        ASSERT_NE(p, nullptr);
-        if (cached) {
-            ASSERT_EQ(p[-1], 9);
-            ASSERT_EQ(reinterpret_cast<uintptr_t>(p) % 64, 0u);
-        }
-        std::copy(held.begin(), held.end(), p);
-    }
-    for (auto &b : live) kn_block_free(b.p);
-}
-
 TEST_F(LargeBlocks, a_request_gets_the_smallest_kept_block_that_suffices_or_the_beginning_of_a_larger_one) {
     if (!cached) GTEST_SKIP() << "nothing is kept";
     byte *live = take(600 * MB); // allows as much to be kept; its pages are never touched
@@ -84,6 +61,12 @@ TEST_F(LargeBlocks, what_is_kept_stays_within_its_bounds) {
     }
 }
 
+TEST_F(LargeBlocks, an_impossible_one_is_null_and_frees_the_cache_first) {
+    kn_block_free(take(3 * MB));
+    for (size_t n : {SIZE_MAX / 4, SIZE_MAX}) EXPECT_EQ(take(n), nullptr);
+    EXPECT_EQ(kn::large_cache_use().blocks, 0u);
+}
+
 TEST_F(LargeBlocks, growing_keeps_the_contents) {
     Mm x;
     for (int k = 1; k <= 600000; ++k) x(static_cast<double>(k)) = static_cast<double>(k);
@@ -92,12 +75,6 @@ TEST_F(LargeBlocks, growing_keeps_the_contents) {
     x(700000.0) = 1.0;
     EXPECT_EQ(held.size(), 600000);
     EXPECT_EQ(scalar(sum(x)), 600000.0 * 600001 / 2 + 1);
-}
-
-TEST_F(LargeBlocks, an_impossible_one_is_null_and_frees_the_cache_first) {
-    kn_block_free(take(3 * MB));
-    for (size_t n : {SIZE_MAX / 4, SIZE_MAX / 2, SIZE_MAX - 256 * KB, SIZE_MAX}) EXPECT_EQ(take(n), nullptr);
-    EXPECT_EQ(kn::large_cache_use().blocks, 0u);
 }
 
 } // namespace

@@ -78,17 +78,16 @@ struct Change {
     }
 const Change changes[] = {
     CHANGE(t(2) = 9.0),
-    CHANGE(t(1.5) = 9.0),
     CHANGE(t(1, 2) = 9.0),
     CHANGE(t(K(row({3, 1, 3}))) = K(row({7, 8, 9}))),
     CHANGE(t(K(logical_of(row({1, 0, 1})))) = 5.0),
     CHANGE(t(c_p) = 4.0),
     CHANGE(t(c_p) = K(row({1, 2, 3}))),
+    CHANGE(t = Mm(t(K(row({3, 1}))))),
     CHANGE(t() = K(TM("new"))),
     CHANGE(t(4) = 9.0),
     CHANGE(t(50) = 9.0),
     CHANGE(t(2, 4) = 9.0),
-    CHANGE(t(2, 1, 3) = 9.0),
     CHANGE(t(2) = K(C(1, 2))),
     CHANGE(t(2) = K(U8({{3}}))),
     CHANGE(t(2) = Mm()),

@@ -21,41 +21,29 @@ Mm three() { return mstruct(cell_of(1, 4, {TM("a"), cell_of(1, 3, {1.0, 2.0, 3.0
 // ---- Cells ----
 
 TEST(Cells, sizes) {
-    EXPECT_EQ(cell(0.0).gettype(), kn_Mm);
-    EXPECT_EQ(cell(0.0).size(), 0);
-    EXPECT_SAME(cell(nop_M), Mm());
     EXPECT_SAME(cell(2.0, nop_M), Mm());
-    EXPECT_SAME(cell(2.0), cell_of(2, 2, {}));
     EXPECT_SAME(cells(2.9, 1.0), cell_of(2, 1, {}));
     EXPECT_SAME(size(cell(row({2, 3, 4}))), row({2, 3, 4}));
-    EXPECT_SAME(size(cell(1.0, 2.0, 3.0, 4.0)), row({1, 2, 3, 4}));
     EXPECT_SAME(cell(2.0, -1.0), cell(0.0));
     EXPECT_RAISES(cell(1e6, 1e6), "Out of memory!");
     Mm one = 1.0, two = TM("b");
     const Mm *list[] = {&one, &two};
     EXPECT_SAME(cell_from_array(2, list), cell_of(1, 2, {one, two}));
-    EXPECT_SAME(cell_from_array(0, list), cell(0.0));
 }
 
 TEST(Cells, text) {
     EXPECT_SAME(cellstr(strvcat(TM("ab "), TM("c"))), texts(2, 1, {"ab", "c"}));
-    Mm c = texts(1, 2, {"a ", "b"});
-    EXPECT_SAME(cellstr(c), c);
-    EXPECT_SAME(iscellstr(c), test::logical_of(1.0));
-    EXPECT_SAME(iscellstr(cell_of(1, 2, {TM("a"), 1.0})), test::logical_of(0.0));
-    EXPECT_SAME(iscellstr(TM("a")), test::logical_of(0.0));
+    EXPECT_SAME(iscellstr(texts(1, 2, {"a ", "b"})), test::logical_of(1.0));
+    for (const Mm &m : {cell_of(1, 2, {TM("a"), 1.0}), TM("a")})
+        EXPECT_SAME(iscellstr(m), test::logical_of(0.0));
     EXPECT_SAME(deblank(TM("a b \t\n")), TM("a b"));
     EXPECT_SAME(deblank(strvcat(TM("a   "), TM("bc"))), strvcat(TM("a"), TM("bc")));
-    EXPECT_SAME(deblank(cell_of(1, 2, {TM("a "), TM("b")})), texts(1, 2, {"a", "b"}));
-    EXPECT_EQ(deblank(TM("   ")).size(), 0);
-    EXPECT_TRUE(deblank(TM("   ")).isstr());
+    EXPECT_SAME(deblank(cell_of(1, 2, {TM("a "), TM("   ")})), texts(1, 2, {"a", ""}));
     EXPECT_RAISES(deblank(1.0), "deblank: input is not a string");
 }
 
 TEST(Cells, of_elements) {
-    EXPECT_SAME(num2cell(M({{1, 2}, {3, 4}})), cell_of(2, 2, {1.0, 3.0, 2.0, 4.0}));
     EXPECT_SAME(num2cell(TM("ab")), texts(1, 2, {"a", "b"}));
-    EXPECT_SAME(num2cell(test::U8({{7}})), cell_of(1, 1, {test::U8({{7}})}));
     EXPECT_SAME(num2cell(test::sparse_of(1, 2, {{1, 5}})), cell_of(1, 2, {0.0, 5.0}));
     EXPECT_SAME(num2cell(test::complex_of(row({1, 2}), row({0, 3}))), cell_of(1, 2, {1.0, test::C(2, 3)}));
 }
@@ -64,17 +52,11 @@ TEST(Cells, of_elements) {
 
 TEST(Structures, from_pairs) {
     Mm s = three();
-    EXPECT_SAME(size(s), row({1, 3}));
     EXPECT_SAME(Mm(s.member("a")), cell_of(1, 3, {1.0, 2.0, 3.0}));
     EXPECT_SAME(Mm(s.member("b")), texts(1, 3, {"x", "x", "x"}));
-    EXPECT_SAME(mstruct(cell_of(1, 2, {TM("a"), 5.0})), struct_of({{"a", 5.0}}));
     EXPECT_SAME(mstruct(cell_of(1, 1, {s})), s);
     EXPECT_SAME(Mm(mstruct(cell_of(1, 4, {TM("a"), 1.0, TM("a"), 2.0})).member("a")), Mm(2.0))
         << "the last one";
-    Mm column = mstruct(cell_of(1, 2, {TM("a"), cell_of(2, 1, {1.0, 2.0})}));
-    EXPECT_SAME(size(column), row({2, 1}));
-    Mm none = mstruct(cell_of(1, 2, {TM("a"), cell(0.0)}));
-    EXPECT_TRUE(none.isstruct() && none.size() == 0);
     Mm wrapped = mstruct(cell_of(1, 2, {TM("a"), cell_of(1, 1, {cell_of(1, 2, {1.0, 2.0})})}));
     EXPECT_SAME(Mm(wrapped.member("a")), cell_of(1, 2, {1.0, 2.0})) << "a cell as value";
     std::string longer(60, 'n');
@@ -87,15 +69,10 @@ TEST(Structures, from_pairs) {
 }
 
 TEST(Structures, names) {
-    Mm s = three();
-    EXPECT_SAME(fieldnames(s), texts(2, 1, {"a", "b"}));
-    EXPECT_SAME(isfield(s, TM("b")), test::logical_of(1.0));
-    EXPECT_SAME(isfield(s, TM("c")), test::logical_of(0.0));
+    EXPECT_SAME(isfield(three(), TM("b")), test::logical_of(1.0));
+    EXPECT_SAME(isfield(three(), TM("c")), test::logical_of(0.0));
     EXPECT_SAME(isfield(1.0, TM("b")), Mm(0.0)) << "plain, not logical";
     EXPECT_RAISES(fieldnames(named("x", 1.0)), "fieldnames: structure expected, but matrix x is not");
-    test::Returning returning;
-    EXPECT_EQ(fieldnames(1.0).size() + rmfield(1.0, TM("a")).size() + struct2cell(1.0).size(), 0);
-    EXPECT_EQ(returning.errors().size(), 3u);
 }
 
 TEST(Structures, rmfield_takes_the_values_too) {
@@ -105,8 +82,7 @@ TEST(Structures, rmfield_takes_the_values_too) {
     EXPECT_SAME(s, three()) << "a copy is changed";
     EXPECT_EQ(rmfield(s, texts(1, 2, {"b", "a"})).getnfields(), 0);
     EXPECT_RAISES(rmfield(s, TM("c")), "rmfield: structure has no field named 'c'");
-    Mm again = setfield(rest, TM("c"), 1.0);
-    EXPECT_SAME(fieldnames(again), texts(2, 1, {"b", "c"}));
+    EXPECT_SAME(fieldnames(setfield(rest, TM("c"), 1.0)), texts(2, 1, {"b", "c"}));
 }
 
 TEST(Structures, fields_by_steps) {
@@ -118,24 +94,19 @@ TEST(Structures, fields_by_steps) {
     EXPECT_SAME(getfield(three(), cell_of(1, 1, {2.0}), TM("a")), Mm(2.0));
     EXPECT_RAISES(getfield(s, TM("m"), 2.0), "getfield: index must be a string or cell array");
     EXPECT_RAISES(getfield(named("s", s), TM("zz")), "s.zz: structure field does not exist");
-    EXPECT_RAISES(getfield(named("s", s), TM("m"), TM("zz")), "(temporary).zz: not a structure");
-    EXPECT_RAISES(getfield(Mm(i_o, "u", 0), TM("a")), "u(...): variable 'u' was used without value.");
     Mm t = setfield(s, TM("m"), 9.0);
     EXPECT_SAME(Mm(t.member("m")), Mm(9.0));
     EXPECT_SAME(Mm(s.member("m")), M({{1, 2}, {3, 4}}));
 }
 
 TEST(Structures, to_cells_and_back) {
-    EXPECT_SAME(struct2cell(struct_of({{"a", 1.0}, {"b", 2.0}})), cell_of(2, 1, {1.0, 2.0}));
     Mm s = three(), c = struct2cell(s);
     EXPECT_SAME(size(c), row({2, 1, 3}));
-    EXPECT_SAME(cell2struct(c, fieldnames(s), 1.0), s);
     Mm grid = repmat(s, 2.0, 1.0, 2.0);
     EXPECT_SAME(cell2struct(struct2cell(grid), fieldnames(s), 1.0), grid);
 
     Mm table = cell_of(3, 2, {1.0, 2.0, 3.0, TM("x"), TM("x"), TM("x")}), names = texts(1, 2, {"a", "b"});
     EXPECT_SAME(cell2struct(table, names, 2.0), reshape(s, 3.0, 1.0));
-    EXPECT_SAME(cell2struct(transpose(table), names, 1.0), reshape(s, 3.0, 1.0));
     EXPECT_RAISES(cell2struct(1.0, names, 1.0), "cell2struct: first argument is not a cell");
     EXPECT_RAISES(cell2struct(table, TM("a"), 1.0), "cell2struct: second argument is not a cell");
     EXPECT_RAISES(cell2struct(table, names, 1.0), "cell2struct: length(fields)!=size(x,dim)");
@@ -148,10 +119,6 @@ TEST(Structures, badly_built) {
     EXPECT_RAISES(struct2cell(s), "structure 's' is built wrong");
     EXPECT_RAISES(rmfield(s, TM("a")), "structure 's' is built wrong");
     EXPECT_SAME(isequal(s, three()), test::logical_of(0.0));
-}
-
-TEST(Structures, logical) {
-    EXPECT_SAME(mlogical(M({{2, 0}})), test::logical_of(M({{2, 0}})));
     EXPECT_RAISES(mlogical(test::C(1, 2)), "logical: argument is complex");
     EXPECT_RAISES(mlogical(named("c", cell(1.0))), "logical: numeric data expected, but matrix c is not");
 }

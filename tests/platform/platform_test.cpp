@@ -1,4 +1,4 @@
-// The platform layer: memory, locks, names and files, modules, processes, crashes, input and the
+// The platform layer: memory, locks, names and files, processes, crashes, input and the
 // calendar. What faults or ends its process does so in a child.
 #include "platform/platform.h"
 
@@ -228,23 +228,9 @@ TEST_F(Files, directory_lists_every_entry_with_its_status) {
     EXPECT_FALSE(none.next());
 }
 
-// ---- Modules and processes ----
+// ---- Processes ----
 
 #ifndef _WIN32
-TEST_F(Files, modules_are_found_by_place_and_by_name) {
-    char why[300] = "";
-    os::Module m = os::load_module("libm.so.6", why, sizeof why);
-    ASSERT_NE(m, nullptr) << why;
-    auto cosine = reinterpret_cast<double (*)(double)>(os::find_symbol(m, "cos"));
-    EXPECT_TRUE(cosine && cosine(0) == 1 && !os::find_symbol(m, "no_such_function"));
-    os::unload_module(m);
-    ASSERT_TRUE(os::make_directory("sub") && write("local.so", "no module") && write("sub/other.so", "none"));
-    for (auto [name, place] : {std::pair{"local.so", "./local.so"}, {"sub\\other.so", "sub/other.so"}}) {
-        EXPECT_EQ(os::load_module(name, why, sizeof why), nullptr);
-        EXPECT_NE(std::string(why).find(std::string(place) + ": file too short"), std::string::npos) << why;
-    }
-}
-
 TEST_F(Files, detached_process_runs_and_leaves_no_zombie) {
     auto start = [](std::vector<const char *> words) {
         words.push_back(nullptr);

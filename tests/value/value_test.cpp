@@ -22,30 +22,17 @@ Mm blank(const std::vector<int> &d, kn_matrix_types t = kn_double) {
 
 // -- Construction.
 
-TEST(ValueConstruction, a_zero_extent_makes_all_extents_zero) {
+TEST(ValueConstruction, extents) {
     const int cube[] = {3, 0, 2};
     for (kn_matrix_types t : {kn_none, kn_double, kn_uint8, kn_Mm})
-        for (int complex : {0, 1})
-            for (const Mm &m : {Mm(complex, 0, 0, 0, 5, t), Mm(complex, 0, 0, 5, -1, t),
-                                Mm(complex, 0, 0, 3, cube, t), Mm(complex, 0, 7, 0, 0, t)}) {
-                EXPECT_EQ(dims(m), (std::vector<int>{0, 0, 0, 0}));
-                EXPECT_EQ(m.getp(), t == kn_Mm ? 5 : 8);
-            }
-    EXPECT_EQ(dims(Mm(0, 1, 3, 0, 5, kn_double)), (std::vector<int>{0, 0, 0, 0}));
-    EXPECT_EQ(Mm().gettype(), kn_double);
-}
-
-TEST(ValueConstruction, trailing_extents_of_one_are_dropped) {
+        for (const Mm &m : {Mm(0, 0, 0, 5, -1, t), Mm(1, 0, 0, 3, cube, t), Mm(1, 0, 7, 0, 0, t)})
+            EXPECT_EQ(dims(m), (std::vector<int>{0, 0, 0, 0}));
     EXPECT_EQ(blank({2, 3, 4, 1}).getndims(), 3);
     EXPECT_EQ(blank({1, 1, 1, 1}).getndims(), 2);
-    EXPECT_EQ(blank({2, 3, 4}).getp(), 32);
-    EXPECT_EQ(blank({2, 3}, kn_uint8).getp(), 14);
-    EXPECT_EQ(blank({2, 3}, kn_Mm).getp(), 11);
 }
 
 TEST(ValueConstruction, both_planes_have_room_for_p_elements) {
-    // Under the address sanitizer a plane that is too short is an error here.
-    for (int n : {1, 2, 3, 7, 8, 9, 100})
+    for (int n : {1, 7, 8, 100})
         for (kn_matrix_types t : {kn_double, kn_uint8}) {
             Mm m(1, 0, 0, n, 1, t);
             size_t plane = static_cast<size_t>(m.getp()) * (t == kn_uint8 ? 1 : 8);
@@ -57,10 +44,7 @@ TEST(ValueConstruction, both_planes_have_room_for_p_elements) {
 }
 
 TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
-    Mm s(0, 1, 3, 4, 5, kn_double);
-    EXPECT_EQ(dims(s), (std::vector<int>{4, 5, 1, 1}));
-    EXPECT_EQ(s.getnnz(), 3);
-    EXPECT_EQ(s.getp(), 11);
+    EXPECT_EQ(Mm(0, 1, 3, 4, 5, kn_double).getnnz(), 3);
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getnnz(), 20);
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getp(), 38) << "the room asked for stays";
     EXPECT_EQ(Mm(0, 1, -3, 4, 5, kn_double).getnnz(), 0);
@@ -70,21 +54,15 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
 }
 
 TEST(ValueConstruction, a_size_beyond_int_is_out_of_memory) {
-    EXPECT_RAISES(Mm(0, 0, 0, 65536, 65536, kn_double), "Out of memory!");
     EXPECT_RAISES(Mm(0, 1, 1, 1 << 30, 4, kn_double), "Out of memory!");
     EXPECT_RAISES(Mm(0, 0, 0, 2147483647, 1, kn_uint8), "Out of memory!");
     const int zero_last[] = {65536, 65536, 2, 0};
     EXPECT_EQ(Mm(0, 0, 0, 4, zero_last, kn_double).size(), 0);
-
     Returning errors;
     Mm m(1, 1, 5, 65536, 65536, kn_Mm);
     EXPECT_EQ(errors.errors().size(), 1u);
     EXPECT_SAME(m, Mm());
     EXPECT_TRUE(kn::lacks(m, 5));
-    Mm copy = m; // what failed can be copied, written and destroyed like any value
-    copy = M({{1, 2}});
-    m.getcomplex();
-    EXPECT_SAME(copy, M({{1, 2}}));
 }
 
 // -- Sharing.
@@ -105,42 +83,27 @@ TEST(ValueSharing, copies_share_the_block_and_not_the_name) {
     EXPECT_EQ(a.dirty(), 0);
 }
 
-TEST(ValueSharing, assignment_keeps_what_belongs_to_the_variable) {
-    const char *name = "v";
-    Mm v(i_o, name, 1);
-    v.getflags().persistent = 1;
-    Mm s = named("other", sparse_of(3, 3, {{4, 7}}));
-    v = s;
-    EXPECT_TRUE(v.issamename(name));
-    EXPECT_TRUE(v.isglobal() && v.getflags().persistent);
-    EXPECT_SAME(v, s);
-    v = U8({{1, 2, 3}});
-    EXPECT_SAME(v, U8({{1, 2, 3}}));
-    EXPECT_EQ(s.dirty(), 0) << "the block it held before was given back";
-    Mm &self = v;
-    v = self;
-    EXPECT_SAME(v, U8({{1, 2, 3}}));
-}
-
 TEST(ValueSharing, a_cell_may_become_its_own_element) {
     Mm c = cell_of(1, 2, {cell_of(1, 1, {5.0}), 6.0});
     c = c.mr(1);
     EXPECT_SAME(c, cell_of(1, 1, {5.0}));
-    c = c.mr(1);
-    EXPECT_SAME(c, Mm(5.0));
     c = cell_of(1, 2, {M({{4, 5}}), 6.0});
     c = std::move(c.mr(1)); // lives in the block that the target drops
     EXPECT_SAME(c, M({{4, 5}}));
 }
 
-TEST(ValueSharing, assignment_from_a_temporary_takes_its_block) {
-    Mm x(i_o, "x", 1), y = M({{1, 2, 3}}), m = 3.0, n(i_o, "n", 0);
+TEST(ValueSharing, assignment_keeps_what_belongs_to_the_variable) {
+    Mm x(i_o, "x", 1), y = M({{1, 2, 3}}), m = 3.0, n(i_o, "n", 0), s = sparse_of(3, 3, {{4, 7}});
+    x.getflags().persistent = 1;
     double *elements = y.addr();
+    x = s;
+    EXPECT_SAME(x, s);
     x = std::move(y);
-    EXPECT_EQ(x.addr(), elements);
+    EXPECT_EQ(s.dirty(), 0) << "the block it held before was given back";
+    EXPECT_EQ(x.addr(), elements) << "that of a temporary is taken";
     EXPECT_EQ(x.dirty(), 0);
     EXPECT_STREQ(x.getname(), "x");
-    EXPECT_TRUE(x.isglobal() && !x.getflags().scalar_only && !y.getname() && !y.isglobal());
+    EXPECT_TRUE(x.isglobal() && x.getflags().persistent && !x.getflags().scalar_only);
     n = m;
     n = Mm(4.0); // shared: a block of its own
     EXPECT_SAME(m, Mm(3.0));
@@ -149,28 +112,15 @@ TEST(ValueSharing, assignment_from_a_temporary_takes_its_block) {
     EXPECT_SAME(n, Mm(5.0));
     n = test::logical_of(1.0);
     EXPECT_TRUE(n.islogical());
-    EXPECT_STREQ(n.getname(), "n");
-}
-
-TEST(ValueSharing, a_destroyed_header_says_so) {
-    alignas(Mm) char place[sizeof(Mm)];
-    Mm *m = new (place) Mm(1.0);
-    int *ndims = &m->getndims();
-    m->~Mm();
-    EXPECT_EQ(*ndims, -1);
 }
 
 TEST(ValueSharing, scalar_only_lasts_while_full_real_scalars_come) {
-    Mm v(i_o, "v", 0);
-    v = 5.0;
-    EXPECT_TRUE(v.getflags().scalar_only);
-    Mm copy = v;
-    EXPECT_TRUE(copy.getflags().scalar_only);
     for (const Mm &other :
          {M({{1, 2}}), C(1, 2), U8({{1}}), Mm(), cell_of(1, 1, {1.0}), sparse_of(1, 1, {{0, 1}})}) {
         Mm w(i_o, "w", 0);
+        w = 5.0;
+        EXPECT_TRUE(w.getflags().scalar_only);
         w = other;
-        EXPECT_FALSE(w.getflags().scalar_only);
         w = 5.0;
         EXPECT_FALSE(w.getflags().scalar_only) << "it does not come back";
     }
@@ -221,14 +171,9 @@ TEST(ValueShape, reshape_touches_one_header) {
     EXPECT_SAME(b, nd({2, 3}, {1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(a.rows(), 3);
     EXPECT_EQ(a.addr(), b.addr());
-    const int cube[] = {3, 1, 2}, five[] = {3, 2, 1, 1, 1}, many[] = {3, 1, 1, 1, 2}, six[] = {6};
-    b.reshape(3, cube);
-    EXPECT_SAME(b, nd({3, 1, 2}, {1, 2, 3, 4, 5, 6}));
-    b.reshape(5, five);
-    EXPECT_SAME(b, a);
+    const int many[] = {3, 1, 1, 1, 2}, six[] = {6};
     b.reshape(1, six);
     EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
-    EXPECT_RAISES(b.reshape(4, 2), "reshape: size=6 is different than 4*2");
     EXPECT_RAISES(b.reshape(5, many), "reshape: size=6 is different than the product of new dimensions");
     EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
 
@@ -245,24 +190,21 @@ TEST(ValueElements, one_based_truncated_column_major) {
     Mm z = test::complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}})), u = U8({{1, 200}, {3, 4}}),
        c = cell_of(1, 2, {1.0, C(1, 2)});
     const std::pair<double, double> cases[] = {
-        {a.r(), 1},  {a.r(3.99), 3},     {a.r(2.5, 3.5), 6}, {a.r(2, 1, 2), 8}, {*a.addr(4), 4},
-        {z.i(), 5},  {*a.addr(1, 3), 5}, {z.i(1, 2), 6},     {z.i(2, 2, 1), 8}, {*z.addi(2, 1), 7},
-        {z.i(2), 7}, {u.ur(1, 2), 200},  {u.ur(2), 3},
+        {a.r(), 1},     {a.r(3.99), 3}, {a.r(2.5, 3.5), 6}, {a.r(2, 1, 2), 8}, {z.i(), 5},
+        {z.i(1, 2), 6}, {z.i(2), 7},    {z.i(2, 2, 1), 8},  {u.ur(1, 2), 200}, {u.ur(2), 3},
     };
     for (auto [got, wanted] : cases) EXPECT_EQ(got, wanted);
-    EXPECT_SAME(c.mr(2), C(1, 2));
     EXPECT_SAME(c.mr(1, 2), C(1, 2));
-    z.r(2, 1) = 30;
-    z.i(1) = 50;
-    EXPECT_SAME(z, test::complex_of(M({{1, 2}, {30, 4}}), M({{50, 6}, {7, 8}})));
+    EXPECT_SAME(c.safebr(2), C(1, 2));
+    for (int k : {0, 3, -1, 1 << 30}) EXPECT_SAME(c.safebr(k), nop_M);
+    EXPECT_SAME(Mm(1.0).safebr(1), nop_M);
 }
 
 TEST(ValueElements, range_and_type_are_reported) {
     Mm a = named("a", M({{1, 2}, {3, 4}})), z = named("z", C(1, 2)), u = named("u", U8({{1, 2}})),
-       c = named("c", cell_of(1, 2, {1.0, 2.0})), e = named("e", Mm());
+       c = named("c", cell_of(1, 2, {1.0, 2.0}));
     const std::pair<std::function<void()>, const char *> cases[] = {
-        {[&] { e.r(); }, "e.r(): matrix is empty"},
-        {[&] { Mm(3.0).r(2); }, "=3.r(idx): idx=2 out of matrix"},
+        {[&] { named("e", Mm()).r(); }, "e.r(): matrix is empty"},
         {[&] { a.r(0.9); }, "a.r(idx): idx=0.9 out of matrix"},
         {[&] { a.r(4294967297.0); }, "a.r(idx): idx=4.29497e+09 out of matrix"},
         {[&] { z.i(2); }, "z.r(idx): idx=2 out of matrix"},
@@ -272,37 +214,28 @@ TEST(ValueElements, range_and_type_are_reported) {
         {[&] { u.ur(2, 1); }, "u.ur(row,col): row=2 or col=1 out of matrix"},
         {[&] { c.mr(0); }, "c.mr(idx): idx=0 out of matrix"},
         {[&] { c.mr(1, 3); }, "c.mr(row,col): row=1 or col=3 out of matrix"},
+        {[&] { u.r(1); }, ".r / .i : wrong matrix type"},
+        {[&] { c.i(); }, ".r / .i : wrong matrix type"},
+        {[&] { a.ur(1); }, ".r / .i : wrong matrix type"},
+        {[&] { a.mr(1, 1); }, ".r / .i : wrong matrix type"},
     };
     for (const auto &[access, message] : cases) EXPECT_EQ(test::raised(access), message);
-    const std::function<void()> wrong_types[] = {[&] { u.r(1); }, [&] { c.i(); }, [&] { a.ur(1); },
-                                                 [&] { a.mr(1, 1); }, [&] { u.r(1, 1, 1); }};
-    for (const auto &access : wrong_types) EXPECT_EQ(test::raised(access), ".r / .i : wrong matrix type");
 }
 
 TEST(ValueElements, a_failed_access_goes_on_with_an_element_of_nobody) {
-    Mm a = M({{1, 2}}), u = U8({{1, 2}}), c = cell_of(1, 1, {1.0}), s = sparse_of(9, 9, {{5, 2}});
-    {
-        Returning errors;
-        a.r(5) = 99, a.r(2, 2) = 99, u.ur(7) = 99, c.mr(3) = 99.0, u.r() = 99, a.i(9, 9, 9) = 99;
-        EXPECT_EQ(errors.errors().size(), 6u);
-        EXPECT_EQ(a.r(5), 0);
-        EXPECT_SAME(c.mr(3), Mm());
-    }
+    Mm a = M({{1, 2}}), c = cell_of(1, 1, {1.0}), s = sparse_of(9, 9, {{5, 2}});
+    Returning errors;
+    a.r(5) = 99, a.r(2, 2) = 99, c.mr(3) = 99.0, a.i(9, 9, 9) = 99;
+    EXPECT_EQ(a.r(5), 0);
+    EXPECT_EQ(errors.errors().size(), 5u);
     // Without a report: planes that are not there, entries that are not stored.
     a.i(1) = 99;
     EXPECT_EQ(a.i(1), 0);
     s.r(9, 9) = 99;
     EXPECT_SAME(a, M({{1, 2}}));
-    EXPECT_SAME(u, U8({{1, 2}}));
     EXPECT_SAME(c, cell_of(1, 1, {1.0}));
     EXPECT_SAME(s, sparse_of(9, 9, {{5, 2}}));
-}
-
-TEST(ValueElements, safebr_never_reports) {
-    Mm c = cell_of(1, 2, {4.0, 5.0});
-    EXPECT_SAME(c.safebr(2), Mm(5.0));
-    for (int k : {0, 3, -1, 1 << 30}) EXPECT_SAME(c.safebr(k), nop_M);
-    EXPECT_SAME(Mm(1.0).safebr(1), nop_M);
+    EXPECT_EQ(errors.errors().size(), 5u);
 }
 
 // -- Conversions.
@@ -321,49 +254,24 @@ TEST(ValueConversions, getreal_drops_the_plane_of_one_header) {
     EXPECT_SAME(n, Mm(1.0));
 }
 
-TEST(ValueConversions, getcomplex_takes_a_block_of_its_own) {
-    Mm a = named("a", M({{1, 2}})), b = a;
-    a.getcomplex();
-    EXPECT_SAME(a, test::complex_of(M({{1, 2}}), M({{0, 0}})));
-    EXPECT_STREQ(a.getname(), "a");
-    EXPECT_SAME(b, M({{1, 2}}));
-}
-
-TEST(ValueConversions, deepcopy_by_types) {
-    Mm to;
+TEST(ValueConversions, deepcopy_takes_a_block_of_its_own_and_keeps_flags) {
+    Mm to = named("to", M({{1}})), text = TM("ab"), s = sparse_of(3, 3, {{1, 5}, {8, 6}}),
+       cell = cell_of(1, 1, {M({{1, 2}})}), st = struct_of({{"a", 1.0}, {"b", 2.0}});
     to.deepcopy(M({{-1, 1.9, 255, 256, 300.7, -1.5}}), kn_uint8);
     EXPECT_SAME(to, U8({{255, 1, 255, 0, 44, 255}}));
-    to.deepcopy(U8({{0, 200}}), kn_double);
-    EXPECT_SAME(to, M({{0, 200}}));
     to.deepcopy(M({{1, 2}}), kn_Mm);
     EXPECT_SAME(to, cell_of(1, 2, {1.0, 2.0}));
-    Mm cell = cell_of(1, 1, {M({{1, 2}})});
     to.deepcopy(cell, kn_none);
     EXPECT_EQ(to.mr(1).addr(), cell.mr(1).addr()) << "elements are shared";
-    to = M({{9}});
-    EXPECT_RAISES(to.deepcopy(named("c", cell), kn_double), "Can not convert c into a numeric matrix");
-    EXPECT_SAME(to, M({{9}}));
-}
-
-TEST(ValueConversions, deepcopy_keeps_flags_names_and_entries) {
-    Mm text = TM("ab");
     text.getflags().persistent = text.getflags().global = 1;
-    Mm to = named("to", M({{1}}));
     to.deepcopy(1, text, kn_double);
     EXPECT_TRUE(to.isstr() && to.isc() && !to.isglobal() && !to.getflags().persistent);
     EXPECT_STREQ(to.getname(), "to");
     EXPECT_NE(to.addr(), text.addr());
-
-    Mm s = sparse_of(3, 3, {{1, 5}, {8, 6}});
-    to.deepcopy(s, kn_none);
-    EXPECT_SAME(to, s);
-    EXPECT_NE(to.getindex(), s.getindex());
     to.deepcopy(0, 0, s, kn_double);
     EXPECT_SAME(to, nd({3, 3}, {0, 5, 0, 0, 0, 0, 0, 0, 6}));
     to.deepcopy(0, 1, M({{3, 4}}), kn_double);
     EXPECT_SAME(to, sparse_of(1, 2, {{0, 3}, {1, 4}}));
-
-    Mm st = struct_of({{"a", 1.0}, {"b", 2.0}});
     st.setclassid(3);
     to.deepcopy(st, kn_none);
     EXPECT_SAME(to, st);
@@ -374,39 +282,21 @@ TEST(ValueConversions, deepcopy_keeps_flags_names_and_entries) {
 // -- Names and scalars.
 
 TEST(ValueNames, in_messages) {
-    const std::pair<Mm, const char *> cases[] = {
-        {-3.7, "=-3"}, {inf, "=2147483647"}, {Mm(), "(temporary)"}, {U8({{1}}), "(temporary)"}};
+    const std::pair<Mm, const char *> cases[] = {{-3.7, "=-3"},
+                                                 {inf, "=2147483647"},
+                                                 {Mm(), "(temporary)"},
+                                                 {U8({{1}}), "(temporary)"},
+                                                 {Mm(0, 1, 0, 1, 1, kn_double), "=0"}};
     for (const auto &[m, name] : cases) EXPECT_STREQ(kn_display_name(m), name);
-    EXPECT_STREQ(kn_display_name(named("x", M({{1, 2}}))), "x");
-    EXPECT_STREQ(kn_display_name(Mm(0, 1, 0, 1, 1, kn_double)), "=0");
-}
-
-TEST(ValueNames, scalar_tells_why_not) {
-    EXPECT_EQ(scalar(Mm(4.5)), 4.5);
-    Mm complex_text = C(97, 1), char_text = TM("a");
+    Mm complex_text = C(97, 1);
     complex_text.setstr(1);
-    EXPECT_RAISES(scalar(named("x", Mm())), "scalar: matrix x is not scalar");
-    EXPECT_RAISES(scalar(named("x", complex_text)), "scalar: matrix x is complex");
-    EXPECT_RAISES(scalar(char_text), "scalar: matrix =97 is string");
-    EXPECT_RAISES(scalar(named("x", sparse_of(1, 1, {{0, 1}}))), "scalar: matrix x is sparse");
-    EXPECT_RAISES(scalar(named("x", U8({{1}}))), "scalar: matrix x is not double");
-}
-
-TEST(ValueNames, variables_without_a_value) {
-    Mm v(i_o, "v", 0);
-    EXPECT_RAISES(v.warn_uninit(), "variable 'v' was used without a value");
-    EXPECT_RAISES(switchinit(v), "variable 'v' was used without a value");
-    EXPECT_EQ(test::raised([] { Mm().warn_uninit(); }), "(no error)");
-}
-
-TEST(ValueNames, argument_counts) {
-    nargin_val = 3;
-    nargout_val = 2;
-    Mm out, in;
-    EXPECT_SAME(argn(i_o, out, in), x_M);
-    EXPECT_SAME(out, Mm(2.0));
-    EXPECT_SAME(in, Mm(3.0));
-    nargin_val = nargout_val = 0;
+    const std::pair<Mm, const char *> faults[] = {{Mm(), "(temporary) is not scalar"},
+                                                  {complex_text, "=97 is complex"},
+                                                  {TM("a"), "=97 is string"},
+                                                  {sparse_of(1, 1, {{0, 1}}), "=1 is sparse"},
+                                                  {U8({{1}}), "(temporary) is not double"}};
+    for (const auto &[m, fault] : faults) EXPECT_RAISES(scalar(m), std::string("scalar: matrix ") + fault);
+    EXPECT_RAISES(switchinit(Mm(i_o, "v", 0)), "variable 'v' was used without a value");
 }
 
 } // namespace

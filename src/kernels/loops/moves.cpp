@@ -399,23 +399,23 @@ inline void compress(double *to, ptrdiff_t count, Source source, const MaskWord 
     for_set(bits, done, words_of(n), [&](ptrdiff_t k) { *to++ = source.element(k); });
 }
 
-struct Elements {
+struct ElementSource {
     const double *x;
     Vector vector(ptrdiff_t k) const { return load(x + k); }
     double element(ptrdiff_t k) const { return x[k]; }
 };
 
-struct Numbers {
+struct NumberSource {
     Vector vector(ptrdiff_t k) const { return counting(static_cast<double>(k + 1)); }
     double element(ptrdiff_t k) const { return static_cast<double>(k + 1); }
 };
 
 void compress(double *to, ptrdiff_t count, const double *from, const MaskWord *bits, ptrdiff_t n) {
-    compress(to, count, Elements{from}, bits, n);
+    compress(to, count, ElementSource{from}, bits, n);
 }
 
 void numbers(double *to, ptrdiff_t count, const MaskWord *bits, ptrdiff_t n) {
-    compress(to, count, Numbers{}, bits, n);
+    compress(to, count, NumberSource{}, bits, n);
 }
 
 void expand(double *to, const MaskWord *bits, ptrdiff_t n, const double *from, ptrdiff_t count) {

@@ -30,9 +30,10 @@ namespace {
 bool is_hex_digit(int c) { return is_digit(c) || (to_lower(c) >= 'a' && to_lower(c) <= 'f'); }
 
 // The source: the next character, or EOF.
-class Text {
+class TextInput {
   public:
-    explicit Text(std::string_view text) : start_(text.data()), at_(start_), end_(start_ + text.size()) {}
+    explicit TextInput(std::string_view text)
+        : start_(text.data()), at_(start_), end_(start_ + text.size()) {}
     int peek() const { return at_ < end_ ? static_cast<unsigned char>(*at_) : EOF; }
     void next() { ++at_; }
     ptrdiff_t moved() const { return piece_ - start_; }
@@ -57,14 +58,14 @@ class Text {
     const char *start_, *at_, *end_, *piece_ = start_;
 };
 
-class Stream {
+class StreamInput {
   public:
-    explicit Stream(std::FILE *file) : file_(file) {}
-    ~Stream() {
+    explicit StreamInput(std::FILE *file) : file_(file) {}
+    ~StreamInput() {
         if (known_ && ahead_ != EOF) std::ungetc(ahead_, file_);
     }
-    Stream(const Stream &) = delete;
-    Stream &operator=(const Stream &) = delete;
+    StreamInput(const StreamInput &) = delete;
+    StreamInput &operator=(const StreamInput &) = delete;
     int peek() {
         if (!known_) ahead_ = std::getc(file_);
         known_ = true;
@@ -86,7 +87,7 @@ class Stream {
 };
 
 // The values read.
-class Numbers {
+class ScannedNumbers {
   public:
     void append(double x) {
         bytes_.append(std::string_view(reinterpret_cast<const char *>(&x), sizeof x));
@@ -109,9 +110,9 @@ class Numbers {
 
 enum Answer { ended = -1, unfit = 0, fits = 1 };
 
-template <class In> class Reader {
+template <class In> class Scanner {
   public:
-    explicit Reader(In &in) : in_(in) {}
+    explicit Scanner(In &in) : in_(in) {}
 
     // Reads by one piece. The result is in `word` (s, c) or `value`.
     Answer read(const Piece &piece) {
@@ -128,9 +129,9 @@ template <class In> class Reader {
         if (in_.peek() == EOF) return ended;
         left_ = piece.width < 0 ? INT_MAX : piece.width;
         switch (piece.conversion) {
-        case 'c': take(); return word.view()[0] == '\0' ? unfit : fits;
+        case 'c': accept(); return word.view()[0] == '\0' ? unfit : fits;
         case 's':
-            while (more() && !is_white(in_.peek())) take();
+            while (more() && !is_white(in_.peek())) accept();
             return fits;
         case 'd':
         case 'u': return integer(10, piece.conversion == 'd');
@@ -152,7 +153,7 @@ template <class In> class Reader {
         while (is_white(in_.peek())) in_.next();
     }
     bool more() { return left_ > 0 && in_.peek() != EOF; }
-    void take() {
+    void accept() {
         word.append(static_cast<char>(in_.peek()));
         drop();
     }
@@ -161,10 +162,10 @@ template <class In> class Reader {
         --left_;
     }
     bool next_is(char c) { return more() && to_lower(in_.peek()) == c; }
-    bool take_all(const char *text) {
+    bool accept_all(const char *text) {
         for (; *text; ++text) {
             if (!next_is(*text)) return false;
-            take();
+            accept();
         }
         return true;
     }
@@ -189,15 +190,15 @@ template <class In> class Reader {
         return fits;
     }
 
-    void take_sign() {
-        if (next_is('-') || next_is('+')) take();
+    void accept_sign() {
+        if (next_is('-') || next_is('+')) accept();
     }
 
     Answer integer(int base, bool is_signed) {
-        take_sign();
+        accept_sign();
         const size_t sign = word.size();
         if (next_is('0')) {
-            take();
+            accept();
             if ((base == 0 || base == 16) && next_is('x')) {
                 drop();
                 base = 16;
@@ -208,7 +209,7 @@ template <class In> class Reader {
         if (base == 0) base = 10;
         while (more() &&
                (base == 16 ? is_hex_digit(in_.peek()) : in_.peek() >= '0' && in_.peek() < '0' + base))
-            take();
+            accept();
         if (!word || word.size() == sign) return unfit;
         const char *digits = word.c_str();
         value = static_cast<double>(is_signed ? std::strtol(digits, nullptr, base)
@@ -217,22 +218,22 @@ template <class In> class Reader {
     }
 
     Answer number() {
-        take_sign();
+        accept_sign();
         const size_t sign = word.size();
         if (next_is('n')) {
-            if (!take_all("nan")) return unfit;
+            if (!accept_all("nan")) return unfit;
         } else if (next_is('i')) {
-            if (!take_all("inf") || (next_is('i') && !take_all("inity"))) return unfit;
+            if (!accept_all("inf") || (next_is('i') && !accept_all("inity"))) return unfit;
         } else {
             bool hex = false, dot = false, exponent = false;
             if (next_is('0')) {
-                take();
+                accept();
                 hex = left_ > 1 && next_is('x');
-                if (hex) take();
+                if (hex) accept();
             }
             const char letter = hex ? 'p' : 'e';
             bool digits = !hex && word.size() > sign;
-            for (; more(); take()) {
+            for (; more(); accept()) {
                 const int c = in_.peek();
                 if (is_digit(c) || (hex && !exponent && is_hex_digit(c))) {
                     digits = true;
@@ -248,17 +249,17 @@ template <class In> class Reader {
             if (word.size() == sign + (hex ? 2 : 0)) return unfit;
             if (word && !hex) {
                 const char *at = word.data(), *end = at + word.size();
-                auto [behind, problem] = std::from_chars(at + (*at == '+'), end, value);
+                auto [after, problem] = std::from_chars(at + (*at == '+'), end, value);
                 if (problem == std::errc()) return fits;
                 if (problem == std::errc::invalid_argument) return unfit;
             }
         }
         if (!word) return unfit;
-        char *behind;
+        char *after;
         const char *text = word.c_str();
         const os::PlainNumbers plain;
-        value = std::strtod(text, &behind);
-        return behind == text ? unfit : fits;
+        value = std::strtod(text, &after);
+        return after == text ? unfit : fits;
     }
 
     In &in_;
@@ -267,8 +268,8 @@ template <class In> class Reader {
 };
 
 // False after a report.
-template <class In> bool scan(FormatList &list, In in, int limit, Numbers &out) {
-    Reader<In> reader(in);
+template <class In> bool scan(FormatList &list, In in, int limit, ScannedNumbers &out) {
+    Scanner<In> scanner(in);
     ptrdiff_t moved = -1;
     int nread = 0, nread_before = 0;
     for (; nread < limit; list.advance()) {
@@ -280,10 +281,10 @@ template <class In> bool scan(FormatList &list, In in, int limit, Numbers &out) 
         const Piece &piece = list.piece();
         in.begin_piece();
         if (piece.conversion == 'n') {
-            if (reader.at_end()) break;
+            if (scanner.at_end()) break;
             if (!piece.skip) out.append(nread);
         } else {
-            Answer answer = reader.read(piece);
+            Answer answer = scanner.read(piece);
             if (answer == ended) break;
             if (answer == fits && piece.for_c) {
                 nread += !piece.suppressed;
@@ -292,13 +293,13 @@ template <class In> bool scan(FormatList &list, In in, int limit, Numbers &out) 
             }
             if (piece.skip || answer != fits) {
             } else if (piece.conversion == 'c' || piece.conversion == 's') {
-                for (char c : reader.word.view()) out.append(static_cast<unsigned char>(c));
+                for (char c : scanner.word.view()) out.append(static_cast<unsigned char>(c));
             } else if (piece.conversion != 'p') {
-                out.append(reader.value);
+                out.append(scanner.value);
             }
         }
         in.end_piece(piece.conversion);
-        if (!reader.word.goes_on() || !out) return false;
+        if (!scanner.word.goes_on() || !out) return false;
     }
     return true;
 }
@@ -324,8 +325,9 @@ bool format_scan(std::FILE *stream, std::string_view text, const Mm &fmt, const 
               n = matrix ? std::max(double_to_int(extents.data()[1]), 0) : 1;
     const int limit = static_cast<int>(std::min<long long>(static_cast<long long>(m) * n, INT_MAX));
 
-    Numbers numbers;
-    if (!(stream ? scan(list, Stream(stream), limit, numbers) : scan(list, Text(text), limit, numbers)))
+    ScannedNumbers numbers;
+    if (!(stream ? scan(list, StreamInput(stream), limit, numbers)
+                 : scan(list, TextInput(text), limit, numbers)))
         return false;
 
     const int stored = numbers.count();
