@@ -1,4 +1,4 @@
-// A file under a name of its own, kn<process>_<k>.tmp, until it takes the place of another.
+// A file under a temporary name, kn<process>_<k>.tmp, until it replaces another.
 
 #include "files/atomic_write.h"
 
@@ -17,7 +17,7 @@ namespace {
 
 constexpr double seconds_between_sweeps = 60;
 
-// The number of the process in such a name; 0 for other names.
+// The process number in such a name; 0 for other names.
 unsigned process_in(std::string_view name) {
     unsigned id = 0, k = 0;
     const char *const end = name.data() + name.size();
@@ -28,8 +28,8 @@ unsigned process_in(std::string_view name) {
     return second.ec == std::errc() && std::string_view(second.ptr, end - second.ptr) == ".tmp" ? id : 0;
 }
 
-// Removes what processes that were killed have left in a directory. In one with many files that takes its
-// time, so the one that was looked through last is left alone for a while.
+// Removes the temporary files that killed processes have left in a directory. Scanning a large directory is
+// slow, so the directory scanned last is skipped for a while.
 void sweep(const char *directory) {
     thread_local char last[1024];
     thread_local double when;
@@ -48,7 +48,7 @@ void sweep(const char *directory) {
     }
 }
 
-// What has no place to come back to.
+// A stream that has no position to return to.
 bool is_pipe(std::FILE *stream) { return stream && io::tell(stream) < 0; }
 
 } // namespace
@@ -65,7 +65,7 @@ Replacement::Replacement(const char *name) : name_(name) {
         stream_.swap(first), kept_.swap(to);
 }
 
-// Answers false when the file has to keep its place.
+// Returns false when the existing file must be kept and overwritten.
 bool Replacement::create_beside() {
     if (!os::replaceable(name_)) return false;
     const int directory = static_cast<int>(os::last_part(name_) - name_);
@@ -96,7 +96,7 @@ bool Replacement::finish() {
     return written;
 }
 
-// The content of the nameless file in place of the old one.
+// Copies the content of the nameless file over the old one.
 bool Replacement::copy_over() {
     char block[1 << 14];
     if (io::flush(get()) != 0 || io::seek(get(), 0, SEEK_SET) != 0) return false;

@@ -24,7 +24,7 @@ using namespace kn;
 
 namespace {
 
-// A file and how its elements stand there.
+// A file and the layout of its elements.
 struct Layout {
     int slot;
     std::FILE *stream;
@@ -40,10 +40,10 @@ struct Layout {
     long long stride() const { return static_cast<long long>(precision.size) + skip; }
 };
 
-// Gaps up to here are read and written with the elements around them, many elements a call.
+// Gaps up to this size are read and written together with the elements around them, many elements a call.
 constexpr long long block_bytes = 1 << 16, largest_gap = 1 << 10;
 
-// Bytes up to the end of the file; 0 where that can't be told: of pipes, of devices.
+// Bytes up to the end of the file; 0 where that is unknown: for pipes and devices.
 long long bytes_left(std::FILE *stream) {
     const long long at = io::tell(stream);
     if (at < 0 || io::seek(stream, 0, SEEK_END) != 0) return 0;
@@ -51,7 +51,7 @@ long long bytes_left(std::FILE *stream) {
     return io::seek(stream, at, SEEK_SET) == 0 && end > at ? end - at : 0;
 }
 
-// Moves on by a gap. Where a stream can't be moved, by reading it.
+// Skips a gap; by reading it where the stream cannot seek.
 bool pass(std::FILE *stream, long long bytes) {
     if (io::seek(stream, bytes, SEEK_CUR) == 0) return true;
     char block[4096];
@@ -65,10 +65,10 @@ bool pass(std::FILE *stream, long long bytes) {
 
 struct Shape {
     double rows, cols;
-    bool clamped; // to what is there
+    bool clamped; // to what the file has
 };
 
-// The shape for what a file of `avail` bytes can give of the size asked for.
+// The shape of the result when a file with `avail` bytes left is asked for the given size.
 Shape shape_of(const Mm &size, long long avail, const Layout &f) {
     double rows = INFINITY, cols = 1;
     if (size.size() > 0) {
@@ -86,7 +86,7 @@ Shape shape_of(const Mm &size, long long avail, const Layout &f) {
     return {rows, cols, true};
 }
 
-// Reads elements with gaps; the stream's count of items.
+// Reads elements with gaps; returns the stream's count of items.
 ptrdiff_t read_apart(double *to, ptrdiff_t n, const Layout &f) {
     const size_t e = static_cast<size_t>(f.precision.size);
     const long long stride = f.stride(), start = io::tell(f.stream);
@@ -126,14 +126,14 @@ ptrdiff_t read_items(double *to, ptrdiff_t n, const Layout &f) {
     return items;
 }
 
-// A matrix for the shape; an empty one for none, and without memory.
+// A matrix of this shape; empty for no shape, and when memory is exhausted.
 Mm matrix_of(const Shape &shape) {
     if (shape.rows < 1 || shape.cols < 1) return nop_M;
     if (shape.rows * shape.cols > INT_MAX) return out_of_memory(), nop_M;
     return Mm(0, 0, 0, static_cast<int>(shape.rows), static_cast<int>(shape.cols), kn_double);
 }
 
-// From a file that tells how much is left.
+// From a file whose remaining size is known.
 Mm read_sized(const Shape &shape, const Layout &f, ptrdiff_t &items) {
     Mm out = matrix_of(shape);
     if (out.getnnz() > 0) items = read_items(out.addr(), out.getnnz(), f);
@@ -144,7 +144,7 @@ Mm read_sized(const Shape &shape, const Layout &f, ptrdiff_t &items) {
     return out;
 }
 
-// From a pipe, a device, or the end of a file: until the size asked for, or the end, is met.
+// From a pipe, a device, or at the end of a file: reads until the size asked for, or the end, is reached.
 Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
     const Shape most = shape_of(size, LLONG_MAX, f);
     const double limit = most.rows >= 1 && most.cols >= 1 ? most.rows * most.cols : 0;
@@ -164,7 +164,7 @@ Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
     }
     const Shape shape =
         stored > INT_MAX ? Shape{INFINITY, 1, false} : shape_of(size, stored * f.stride() - f.skip, f);
-    if (shape.clamped && limit == 0) { // nothing was asked for, but the end may be here
+    if (shape.clamped && limit == 0) { // nothing was asked for, but the file may be at its end
         const int next = std::getc(f.stream);
         if (next != EOF) std::ungetc(next, f.stream);
     }
@@ -196,7 +196,7 @@ Mm read_matrix(const Mm &fid, const Mm &size, const Mm &precision, const Mm &ski
     return out;
 }
 
-// Writes elements and the gaps between them from a copy of what the file holds there, many a call.
+// Writes elements and, between them, the old contents of the file, many elements a call.
 template <class T> ptrdiff_t write_over(const T *from, ptrdiff_t n, const Layout &f, std::FILE *old) {
     constexpr size_t large_block_bytes = 1 << 20;
     const size_t e = static_cast<size_t>(f.precision.size), step = static_cast<size_t>(f.stride());
@@ -204,8 +204,8 @@ template <class T> ptrdiff_t write_over(const T *from, ptrdiff_t n, const Layout
     const Scratch<char> space(room * static_cast<ptrdiff_t>(step));
     if (!space) return 0;
     char *const block = space.get();
-    bool more = true; // of the old contents: behind their end stands what was written meanwhile
-    size_t unclear = static_cast<size_t>(room) * step; // up to here gaps may hold anything but zeros
+    bool more = true; // of the old contents: what follows their end was written meanwhile
+    size_t unclear = static_cast<size_t>(room) * step; // up to here gaps may hold nonzero bytes
     for (ptrdiff_t done = 0; done < n;) {
         const ptrdiff_t m = std::min(n - done, room);
         const size_t bytes = static_cast<size_t>(m) * step - (done + m < n ? 0 : step - e),
@@ -223,8 +223,8 @@ template <class T> ptrdiff_t write_over(const T *from, ptrdiff_t n, const Layout
     return n;
 }
 
-// Writes elements, each followed by a gap; how many the stream took. Where no gap can be made, the first is
-// the last. A file that is appended to takes them side by side.
+// Writes elements, each followed by a gap; returns how many the stream accepted. Where a gap is impossible,
+// writing ends after the first element. In append mode the elements are written without gaps.
 template <class T> ptrdiff_t write_all(const T *from, ptrdiff_t n, const Layout &f) {
     constexpr ptrdiff_t worth_a_copy = 16;
     const bool appends = std::strchr(fid_mode(f.slot), 'a');

@@ -1,4 +1,4 @@
-// Bytes in the other order.
+// Reversing the byte order.
 #ifndef QUORVEX_FILES_BYTE_ORDER_H
 #define QUORVEX_FILES_BYTE_ORDER_H
 

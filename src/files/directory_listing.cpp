@@ -26,15 +26,15 @@ namespace {
 constexpr int name_size = 1024;
 
 struct Entry {
-    size_t name; // where it stands among the names
+    size_t name; // offset in the names
     os::FileStatus status;
 };
 
-// Entries by name. False for one that got no memory.
+// Entries sorted by name. Converts to false when memory was exhausted.
 class Listing {
   public:
-    // A directory's entries, those that a pattern in the last part of the name fits, or the one file of the
-    // name.
+    // The entries of a directory, those that match a pattern in the last part of the name, or the single file
+    // of that name.
     explicit Listing(const Mm &m) {
         char text[name_size];
         Mstr_row(m, text, name_size);

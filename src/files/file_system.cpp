@@ -1,4 +1,4 @@
-// Making, removing and changing directories, removing and copying files, names of files, the environment.
+// Making, removing and changing directories, removing and copying files, file names, the environment.
 
 #include <atomic>
 #include <cstring>

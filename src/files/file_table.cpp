@@ -21,7 +21,7 @@ namespace {
 struct Slot {
     std::FILE *stream; // null: free
     int format;
-    bool both; // for reading and writing
+    bool both; // open for reading and writing
     char mode[file_mode_size];
     char name[file_name_size];
 };
@@ -33,7 +33,7 @@ constexpr struct {
     const char *name, *mode;
 } standard[first_fid] = {{"\"stdin\"", "r"}, {"\"stdout\"", "a"}, {"\"stderr\"", "a"}};
 
-// Takes no lock, which another thread may hold: a slot that changes meanwhile is nearly always seen whole.
+// Takes no lock, since another thread may hold it: a slot that changes meanwhile is nearly always read whole.
 void write_out_slots() {
     for (int slot = first_fid; slot < fid_slots; ++slot)
         if (std::FILE *stream = slots[slot].stream) os::write_out(stream);

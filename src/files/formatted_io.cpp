@@ -12,7 +12,7 @@ using namespace kn;
 
 namespace {
 
-// The slot that text goes to. A number below 0, which a file that didn't open has, counts as 0; -1 after a
+// The slot that text is written to. A negative fid, as of a file that failed to open, counts as 0; -1 after a
 // report.
 int output_slot(const Mm &fid) {
     if (fid.size() == 1 && fid.gettype() == kn_double && double_to_int(*full(fid).addr()) < 0) return 0;
@@ -43,7 +43,7 @@ void print_to(int slot, const Mm &fmt, const Mm &list) {
     }
 }
 
-// A list with one value in front.
+// A list with one value prepended.
 Mm with_first(const Mm &first, const Mm &list) {
     const int n = list.size() == 0 ? 0 : values_of(list);
     Mm all(0, 0, 0, 1, n + 1, kn_Mm);
@@ -57,14 +57,14 @@ Mm with_first(const Mm &first, const Mm &list) {
 
 Mm fprintf(const Mm &fmt) { return fprintf(1.0, fmt); }
 
-// One empty value: conversions write nothing, and the text is written as C does.
+// One empty value: conversions write nothing, and literal text is written as C does.
 Mm fprintf(const Mm &fid, const Mm &fmt) {
     const Mm list = with_first(nop_M, nop_M);
     return list.size() > 0 ? fprintf(fid, fmt, list) : x_M;
 }
 
 Mm fprintf(const Mm &fid, const Mm &fmt, const Mm &list) {
-    if (fid.isstr()) { // it is the format, and what stands in its place the first value
+    if (fid.isstr()) { // it is the format, and the argument in the format's place is the first value
         const Mm all = with_first(fmt, list);
         if (all.size() > 0) print_to(1, fid, all);
         return x_M;

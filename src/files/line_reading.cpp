@@ -26,7 +26,7 @@ Mm text_of(const char *s, size_t n) {
     return out;
 }
 
-// A piece of at most n characters, which `finish(text, length)` shortens to what is wanted of it.
+// Reads at most n characters, which `finish(text, length)` cuts down to the part that is wanted.
 template <class F> Mm next_line(const char *caller, const Mm &fid, int n, F finish) {
     const int slot = file_lookup(fid, caller);
     if (slot < 0) return -1;

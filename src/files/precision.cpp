@@ -19,13 +19,13 @@
 namespace kn {
 namespace {
 
-// Of one call of the stream library. A file system finds room for a large block at once.
+// Bytes in one call of the stream library. A file system allocates space for a large block at once.
 constexpr size_t block_bytes = 1 << 16, large_block_bytes = 1 << 22;
 constexpr double two32 = 4294967296.0;
 
 // ---- Codes ----
 
-// Calls f with a value of the type that the code means; `otherwise` for an unknown one.
+// Calls f with a value of the type for the code; `otherwise` for an unknown one.
 template <class R, class F> R with_type(int code, R otherwise, F f) {
     switch (code) {
     case 0:
@@ -43,7 +43,7 @@ template <class R, class F> R with_type(int code, R otherwise, F f) {
     return otherwise;
 }
 
-// Items of the stream in an element: a 64-bit integer is two words.
+// Stream items in an element: a 64-bit integer is two 32-bit items.
 template <class Raw> constexpr size_t items = std::is_same_v<Raw, uint64_t> ? 2 : 1;
 
 constexpr struct {
@@ -65,7 +65,7 @@ constexpr struct {
 template <size_t bytes>
 using Unsigned = std::conditional_t<bytes == 2, uint16_t, std::conditional_t<bytes == 4, uint32_t, uint64_t>>;
 
-// In place; goes by memcpy, since the elements may be of any type.
+// In place; uses memcpy, since the elements may be of any type.
 template <class T> void reverse(T *x, size_t n) {
     if constexpr (sizeof(T) > 1) {
         for (size_t k = 0; k < n; ++k) {
@@ -83,7 +83,7 @@ uint64_t two_words(double x) {
     return low_bits(x / two32) << 32 | static_cast<uint32_t>(low_bits(x - std::floor(x / two32) * two32));
 }
 
-// Numbers that all fit 32 bits, as nearly all blocks hold, are converted by instructions for several at once.
+// Numbers that all fit 32 bits, as in nearly all blocks, are converted by vector instructions.
 template <class Raw> void truncate(const double *x, size_t n, Raw *to) {
     constexpr uint64_t magnitude = ~uint64_t{0} >> 1, most = std::bit_cast<uint64_t>(two32 / 2) - 1;
     for (size_t step = 512; n > 0; x += step, to += step, n -= step) {
@@ -118,7 +118,7 @@ template <class From, class Raw> void encode(const From *from, size_t n, Raw *to
     }
 }
 
-// Types that differ at most in their sign: bytes stay as they are.
+// Types that differ at most in signedness: the bytes are unchanged.
 template <class A, class B>
 constexpr bool alike = sizeof(A) == sizeof(B) && std::is_integral_v<A> == std::is_integral_v<B>;
 
@@ -158,7 +158,7 @@ template <class To> ptrdiff_t read_as(To *to, ptrdiff_t n, std::FILE *stream, in
     return with_type(code, ptrdiff_t{0}, [&](auto raw) { return read<decltype(raw)>(to, n, stream, swap); });
 }
 
-// Converts into the block and writes it, as often as needed.
+// Converts into the block and writes it, repeated until all is written.
 template <class Raw, class From>
 ptrdiff_t write_blocks(const From *from, size_t n, Raw *block, size_t room, std::FILE *stream, bool swap) {
     size_t done = 0;

@@ -9,7 +9,7 @@
 //     4  2        unsigned integer           10  8        unsigned integer
 //     5  1        unsigned integer
 //
-// `swap` says that the bytes of each element stand in the order that is not the machine's. A call of the
+// `swap` means that the bytes of each element are in the opposite of the machine's order. A call of the
 // stream library moves a block of elements.
 #ifndef QUORVEX_FILES_PRECISION_H
 #define QUORVEX_FILES_PRECISION_H
@@ -32,32 +32,32 @@ inline uint64_t low_bits(double x) {
     return x > -limit && x < limit ? static_cast<uint64_t>(static_cast<int64_t>(x)) : 0;
 }
 
-// By name; "fileio: unknown precision %s", then double.
+// The precision with this name; reports "fileio: unknown precision %s" and uses double for an unknown one.
 Precision file_precision(const Mm &name);
 
-// Reads n elements. The answer is the stream's count of items, of which a 64-bit element has two; 0 for an
-// unknown code. Where fewer than n are had, the elements behind them become 0, unless there were none: then
-// nothing is written. Integers wrap to the type of `to`; floating-point numbers are truncated and wrap, those
-// outside 64-bit integers give 0.
+// Reads n elements. Returns the stream's count of items, of which a 64-bit element has two; 0 for an unknown
+// code. When fewer than n are read, the remaining elements become 0; when none is read, nothing is written.
+// Integers wrap to the type of `to`; floating-point numbers are truncated and wrap, those outside 64-bit
+// integers give 0.
 ptrdiff_t read_elements(double *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
 ptrdiff_t read_elements_int32(int *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
 ptrdiff_t read_elements_byte(unsigned char *to, ptrdiff_t n, std::FILE *stream, int code, bool swap);
 
-// The same of elements in memory.
+// The same for elements in memory.
 void decode_elements(const void *from, double *to, ptrdiff_t n, int code, bool swap);
 
-// The bytes of elements, so many from one to the next; codes as write_elements has them.
+// The bytes of elements `stride` bytes apart; the codes are those of write_elements.
 void encode_elements(const double *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride);
 void encode_elements(const unsigned char *from, ptrdiff_t n, int code, bool swap, char *to, size_t stride);
 
-// Writes n numbers; the answer is how many elements the stream took. An integer code truncates and keeps the
-// low bytes; numbers outside 64-bit integers give 0. In 64-bit elements the high word is trunc(x / 2^32) and
-// the low one trunc(x - floor(x / 2^32) * 2^32), so that -1 has the high word 0. An unknown code writes
-// nothing and answers -1.
+// Writes n numbers; returns how many elements the stream accepted. An integer code truncates and keeps the
+// low bytes; numbers outside 64-bit integers give 0. In 64-bit elements the high half is trunc(x / 2^32) and
+// the low one trunc(x - floor(x / 2^32) * 2^32), so that -1 has the high half 0. An unknown code writes
+// nothing and returns -1.
 ptrdiff_t write_elements(const double *from, ptrdiff_t n, std::FILE *stream, int code, bool swap);
 ptrdiff_t write_elements(const unsigned char *from, ptrdiff_t n, std::FILE *stream, int code, bool swap);
 
-// Writes one number; the answer is the stream's count of items, 2 for a 64-bit element.
+// Writes one number; returns the stream's count of items, 2 for a 64-bit element.
 int write_element(double value, std::FILE *stream, int code, bool swap);
 
 } // namespace kn

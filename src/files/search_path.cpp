@@ -1,4 +1,4 @@
-// The M path: directories one after the other, each ended by a null character, in one block.
+// The M path: a list of directories, each terminated by a null character, in one block.
 
 #include "files/search_path.h"
 
@@ -20,14 +20,14 @@ namespace {
 
 using std::string_view;
 
-// Calls work(directory) for each directory until it answers true; whether one did.
+// Calls work(directory) for each directory until it returns true; returns whether one did.
 template <class F> bool any_directory(const kn_path_record &record, F work) {
     for (const char *d = record.start; d < record.end; d += std::strlen(d) + 1)
         if (work(d)) return true;
     return false;
 }
 
-// The text from `parts`, when it fits.
+// Concatenates `parts`; false when the result does not fit.
 bool join(char *out, size_t size, std::initializer_list<string_view> parts) {
     size_t n = 0;
     for (string_view part : parts) {
@@ -44,8 +44,8 @@ bool opens(const char *name) {
     return file != nullptr;
 }
 
-// A piece of path text as a directory: absolute, ending in a separator. False for one that is not to be
-// added.
+// Converts a piece of path text to a directory: absolute, ending in a separator. False for one that is not to
+// be added.
 bool directory_of(string_view piece, char *out, size_t size) {
     constexpr string_view mount = "/tmp_mnt";
     if (piece.starts_with("diary")) return false;
@@ -181,7 +181,7 @@ Mm matlabpath(const Mm &m) {
     std::memset(record->start, 0, kn_path_size);
     std::replace_copy(text.get(), text.get() + n, record->start, ';', '\0');
     record->end = record->start + n;
-    // The last directory ends too, unless the text said so.
+    // The last directory is terminated too, unless the text already did that.
     if (n > 0 && record->end[-1] != '\0') ++record->end;
     return x_M;
 }

@@ -1,4 +1,4 @@
-// The calls of the C stream library, behind a probe that makes one fail. All of files/ calls them here.
+// The calls of the C stream library, with a probe that makes one fail. All of files/ calls them here.
 #ifndef QUORVEX_FILES_STREAM_CALLS_H
 #define QUORVEX_FILES_STREAM_CALLS_H
 
@@ -28,7 +28,7 @@ inline bool stream_fails() { return false; }
 inline void count_open(int) {}
 #endif
 
-// Names and results as in <cstdio>. A close that fails has closed all the same.
+// Names and results as in <cstdio>. A close that fails still closes the stream.
 namespace io {
 
 inline std::FILE *opened(std::FILE *f) {
@@ -38,7 +38,7 @@ inline std::FILE *opened(std::FILE *f) {
 inline std::FILE *open(const char *name, const char *mode) {
     return stream_fails() ? nullptr : opened(os::open_file(name, mode));
 }
-// A second one, for reading, to the file of a stream.
+// A second stream, for reading, of the same file.
 inline std::FILE *open_again(std::FILE *f) { return stream_fails() ? nullptr : opened(os::open_again(f)); }
 inline int close(std::FILE *f) {
     count_open(-1);

@@ -37,7 +37,7 @@ Mm open_fids() {
     return out;
 }
 
-// The file that has the name, and, of one that is only read, the name it was found under.
+// The file with this name, and, when it is opened for reading only, the name under which it was found.
 std::FILE *open_stream(char *name, char *mode) {
     if (!std::strchr(mode, 'r') || std::strchr(mode, '+')) return io::open(name, mode);
     std::strcpy(mode, "rb");
@@ -89,7 +89,7 @@ bool is_number(const Mm &x) {
     return !x.isstr() && x.size() == 1 && (x.gettype() == kn_double || x.gettype() == kn_uint8);
 }
 
-// Where fseek counts from.
+// The origin of an fseek.
 int origin_of(const Mm &origin) {
     if (origin.isstr()) {
         if (is_word(origin, "bof")) return SEEK_SET;

@@ -101,7 +101,7 @@ Mm celldisp(const Mm &m) {
         const Mm *cell;
         int next; // row by row
     };
-    const Mm held(m, m.getname()); // should a handler assign to the variable
+    const Mm held(m, m.getname()); // in case a handler assigns to the variable
     Path<Step> path;
     if (!path.push({&held, 0})) return x_M;
     while (!path.empty()) {

@@ -1,4 +1,4 @@
-// Functions of single characters: their case, and which kind they are.
+// Functions of single characters: case and character class.
 
 #include <algorithm>
 

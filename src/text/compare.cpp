@@ -1,4 +1,4 @@
-// strcmp and its kin: whether texts are equal, one by one or element by element of cells.
+// strcmp and similar functions: whether texts are equal, one by one or element by element of cells.
 
 #include <algorithm>
 
@@ -34,7 +34,8 @@ bool agree(const Mm &a, const Mm &b, const Comparison &rule) {
     return x && y && equal_codes(x.data(), y.data(), n, rule.fold);
 }
 
-// The value that is compared: a matrix beside a cell becomes the cell of its rows, as many as that has.
+// The value to compare: a matrix compared with a cell becomes the cell of its rows, in the cell's shape when
+// the counts agree.
 Mm beside_cell(const Mm &m, const Mm &other) {
     if (!is_cell(other) || !is_text(m) || m.rows() < 2) return m;
     Mm rows = cellstr(m);

@@ -1,4 +1,4 @@
-// The console: formatted output, the display format, input, waiting for a key, and the words for the screen.
+// The console: formatted output, the display format, input, waiting for a key, and the screen functions.
 
 #include <cstdarg>
 #include <cstdio>
@@ -35,7 +35,7 @@ template <class F> F exchange_hook(F &hook, F f, F standard) {
     return old;
 }
 
-// Shows the prompt and lets the user write a line over it.
+// Shows the prompt and lets the user type a line over it.
 void ask(const Mm &prompt, char (&line)[line_size]) {
     console_hooks.draw();
     Mstr(prompt, line, line_size);
@@ -46,7 +46,7 @@ void ask(const Mm &prompt, char (&line)[line_size]) {
     kn_print_handler("\n");
 }
 
-// Whether the host broke off the input, which is an error.
+// Whether the host cancelled the input, which is an error.
 bool broken_off(const char *line) {
     if (std::strcmp(line, "ctrl_c_event") != 0) return false;
     error("Ctrl-C");

@@ -1,4 +1,4 @@
-// Conversions that are made of others: int2str, mat2str, str2double, str2mat.
+// Conversions composed of others: int2str, mat2str, str2double, str2mat.
 
 #include <algorithm>
 
@@ -21,7 +21,7 @@ using namespace kn;
 
 constexpr double standard_digits = 15;
 
-// What a cell of one element holds, which may be such a cell again.
+// The content of a cell of one element, through nested cells of one element.
 const Mm &only_element(const Mm &m) {
     const Mm *x = &m;
     while (is_cell(*x) && x->size() == 1) x = &element_at(*x, 0);

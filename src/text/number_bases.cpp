@@ -30,10 +30,10 @@ double digit_value(double code) {
 
 double digit_code(double r) { return r < 10 ? r + '0' : r + 'A' - 10; }
 
-// Half up; a negative number, and NaN, counts 0.
+// Rounds half up; a negative number, and NaN, gives 0.
 int rounded(const Mm &x) { return std::max(double_to_int(mdouble(x).r() + 0.5), 0); }
 
-// A whole number of any size, in words of 32 bits, from which digits are taken off. The mantissa is a whole
+// A whole number of any size, in words of 32 bits, from which digits are extracted. The mantissa is a whole
 // number of 53 bits.
 class Whole {
   public:
@@ -74,7 +74,7 @@ class Whole {
 
 bool is_whole(double x) { return x >= 0 && x == std::floor(x); }
 
-// The width of the largest number, which has room for all its digits.
+// The width of the largest number, enough for all its digits.
 int width_in(double largest, int base) {
     int digits = 1;
     if (is_whole(largest))
@@ -154,7 +154,7 @@ Mm hex2num(const Mm &s) {
     char digits[n + 1];
     const Codes codes(s);
     if (!codes) return x_M;
-    // Row by row, a newline between rows, as Mstr does it; only so much of the text counts.
+    // Row by row, a newline between rows, as in Mstr; only the first n characters are used.
     int k = 0;
     for (int r = 0; r < codes.rows() && k < n; ++r) {
         if (r > 0) digits[k++] = '\n';

@@ -1,4 +1,4 @@
-// Texts that are one number.
+// Texts that consist of one number.
 #ifndef QUORVEX_TEXT_NUMBER_FROM_TEXT_H
 #define QUORVEX_TEXT_NUMBER_FROM_TEXT_H
 
@@ -11,8 +11,8 @@ struct TextNumber {
     bool complex;
 };
 
-// Reads a row of text that is one number in the usual spelling, as str2num does. False for all others, of
-// which only str2num knows what they are.
+// Reads a row of text that is one number in the usual spelling, as str2num does. False for all others, which
+// only str2num interprets.
 bool text_number(const Mm &s, TextNumber &x);
 
 } // namespace kn

@@ -1,10 +1,10 @@
 // Numbers as fields of text.
 //
 // A full value is measured first: the real field is as wide as the longest %.Pg of the real plane and two
-// blanks, the imaginary one as the longest of the imaginary plane; the imaginary sign and "i" stand around
-// it. A byte gets a field of 4 whatever its value, so that three digits and a wide precision run over. Not
-// finite numbers are formatted like all others, and then spelled anew by tables of replacements, which know
-// the spellings of several platforms.
+// blanks, the imaginary one as the longest of the imaginary plane, with the imaginary sign and "i" around it.
+// A byte gets a field of 4 whatever its value, so that three digits and a wide precision overflow it. Numbers
+// that are not finite are formatted like all others and then respelled by tables of replacements, which
+// contain the spellings of several platforms.
 
 #include "text/number_text.h"
 
@@ -87,7 +87,7 @@ void append_int(TextBuffer &out, int n, int width) {
     out.append({text, length});
 }
 
-// Stops when the text can't be finished.
+// Stops when the text can't be completed.
 template <class T> size_t longest(const T *x, int n, const Digits &digits, TextBuffer &out) {
     char text[Digits::room];
     size_t w = 0;
@@ -147,8 +147,8 @@ template <class T> void append_rows(const Mm &m, const Fields<T> &fields, TextRo
         append_full(m, fields, out, width);
 }
 
-// The columns of blanks in front go, and then every null character, which leaves a matrix as a row. The text
-// itself when there is neither.
+// Removes leading blank columns and then every null character, which turns a matrix into a row. Returns the
+// text itself when there is neither.
 Mm deblank_leading(const Mm &text) {
     Codes codes(text);
     if (!codes) return x_M;

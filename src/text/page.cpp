@@ -1,5 +1,4 @@
-// One page of a value: consecutive elements in storage order, or the entries of a sparse value that lie
-// there.
+// One page of a value: consecutive elements in storage order, or the entries of a sparse value in that range.
 
 #include "text/page.h"
 

@@ -1,4 +1,4 @@
-// Texts in texts: findstr, strrep, strtok, strmatch.
+// Searching text: findstr, strrep, strtok, strmatch.
 
 #include <algorithm>
 #include <climits>
@@ -18,19 +18,19 @@ namespace {
 
 using namespace kn;
 
-// Finds a word by the algorithm of Knuth, Morris and Pratt: no character of a text is looked at more than
-// twice.
+// Finds a word by the algorithm of Knuth, Morris and Pratt: no character of a text is read more than twice.
 class Finder {
   public:
     explicit Finder(const Codes &word) : word_(word.data()), n_(word.size()), border_(n_ + 1) {
         if (!border_) return;
-        // border_[k]: how many of the first k characters are again the first ones at their end, but not all
+        // border_[k]: the length of the longest proper prefix of the first k characters that is also their
+        // suffix
         border_[0] = -1;
         for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = static_cast<int>(longer(border_[k], word_[k]));
     }
     explicit operator bool() const { return static_cast<bool>(border_); }
 
-    // Calls found(position from 0) at each place where the word begins; an empty word is nowhere.
+    // Calls found(offset) for each occurrence of the word; an empty word has none.
     template <class F> void each(const Codes &text, F found) const {
         if (n_ == 0) return;
         const double *const codes = text.data();
@@ -38,7 +38,7 @@ class Finder {
         ptrdiff_t matched = 0;
         for (ptrdiff_t k = 0; k < text.size(); ++k) {
             if (matched == n_) matched = border_[n_];
-            if (matched == 0) { // on to where its first and last characters occur
+            if (matched == 0) { // skip to where both the first and the last character of the word match
                 const ptrdiff_t places = text.size() - n_ + 1 - k;
                 const double *at = codes + k;
                 const ptrdiff_t passed = find_pair(at, at + n_ - 1, places, word_[0], word_[n_ - 1]);
@@ -51,7 +51,7 @@ class Finder {
     }
 
   private:
-    // The matched beginning once c follows it.
+    // The length of the matched prefix after the character c.
     ptrdiff_t longer(ptrdiff_t matched, double c) const {
         while (matched >= 0 && word_[matched] != c) matched = border_[matched];
         return matched + 1;
@@ -70,7 +70,7 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     const Finder finder(word);
     if (!finder) return x_M;
 
-    TextBuffer found; // places, as ints
+    TextBuffer found; // positions, as ints
     finder.each(text, [&](ptrdiff_t at) {
         const int place = static_cast<int>(at);
         found.append({reinterpret_cast<const char *>(&place), sizeof place});
@@ -79,7 +79,7 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     const size_t count = found.size() / sizeof(int);
     if (count == 0) return s;
 
-    // Calls part(from, size) for what stays and what takes a place, in their order.
+    // Calls part(from, size) for the unchanged parts and the replacements, in order.
     auto each_part = [&](auto part) {
         ptrdiff_t done = 0;
         for (size_t k = 0; k < count; ++k) {

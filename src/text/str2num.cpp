@@ -1,8 +1,8 @@
 // str2num: a list of numbers in a text; nothing is evaluated.
 //
-// The text is scanned twice, to count and to fill. Blanks and tabs separate tokens; each of "\n;,[]" is one
-// itself. ";" and newline begin a row; "[", "]" and "," are passed over. Any other token is a number, joined
-// with the following ones where a sign stands apart ("1 + 2i", "1e- 5").
+// The text is scanned twice, to count and to fill. Blanks and tabs separate tokens; each of "\n;,[]" is a
+// token itself. ";" and newline begin a row; "[", "]" and "," are skipped. Any other token is a number,
+// joined with the following ones where a sign is separated by blanks ("1 + 2i", "1e- 5").
 
 #include <algorithm>
 #include <charconv>
@@ -49,7 +49,7 @@ class Tokens {
     std::string_view token_;
 };
 
-// Calls `number` with each number's text, and whether it begins a row.
+// Calls `number` with the text of each number, and whether it begins a row.
 template <class F> void scan(const char *text, TextBuffer &word, F number) {
     bool new_row = true;
     Tokens in(text);
@@ -96,8 +96,8 @@ ParsedNumber special_word(std::string_view word) {
 
 bool is_imaginary(const TextBuffer &word) { return word.view().back() == 'i'; }
 
-// Reads re, re+imi or imi, of which most texts are made; false for all others, which may be numbers to
-// sscanf.
+// Reads re, re+imi or imi, the most common forms; false for all others, which sscanf may still accept as
+// numbers.
 bool plain_number(std::string_view text, ParsedNumber &z) {
     if (text.size() > 1 && text[0] == '+' && (is_digit(text[1]) || text[1] == '.')) text.remove_prefix(1);
     const char *last = text.data() + text.size();

@@ -1,4 +1,4 @@
-// strvcat: rows stacked to one character matrix. The inputs are walked twice, to measure and to fill.
+// strvcat: rows stacked to one character matrix. The inputs are traversed twice, to measure and to fill.
 
 #include <algorithm>
 #include <climits>

@@ -1,7 +1,7 @@
 // Growing text, and rows of text that are printed or become a character matrix.
 //
-// Memory comes from the C heap behind the allocation probe. When it is exhausted "Out of memory!" is
-// reported once; should the handler return, the buffer stays as it is, takes nothing more, and converts to
+// Memory comes from the C heap through the allocation probe. When it is exhausted "Out of memory!" is
+// reported once; if the handler returns, the buffer keeps its content, accepts nothing more, and converts to
 // false.
 #ifndef QUORVEX_TEXT_TEXT_BUFFER_H
 #define QUORVEX_TEXT_TEXT_BUFFER_H
@@ -23,7 +23,7 @@ class TextBuffer {
     TextBuffer &operator=(const TextBuffer &) = delete;
 
     explicit operator bool() const { return !failed_; }
-    // The same, asked for each element of a long text: an interrupted call takes nothing more either.
+    // The same, tested for each element of a long text: an interrupted call accepts nothing more either.
     bool goes_on() {
         if (poll_.interrupted()) failed_ = true;
         return !failed_;
@@ -33,7 +33,7 @@ class TextBuffer {
     std::string_view view() const { return {data_, size_}; }
     const char *c_str(); // ends with a null character
 
-    // Room for n more characters, whose count `advance` then tells; null when memory is exhausted.
+    // Room for n more characters; `advance` then adds the count written. Null when memory is exhausted.
     char *room(size_t n) { return n < capacity_ - size_ || grow(n) ? data_ + size_ : nullptr; }
     void advance(size_t n) { size_ += n; }
 
@@ -50,7 +50,7 @@ class TextBuffer {
             size_ += n;
         }
     }
-    // Puts `text` in place of the n characters at `at`.
+    // Replaces the n characters at `at` by `text`.
     void replace(size_t at, size_t n, std::string_view text);
     void clear() { size_ = 0; }
     void swap(TextBuffer &other);
@@ -79,7 +79,7 @@ class TextRows {
     void end_row();
     bool finish();
 
-    // Columns of blanks before the first other character of any row.
+    // The number of leading columns that are blank in every row.
     size_t leading_blanks();
     // The rows from column `from` on: to the print handler, one call a row (a row ends at a null character);
     // as a character matrix, x_M when memory is exhausted.

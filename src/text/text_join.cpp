@@ -1,4 +1,4 @@
-// Texts made of texts: strcat, strjust, blanks.
+// Text from other text: strcat, strjust, blanks.
 
 #include <algorithm>
 #include <climits>
@@ -15,7 +15,7 @@ using namespace kn;
 
 constexpr double blank = ' ';
 
-// The range of a row in a matrix of codes that is left when blanks are taken away.
+// The part of a row in a matrix of codes that is left when blanks are removed.
 struct Part {
     const double *row;
     ptrdiff_t step; // from one character of the row to the next
@@ -30,7 +30,7 @@ struct Part {
     void trim_begin() {
         while (begin < end && is_blank(row[begin * step])) ++begin;
     }
-    // To a row of the matrix at `to`, whose characters are so far apart.
+    // Copies to the row of a matrix that begins at `to`, with this step between characters.
     void copy(double *to, ptrdiff_t to_step) const {
         for (int k = begin; k < end; ++k, to += to_step) *to = row[k * step];
     }
@@ -38,7 +38,7 @@ struct Part {
 
 // ---- strcat ----
 
-// The texts, of which there are `count`, side by side; `trim`: without their trailing blanks.
+// The texts, `count` of them, side by side; `trim`: without their trailing blanks.
 Mm side_by_side(const Mm *const *texts, int count, bool trim) {
     int m = 0;
     for (int k = 0; k < count; ++k) {
@@ -54,7 +54,7 @@ Mm side_by_side(const Mm *const *texts, int count, bool trim) {
     Scratch<long long> ends(m);
     if (!ends) return x_M;
     long long width = 0;
-    double *to = nullptr; // the second time
+    double *to = nullptr; // set in the second pass
     auto walk = [&] {
         std::fill_n(ends.get(), m, 0LL);
         for (int k = 0; k < count; ++k) {
@@ -92,7 +92,7 @@ Mm join(std::initializer_list<const Mm *> inputs) {
         return side_by_side(inputs.begin(), count, true);
     const Mm *shape = shape_of_cells("strcat", inputs);
     if (!shape) return x_M;
-    Mm trimmed[most]; // what stands beside the cells
+    Mm trimmed[most]; // the inputs other than cells
     for (int k = 0; k < count; ++k) {
         const Mm *x = inputs.begin()[k];
         trimmed[k] = is_cell(*x) ? *x : side_by_side(&x, 1, true);

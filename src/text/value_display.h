@@ -1,4 +1,4 @@
-// What the displays of values share.
+// What the display functions share.
 #ifndef QUORVEX_TEXT_VALUE_DISPLAY_H
 #define QUORVEX_TEXT_VALUE_DISPLAY_H
 
@@ -6,11 +6,11 @@
 
 namespace kn {
 
-// Appends the extents, joined by "x".
+// Appends the dimensions, joined by "x".
 void append_extents(TextBuffer &out, const Mm &m);
 
 // Appends a value on one short line: a real scalar by %.4g, a row of at most 16 characters as it is, anything
-// else as extents and class word. A scalar without a value is reported, and should the handler return, shown
+// else as dimensions and class name. A scalar without a value is reported and, if the handler returns, shown
 // as 896.
 void append_summary(TextBuffer &out, const Mm &m);
 

@@ -1,4 +1,4 @@
-// load, and what whos shows of a file: the entry points of all kinds of files.
+// load, and the part of whos that reads files: the entry points for all kinds of files.
 
 #include <algorithm>
 #include <cstring>
@@ -49,16 +49,16 @@ void load_list(const MatFile &file, const Mc &list) {
     }
 }
 
-// ---- One variable after the other ----
+// ---- One variable after another ----
 
-// Those of a MAT-file.
+// The variables of a MAT-file.
 class Variables {
   public:
     explicit Variables(const MatFile &file) : file_(file) {
         if (file.kind == MatKind::level5) level5_.emplace(file.get(), file.name);
     }
 
-    // The head of the next one, which is passed over. False at the end, and where the file is damaged.
+    // The head of the next one, which is skipped. False at the end, and where the file is damaged.
     bool next(MatEntry &e) {
         if (!level5_) {
             passed_ = io::tell(file_.get());
@@ -73,13 +73,13 @@ class Variables {
         return true;
     }
 
-    // The value of the one that was passed over. False after a report.
+    // The value of the one that was skipped. False after a report.
     bool read(Mm &value) {
         if (level5_) return level5_->back() && level5_->read(value);
         return passed_ >= 0 && io::seek(file_.get(), passed_, SEEK_SET) == 0 && !mat4_load(file_, value);
     }
 
-    // Whether there is no more; after a report where something else is there.
+    // Whether there are no more; reports when something else follows.
     bool at_end() { return !level5_ || level5_->at_end(); }
 
   private:
@@ -90,7 +90,7 @@ class Variables {
 
 // ---- Into a structure ----
 
-// Patterns, each the text of an element of a cell, and whether a name has matched them.
+// Patterns, each the text of an element of a cell, and whether it has matched a name.
 class Patterns {
   public:
     explicit Patterns(const Mm &names) : names_(names), met_(is_cell(names) ? names.getnnz() : 1) {
@@ -123,8 +123,8 @@ class Patterns {
     Scratch<bool> met_;
 };
 
-// A structure with a field for each variable, or for those of some names; of text the matrix. One without a
-// name is none that a program has saved.
+// A structure with a field for each variable, or for those with given names; for a text file the matrix. A
+// variable without a name was not saved by a program and is left out.
 Mm structure_of(const Mm &m, const Mm *names) {
     char name[mat_name_size];
     mat_name(m, name);
@@ -154,7 +154,7 @@ void add(TextBuffer &entries, const MatEntry &e) {
     entries.append({reinterpret_cast<const char *>(&e), sizeof e});
 }
 
-// A text has one variable, which is called as the file up to its first ".".
+// A text file has one variable, named like the file up to its first ".".
 void add_text(const MatFile &file, TextBuffer &entries) {
     Mm value;
     if (!text_load(file, value)) return;

@@ -1,6 +1,6 @@
 // Reading MAT-files of level 4.
 //
-// A file is a row of matrices, one behind the other, without a header of its own. A matrix is:
+// A file is a sequence of matrices, one after another, without a header of its own. A matrix is:
 //
 //     offset  bytes                          field
 //     0       4                              type    decimal digits MOPT, see below
@@ -18,10 +18,10 @@
 //     T  0 numbers, 1 text, 2 sparse
 //
 // The numbers of the header are signed 32-bit integers. A sparse matrix is stored as full: a row [i j value],
-// or [i j re im], for each entry, and a last row [rows columns 0] that tells its extents.
+// or [i j re im], for each entry, and a last row [rows columns 0] with its size.
 //
-// A type of a file in the other order is negative or above 9999, and so tells itself. Nothing in a header is
-// believed before it was compared with the bytes that are left in the file.
+// A type in the opposite byte order is negative or above 9999, and so is recognised. No header field is used
+// before it has been checked against the bytes left in the file.
 
 #include <algorithm>
 #include <cstring>
@@ -41,14 +41,14 @@ namespace {
 constexpr int int32_code = 2, header_fields = 5, longest_name = 255;
 constexpr int element_size[] = {8, 4, 4, 2, 2, 1}; // by P
 
-// The fields of a header are doubles, so that products of them can't overflow.
+// The header fields are doubles, so that their products can't overflow.
 struct Header4 {
     double type, rows, cols, imagf, namlen;
     bool swap = false;
     int m = 0, o = 0, p = 0, t = 0;
 
     double count() const { return rows * cols; }
-    double plane() const { // bytes; below 0: not known
+    double plane() const { // bytes; below 0: unknown
         return p >= 0 && p < 6 ? count() * element_size[p] : -1;
     }
     bool complex() const { return imagf != 0; }
@@ -57,7 +57,7 @@ struct Header4 {
 
 enum class Found { matrix, end, damage };
 
-// Swaps when the order of bytes that the type tells isn't the machine's; of an odd one all stays as it is.
+// Swaps when the byte order given by the type isn't the machine's; an invalid type changes nothing.
 Found read_header(const MatFile &file, Header4 &h) {
     unsigned char raw[4 * header_fields];
     double field[header_fields];
@@ -71,7 +71,7 @@ Found read_header(const MatFile &file, Header4 &h) {
     decode(false);
     if (h.type < 0 || h.type >= 10000) decode_elements(raw, &h.type, 1, int32_code, true);
     const int type = static_cast<int>(h.type);
-    if (type < 0) // in both orders
+    if (type < 0) // in either order
         h.m = h.p = -1;
     else
         h.m = type / 1000, h.o = type / 100 % 10, h.p = type / 10 % 10, h.t = type % 10;
@@ -83,7 +83,7 @@ Found read_header(const MatFile &file, Header4 &h) {
     return Found::matrix;
 }
 
-// The first n bytes of the name. False when they are not there.
+// The first n bytes of the name. False when there are fewer.
 bool read_name(const MatFile &file, double n, char (&name)[longest_name + 1]) {
     std::memset(name, 0, sizeof name);
     if (n < 0 || n > static_cast<double>(file.left())) return false;
@@ -104,10 +104,10 @@ bool zeros_and_ones(const Mm &x) {
 
 Mm sparse_of_triplets(const Mm &rows) {
     const bool empty = rows.rows() == 1 && rows.cols() >= 3 && *rows.addr(1) == 0 && *rows.addr(2) == 0;
-    return spconvert(empty ? nop_M : rows); // [0 0 0] are the extents of a matrix without elements
+    return spconvert(empty ? nop_M : rows); // [0 0 0] is the size row of a matrix without elements
 }
 
-// The elements behind a header. False after a report.
+// The elements after a header. False after a report.
 bool read_data(const MatFile &file, const Header4 &h, Mm &out) {
     const double n = h.count(), left = static_cast<double>(file.left());
     auto failed = [&](const char *part) {

@@ -1,4 +1,4 @@
-// Writing MAT-files of level 4, whose bytes mat4_read.cpp describes. What is written of the choices there:
+// Writing MAT-files of level 4; mat4_read.cpp describes their format. Of the choices there this writes:
 //
 //     type    1000 M + T: M the order of the machine, P 0 for doubles, whatever the value holds; T 1 text,
 //             2 sparse (text, too: nobody reads 3)

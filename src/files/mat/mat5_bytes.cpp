@@ -1,4 +1,4 @@
-// Buffers between a MAT-file of level 5 and what is read or written there, and zlib behind one of them.
+// Buffers between a MAT-file of level 5 and its reader or writer, and zlib input on top of one.
 #include "files/mat/mat5_bytes.h"
 
 #include <algorithm>
@@ -86,7 +86,7 @@ bool Mat5File::jump(uint64_t, uint64_t to) {
 
 namespace {
 
-// A byte of a deflated stream stands for 1032 at most: two bits give a run of 258.
+// A byte of a deflated stream gives at most 1032: two bits give a run of 258.
 constexpr uint64_t largest_ratio = 1032;
 
 void *z_alloc(void *, unsigned n, unsigned size) { return heap_alloc(size_t{n} * size); }

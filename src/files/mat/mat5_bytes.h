@@ -1,5 +1,5 @@
-// The bytes of a MAT-file of level 5: buffered output with places to patch, and input that knows how many
-// bytes there are, from a file or from a compressed variable in it.
+// The bytes of a MAT-file of level 5: buffered output that can be patched, and input of known size, from a
+// file or from a compressed variable in it.
 #ifndef QUORVEX_FILES_MAT_MAT5_BYTES_H
 #define QUORVEX_FILES_MAT_MAT5_BYTES_H
 
@@ -12,7 +12,7 @@ struct z_stream_s;
 
 namespace kn {
 
-// Positions count from where the stream stood at first. False: the stream did not take the bytes.
+// Offsets count from the stream's initial position. False: the stream did not accept the bytes.
 class Mat5Output {
   public:
     explicit Mat5Output(std::FILE *stream);
@@ -24,11 +24,11 @@ class Mat5Output {
         size_ += n;
         return true;
     }
-    bool align() { // zeros up to a multiple of 8
+    bool align() { // pads with zeros to a multiple of 8
         static constexpr char zeros[8] = {};
         return put(zeros, -at() & 7);
     }
-    bool patch(uint64_t at, uint32_t word); // of bytes that have been put
+    bool patch(uint64_t at, uint32_t word); // of bytes already put
     bool flush();
 
   private:
@@ -41,24 +41,24 @@ class Mat5Output {
     char buffer_[1 << 15];
 };
 
-// A run of bytes, read forwards. Positions count from its start.
+// A run of bytes, read forwards. Offsets count from its start.
 class Mat5Input {
   public:
     Mat5Input(const Mat5Input &) = delete;
     Mat5Input &operator=(const Mat5Input &) = delete;
 
     uint64_t at() const { return behind_ - ready(); }
-    uint64_t size() const { return size_; } // no byte is there beyond; 0 after a failed seek
+    uint64_t size() const { return size_; } // there is no byte beyond it; 0 after a failed seek
     uint64_t left() const { return at() < size_ ? size_ - at() : 0; }
 
-    // Takes n bytes; false when they aren't there.
+    // Reads n bytes; false when there are fewer.
     bool get(void *to, size_t n) {
         if (n > ready()) return get_slowly(static_cast<char *>(to), n);
         if (n > 0) std::memcpy(to, next_, n);
         next_ += n;
         return true;
     }
-    // Goes on at another place; far backwards in files only.
+    // Moves to another offset; far backwards in files only.
     bool seek(uint64_t to) {
         if (to > behind_ || to < behind_ - static_cast<size_t>(end_ - buffer_)) return seek_slowly(to);
         next_ = end_ - (behind_ - to);
@@ -68,9 +68,9 @@ class Mat5Input {
   protected:
     Mat5Input() = default;
     ~Mat5Input() = default;
-    virtual size_t fill(char *to, size_t n) = 0; // the next bytes, as many as there are up to n
+    virtual size_t fill(char *to, size_t n) = 0; // the next bytes, at most n
     virtual bool jump(uint64_t from,
-                      uint64_t to) = 0; // makes those at `to` the next, which are now at `from`
+                      uint64_t to) = 0; // makes those at `to` the next; the current offset is `from`
 
     static constexpr size_t buffer_size = 1 << 14;
     uint64_t size_ = 0;
@@ -80,7 +80,7 @@ class Mat5Input {
     bool get_slowly(char *to, size_t n);
     bool seek_slowly(uint64_t to);
 
-    uint64_t behind_ = 0; // position of what `fill` gives next
+    uint64_t behind_ = 0; // offset of what `fill` gives next
     char buffer_[buffer_size];
     char *next_ = buffer_, *end_ = buffer_;
 };
@@ -97,14 +97,14 @@ class Mat5File : public Mat5Input {
     std::FILE *stream_;
 };
 
-// What the next `bytes` bytes of an input are when inflated. Its size is the most that so many can give.
+// The inflated form of the next `bytes` bytes of an input. Its size is the upper bound for that many.
 class Mat5Inflated : public Mat5Input {
   public:
     Mat5Inflated(Mat5Input &from, uint64_t bytes); // converts to false after "Out of memory!"
     ~Mat5Inflated();
 
     explicit operator bool() const { return z_ != nullptr; }
-    // Reads to the end, which must be near: whether all was sound, by the checksum there.
+    // Reads to the end, which must be near; returns whether the data match the checksum there.
     bool ends_soundly();
 
   private:
@@ -112,7 +112,7 @@ class Mat5Inflated : public Mat5Input {
     bool jump(uint64_t from, uint64_t to) override;
 
     Mat5Input &from_;
-    uint64_t bytes_; // compressed ones still to take
+    uint64_t bytes_; // compressed bytes not yet read
     z_stream_s *z_;
     bool ended_ = false;
     unsigned char packed_[buffer_size];

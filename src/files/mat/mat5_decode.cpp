@@ -1,4 +1,4 @@
-// The parts of a variable in a MAT-file of level 5: tags, head, numbers. How the bytes lie: mat5_layout.h.
+// The parts of a variable in a MAT-file of level 5: tags, head, numbers. File format: mat5_layout.h.
 #include "files/mat/mat5_decode.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr struct {
     const char *word;
-    int bytes; // of an element in memory, 0: nothing that has a fixed size
+    int bytes; // of an element in memory, 0: no fixed size
 } classes[] = {{"unknown", 0},
                {"cell", 0},
                {"struct", 0},
@@ -161,8 +161,8 @@ bool Mat5Decoder::head(Head &h, uint64_t end) {
 
 // ---- Numbers ----
 
-// How numbers of a type lie. The types that classes beyond text, double and uint8 bring along are known in
-// these classes only; to all others type 7, too, is unknown.
+// The stored form of numbers of a type. The types that only classes beyond text, double and uint8 use are
+// accepted in these classes only; for all others type 7 is unknown, too.
 bool Mat5Decoder::layout(const Tag &t, Class type, Layout &l) const {
     constexpr int codes[] = {-1, 8, 5, 3, 4, 2, 7, -1, 1, 0}, sizes[] = {8, 4, 4, 2, 2, 1, 8, 4, 1, 8, 8};
     const bool other_number =
@@ -182,7 +182,7 @@ bool Mat5Decoder::layout(const Tag &t, Class type, Layout &l) const {
 
 namespace {
 
-// Codes of 64 bits are read as unsigned ones; here the sign counts.
+// 64-bit codes are read as unsigned; here the sign counts.
 void decode_signed(const unsigned char *from, double *to, int n, bool swap) {
     const bool big = swap == (std::endian::native == std::endian::little);
     for (int k = 0; k < n; ++k, from += 8) {
@@ -192,8 +192,8 @@ void decode_signed(const unsigned char *from, double *to, int n, bool swap) {
     }
 }
 
-// Truncated, with the low bits kept: to bytes. Of what is outside an int the nearest: to positions, which no
-// matrix has there.
+// Truncates: to a byte, keeping the low bits; to an int, clamping, since a clamped index is out of range for
+// every matrix.
 unsigned char converted(double x, unsigned char) {
     constexpr double limit = 9223372036854775808.0;
     return x > -limit && x < limit ? static_cast<unsigned char>(static_cast<int64_t>(x)) : 0;

@@ -1,4 +1,4 @@
-// The elements of a MAT-file of level 5 as values: what the files mat5_*.cpp of the reader share.
+// Values from the elements of a MAT-file of level 5: what the reader's files mat5_*.cpp share.
 #ifndef QUORVEX_FILES_MAT_MAT5_DECODE_H
 #define QUORVEX_FILES_MAT_MAT5_DECODE_H
 
@@ -9,13 +9,13 @@
 
 namespace kn {
 
-// Reads one variable, which begins at `origin`; `in` is there. Nothing is taken on trust: no element
-// reaches beyond the one that holds it, and memory is asked for only when the file has the bytes to fill it
-// (a byte for each number; compressed ones as far as compression can go, and touched when they are there).
-// Cells and structures grow as their values arrive. Values nest to any depth: those that are open form a
-// list.
+// Reads one variable, which begins at `origin`, the current position of `in`. All sizes are checked: no
+// element extends beyond the one that contains it, and memory is allocated only when the file has the bytes
+// to fill it (a byte for each number; compressed ones up to the best possible compression, and touched only
+// as they arrive). Cells and structures grow as their values arrive. Values nest to any depth: the open ones
+// form a list.
 //
-// Whoever answers false has reported, unless `quiet`.
+// A function that returns false has reported, unless `quiet`.
 class Mat5Decoder {
   public:
     Mat5Decoder(Mat5File &in, const char *file, bool quiet, uint64_t origin = 0)
@@ -23,27 +23,27 @@ class Mat5Decoder {
     Mat5Decoder(Mat5Inflated &in, const char *file, bool quiet)
         : in_(in), file_(file), quiet_(quiet), inflated_(true) {}
 
-    // The start of a matrix element, up to and with its name. `end` at entry is where it has to end at the
-    // latest.
+    // The start of a matrix element, up to and including its name. `end` on entry is the limit for the end of
+    // the element.
     struct Head {
         Mat5Entry entry;
         uint64_t end;
         uint32_t flags, room;
-        bool has_data; // word 2 is not 0
+        bool has_data; // the byte count is not 0
         mat5::Class type() const { return static_cast<mat5::Class>(flags & mat5::class_mask); }
         bool holds_values() const {
             return has_data && type() >= mat5::cell_class && type() <= mat5::object_class;
         }
     };
-    bool head(Head &h, uint64_t end); // all of the entry but type and bytes
+    bool head(Head &h, uint64_t end); // all of the entry except type and bytes
     uint64_t at() const { return in_.at(); }
     static const char *class_word(mat5::Class type);
     static double bytes_of(const Head &h, uint64_t in_file);
 
-    // What follows; `in` is then after the element.
+    // Reads what follows; afterwards `in` is at the end of the element.
     bool value(const Head &h, Mm &out);
 
-    bool failed(const char *format) const; // with the name of the file
+    bool failed(const char *format) const; // with the file name
     bool unread() const;                   // "load: '%s' could not read data set"
 
   private:
@@ -56,7 +56,7 @@ class Mat5Decoder {
         bool wide_signed; // 64 bits with a sign
     };
 
-    // These answer without a report.
+    // These return without a report.
     uint32_t word(uint32_t w) const {
         return swap_ ? w << 24 | (w & 0xff00) << 8 | (w >> 8 & 0xff00) | w >> 24 : w;
     }
@@ -92,7 +92,7 @@ class Mat5Decoder {
     Mat5Input &in_;
     const char *file_;
     uint64_t origin_ = 0;
-    uint64_t credit_ = 0; // elements of cells and structures that get room before they are there
+    uint64_t credit_ = 0; // elements of cells and structures that may be allocated before they are read
     bool quiet_, swap_ = false;
     bool inflated_ = false, surplus_ = false; // see `settle`
 };

@@ -1,16 +1,16 @@
-// How a MAT-file of level 5 lies in memory. Words are 32-bit integers, in the writer's byte order.
+// The format of a MAT-file of level 5. Words are 32-bit integers, in the writer's byte order.
 //
-// The file is a header and the variables, one after the other:
+// The file is a header and a sequence of variables:
 //
 //     offset  bytes
 //          0    124  text, padded with blanks: "TARVEK 4.0 MAT-file, Platform: PCWIN, Created on: " and the
-//          time. Its last 8 bytes, when they are neither blank nor 0, are the position of a variable
+//          time. Its last 8 bytes, when they are neither blank nor 0, are the offset of a variable
 //          without a name, in which other programs keep what their objects share
 //        124      2  version, 256
 //        126      2  byte-order mark, 19785 ("IM" where the lower byte comes first)
 //
-// Everything is a data element: a tag and data. Elements stand at multiples of 8 bytes from the start of
-// their variable, which itself stands at a multiple of 8 in a file without compressed variables; the bytes
+// Everything is a data element: a tag and data. Elements begin at multiples of 8 bytes from the start of
+// their variable, which itself begins at a multiple of 8 in a file without compressed variables; the bytes
 // between are 0.
 //
 //     normal  type word, byte count word, data
@@ -40,13 +40,13 @@
 //      5  sparse             row indices, column starts (columns + 1), real values[, imaginary ones];
 //                            logical ones may be bytes whose type says 9. The columns of more than two
 //                            dimensions are those of all pages
-//      6  double             real values[, imaginary ones]; numbers may lie as any type
+//      6  double             real values[, imaginary ones]; numbers may be stored as any type
 //      9  uint8              the same
 //      7, 8, 10 to 15        single, int8, int16, uint16, int32, uint32, int64, uint64: the same
 //     16, 17                 function handle; opaque, which has no dimensions: its name follows word 6
 //
 // A matrix element whose word 2 is 0 ends there and is []. A variable may also be an element of type 15,
-// whose data are a zlib stream of the matrix element; it ends without padding.
+// whose data is a zlib stream of the matrix element; it ends without padding.
 #ifndef QUORVEX_FILES_MAT_MAT5_LAYOUT_H
 #define QUORVEX_FILES_MAT_MAT5_LAYOUT_H
 

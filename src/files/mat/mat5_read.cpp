@@ -1,4 +1,4 @@
-// The variables of a MAT-file of level 5, one after the other. How the bytes lie: mat5_layout.h.
+// The variables of a MAT-file of level 5, one after another. File format: mat5_layout.h.
 
 #include <algorithm>
 #include <cstring>
@@ -15,7 +15,7 @@ using namespace kn::mat5;
 
 namespace {
 
-// Whether one name is the beginning of the other.
+// Whether one name is a prefix of the other.
 bool agree(const char *a, const char *b) {
     return std::strncmp(a, b, std::min(std::strlen(a), std::strlen(b))) == 0;
 }
@@ -24,8 +24,8 @@ bool agree(const char *a, const char *b) {
 
 void Mat5Reader::rewind() { in_.seek(std::min<uint64_t>(header_bytes, in_.size())); }
 
-// Hands the next variable to use(decoder, end), inflated if need be, and goes on behind it. `use` answers
-// where the matrix element ended, or 0 for a failure that has been reported.
+// Passes the next variable to use(decoder, end), inflated if necessary, and moves past it. `use` returns the
+// end of the matrix element, or 0 for a failure that has been reported.
 template <class Use> bool Mat5Reader::variable(bool quiet, Use use) {
     const uint64_t start = in_.at(), size = in_.size();
     uint32_t w[2] = {};
@@ -68,7 +68,7 @@ bool Mat5Reader::next(Mat5Entry &entry) {
 
 bool Mat5Reader::back() { return in_.seek(passed_); }
 
-// Behind the last variable stands less than the tag of another. A file without a size can't be read.
+// After the last variable less than a tag is left. A file of unknown size can't be read.
 bool Mat5Reader::at_end() {
     constexpr uint64_t tag_bytes = 8;
     if (in_.size() > 0 && in_.left() < tag_bytes) return true;

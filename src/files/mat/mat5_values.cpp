@@ -1,4 +1,4 @@
-// Values from a MAT-file of level 5, class by class. How the bytes lie: mat5_layout.h.
+// Values from a MAT-file of level 5, class by class. File format: mat5_layout.h.
 
 #include <algorithm>
 #include <cstring>
@@ -20,16 +20,16 @@ using namespace mat5;
 
 namespace {
 
-// Structures without fields, and texts without data, take no bytes in a file, so their number has no other
-// bound.
+// Structures without fields, and text without data, occupy no bytes in a file, so only this limits their
+// number.
 constexpr int most_without_bytes = 1 << 16;
 
-constexpr uint64_t least_element = 8; // bytes of a matrix element
+constexpr uint64_t least_element = 8; // bytes of the smallest matrix element
 
 } // namespace
 
-// The number of elements by the extents in the head, of which each takes some bytes of the file. Without
-// memory for so many false, after a report.
+// The number of elements from the dimensions in the head, each of which must occupy some bytes of the file.
+// False, after a report, when memory does not suffice for so many.
 bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, int &n) const {
     n = product(h.entry.ndims, h.entry.dims);
     const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);
@@ -44,7 +44,7 @@ bool Mat5Decoder::array(const Head &h, Mm &out) {
     const Class type = h.type();
     const bool bytes = type == uint8_class;
     if (type == double_class && h.entry.ndims == 2 && h.entry.dims[0] == 1 && h.entry.dims[1] == 1 &&
-        (h.flags & ~class_mask) == 0) { // numbers have a short way
+        (h.flags & ~class_mask) == 0) { // a fast path for numbers
         double x;
         if (!plane(&x, 1, type, h.end)) return false;
         out = x;
@@ -72,8 +72,8 @@ bool Mat5Decoder::array(const Head &h, Mm &out) {
 
 namespace {
 
-// The characters that n bytes mean, as codes of 16 bits (pairs of them above 65535) or whole; a byte that
-// begins no character stands for itself. At most `room` are stored; the answer is how many there are.
+// Decodes n bytes of UTF-8 to characters, as 16-bit codes (pairs of them above 65535) or whole; a byte that
+// begins no character gives its own value. At most `room` are stored; returns how many there are.
 int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int room) {
     int count = 0;
     auto put = [&](uint32_t code) {
@@ -101,8 +101,8 @@ int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int ro
 
 } // namespace
 
-// UTF-8 is read in the way that gives n characters, if need be as bytes. Where there are none, though the
-// extents ask for some, they are blanks: so some programs write a text that they lack.
+// UTF-8 is decoded in the way that gives n characters, as bytes if nothing else does. Text without bytes
+// whose dimensions are not zero is filled with blanks: some programs write missing text in this way.
 bool Mat5Decoder::text(double *to, int n, uint64_t end) {
     Tag t;
     Layout l;
@@ -127,7 +127,7 @@ bool Mat5Decoder::text(double *to, int n, uint64_t end) {
 
 // ---- Sparse ----
 
-// An entry of the room may have no row index: those of the columns count.
+// The file may have room for more entries than there are; the column starts give the count.
 bool Mat5Decoder::sparse(const Head &h, Mm &out) {
     const Mat5Entry &e = h.entry;
     const int rows = e.dims[0], cols = product(e.ndims - 1, e.dims + 1), size = product(e.ndims, e.dims);
@@ -158,7 +158,7 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
     if (lacks(matrix, n) || !matrix.issparse()) return false;
     if (n > 0) {
         setIrJc(matrix, ir.get(), jc.get());
-        // Logical values lie as bytes, but their type may say that they are doubles.
+        // Logical values are stored as bytes, but their type may be that of doubles.
         if (!tag(t, h.end)) return unread();
         if (e.logical && t.type == float64 && t.bytes / sizeof(double) < static_cast<uint32_t>(n))
             t.type = uint8;
@@ -174,20 +174,20 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
 
 // ---- Cells and structures ----
 
-// A value whose elements are read one after the other. `to` stands still meanwhile: it is the result, or an
+// A value whose elements are read one after another. `to` does not move meanwhile: it is the result, or an
 // element of the level below, which grows only between its elements.
 struct Mat5Decoder::Level {
     Level *below;
-    Mm *to; // a row of those that are there, with room for more
+    Mm *to; // a row of the elements read so far, with spare capacity
     int at, n;
-    int field, names; // of structures: the name whose value is next, and how many there are
+    int field, names; // of structures: index of the name whose value is next, and their count
     uint64_t end;
     int ndims, dims[4];
 
-    int *place() { return reinterpret_cast<int *>(this + 1); } // where the values of each name go
+    int *place() { return reinterpret_cast<int *>(this + 1); } // the field index of each name
 
-    // Room for element `at`: for all, as long as the file can hold that many (`credit` more), else for some
-    // at a time. False when memory is exhausted.
+    // Allocates element `at`: all elements, when the file can hold that many (`credit` more), else some at a
+    // time. False when memory is exhausted.
     bool grow(uint64_t &credit) {
         if (at < to->getnnz()) return true;
         const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, at);
@@ -202,7 +202,7 @@ struct Mat5Decoder::Level {
         return true;
     }
 
-    // Where the next value goes; null when memory is exhausted.
+    // The target of the next value; null when memory is exhausted.
     Mm *next(uint64_t &credit) {
         if (field == 0 && !grow(credit)) return nullptr;
         Mm &element = to->getpr(static_cast<Mm *>(nullptr))[at];
@@ -218,7 +218,7 @@ struct Mat5Decoder::Level {
     }
 };
 
-// The values that are open, the innermost first.
+// The open values, the innermost first.
 class Mat5Decoder::Levels {
   public:
     Levels() = default;
@@ -229,7 +229,7 @@ class Mat5Decoder::Levels {
     Levels &operator=(const Levels &) = delete;
 
     Level *top() const { return top_; }
-    // A level for n elements with so many names; null when memory is exhausted.
+    // A level for n elements with this many names; null when memory is exhausted.
     Level *push(const Head &h, Mm &to, int n, int names) {
         void *const room = scratch_alloc(1, sizeof(Level) + sizeof(int) * static_cast<size_t>(names));
         if (!room) return nullptr;
@@ -247,8 +247,8 @@ class Mat5Decoder::Levels {
     Level *top_ = nullptr;
 };
 
-// Adds n names; place[k] becomes where the values of name k go. Names that are the same (they were cut, when
-// they were written) are one field.
+// Adds n names; place[k] becomes the field index of name k. Equal names (they were truncated when they were
+// written) share one field.
 bool Mat5Decoder::field_names(Mm &out, const Tag &t, uint32_t length, int n, int *place) {
     const auto unreadable = [this] { return failed("load5: could not read field name from '%s'"); };
     const size_t step = size_t{length} + 1;
@@ -323,7 +323,7 @@ bool Mat5Decoder::open(const Head &h, Mm &out, Levels &levels) {
 
 // ---- Any class ----
 
-// The value of one element, or what holds its elements.
+// The value of one element, or the container of its elements.
 bool Mat5Decoder::one(const Head &h, Mm &out, Levels &levels) {
     const Class type = h.type();
     const bool outermost = !levels.top();
@@ -345,14 +345,14 @@ bool Mat5Decoder::one(const Head &h, Mm &out, Levels &levels) {
     } else {
         return failed("load5: '%s' unrecognized matrix type");
     }
-    // A compressed variable may end before the bytes that it announces, with all its data there.
+    // A compressed variable may end before its announced size, with all its data present.
     if (done && outermost) in_.seek(h.end);
     return done && (outermost || settle(type, h.end));
 }
 
-// Goes to the end of a nested element. In compressed variables of some programs a text announces 8 bytes that
-// aren't there, unless they don't begin an element, and cells and structures any number: those end with their
-// last element.
+// Goes to the end of a nested element. In compressed variables of some programs the size of a text includes 8
+// bytes that are missing, unless they don't begin an element, and that of cells and structures is arbitrary:
+// those end with their last element.
 bool Mat5Decoder::settle(Class type, uint64_t end) {
     if (inflated_ && type == text_class) {
         if (!align(end)) return unread();
@@ -363,7 +363,7 @@ bool Mat5Decoder::settle(Class type, uint64_t end) {
 }
 
 bool Mat5Decoder::value(const Head &outermost, Mm &out) {
-    constexpr uint64_t usual_ratio = 256; // a byte of a compressed variable counts for less than it may give
+    constexpr uint64_t usual_ratio = 256; // a compressed byte counts for less than it may expand to
     credit_ = in_.left() / (inflated_ ? usual_ratio * least_element : least_element);
     Levels levels;
     Head h = outermost;

@@ -1,6 +1,6 @@
-// Values to a MAT-file of level 5. How the bytes lie: mat5_layout.h.
+// Values to a MAT-file of level 5. File format: mat5_layout.h.
 //
-// A matrix element goes out with a byte count of 0, which is patched when its end is known.
+// A matrix element is written with a byte count of 0, which is patched when its end is known.
 
 #include <algorithm>
 #include <cstring>
@@ -34,7 +34,7 @@ Class class_of(const Mm &x) {
 }
 
 void to_codes(const double *from, int n, uint16_t *to) {
-    bool characters = true; // as nearly all are: converted several at once
+    bool characters = true; // as in nearly all text: converted by vector instructions
     for (int k = 0; k < n; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
     for (int k = 0; k < n; ++k)
         to[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k]))
@@ -55,7 +55,7 @@ struct Mat5Encoder {
     const char *file;
 
     explicit Mat5Encoder(Mat5Writer &w) : writer(w), out(w.out_), file(w.file_) {}
-    struct Level { // of a value whose elements go out
+    struct Level { // of a value whose elements are being written
         const Mm *x;
         int at, field;
         uint64_t start;
@@ -141,7 +141,7 @@ bool Mat5Encoder::field_names(const Mm &x) const {
     return taken || failed("save5: could not save field name in file '%s'");
 }
 
-// What stands before the elements of a cell or structure; all of any other value.
+// What precedes the elements of a cell or structure; the whole of any other value.
 bool Mat5Encoder::data(const Mm &x, Class type) const {
     const uint64_t n = static_cast<uint64_t>(x.getnnz());
     if (x.gettype() == kn_double && 8 * n > UINT32_MAX) return too_large();
@@ -176,7 +176,7 @@ bool Mat5Encoder::begin(const Mm &x, Class type, const char *name) const {
     return text(name) || failed("save5: could not save name to file '%s'");
 }
 
-// The byte count of what began at `start`.
+// Patches the byte count of the element that began at `start`.
 bool Mat5Encoder::end(uint64_t start) const {
     if (!out.align()) return not_written();
     const uint64_t bytes = out.at() - start - 8;
@@ -184,7 +184,7 @@ bool Mat5Encoder::end(uint64_t start) const {
     return out.patch(start + 4, static_cast<uint32_t>(bytes)) || failed("save5: '%s' could not write header");
 }
 
-// The value that goes out next of a cell or structure, null behind the last. False after a report.
+// The next value to write of a cell or structure, null after the last. False after a report.
 bool Mat5Encoder::next(Level &level, const Mm *&value) const {
     const Mm &x = *level.x;
     value = nullptr;
@@ -205,7 +205,7 @@ bool Mat5Encoder::next(Level &level, const Mm *&value) const {
 
 bool Mat5Encoder::variable(const Mm &whole, const char *name) {
     whole.warn_uninit();
-    Mm held = whole; // should an error handler assign to the variable
+    Mm held = whole; // in case an error handler assigns to the variable
     Header::lend_name(held, whole.getname());
     Path<Level> levels;
     for (const Mm *x = &held; x;) {

@@ -1,7 +1,7 @@
 // Finding a file to load, and recognising its kind.
 //
-// The first 32 bytes decide: letters at the head of level 5; nothing but characters of text, with blanks for
-// what the file hasn't; else level 4, whose first bytes are mostly zero.
+// The first 32 bytes decide: letters at the head are level 5; nothing but text characters, a shorter file
+// padded with blanks, is text; else level 4, whose first bytes are mostly zero.
 
 #include <algorithm>
 #include <cstring>
@@ -18,7 +18,7 @@ namespace {
 constexpr size_t text_sample = 32;
 constexpr int level5_version = 124; // two bytes in the writer's order: 1 0
 
-// "Characters of text" as in the "C" locale, whatever locale the program runs in.
+// "Text characters" as in the "C" locale, whatever locale the program runs in.
 bool is_text_byte(char c) { return (c >= ' ' && c <= '~') || is_white(c); }
 
 std::FILE *find(const kn_path_record *record, const char *name) {

@@ -1,4 +1,4 @@
-// What loading and saving of the three kinds of files share.
+// What loading and saving share for the three kinds of files.
 #ifndef QUORVEX_FILES_MAT_MATFILE_H
 #define QUORVEX_FILES_MAT_MATFILE_H
 
@@ -12,19 +12,19 @@ namespace kn {
 
 enum class MatKind { level4, level5, text };
 
-// The first letters of the text at the head of a level 5 file; the second one is what this library writes.
+// How the text in the head of a level 5 file begins; this library writes the second one.
 inline constexpr std::string_view level5_marks[] = {"MAT", "TAR"};
 inline constexpr int level5_header_size = 128;
 
-inline constexpr int mat_name_size = 2048; // of the name of a file, with the null character
+inline constexpr int mat_name_size = 2048; // of a file name, with the null character
 
-// The name of a file out of a value. False for an empty one.
+// The file name in a value. False for an empty one.
 bool mat_name(const Mm &m, char (&name)[mat_name_size]);
 
-// Adds ".mat" where the name has no "."; false when that doesn't fit.
+// Appends ".mat" to a name without "."; false when that does not fit.
 bool add_mat(const char *name, char (&out)[mat_name_size]);
 
-// A file open for loading. `name` is what messages call it.
+// A file open for loading. `name` is the name used in messages.
 struct MatFile {
     Stream stream{nullptr};
     MatKind kind = MatKind::text;
@@ -33,17 +33,17 @@ struct MatFile {
 
     explicit MatFile(const char *file_name) : name(file_name) {}
     std::FILE *get() const { return stream.get(); }
-    long long left() const; // bytes from here to the end; -1 when the stream doesn't tell
+    long long left() const; // bytes from here to the end; -1 when unknown
 };
 
-// Finds and opens the file, recognises its kind, and goes to its first variable: behind the 128 bytes of a
+// Finds and opens the file, recognises its kind, and goes to its first variable: after the 128 bytes of a
 // level 5 header, else to the beginning. "load: %s not found", "load: %s could not be read".
 bool mat_open_read(const kn_path_record *record, MatFile &file);
 
-// The same with an open stream, in place of finding it.
+// The same for a stream that is already open.
 bool mat_recognise(MatFile &file);
 
-// Of a variable, as the file tells without its data. An empty name means the end.
+// What the file says about a variable, without its data. An empty name means the end.
 struct MatEntry {
     static constexpr int name_size = 256;
     char name[name_size];
@@ -53,14 +53,14 @@ struct MatEntry {
 
 // ---- Level 4 ----
 
-// Loads the next matrix. True when there is no more to come: at the end of the file, where t becomes nop_M,
-// and after a report, where it becomes x_M.
+// Loads the next matrix. True when there are no more: at the end of the file, where t becomes nop_M, and
+// after a report, where it becomes x_M.
 bool mat4_load(const MatFile &file, Mm &t);
 
-// Reads what is said of the next matrix, and skips it. False at the end, and after a report.
+// Reads the header of the next matrix and skips the matrix. False at the end, and after a report.
 bool mat4_next(const MatFile &file, MatEntry &entry);
 
-// Writes a value. One that level 4 doesn't know is reported and left out; false when the file is not whole,
+// Writes a value. One that level 4 cannot hold is reported and left out; false when the file is incomplete,
 // which is reported too.
 bool mat4_save(std::FILE *stream, const Mm &x);
 
@@ -69,7 +69,7 @@ bool mat4_save(std::FILE *stream, const Mm &x);
 // Loads the matrix of a file. False after a report: t is x_M.
 bool text_load(const MatFile &file, Mm &t);
 
-// Writes a value, as mat4_save does.
+// Writes a value, like mat4_save.
 bool text_save(std::FILE *stream, const char *name, const Mm &x);
 
 } // namespace kn

@@ -1,4 +1,4 @@
-// save, vbsave, saveappend, saveV4, saveascii: the entry points of all kinds of files.
+// save, vbsave, saveappend, saveV4, saveascii: the entry points for all kinds of files.
 
 #include <algorithm>
 #include <cstring>
@@ -17,8 +17,8 @@ using namespace kn;
 
 namespace {
 
-// The values to save, of a comma list or of a cell from its element `first` on; anything else is its own only
-// value.
+// The values to save, of a comma list or of a cell from its element `first` on; anything else is itself the
+// only value.
 class Values {
   public:
     explicit Values(const Mc &list) : list_(&list), count_(list.count()) {}
@@ -36,8 +36,8 @@ class Values {
     int first_ = 0, count_;
 };
 
-// A kind of file: a writer for a stream and the file's name. `begin` and `put` answer false, after a report,
-// when the file is not whole.
+// A kind of file: a writer for a stream and the file's name. `begin` and `put` return false, after a report,
+// when the file is incomplete.
 struct Level5 {
     static constexpr bool extended = true;
     static void failed(const char *name, const char *what) { error("save: %s could not be %s", name, what); }
@@ -49,7 +49,8 @@ struct Level5 {
     bool put(const Mm &x) { return writer->write(x); }
 };
 
-// Level 5 behind what is in the file already, but for variables that have the name of a value.
+// Level 5 appended to the existing contents of the file, without the variables that have the name of a new
+// value.
 struct Level5Appended : Level5 {
     using Level5::Level5;
 
@@ -75,8 +76,8 @@ struct Level5Appended : Level5 {
         return false;
     }
 
-    // Copies the head of the file, in which bytes 116 to 123 may say where a nameless variable begins that
-    // belongs to all others, and the variables.
+    // Copies the variables and the head of the file, in which bytes 116 to 123 may give the offset of a
+    // nameless variable that belongs to all others.
     bool keep(const MatFile &old, const Values &values) {
         char head[level5_header_size];
         uint16_t mark;
@@ -160,7 +161,7 @@ Mm saveV4(const Mm &name, const Mm &list) { return save_as<Level4>(name, Values(
 Mm saveascii(const Mm &name, const Mc &list) { return save_as<Text>(name, Values(list)); }
 Mm saveascii(const Mm &name, const Mm &list) { return save_as<Text>(name, Values(list)); }
 
-// A value that is no cell is the name, and there are no values.
+// A value other than a cell is the name, and there are no values.
 Mm vbsave(const Mm &list) {
     return is_cell(list) ? save_as<Level5>(list.safebr(1), Values(list, 1))
                          : save_as<Level5>(list, Values(Mc()));

@@ -1,9 +1,9 @@
-// Loading a matrix from text: a line is a row, and the number of its numbers the number of columns.
+// Loading a matrix from text: each line is a row, and the count of numbers in it is the number of columns.
 //
-// A line is what ends in a newline, or 262143 characters. White space in front is skipped; nothing is read of
-// an empty line and of one that begins with "%" or "#". Blanks, tabs and commas separate tokens, of which the
-// first 31 characters count: a token that begins as a number is that number ("3;" is 3, "0x1f" is 31), one
-// with a capital I or N is Inf, -Inf, NaN or else 0, and any other is passed over.
+// A line ends at a newline, or after 262143 characters. Leading white space is skipped; an empty line and one
+// that begins with "%" or "#" are ignored. Blanks, tabs and commas separate tokens, of which the first 31
+// characters count: a token that begins as a number is that number ("3;" is 3, "0x1f" is 31), one with a
+// capital I or N is Inf, -Inf, NaN or else 0, and any other is skipped.
 
 #include <charconv>
 #include <climits>
@@ -31,7 +31,7 @@ constexpr size_t token_length = 31;
 
 bool separates(char c) { return c == ' ' || c == ',' || c == '\t' || c == '\r' || c == '\n'; }
 
-// A token with a capital I or N, as any formatter has spelt it.
+// A token with a capital I or N, in the spelling of any formatter.
 double not_finite(std::string_view token) {
     TextBuffer text;
     text.append(token);
@@ -55,7 +55,7 @@ bool number_of(std::string_view token, double &x) {
     return end != text;
 }
 
-// A finite number in the usual spelling, of which most files are made; its end, or null for any other token.
+// A finite number in the usual spelling, the most common one; returns its end, or null for any other token.
 const char *plain_number(const char *at, const char *end, double &x) {
     const auto [behind, problem] = std::from_chars(at, end, x);
     const bool plain = problem == std::errc() && is_finite(x) &&
@@ -69,7 +69,7 @@ class Table {
   public:
     explicit operator bool() const { return static_cast<bool>(bytes_); }
 
-    // Appends a line. False when it has another number of numbers than the lines before.
+    // Appends a line. False when its count of numbers differs from the lines before.
     bool append(const char *at, const char *end) {
         while (at < end && is_white(*at)) ++at;
         if (at == end || *at == '%' || *at == '#') return true;

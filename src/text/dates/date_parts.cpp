@@ -1,8 +1,8 @@
-// The calendar, and dates shown by pictures.
+// The calendar, and dates written by date formats.
 //
 // Between days and dates: the algorithms of Howard Hinnant, "chrono-Compatible Low-Level Date Algorithms"
 // (2013), in which a year begins in March, so that its leap day is the last one, and 400 years are an era of
-// 146097 days. Here they run on doubles, exact for all days that are told apart.
+// 146097 days. Here they run on doubles, exact for all days that are distinguishable.
 
 #include "text/dates/date_parts.h"
 
@@ -72,7 +72,7 @@ int day_of_week(double date) {
     return static_cast<int>(n < 0 ? n + 7 : n);
 }
 
-// ---- Pictures ----
+// ---- Date formats ----
 
 namespace {
 
@@ -111,7 +111,7 @@ constexpr std::array pictures = {
     "yyyy-mm-dd HH:MM:SS",
 };
 
-// What a picture is made of; the longer of two that begin equal stands first.
+// The elements of a date format; of two with the same beginning the longer one is first.
 enum class Item {
     year,
     short_year,

@@ -1,9 +1,9 @@
 // Dates read from text.
 //
-// A text is a list of numbers, names and signs. Numbers joined by ":" are a time; AM and PM belong to it. All
-// other numbers, up to three, are the date: with the name of a month among them, day and year, in the order
-// that the larger numbers leave; without one, month, day and year, or year, month and day when the first is
-// no month. Names of week days are passed over.
+// A text is a list of numbers, names and signs. Numbers joined by ":" are a time, with an optional AM or PM.
+// All other numbers, up to three, are the date: with the name of a month among them, day and year, in the
+// order that the larger number implies; without one, month, day and year, or year, month and day when the
+// first cannot be a month. Names of week days are skipped.
 
 #include <charconv>
 #include <cmath>
@@ -49,7 +49,7 @@ class Reader {
         while (n < text_.size() && is_digit(text_[n])) ++n;
         const bool time = in_time_ || (n < text_.size() && text_[n] == ':');
         Number x{0, n};
-        if (time && n < text_.size() && text_[n] == '.') // the fraction of a second
+        if (time && n < text_.size() && text_[n] == '.') // fractional seconds
             for (++n; n < text_.size() && is_digit(text_[n]);) ++n;
         std::from_chars(text_.data(), text_.data() + n, x.value);
         text_.remove_prefix(n);
@@ -112,7 +112,7 @@ class Reader {
             p.month = x[0].value, p.day = x[1].value;
             if (n_dates_ == 3) p.year = year(x[2]);
         } else {
-            return n_dates_ == 0; // a time of today
+            return n_dates_ == 0; // a time today
         }
         return p.month >= 1 && p.month <= 12 && p.day >= 1 && p.day <= days_in_month(p.year, p.month);
     }

@@ -1,5 +1,5 @@
-// Functions of dates and times. What a date may be is told in quorvex/dates.h: `dates_of` makes date numbers
-// of all of it.
+// Functions of dates and times. quorvex/dates.h says what a date may be: `dates_of` converts all of these to
+// date numbers.
 
 #include <algorithm>
 #include <cmath>
@@ -38,7 +38,7 @@ DateParts parts_at(const double *const *x, const int *step, int k) {
     return {part(0), part(1), part(2), part(3), part(4), part(5)};
 }
 
-// ---- Date numbers of anything ----
+// ---- Date numbers of any date ----
 
 bool text_dates(const char *caller, const Mm &m, const DateParts &today, double *to) {
     const Codes codes(m);
@@ -58,7 +58,7 @@ bool text_dates(const char *caller, const Mm &m, const DateParts &today, double 
 
 Mm column(int n) { return Mm(0, 0, 0, n, 1, kn_double); }
 
-// Date vectors as rows? By their columns alone, or also by a month and a day that exist.
+// Whether the rows are date vectors: by the number of columns alone, or also by a valid month and day.
 bool are_vectors(const Mm &x, bool any) {
     const int n = x.rows();
     if (x.getndims() > 2 || (x.cols() != 3 && x.cols() != n_parts)) return false;
@@ -106,7 +106,7 @@ Mm dates_of(const char *caller, const Mm &m, bool any_vector = false) {
     return out;
 }
 
-// ---- Date numbers of parts ----
+// ---- Date numbers from parts ----
 
 Mm date_numbers(const char *caller, std::initializer_list<const Mm *> inputs) {
     Mm held[n_parts];

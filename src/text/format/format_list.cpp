@@ -1,9 +1,9 @@
 // Parsing of formats.
 //
-// Behind a percent sign any of "*#0123456789+-." may follow, then a modifier, then the letter. A letter that
-// is no conversion makes all of it text, but for the modifier, which is lost; the search goes on behind the
-// percent sign. So the second sign of "%%" may begin a conversion of its own, as in "%%d". C takes "%%" for a
-// percent sign and sees no conversion there: that piece has one, and is written as text.
+// After a percent sign any of "*#0123456789+-." may follow, then a modifier, then the letter. A letter that
+// is no conversion makes all of it text, except for the modifier, which is lost; the search continues after
+// the percent sign. So the second sign of "%%" may begin a conversion of its own, as in "%%d". C reads "%%"
+// as a percent sign and sees no conversion there: that piece has one, and is written as text.
 
 #include "text/format/format_list.h"
 
@@ -23,7 +23,7 @@ constexpr int largest_field = 1000000;
 
 bool is_one_of(char c, const char *set) { return c && std::strchr(set, c); }
 
-// The digits at `at`, which is moved behind them; INT_MAX for more than an int holds.
+// The digits at `at`, which is moved past them; INT_MAX when the number does not fit an int.
 int read_int(const char *&at) {
     long long n = 0;
     for (; is_digit(*at); ++at) n = std::min<long long>(10 * n + (*at - '0'), INT_MAX);
@@ -46,8 +46,8 @@ const char *flags_of(char conversion) {
     }
 }
 
-// The fields of a conversion; false when they stand in no order that C knows. What can be read is a part of
-// what can be written.
+// The fields of a conversion; false when their order is unknown to C. What can be read is a subset of what
+// can be written.
 bool read_fields(Piece &piece, std::string_view conversion) {
     const bool number = !is_one_of(piece.conversion, "csnp");
     const char *at = conversion.data() + 1;
@@ -57,7 +57,7 @@ bool read_fields(Piece &piece, std::string_view conversion) {
     if (const int width = read_int(at); width > 0) piece.width = width;
     piece.readable = at == letter;
 
-    // For writing there is no argument that a "*" could take.
+    // In writing there is no argument for a "*".
     char flags[8] = "", *flag = flags;
     for (at = conversion.data() + 1; is_one_of(*at, "-+#0*"); ++at)
         if (is_one_of(*at, flags_of(piece.conversion)) && !is_one_of(*at, flags)) *flag++ = *at;
@@ -132,7 +132,8 @@ const Mm &value_of(const Mm &list, int k) { return is_cell(list) ? list.mr(k) : 
 FormatList::FormatList(const Mm &fmt) {
     TextBuffer format;
     if (!format_unescape(fmt, format)) return;
-    // All texts of the pieces have room, so that they don't move: an "l" for a letter, and the text as shown.
+    // All texts of the pieces are reserved here, so that they don't move: an "l" for a letter, and the text
+    // as shown.
     if (!text_.room(3 * format.size())) return;
     const char *at = format.c_str();
     pieces_.emplace(std::count(at, at + format.size(), '%') + 1);
@@ -162,7 +163,7 @@ bool FormatList::printable() const {
     return true;
 }
 
-// Reads one piece of the format and returns what is behind it.
+// Parses one piece of the format and returns what follows it.
 const char *FormatList::parse_piece(const char *at, Piece &piece) {
     const size_t start = text_.size();
     size_t percent = start;
@@ -188,7 +189,7 @@ const char *FormatList::parse_piece(const char *at, Piece &piece) {
     return at;
 }
 
-// Settles what C makes of the piece, whose conversion begins at `percent`.
+// Determines how C reads the piece, whose conversion begins at `percent`.
 void FormatList::understand(Piece &piece, size_t percent) {
     const std::string_view all = piece.text;
     const bool converts = piece.conversion != Piece::no_conversion;
@@ -198,7 +199,7 @@ void FormatList::understand(Piece &piece, size_t percent) {
         text_.append(all[k]);
         if (all[k] == '%' && k + 1 < all.size() && all[k + 1] == '%') ++k;
     }
-    // Beyond `percent` its sign was the second one of "%%".
+    // When k is past `percent`, that sign was the second one of "%%".
     piece.for_c = converts && k == percent && read_fields(piece, all.substr(percent));
     if (piece.for_c)
         piece.text = all.substr(0, percent);

@@ -1,8 +1,8 @@
-// Formats of formatted text as lists of pieces, writing by them and reading by them.
+// Formats of formatted text as lists of pieces, for writing and for reading.
 //
-// A piece is a conversion with the text in front of it; the text behind the last conversion is a piece, too.
-// The C formatter is only ever given the one conversion of a piece, rebuilt from what was understood of it:
-// text goes past it, so no stray percent sign makes it look for arguments.
+// A piece is a conversion with the text before it; the text after the last conversion is a piece, too. The C
+// formatter is only ever given the one conversion of a piece, rebuilt from its parsed fields; literal text
+// does not pass through it, so no stray percent sign makes it read missing arguments.
 #ifndef QUORVEX_TEXT_FORMAT_FORMAT_LIST_H
 #define QUORVEX_TEXT_FORMAT_FORMAT_LIST_H
 
@@ -21,22 +21,22 @@ struct Piece {
 
     char conversion = no_conversion; // a letter of "diouxXeEfFgGcsnp", or none
     char modifier = 0;               // of length: a letter of "lhLHbtBT"
-    bool for_c = false;              // the conversion is one for C, too; else it is part of the text
-    std::string_view text;           // all of it, or what is in front of the conversion for C
-    std::string_view shown;          // the same as C writes it: a percent sign for two
+    bool for_c = false;              // a conversion for C, too; else part of the text
+    std::string_view text;           // all of it, or what precedes the conversion for C
+    std::string_view shown;          // the same as C writes it: "%%" as a percent sign
 
     // For writing.
     char c_format[48] = "";     // "%-8.3lf"
     bool plain = false;         // no flag but "-"
-    bool left = false;          // which is there
+    bool left = false;          // the flag "-" is present
     int columns = 0;            // least width
     int precision = -1;         // none
     std::string_view too_large; // width or precision beyond the bound
 
     // For reading.
-    bool skip = false;       // holds a "*": what is read is not kept
-    bool suppressed = false; // "%*d": nor is it counted
-    bool readable = false;   // "%", "*", width, letter and no more
+    bool skip = false;       // contains a "*": what is read is not kept
+    bool suppressed = false; // "%*d": it is not counted either
+    bool readable = false;   // "%", "*", width, letter and nothing else
     int width = -1;          // none
 };
 
@@ -45,7 +45,7 @@ class FormatList {
     // The format in a value, its backslashes resolved.
     explicit FormatList(const Mm &fmt);
 
-    // False for a format that is no text (after a report) and without memory.
+    // False for a format that is not text (after a report) and when memory is exhausted.
     explicit operator bool() const { return pieces_ && *pieces_; }
     bool chars_only() const { return chars_only_; } // all conversions are c or s
     bool has(char conversion) const;
@@ -76,11 +76,11 @@ bool format_unescape(const Mm &fmt, TextBuffer &out);
 int values_of(const Mm &list);
 const Mm &value_of(const Mm &list, int k); // from 1
 
-// Appends one value, from the current piece on. False after a report.
+// Appends one value, starting at the current piece. False after a report.
 bool format_print(FormatList &list, const Mm &value, TextBuffer &out);
 
-// What sscanf and fscanf share: reads the stream, or the text where there is none, into the outputs. False,
-// and the outputs are as they were, after a report.
+// What sscanf and fscanf share: reads from the stream, or from the text when there is none, into the outputs.
+// After a report false, and the outputs are unchanged.
 bool format_scan(std::FILE *stream, std::string_view text, const Mm &fmt, const Mm &size, Mm &a, Mm &count,
                  Mm &msg);
 

@@ -1,6 +1,6 @@
 // Writing values by the pieces of a format.
 //
-// Output is seen as texts of C are: a piece ends at a null character. Layouts are those of snprintf; plain
+// Output is treated as C strings: a piece ends at a null character. Layouts are those of snprintf; plain
 // conversions get the same text without it.
 
 #include <charconv>
@@ -20,7 +20,7 @@
 namespace kn {
 namespace {
 
-// What %n leaves behind: it uses up a value, but stays where it is, and the element there counts as 0.
+// The state after %n: it consumes a value but stays at its element, which then counts as 0.
 struct Rest {
     const double *at;
     ptrdiff_t n;
@@ -54,7 +54,7 @@ template <class T> void append_by(TextBuffer &out, const char *c_format, T value
     out.advance(null ? static_cast<size_t>(static_cast<const char *>(null) - to) : size);
 }
 
-// Fills what was appended from `start` on up to the least width of its piece.
+// Pads what was appended from `start` on to the least width of its piece.
 void pad(TextBuffer &out, size_t start, const Piece &piece) {
     const size_t n = out.size() - start, width = static_cast<size_t>(piece.columns);
     if (n >= width) return;
@@ -65,7 +65,7 @@ void pad(TextBuffer &out, size_t start, const Piece &piece) {
     std::memset(text, ' ', width - n);
 }
 
-// Truncated. Beyond the numbers of the type the last one; an unsigned one beyond those of `long` wraps.
+// Truncates. Out-of-range numbers give the nearest limit; an unsigned one beyond the range of `long` wraps.
 long whole(double x, bool is_unsigned) {
     using Long = std::numeric_limits<long>;
     constexpr double half = 2.0 * static_cast<double>(Long::max() / 2 + 1);
@@ -75,7 +75,7 @@ long whole(double x, bool is_unsigned) {
     return x < 2 * half ? static_cast<long>(static_cast<unsigned long>(x)) : -1;
 }
 
-// The bytes of a value in the order of memory, two digits each, the lower one first.
+// The bytes of a value in memory order, two hexadecimal digits each, the low digit first.
 template <class T> void append_bytes(TextBuffer &out, T value) {
     unsigned char bytes[sizeof value];
     std::memcpy(bytes, &value, sizeof value);
@@ -185,7 +185,7 @@ bool format_print(FormatList &list, const Mm &value, TextBuffer &out) {
             break;
         case 's':
             append_string(out, piece, rest);
-            done = true; // with the value; what the format has behind it is for the next one
+            done = true; // with the value; the rest of the format is for the next one
             break;
         case 'n':
             rest.cleared = true;

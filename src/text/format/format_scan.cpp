@@ -1,12 +1,13 @@
 // Reading numbers and characters by the pieces of a format.
 //
-// A piece is matched as scanf does: blanks in it match any blanks or none, other text itself; then the
-// conversion takes the longest run that looks like its kind of number (a word for s, one character for c). An
-// input that ends too early answers -1, one that doesn't fit 0.
+// A piece is matched as scanf does: blanks in it match any blanks or none, other text matches itself; then
+// the conversion takes the longest run that looks like its kind of number (a word for s, one character for
+// c). An input that ends too early gives -1, one that doesn't match 0.
 //
-// In a stream, reading goes on after what was matched. In a text, c moves on by one character and every
+// In a stream, reading continues after what was matched. In a text, c advances by one character and every
 // other conversion by one word with the blanks around it, wherever its match began or ended; a piece without
-// conversion stays. A turn through all pieces that neither moves nor reads anything is the last one.
+// conversion does not advance. A pass through all pieces that neither advances nor reads anything is the last
+// one.
 
 #include <algorithm>
 #include <charconv>
@@ -28,7 +29,7 @@ namespace {
 
 bool is_hex_digit(int c) { return is_digit(c) || (to_lower(c) >= 'a' && to_lower(c) <= 'f'); }
 
-// What is read from: the next character, or EOF.
+// The source: the next character, or EOF.
 class TextInput {
   public:
     explicit TextInput(std::string_view text)
@@ -85,7 +86,7 @@ class StreamInput {
     ptrdiff_t moved_ = 0;
 };
 
-// What was read.
+// The values read.
 class ScannedNumbers {
   public:
     void append(double x) {
@@ -96,7 +97,7 @@ class ScannedNumbers {
     }
     explicit operator bool() const { return static_cast<bool>(bytes_); }
     int count() const { return static_cast<int>(bytes_.size() / sizeof(double)); }
-    // The first n, as many as there are.
+    // The first n, or as many as there are.
     void copy(double *to, int n) const {
         const size_t bytes = sizeof *to * static_cast<size_t>(std::min(n, count()));
         if (bytes > 0) std::memcpy(to, bytes_.view().data(), bytes);
@@ -113,7 +114,7 @@ template <class In> class Scanner {
   public:
     explicit Scanner(In &in) : in_(in) {}
 
-    // Reads one piece. What was found is in `word` (s, c) or `value`.
+    // Reads by one piece. The result is in `word` (s, c) or `value`.
     Answer read(const Piece &piece) {
         blanks_ = false;
         word.clear();
@@ -272,8 +273,8 @@ template <class In> class Scanner {
     }
 
     In &in_;
-    bool blanks_ = false; // the piece has blanks where we are
-    int left_ = 0;        // characters of the width
+    bool blanks_ = false; // the piece has blanks here
+    int left_ = 0;        // characters left of the width
 };
 
 // False after a report.
