@@ -122,7 +122,7 @@ TEST_F(Host, words_for_a_person) {
     EXPECT_EQ(path, directory + "/a.m");
     EXPECT_EQ(shown(14, 0, at((directory + "/*.m").c_str())), "a.m\nb.m\n");
     EXPECT_NE(shown(13, 0, at("numel")).find("number of elements"), std::string::npos);
-    EXPECT_EQ(shown(31, 0, at("number of elements")), "numel                number of elements\n");
+    EXPECT_EQ(shown(31, 0, at("discrete Laplacian")), "del2                 discrete Laplacian\n");
     EXPECT_NE(shown(32, 0, at("")).find("\nnumel "), std::string::npos);
     kn_delete_path_record(record);
 
