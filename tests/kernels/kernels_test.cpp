@@ -204,6 +204,10 @@ TEST(Kernels, large_results_do_not_depend_on_threads) {
                 }
                 kn::set_thread_count(0);
                 ASSERT_SAME(results[1], results[0]) << kn::op_name(op);
+                const Mm few = test::row({1, 560}); // columns, which are not shared
+                const Mm part(1, x(c_p, few), y.size() == 1 ? y : Mm(y(c_p, few)), nop_M,
+                              static_cast<op_t>(op), 0, l_M);
+                ASSERT_SAME(Mm(results[1](c_p, few)), Mm(part(c_p, c_p))) << kn::op_name(op);
             }
 }
 
