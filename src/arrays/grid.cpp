@@ -9,8 +9,8 @@
 #include "quorvex/operations.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
-#include "value/extents.h"
 #include "value/header.h"
+#include "value/size_arguments.h"
 
 namespace {
 

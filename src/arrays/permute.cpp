@@ -9,8 +9,8 @@
 #include "quorvex/classes.h"
 #include "quorvex/operations.h"
 #include "quorvex/startup.h"
-#include "value/columns.h"
 #include "value/planes.h"
+#include "value/sparse_walk.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include "quorvex/operations.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
-#include "value/extents.h"
 #include "value/number_argument.h"
 #include "value/planes.h"
+#include "value/size_arguments.h"
 
 namespace {
 

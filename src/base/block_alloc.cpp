@@ -1,7 +1,7 @@
 // The block allocator: blocks of 48 sizes up to 128 KB, cut from spans of pages, and above that the layer of
 // large blocks.
 //
-// Eight bytes stand before the data of a small block:
+// Eight bytes precede the data of a small block:
 //
 //     | - | - | - | - | - | 0xEF while in use, else 0 | size class | 0 | data (while free: the next free
 //     block)

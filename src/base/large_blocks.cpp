@@ -8,7 +8,7 @@
 // eighth.
 //
 // The cache keeps freed blocks in the order of their freeing, so that temporaries that come and go in a loop
-// don't have their pages made anew each time. It keeps no more than a loop can use:
+// don't have new pages mapped each time. It keeps no more than a loop can use:
 //
 // - as many bytes as live blocks have, and 24 MB;
 // - at most 32 blocks, 512 MB and an eighth of the machine's memory;

@@ -1,4 +1,4 @@
-// The memory behind the small blocks: spans of whole pages, cut from chunks of address space.
+// The memory of the small blocks: spans of whole pages, cut from chunks of address space.
 //
 // A chunk is chunk_size bytes at a multiple of chunk_size. Its first pages hold a record for each page:
 //

@@ -6,8 +6,8 @@
 
 namespace kn {
 
-// malloc and free behind the probe; null when memory is exhausted. Every allocation of the library passes
-// here or through kn_block_alloc.
+// malloc and free, called through the allocation probe; null when memory is exhausted. Every allocation of
+// the library passes here or through kn_block_alloc.
 void *heap_alloc(size_t bytes);
 void heap_free(void *p);
 // strdup on that heap.

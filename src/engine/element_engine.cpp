@@ -2,7 +2,7 @@
 //
 // It settles in this order: values without content, sparse operands, cells and classes, mixed element types,
 // empty operands, the shape of the result. Then it allocates the result once and hands it to the loops of the
-// element type. Nothing of the object under construction stands before the result is complete, so that an
+// element type. Nothing of the object under construction is written before the result is complete, so that an
 // error may be thrown anywhere.
 
 #include "engine/element_engine.h"

@@ -1,4 +1,4 @@
-// Sorted slices. A slice whose elements are neighbours is sorted where it stands in the result; any other is
+// Sorted slices. A slice whose elements are neighbours is sorted in place in the result; any other is
 // gathered into a scratch array, sorted and scattered back.
 
 #include "engine/sorted.h"
@@ -21,7 +21,7 @@ struct Keyed {
 };
 
 bool before(unsigned char x, unsigned char y) { return x < y; }
-bool before(double x, double y) { return x < y || (y != y && x == x); } // NaN is behind every number
+bool before(double x, double y) { return x < y || (y != y && x == x); } // NaN comes after every number
 bool before(const Keyed &x, const Keyed &y) {
     return before(x.size, y.size) || (!before(y.size, x.size) && before(x.turn, y.turn));
 }

@@ -5,7 +5,7 @@
 
 #include "base/lock.h"
 #include "files/file_table.h"
-#include "files/mpath.h"
+#include "files/search_path.h"
 #include "files/stream_calls.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"

@@ -1,6 +1,6 @@
 // The evaluation hooks, and the functions of the language that use them.
 
-#include "value/calls.h"
+#include "value/call_by_name.h"
 
 #include <cstdio>
 #include <cstring>

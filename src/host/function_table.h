@@ -1,5 +1,5 @@
 // The table of functions: the rows of the headers and the calls made from them, one for each form
-// (calls.cpp). Sorted by C++ name.
+// (function_calls.cpp). Sorted by C++ name.
 #ifndef QUORVEX_HOST_FUNCTION_TABLE_H
 #define QUORVEX_HOST_FUNCTION_TABLE_H
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "base/ascii.h"
-#include "files/mpath.h"
+#include "files/search_path.h"
 #include "host/help_texts.h"
 #include "platform/platform.h"
 #include "quorvex/display.h"

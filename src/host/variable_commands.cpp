@@ -6,7 +6,7 @@
 
 #include "base/ascii.h"
 #include "base/wildcard.h"
-#include "files/mpath.h"
+#include "files/search_path.h"
 #include "host/workspace.h"
 #include "platform/platform.h"
 #include "quorvex/arrays.h"

@@ -1,4 +1,4 @@
-// One element at a time: x(k), c{k}, s.a and s(k).a read, replaced in their place, or added behind the last.
+// One element at a time: x(k), c{k}, s.a and s(k).a read, replaced in place, or added after the last.
 //
 // Whatever is out of the ordinary (a class, a shared block, a subscript that is no number inside, growth that
 // moves elements about) is left to the general way, without a trace.
@@ -16,7 +16,7 @@ Mm &writable(const Mm *m) { return const_cast<Mm &>(*m); }
 
 // ---- Growth by one element ----
 
-// The dimension along which a value grows when only the place behind its last element is written; -1 when
+// The dimension along which a value grows when only the element after its last one is written; -1 when
 // another place is selected.
 int grows_along(const Mm &t, int n, const Mm *const *s) {
     int rows = t.rows(), cols = t.cols(), size = t.getnnz();

@@ -63,7 +63,7 @@ bool are_last(const Positions &gone, int n) {
            (gone.count() == 1 || gone.is_run());
 }
 
-// Deletes the elements of an unshared full value behind the first ones.
+// Deletes the last elements of an unshared full value.
 void cut(Mm &t, const int *dims) {
     int n = t.getnnz();
     set_extents(t, dims);

@@ -1,4 +1,4 @@
-// The words about positions that lie outside. `at` counts from 0, the texts from 1.
+// Out-of-range messages. `at` counts from 0, the texts from 1.
 #ifndef QUORVEX_INDEXING_INDEX_MESSAGES_H
 #define QUORVEX_INDEXING_INDEX_MESSAGES_H
 

@@ -16,7 +16,7 @@ namespace kn {
 template <class T> T *re(const Mm &m) { return static_cast<T *>(Header::pr(m)); }
 template <class T> T *im(const Mm &m) { return static_cast<T *>(Header::pi(m)); }
 
-// What stands in a place that nobody wrote: 0; in a cell []; in a structure empty fields.
+// The value of an element never written: 0; in a cell []; in a structure empty fields.
 template <class T> T blank(const Mm &) { return T(0); }
 template <> inline Mm blank<Mm>(const Mm &m) {
     return m.isstruct() ? Mm(0, 0, 0, 1, m.getnfields(), kn_Mm) : Mm();

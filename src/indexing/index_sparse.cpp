@@ -1,8 +1,8 @@
 // Sparse bases and targets: selections move between lists of entries.
 //
 // Reading takes a line at a time: the entries of a column, or of the part of it that the first subscript
-// selects, stand together, since entries ascend. Writing makes a sorted list of the new entries and merges it
-// with the old one; at equal positions the last one written stays.
+// selects, are consecutive, since entries ascend. Writing makes a sorted list of the new entries and merges
+// it with the old one; at equal positions the last one written stays.
 
 #include <cstring>
 

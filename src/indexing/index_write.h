@@ -178,57 +178,71 @@ inline bool grown_extents(int *dims, const Mm &t, const Subscripts &s, const Sel
     return true;
 }
 
-template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &source) {
-    bool whole = kind == Mr_brace; // one element becomes the source as it is
-    Mm src = source;
-    if (!whole) {
-        if (s.n == 0) {
-            t = src;
-            return true;
-        }
-        if (src.size() == 0) return vwcopy0(t, s);
-    } else if (s.n == 0) {
-        return true;
+// Makes the source of x(...) = src, for `total` selected elements, full. False after a report when it has
+// neither one element nor so many.
+inline bool match_source(Mm &src, const Mm &t, int total) {
+    const int size = src.size();
+    if (size != 1 && size != total) {
+        error("In indexed assignment to the matrix %s, the index size was %d but right hand side has %d "
+              "elements",
+              kn_display_name(t), total, size);
+        return false;
     }
+    if (src.issparse()) src = full(src);
+    return !lacks(src, size);
+}
 
-    // In an empty target a colon among several subscripts stands for the extent of the source.
-    const int *colon_extents = !whole && t.size() == 0 && s.n > 1 ? src.getdims() : t.getdims();
-    int counts[4];
-    int total = kn_index_dims(t, s, colon_extents, 1, counts);
-    if (total <= 0) return total == 0;
-    if (!whole) {
-        int size = src.size();
-        if (size != 1 && size != total) {
-            error("In indexed assignment to the matrix %s, the index size was %d but right hand side has %d "
-                  "elements",
-                  kn_display_name(t), total, size);
-            return false;
-        }
-        if (src.issparse()) src = full(src);
-        if (lacks(src, size)) return false;
-    }
-
-    Selection sel;
+// What the subscripts select, `counts` from kn_index_dims, and the extents that hold it. False after a
+// report.
+inline bool select_target(Selection &sel, int *dims, const Mm &t, const Subscripts &s, const int *counts) {
     for (int k = 0; k < s.n; ++k)
         if (!sel.add(s[k], counts[k])) return false;
-    if (!sel.reaches(t, s, Selection::growing, 1)) return false;
-    int dims[4];
-    if (!grown_extents(dims, t, s, sel)) return false;
+    return sel.reaches(t, s, Selection::growing, 1) && grown_extents(dims, t, s, sel);
+}
+
+// x(...) = src; an empty source deletes.
+template <class T> bool assign_elements(Mm &t, const Subscripts &s, Mm src) {
+    if (s.n == 0) {
+        t = src;
+        return true;
+    }
+    if (src.size() == 0) return vwcopy0(t, s);
+
+    // In an empty target a colon among several subscripts counts as the extent of the source.
+    const int *colon_extents = t.size() == 0 && s.n > 1 ? src.getdims() : t.getdims();
+    int counts[4], dims[4];
+    const int total = kn_index_dims(t, s, colon_extents, 1, counts);
+    if (total <= 0) return total == 0;
+    Selection sel;
+    if (!match_source(src, t, total) || !select_target(sel, dims, t, s, counts)) return false;
     if constexpr (std::is_same_v<T, double>)
         if (t.issparse()) return write_sparse(t, sel, dims, src);
-    if (!resize<T>(t, dims, !whole && src.isc(), false)) return false;
-    if constexpr (std::is_same_v<T, Mm>) {
-        if (whole) {
-            Odometer lines(sel, t.getdims());
-            ptrdiff_t line = lines.kn_next_index();
-            re<Mm>(t)[line + lines.line()[0] * lines.stride()] = src;
-            check(t);
-            return true;
-        }
-    }
+    if (!resize<T>(t, dims, src.isc(), false)) return false;
     scatter<T>(t, sel, src);
     check(t);
     return true;
+}
+
+// x{...} = src: the first selected element becomes the source as it is.
+inline bool assign_value(Mm &t, const Subscripts &s, const Mm &source) {
+    const Mm src = source;
+    if (s.n == 0) return true;
+    int counts[4], dims[4];
+    const int total = kn_index_dims(t, s, t.getdims(), 1, counts);
+    if (total <= 0) return total == 0;
+    Selection sel;
+    if (!select_target(sel, dims, t, s, counts) || !resize<Mm>(t, dims, 0, false)) return false;
+    Odometer lines(sel, t.getdims());
+    const ptrdiff_t line = lines.kn_next_index();
+    re<Mm>(t)[line + lines.line()[0] * lines.stride()] = src;
+    check(t);
+    return true;
+}
+
+template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &src) {
+    if constexpr (std::is_same_v<T, Mm>)
+        if (kind == Mr_brace) return assign_value(t, s, src);
+    return assign_elements<T>(t, s, src);
 }
 
 } // namespace kn

@@ -1,8 +1,8 @@
 // The walk through a selection: the first subscript runs fastest.
 //
-// Elements are visited line by line. A line is all that one subscript selects while the others stand still:
+// Elements are visited line by line. A line is all that one subscript selects while the others keep theirs:
 // the first subscript that selects more than one position, since those before it never move. The odometer
-// counts the subscripts behind it and gives the place where each line begins.
+// counts the subscripts after it and gives the index at which each line begins.
 #ifndef QUORVEX_INDEXING_ODOMETER_H
 #define QUORVEX_INDEXING_ODOMETER_H
 
@@ -18,8 +18,8 @@ class Odometer {
 
     // Goes on with the n-th line, counted from 0; there is one.
     void skip_to(ptrdiff_t n);
-    // Linear position of the next line, -1 after the last. Its elements stand at position times stride
-    // behind.
+    // Linear index of the next line, -1 after the last. Its elements are at position times stride
+    // after it.
     ptrdiff_t kn_next_index();
     const Positions &line() const { return s_[axis_]; }
     ptrdiff_t stride() const { return stride_[axis_]; }

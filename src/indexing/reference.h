@@ -1,8 +1,8 @@
 // The library's own access to references.
 //
-// Most references select one element that stands there already: a number of an array, an element of a cell, a
-// field of a structure, through any chain of such steps. Those are found here and read or replaced in their
-// place (element_access.cpp); nothing but the time differs from the general way (reference.cpp).
+// Most references select one existing element: a number of an array, an element of a cell, a field of a
+// structure, through any chain of such steps. Those are found here and read or replaced in place
+// (element_access.cpp); only the time differs from the general way (reference.cpp, assignment.cpp).
 #ifndef QUORVEX_INDEXING_REFERENCE_H
 #define QUORVEX_INDEXING_REFERENCE_H
 
@@ -20,6 +20,11 @@ template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, 
     return at < extent && (!whole || at == v); // between 0 and 1 is the first element, if there is one
 }
 
+// Whether the class of a value has the method.
+bool has_method(const Mm &m, const char *method);
+// Reports a variable without a value.
+void report_unset(const Mm &base);
+
 struct RefAccess {
     static Subscripts subscripts(const Mr &r) {
         Subscripts s;
@@ -32,7 +37,7 @@ struct RefAccess {
 
     // Whether one or two scalar subscripts select an element of a full value, and its linear position. An
     // assignment asks for whole numbers, as others may make the value grow, and one subscript may select the
-    // place behind the last element.
+    // index after the last element.
     template <bool assigning = false>
     [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, int &at) {
         if (base.issparse()) return false;
@@ -48,7 +53,7 @@ struct RefAccess {
     static int position(const Mm &base, const Mr &r);
 
     // How a chain is gone through: to be read, or to be changed, by a source that is held by `source` (null
-    // for a read). To change something, nobody else may hold the values on the way to it, and the source
+    // for a read). To change something, the values on the way to it must be unshared, and the source
     // must not be one of them.
     struct Way {
         const unsigned *source;
@@ -60,7 +65,7 @@ struct RefAccess {
     static constexpr Way to_read = {nullptr};
     static Way to_assign(const Mm &src) { return {Header::refcount(src)}; }
 
-    // What a reference indexes, when it stands there already; null otherwise.
+    // What a reference indexes, when it exists; null otherwise.
     static const Mm *container(const Mr &r, Way way) {
         return r.base_m ? r.base_m : r.base_r ? find(*r.base_r, way) : nullptr;
     }
@@ -73,8 +78,8 @@ struct RefAccess {
         return r.kind == Mr_paren && base.gettype() == kn_double && !base.isc() && !base.getclassid() &&
                selects_one(base, r, at);
     }
-    // A number into the only element that r selects of an array that nobody shares, or into the place behind
-    // the last of a vector with room; false for anything else.
+    // Stores a number in the only element that r selects of an unshared array, or after the last element of
+    // a vector with room; false for anything else.
     [[gnu::always_inline]] static bool write_number(const Mm &base, const Mr &r, double x) {
         int at;
         if (r.kind != Mr_paren || !takes_numbers(base) || !selects_one<true>(base, r, at)) return false;
@@ -87,7 +92,7 @@ struct RefAccess {
         if (base.isc()) base.addi()[at] = 0.0;
         return true;
     }
-    // The place behind the last element becomes part of the value.
+    // The element after the last becomes part of the value.
     static void extend(const Mm &m, int along) {
         int *dims = m.getdims();
         if (m.getnnz()++ == 0)
@@ -107,7 +112,7 @@ struct RefAccess {
     static Mm read(const Mm &base, const Mr &r, int strict);
     static Mm read_member(const Mm &base, const char *member, int strict);
 
-    // Assigns when r selects one place that is there already, or the one behind the last; the rest is left to
+    // Assigns when r selects one existing element, or the one after the last; the rest is left to
     // assign.
     static bool assign_element(const Mr &r, const Mm &src);
     [[gnu::noinline]] static void assign(const Mr &r, const Mm &src);

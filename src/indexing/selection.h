@@ -30,6 +30,11 @@ struct Subscripts {
 
 inline bool is_colon(const Mm &s) { return s.issamename(kn_colon_name); }
 inline bool selects(double mask) { return (mask > 0) | (mask < 0); }
+inline int count_true(const double *mask, int n) {
+    int count = 0;
+    for (int k = 0; k < n; ++k) count += selects(mask[k]);
+    return count;
+}
 
 // Position of an index value. What no extent reaches gives one that is outside all of them: INT_MIN (NaN too)
 // or INT_MAX.
@@ -56,8 +61,8 @@ class Positions {
     Positions(const Positions &) = delete;
     Positions &operator=(const Positions &) = delete;
 
-    // Each gives the positions anew; false when memory was exhausted. A colon selects `extent` positions, a
-    // full mask none at or beyond `mask_end`. `alone` allows all kinds; the subscript must then stand as long
+    // Each replaces the positions; false when memory was exhausted. A colon selects `extent` positions, a
+    // full mask none at or beyond `mask_end`. `alone` allows all kinds; the subscript must then last as long
     // as the positions.
     bool set(const Mm &s, int extent, int mask_end, bool alone = false);
     void set_run(int first, int count);

@@ -73,7 +73,7 @@ struct Survey {
 };
 
 // Columns of a plane of an item, with the first element at `to`; zeros for a plane that is not there. Nothing
-// is written at or behind `end`.
+// is written at or after `end`.
 void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, int cols) {
     if (rows <= 4 && rows <= stride && from && (cols - 1) * stride + rows <= end - to) {
         for (ptrdiff_t r = 0; r < rows; r++)

@@ -6,8 +6,8 @@
 #include "quorvex/structures.h"
 #include "quorvex/text.h"
 #include "value/constants.h"
-#include "value/extents.h"
 #include "value/header.h"
+#include "value/size_arguments.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Comma lists: pointers to values that live until the end of the full expression, numbers and texts. The
-// first 16 items stand in the list itself; a longer list has an array on the C heap.
+// first 16 items are in the list itself; a longer list has an array on the C heap.
 #include <algorithm>
 #include <utility>
 

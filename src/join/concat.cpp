@@ -16,9 +16,9 @@
 #include "quorvex/indexing.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
-#include "value/columns.h"
-#include "value/extents.h"
 #include "value/planes.h"
+#include "value/size_arguments.h"
+#include "value/sparse_walk.h"
 
 namespace kn {
 namespace {
@@ -41,7 +41,7 @@ void join_flags(const Mm &out, const Mm &a, const Mm &b) {
 
 // ---- Full values ----
 
-// The runs of one of the two, `steps` of them, each `step` behind the last; of a plane that is not there,
+// The runs of one of the two, `steps` of them, each `step` after the last; of a plane that is not there,
 // zeros.
 template <class T> void lay_runs(T *to, ptrdiff_t step, const T *from, ptrdiff_t n, ptrdiff_t steps) {
     if (!from) {
@@ -150,7 +150,7 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
 
 // ---- Structures ----
 
-// The assignment that stores b behind a matches the fields. It is the plain one: classes have no say.
+// The assignment that appends b to a matches the fields. No class method takes part.
 Mm join_structures(int dim, const Mm &a, const Mm &b) {
     Mm out = a, tail = b;
     out.setclassid(0);

@@ -12,9 +12,9 @@
 #include "quorvex/solving.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
-#include "value/columns.h"
 #include "value/header.h"
 #include "value/planes.h"
+#include "value/sparse_walk.h"
 
 namespace kn {
 namespace {
@@ -146,8 +146,8 @@ bool permutation_of(const Mm &p, int n, int *order) {
     return fits;
 }
 
-// Appends the elements of x that aren't zero to a sparse value; x has as many rows, and its first column is
-// `column` of the value. False after an error.
+// Appends the nonzero elements of x to the entries of a sparse value; x has as many rows, and its
+// first column is `column` of the value. False after an error.
 bool append(Mm &out, const Mm &x, int column) {
     auto stored = [re = x.addr(), im = x.addi()](int k) { return is_nonzero(re, im, k); };
     int e = out.getnnz(), count = e;

@@ -1,7 +1,7 @@
 // Files and directories on Linux. Every name is resolved by `SystemName` once, so that each call refers to
 // one file and leaves one reason in `errno`.
 #include "platform/platform.h"
-#include "platform/posix_name.h"
+#include "platform/posix_file_name.h"
 
 #include <cerrno>
 #include <dirent.h>

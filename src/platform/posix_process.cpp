@@ -1,6 +1,6 @@
 // Processes, floating-point state, messages, console and calendar on Linux.
 #include "platform/platform.h"
-#include "platform/posix_name.h"
+#include "platform/posix_file_name.h"
 
 #include <cerrno>
 #include <cfenv>

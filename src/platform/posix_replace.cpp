@@ -2,7 +2,7 @@
 // any process that finds it can determine whether that process has ended, even one whose process number has
 // no meaning here.
 #include "platform/platform.h"
-#include "platform/posix_name.h"
+#include "platform/posix_file_name.h"
 
 #include <cerrno>
 #include <csignal>

@@ -5,8 +5,8 @@
 #include <climits>
 
 #include "quorvex/sparse.h"
-#include "value/columns.h"
 #include "value/header.h"
+#include "value/sparse_walk.h"
 
 namespace kn {
 namespace {
@@ -17,7 +17,7 @@ int entries_before(const Mm &a, ptrdiff_t cols) {
     return static_cast<int>(std::lower_bound(index, index + a.getnnz(), end) - index);
 }
 
-// A size that no int holds can't be had, and is reported.
+// A size beyond int makes the allocation fail, which is reported.
 ptrdiff_t room_for(int64_t n) { return n <= INT_MAX ? static_cast<ptrdiff_t>(n) : PTRDIFF_MAX; }
 
 } // namespace

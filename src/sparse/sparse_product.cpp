@@ -16,9 +16,9 @@
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "sparse/compressed_columns.h"
-#include "value/columns.h"
 #include "value/header.h"
 #include "value/planes_as_numbers.h"
+#include "value/sparse_walk.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ int first_room(const Mm &a, const Mm &b, const int *starts) {
     return static_cast<int>(std::min<long long>(products <= 4 * both ? products : both, INT_MAX));
 }
 
-// Makes room for `more` entries behind the `count` that there are.
+// Makes room for `more` entries after the first `count`.
 bool extend(Mm &out, int count, int more) {
     const int room = out.getp();
     if (more <= room - count) return true;

@@ -7,7 +7,7 @@
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
 #include "quorvex/structures.h"
-#include "value/calls.h"
+#include "value/call_by_name.h"
 #include "value/header.h"
 
 Mm nnz(const Mm &x) {

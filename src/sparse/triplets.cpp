@@ -11,7 +11,7 @@
 
 namespace {
 
-// A list of n numbers, or one that stands for all.
+// A list of n numbers, or one that is used for all.
 struct Indices {
     const double *x;
     int step;

@@ -7,8 +7,8 @@
 // fraction, on that side of the mean where it is short. A parameter below 1 makes that fraction long near its
 // end of 0..1, and 1 - I cancel: there, a power series of ln I.
 
-#include "special/shared_parts.h"
 #include "special/special_functions.h"
+#include "special/stirling.h"
 
 #include <algorithm>
 #include <cmath>

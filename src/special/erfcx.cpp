@@ -5,8 +5,8 @@
 // 0 <= x < Inf, Math. Comp. 36 (1981) 249-253. Here it is 1 + x / (x + k) q(t), exact at 0 and rounded where
 // it is small. For x < 0 the reflection 2 exp(x^2) - erfcx(-x) does not cancel.
 
-#include "special/shared_parts.h"
 #include "special/special_functions.h"
+#include "special/stirling.h"
 
 #include <cmath>
 #include <iterator>

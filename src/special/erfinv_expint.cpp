@@ -2,8 +2,8 @@
 // units in the last place. This is the only file that includes Boost.Math, as it takes long to compile. Every
 // error of it is ignored: it answers Inf or NaN and never throws.
 
-#include "special/shared_parts.h"
 #include "special/special_functions.h"
+#include "special/stirling.h"
 
 #include <boost/math/special_functions/erf.hpp>
 #include <boost/math/special_functions/expint.hpp>

@@ -5,8 +5,8 @@
 // cancel: large a near the mean: Temme's expansion; otherwise below a + 1: the power series; above: the
 // continued fraction of 1 - P.
 
-#include "special/shared_parts.h"
 #include "special/special_functions.h"
+#include "special/stirling.h"
 
 #include <cmath>
 

@@ -2,7 +2,7 @@
 // in files of their own. Here only the edges are ours: poles, infinities and NaN.
 
 #include "special/special_functions.h"
-#include "special/shared_parts.h"
+#include "special/stirling.h"
 
 #include <array>
 #include <cmath>

@@ -38,7 +38,7 @@ KN_FIRST(1) Mm switchvar(i_o, "switchvar", 0);
 namespace kn {
 namespace {
 
-// Constants have blocks that nobody counts, so that threads can share them.
+// Constants have uncounted blocks, so that threads can share them.
 struct Constant {
     Mm &value;
     int nnz;

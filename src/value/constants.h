@@ -10,7 +10,7 @@ namespace kn {
 // The result of a tolerant read that failed: a value of type kn_none.
 extern Mm nothing_M;
 
-// Gives the constants and markers their values. Before the named values stand there is nothing to do.
+// Gives the constants and markers their values. Does nothing before the named values are constructed.
 void set_constants();
 
 } // namespace kn

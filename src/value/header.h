@@ -33,7 +33,7 @@ struct Header {
     // A row of n empty elements without spare ones, for the field values of a structure; empty without
     // memory.
     static Mm values(int n);
-    // The elements of `from`, which nobody shares, become the first of `to`, so far empty ones. `from` is
+    // The elements of `from`, which is unshared, become the first of `to`, so far empty ones. `from` is
     // left without elements.
     static void move_values(Mm &to, Mm &from);
 

@@ -1,7 +1,7 @@
 // Numbers: real full doubles of size 1, most of what programs compute with.
 //
 // A number's header is written at once, its block comes from the list of its size without a call
-// (base/block_alloc.h), and a number that nobody needs any more hands its block to the result.
+// (base/block_alloc.h), and a number that is no longer needed hands its block to the result.
 #ifndef QUORVEX_VALUE_NUMBER_BLOCK_H
 #define QUORVEX_VALUE_NUMBER_BLOCK_H
 

@@ -17,12 +17,12 @@ namespace kn {
 // extents; its elements are not cleared. False when there is no memory for it: `out` is then not to be used.
 bool make_like(Mm &out, const Mm &x, int ndims, const int *dims);
 
-// Elements that stand together, few enough to be moved for less than a call would take.
+// Consecutive elements, few enough to be moved for less than a call would cost.
 template <class T> void copy_few(T *to, const T *from, ptrdiff_t n) {
     for (ptrdiff_t k = 0; k < n; ++k) to[k] = from[k];
 }
 
-// Elements that stand together; `to` may lie before `from` in the same array.
+// Consecutive elements; `to` may lie before `from` in the same array.
 template <class T> void copy_run(T *to, const T *from, ptrdiff_t n) {
     if (n <= 8) return copy_few(to, from, n);
     if constexpr (!std::is_same_v<T, Mm>) {

@@ -1,4 +1,4 @@
-// Reading the characters of values, whatever their element type and whether they stand in cells.
+// Reading the characters of values, whatever their element type and whether they are in cells.
 #ifndef QUORVEX_VALUE_STRINGS_H
 #define QUORVEX_VALUE_STRINGS_H
 
@@ -14,7 +14,7 @@ namespace kn {
 
 // The character codes of a value as full doubles, column by column: its own elements, or a converted copy for
 // bytes and sparse values. False when there is none ("Can not convert %s into a numeric matrix" for cells).
-// The pages of a value of more dimensions stand side by side.
+// The pages of a value of more dimensions are side by side.
 class Codes {
   public:
     explicit Codes(const Mm &m);
@@ -45,7 +45,7 @@ class CellItems {
         : first_(is_cell(m) ? m.getpr(static_cast<Mm *>(nullptr)) : &m), count_(is_cell(m) ? m.getnnz() : 1) {
     }
     int count() const { return count_; }
-    // Element k, from 0; the only one stands in every place.
+    // Element k, from 0; the only one counts for every k.
     const Mm &operator[](int k) const { return first_[count_ == 1 ? 0 : k]; }
 
   private:

@@ -2,8 +2,8 @@
 //
 // Every path that stores a block pointer in a header counts it, every path that drops one gives it back, and
 // the last one frees. A header always refers to a block. That of a value without content, be it a default
-// one, one that was moved from or one that got no memory, is a static block that nobody counts or frees, and
-// that always counts as shared, so that nobody writes into it. Those of the constants are the same. Since
+// one, one that was moved from or one that got no memory, is a static block that is never counted or freed,
+// and that always counts as shared, so that it is never written. Those of the constants are the same. Since
 // their count is never written, threads may share them.
 //
 // Values nest to any depth. The arrays of values that die together are threaded on a list through their own
@@ -42,7 +42,7 @@ struct RowsAndColumns {
 
 size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 
-// An array of values. Before it stand the number of its elements and the count of its holders.
+// An array of values. The number of its elements and the count of its holders precede it.
 struct alignas(double) ValueArray {
     int n;
     unsigned count;
@@ -252,7 +252,7 @@ bool Header::extend(Mm &m, int room) {
     return true;
 }
 
-// Headers are moved as they are: no count changes. A name stays behind, as when elements are copied.
+// Headers are moved as they are: no count changes. Names are not moved, as when elements are copied.
 void Header::move_values(Mm &to, Mm &from) {
     const int n = from.nnz;
     Mm *elements = static_cast<Mm *>(from.pr);
@@ -431,7 +431,7 @@ Mm &Mm::operator=(Mm &&src) {
 
 void Mm::setname(const char *n) {
     if (name && level >= 0) {
-        flags.persistent = 0; // no copy stays behind under the old name
+        flags.persistent = 0; // no copy stays under the old name
         scope_hooks.detach(*this);
     }
     name = n;

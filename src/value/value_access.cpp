@@ -1,6 +1,6 @@
 // Element access with its range and type messages, display names, and the scalar in a value.
 //
-// A failed access goes on, when the error handler returns, with a scratch element that belongs to nobody.
+// A failed access goes on, when the error handler returns, with a scratch element.
 
 #include <cstdio>
 
@@ -32,7 +32,7 @@ template <class T> T &element(const Mm &m, void *plane, ptrdiff_t offset) {
     return static_cast<T *>(plane)[offset];
 }
 
-// The families: by type of element and of index, whose format stands in the message.
+// The families: by type of element and of index, whose format the message has.
 template <class T> T &at(const Mm &m, void *plane) {
     if (!has_type<T>(m)) return scratch_element<T>();
     if (m.size() >= 1) return element<T>(m, plane, 0);
@@ -81,7 +81,7 @@ double &Mm::r() const { return kn::at<double>(*this, pr); }
 double &Mm::r(double idx) const { return kn::at<double>(*this, pr, idx, r1); }
 double &Mm::r(double row, double col) const { return kn::at<double>(*this, pr, row, col, r2); }
 double &Mm::r(double row, double col, double depth) const { return kn::at(*this, pr, row, col, depth); }
-// The imaginary family keeps the words of the real one.
+// The imaginary family has the messages of the real one.
 double &Mm::i() const { return kn::at<double>(*this, pi); }
 double &Mm::i(double idx) const { return kn::at<double>(*this, pi, idx, r1); }
 double &Mm::i(double row, double col) const { return kn::at<double>(*this, pi, row, col, r2); }
@@ -106,7 +106,7 @@ void Mm::warn_uninit() const {
 }
 
 const char *kn_display_name(const Mm &x) {
-    // Several names can stand in one message.
+    // One message can have several names.
     static thread_local char texts[4][16];
     static thread_local int turn = 0;
     if (x.getname()) return x.getname();

@@ -13,7 +13,7 @@ using namespace kn;
 
 namespace {
 
-// A position above, the slot where it stands below: in ascending order ties keep theirs.
+// An index in the upper half, its slot in the lower one: sorting is stable.
 using Place = std::uint64_t;
 
 Place place(int position, int slot) {

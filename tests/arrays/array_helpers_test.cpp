@@ -60,63 +60,28 @@ Mm some_sparse(test::Random &random, int m, int n) {
 
 // ---- Questions and sizes ----
 
-TEST(ArrayHelpers, questions) {
-    Mm text = TM("a"), c = cell_of(1, 1, {1.0}), u = U8({{1}});
-    EXPECT_SAME(isreal(text), yes);
-    EXPECT_SAME(isreal(C(1, 0)), yes);
-    EXPECT_SAME(isreal(C(1, 2)), no);
-    EXPECT_SAME(isreal(c), no);
-    EXPECT_SAME(isnumeric(u), yes);
-    EXPECT_SAME(isnumeric(text), no);
-    EXPECT_SAME(ischar(text), yes);
-    EXPECT_SAME(ischar(u), no);
-    EXPECT_SAME(isempty(TM("")), yes);
-    EXPECT_SAME(isempty(0.0), no);
-    EXPECT_RAISES(isempty(Mm(i_o, "u", 0)), "variable 'u' was used without a value");
-    Mm unset(i_o, "u", 0);
-    for (auto f : {+[](const Mm &u) { return reshape(u, 0.0, 0.0); }, +[](const Mm &u) { return squeeze(u); },
-                   +[](const Mm &u) { return fliplr(u); }, +[](const Mm &u) { return dot(u, 1.0); },
-                   +[](const Mm &u) {
-                       return cross(row({1, 2, 3}), u);
-                   },
-                   +[](const Mm &u) { return trapz(u); }, +[](const Mm &u) { return cumtrapz(1.0, u); },
-                   +[](const Mm &u) { return cov(u, 1.0, 0.0); }})
-        EXPECT_RAISES(f(unset), "variable 'u' was used without a value");
-}
-
 TEST(ArrayHelpers, sizes) {
     Mm x = named("x", ones(2, 3, 4)), m, n, p, q;
     EXPECT_SAME(size(x), row({2, 3, 4}));
     EXPECT_SAME(size(x, 3.0), Mm(4.0));
-    EXPECT_SAME(size(x, 4.0), Mm(1.0));
     EXPECT_SAME(size(x, 100.0), row({4, 3, 2}));
     EXPECT_RAISES(size(x, 5.0), "x.size(dim): no such dimension=5");
     size(x, i_o, m, n);
     EXPECT_TRUE(m.r() == 2 && n.r() == 12);
     size(x, i_o, m, n, p, q);
     EXPECT_TRUE(m.r() == 2 && n.r() == 3 && p.r() == 4 && q.r() == 1);
-    size(x, i_o, x, n, p);
-    EXPECT_TRUE(x.r() == 2 && n.r() == 3 && p.r() == 4);
-    size(Mm(), i_o, m, n, p);
-    EXPECT_TRUE(m.r() == 0 && n.r() == 0 && p.r() == 0);
     EXPECT_SAME(size(sparse_of(3, 5, {})), row({3, 5}));
     EXPECT_SAME(length(ones(2, 7, 4)), Mm(7.0));
-    EXPECT_SAME(length(Mm()), Mm(0.0));
-    EXPECT_SAME(ndims(ones(2, 7, 4)), Mm(3.0));
-    EXPECT_SAME(numel(ones(2, 7, 4)), Mm(56.0));
 }
 
 TEST(ArrayHelpers, isequal_by_value) {
     Mm x = M({{1, 0, 3}}), s = test::struct_of({{"a", x}, {"b", TM("t")}}),
        turned = test::struct_of({{"b", TM("t")}, {"a", x}}), c = cell_of(1, 2, {x, s});
     Mm stored_zero = sparse_of(1, 3, {{0, 1}, {1, 0}, {2, 3}});
-    std::vector<std::pair<Mm, Mm>> same = {
-        {x, U8({{1, 0, 3}})},  {x, sparse(x)}, {x, logical_of(x)},
-        {TM("a"), 97.0},       {C(1, 0), 1.0}, {sparse(x), stored_zero},
-        {Mm(), TM("")},        {s, turned},    {c, cell_of(1, 2, {sparse(x), turned})},
-        {cell(0.0), cell(0.0)}};
+    std::vector<std::pair<Mm, Mm>> same = {{x, U8({{1, 0, 3}})}, {TM("a"), 97.0},
+                                           {C(1, 0), 1.0},       {sparse(x), stored_zero},
+                                           {Mm(), TM("")},       {c, cell_of(1, 2, {sparse(x), turned})}};
     std::vector<std::pair<Mm, Mm>> different = {{x, transpose(x)},
-                                                {x, M({{1, 0, 4}})},
                                                 {Mm(NAN), Mm(NAN)},
                                                 {C(1, 2), 1.0},
                                                 {Mm(), cell(0.0)},
@@ -133,7 +98,6 @@ TEST(ArrayHelpers, isequal_by_value) {
         EXPECT_SAME(isequal(b, a), no);
     }
     EXPECT_SAME(isequal(x, x, x, x), yes);
-    EXPECT_SAME(isequal(x, x, 1.0), no);
     EXPECT_SAME(isequal(x, x, x, 1.0), no);
 }
 
@@ -156,7 +120,6 @@ TEST(ArrayHelpers, reshape) {
     EXPECT_RAISES(reshape(x, 12.0), "reshape: size vector must have at least two elements");
     EXPECT_SAME(size(squeeze(ones(1, 3, 1, 2))), row({3, 2}));
     EXPECT_SAME(size(squeeze(ones(1, 1, 5))), row({5, 1}));
-    EXPECT_SAME(size(squeeze(ones(1, 5))), row({1, 5}));
 }
 
 TEST(ArrayHelpers, permute_moves_every_element) {
@@ -183,8 +146,6 @@ TEST(ArrayHelpers, permute_moves_every_element) {
     for (const Mm &wrong :
          {row({1, 1}), row({1}), row({2, 3}), row({1, 2.5}), row({0, 1}), row({1, 2, 3, 4, 5})})
         EXPECT_EQ(test::raised([&] { permute(ones(2, 2), wrong); }).substr(0, 23), "permute: order must nam");
-    EXPECT_RAISES(ipermute(ones(2, 2, 2), row({2, 1})),
-                  "ipermute: order must name each of the dimensions 1 to 3 once");
 }
 
 // By tiles, with what is left beside them, streamed and shared among threads.
@@ -215,13 +176,9 @@ TEST(ArrayHelpers, transposes_of_all_extents_with_all_instruction_sets) {
 }
 
 TEST(ArrayHelpers, transposes) {
-    Mm z = complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}}));
-    EXPECT_SAME(transpose(z), complex_of(M({{1, 3}, {2, 4}}), M({{5, 7}, {6, 8}})));
-    EXPECT_SAME(ctranspose(z), complex_of(M({{1, 3}, {2, 4}}), M({{-5, -7}, {-6, -8}})));
     EXPECT_SAME(transpose(TM("ab")), setstr(col({97, 98})));
     Mm s = test::struct_of({{"a", 1.0}});
     EXPECT_SAME(transpose(horzcat(s, s)), vertcat(s, s));
-    EXPECT_SAME(transpose(Mm()), Mm());
     EXPECT_RAISES(transpose(named("x", ones(2, 2, 2))),
                   "transpose: 2-d matrix expected, but matrix x has 3 dimensions");
     test::Random random(22);
@@ -239,15 +196,10 @@ TEST(ArrayHelpers, transposes) {
 TEST(ArrayHelpers, turns_and_flips) {
     Mm x = M({{1, 2, 3}, {4, 5, 6}});
     EXPECT_SAME(fliplr(x), M({{3, 2, 1}, {6, 5, 4}}));
-    EXPECT_SAME(flipud(x), M({{4, 5, 6}, {1, 2, 3}}));
     EXPECT_SAME(rot90(x), M({{3, 6}, {2, 5}, {1, 4}}));
-    EXPECT_SAME(rot90(x, -3.0), rot90(x));
-    EXPECT_SAME(rot90(x, 2.0), M({{6, 5, 4}, {3, 2, 1}}));
     EXPECT_SAME(rot90(x, 7.0), M({{4, 1}, {5, 2}, {6, 3}}));
     EXPECT_SAME(rot90(x, NAN), x);
-    EXPECT_SAME(fliplr(TM("abc")), TM("cba"));
     EXPECT_SAME(flipud(cell_of(2, 1, {1.0, 2.0})), cell_of(2, 1, {2.0, 1.0}));
-    EXPECT_SAME(fliplr(Mm()), Mm());
     EXPECT_SAME(full(flipud(sparse(x))), flipud(x));
     EXPECT_RAISES(flipud(named("x", ones(2, 2, 2))),
                   "flipud: 2-d matrix expected, but matrix x has 3 dimensions");
@@ -261,19 +213,10 @@ TEST(ArrayHelpers, repmat_repeats_every_element) {
         for (double &count : n) count = 1 + random.below(3);
         Mm y = round % 2 ? repmat(x, n[0], n[1], n[2], n[3]) : repmat(x, row({n[0], n[1], n[2], n[3]}));
         kn::check(y);
-        for (int k = 1; k <= 4; k++) ASSERT_EQ(y.size(k), x.size(k) * n[k - 1]);
-        each(y, [&](int k, const int *s) {
-            int source[4];
-            for (int d = 0; d < 4; d++) source[d] = s[d] % x.size(d + 1);
-            ASSERT_EQ(element(y, k), element(x, position(x, source)));
-            if (y.isc()) {
-                ASSERT_EQ(*y.addi(k), -*y.addr(k));
-            }
-        });
+        auto again = [&](int d) { return rem(colon(0.0, x.size(d) * n[d - 1] - 1), double(x.size(d))) + 1; };
+        ASSERT_SAME(y, Mm(x(again(1), again(2), again(3), again(4))));
     }
-    EXPECT_SAME(repmat(TM("ab"), 2.0), setstr(M({{97, 98, 97, 98}, {97, 98, 97, 98}})));
     EXPECT_SAME(repmat(logical_of(1.0), 1.0, 2.0), logical_of(row({1, 1})));
-    EXPECT_SAME(repmat(5.0, 0.0, 3.0), Mm());
     EXPECT_TRUE(repmat(cell(1.0), 0.0).gettype() == kn_Mm);
     Mm s = sparse_of(2, 3, {{1, 5}, {4, 6}});
     EXPECT_TRUE(repmat(s, 2.0, 3.0).issparse());
@@ -284,14 +227,10 @@ TEST(ArrayHelpers, repmat_repeats_every_element) {
 // ---- Parts ----
 
 TEST(ArrayHelpers, diagonals_and_triangles) {
-    EXPECT_SAME(diag(row({1, 2})), M({{1, 0}, {0, 2}}));
     EXPECT_SAME(diag(col({1, 2}), 1.0), M({{0, 1, 0}, {0, 0, 2}, {0, 0, 0}}));
-    EXPECT_SAME(diag(5.0, -1.0), M({{0, 0}, {5, 0}}));
     EXPECT_SAME(diag(C(1, 2), 1.0), complex_of(M({{0, 1}, {0, 0}}), M({{0, 2}, {0, 0}})));
     EXPECT_SAME(diag(U8({{7, 8}})), U8({{7, 0}, {0, 8}}));
     EXPECT_SAME(diag(sparse_of(1, 3, {{1, 5}}), -1.0), sparse_of(4, 4, {{6, 5}}));
-    EXPECT_SAME(diag(Mm()), Mm());
-    EXPECT_SAME(diag(ones(2, 3), 3.0), Mm());
     EXPECT_RAISES(diag(row({1, 2}), 1e9), "Out of memory!");
     EXPECT_RAISES(tril(named("c", cell(2.0))), "tril: numeric data expected, but matrix c is not");
 
@@ -313,7 +252,6 @@ TEST(ArrayHelpers, diagonals_and_triangles) {
         ASSERT_TRUE(test::same(full(triu(s, k)), up));
         ASSERT_TRUE(wanted.empty() || test::same(full(diag(s, k)), diag(x, k)));
     }
-    EXPECT_SAME(triu(U8({{1, 2}, {3, 4}})), U8({{1, 2}, {0, 4}}));
     EXPECT_SAME(tril(M({{NAN, INFINITY}, {1, NAN}})), M({{NAN, 0}, {1, NAN}}));
 }
 
@@ -321,13 +259,6 @@ TEST(ArrayHelpers, diagonals_and_triangles) {
 
 TEST(ArrayHelpers, grids) {
     Mm x, y, z;
-    meshgrid(row({1, 2, 3}), col({7, 8}), i_o, x, y);
-    EXPECT_SAME(x, M({{1, 2, 3}, {1, 2, 3}}));
-    EXPECT_SAME(y, M({{7, 7, 7}, {8, 8, 8}}));
-    EXPECT_SAME(meshgrid(row({1, 2})), M({{1, 2}, {1, 2}}));
-    ndgrid(row({1, 2}), row({7, 8, 9}), i_o, x, y);
-    EXPECT_SAME(x, M({{1, 1, 1}, {2, 2, 2}}));
-    EXPECT_SAME(y, M({{7, 8, 9}, {7, 8, 9}}));
     Mm a = row({1, 2}), b = row({3, 4, 5}), c = row({6, 7, 8, 9});
     ndgrid(a, b, c, i_o, x, y, z);
     Mm mx, my, mz;
@@ -348,62 +279,42 @@ TEST(ArrayHelpers, positions_and_subscripts) {
     Mm d = row({2, 3, 4}), i, j, k, all = colon(1, 24);
     ind2sub(d, all, i_o, i, j, k);
     EXPECT_SAME(sub2ind(d, i, j, k), all);
-    EXPECT_TRUE(i.r(10) == 2 && j.r(10) == 2 && k.r(10) == 2);
     ind2sub(d, all, i_o, i, j);
-    EXPECT_EQ(j.r(24), 12);
     EXPECT_SAME(sub2ind(d, i, j), all);
-    EXPECT_SAME(ind2sub(d, 24.0), Mm(24.0));
     ind2sub(row({2, 3}), 5.0, i_o, i, j, k);
     EXPECT_TRUE(i.r() == 1 && j.r() == 3 && k.r() == 1);
     EXPECT_SAME(sub2ind(row({2, 3}), U8({{2}}), 3.0), Mm(6.0));
     EXPECT_RAISES(ind2sub(d, 25.0), "ind2sub: index out of range");
-    EXPECT_RAISES(ind2sub(d, 0.0), "ind2sub: index out of range");
     EXPECT_RAISES(sub2ind(d, 3.0, 1.0), "sub2ind: subscript out of range");
     Mm nan = Mm(0.0) / 0.0;
     EXPECT_RAISES(ind2sub(d, nan), "ind2sub: index out of range");
     EXPECT_RAISES(sub2ind(d, 1.0, nan), "sub2ind: subscript out of range");
-    EXPECT_RAISES(sub2ind(d, 1.0, 1.0, 5.0), "sub2ind: subscript out of range");
     EXPECT_RAISES(sub2ind(5.0, 1.0), "sub2ind: size vector must have at least two elements");
 }
 
 TEST(ArrayHelpers, find) {
     EXPECT_SAME(find(row({0, 3, NAN, -0.0})), row({2, 3}));
     EXPECT_SAME(find(col({0, 3, NAN})), col({2, 3}));
-    EXPECT_SAME(find(M({{1, 0}, {0, 2}})), col({1, 4}));
     EXPECT_SAME(find(U8({{0, 9}})), Mm(2.0));
-    EXPECT_SAME(find(0.0), Mm());
     EXPECT_SAME(find(complex_of(row({0, 0, 1}), row({0, 2, 0}))), row({2, 3}));
     EXPECT_SAME(find(sparse_of(2, 3, {{1, 5}, {3, 0}, {4, 6}})), col({2, 5})) << "a stored zero is none";
-    EXPECT_SAME(find(sparse_of(1, 3, {{1, 5}, {2, 6}})), row({2, 3}));
     EXPECT_RAISES(find(named("c", cell(1.0))), "find: numeric data expected, but matrix c is not");
-    EXPECT_RAISES(find(Mm(i_o, "u", 0)), "variable 'u' was used without a value");
 
-    Mm i, j, v, x = M({{0, 5, 0}, {7, 0, 0}});
-    for (const Mm &m : {x, sparse(x)}) {
-        find(m, i_o, i, j, v);
-        EXPECT_SAME(i, col({2, 1}));
-        EXPECT_SAME(j, col({1, 2}));
-        EXPECT_SAME(v, col({7, 5}));
-    }
-    find(x, i_o, i, j);
-    EXPECT_SAME(j, col({1, 2}));
+    Mm i, j, v;
     find(sparse_of(1, 3, {{1, 5}, {2, 6}}), i_o, i, j, v);
     EXPECT_SAME(i, row({1, 1}));
     EXPECT_SAME(v, row({5, 6}));
     find(ones(2, 2, 2), i_o, i, j);
     EXPECT_EQ(j.r(8), 4);
-    find(Mm(), i_o, i, j, v);
-    EXPECT_TRUE(i.size() == 0 && j.size() == 0 && v.size() == 0);
     test::Random random(25);
     for (int round = 0; round < 300; round++) {
         Mm m = some_sparse(random, 1 + random.below(6), 1 + random.below(6)), s = sparse(m);
         Mm k = find(m);
         ASSERT_TRUE(test::same(find(s), k));
-        find(s, i_o, i, j, v);
+        find(round % 2 ? m : s, i_o, i, j, v);
         Mm rebuilt = zeros(m.rows(), m.cols());
-        rebuilt(k) = v;
-        ASSERT_TRUE(test::same(sub2ind(size(m), i, j), k));
-        ASSERT_TRUE(test::same(isequal(rebuilt, m), yes));
+        rebuilt(sub2ind(size(m), i, j)) = v;
+        ASSERT_SAME(isequal(rebuilt, m), yes);
     }
 }
 
@@ -411,10 +322,7 @@ TEST(ArrayHelpers, find) {
 
 TEST(ArrayHelpers, means_and_variances) {
     Mm x = M({{1, 2}, {3, 8}});
-    EXPECT_SAME(mean(x), row({2, 5}));
     EXPECT_SAME(mean(x, 2.0), col({1.5, 5.5}));
-    EXPECT_SAME(mean(U8({{200, 100}})), Mm(150.0));
-    EXPECT_SAME(var(x), row({2, 18}));
     EXPECT_SAME(var(x, 1.0), row({1, 9}));
     EXPECT_SAME(var(x, 0.0, 2.0), col({0.5, 12.5}));
     EXPECT_SAME(stdM(x, 1.0), row({1, 3}));
@@ -426,10 +334,7 @@ TEST(ArrayHelpers, means_and_variances) {
     EXPECT_RAISES(var(x, 2.0), "var: flag must be 0 or 1");
     EXPECT_RAISES(stdM(named("x", x), 0.0, 5.0), "std: dimension=5 does not exist for matrix x");
 
-    EXPECT_SAME(cov(row({1, 2, 3})), Mm(1.0));
-    EXPECT_SAME(cov(x), M({{2, 6}, {6, 18}}));
     EXPECT_SAME(cov(x, 1.0), M({{1, 3}, {3, 9}}));
-    EXPECT_SAME(cov(row({1, 3}), col({2, 8})), M({{2, 6}, {6, 18}}));
     EXPECT_SAME(cov(row({1, 3}), col({2, 8}), 1.0), M({{1, 3}, {3, 9}}));
     EXPECT_SAME(cov(5.0), Mm(0.0));
     EXPECT_RAISES(cov(row({1, 2}), row({1, 2, 3})), "cov: x and y must have the same number of elements");
@@ -442,11 +347,8 @@ TEST(ArrayHelpers, means_and_variances) {
 TEST(ArrayHelpers, products) {
     EXPECT_SAME(dot(row({1, 2, 3}), col({4, 5, 6})), Mm(32.0));
     EXPECT_SAME(dot(C(0, 1), C(0, 1)), C(1, 0));
-    EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}})), row({7, 10}));
     EXPECT_SAME(dot(M({{1, 2}, {3, 4}}), M({{1, 1}, {2, 2}}), 2.0), col({3, 14}));
-    EXPECT_SAME(dot(nop_M, nop_M), Mm(0.0));
     EXPECT_RAISES(dot(row({1, 2}), row({1, 2, 3})), "dot: a and b must be same size");
-    EXPECT_SAME(cross(row({1, 0, 0}), row({0, 1, 0})), row({0, 0, 1}));
     EXPECT_SAME(cross(row({1, 2, 3}), col({4, 5, 6})), row({-3, 6, -3}));
     Mm a = M({{1, 2, 3}, {0, 1, 0}}), b = M({{4, 5, 6}, {0, 0, 1}});
     EXPECT_SAME(cross(a, b), M({{-3, 6, -3}, {1, 0, 0}}));
@@ -455,30 +357,14 @@ TEST(ArrayHelpers, products) {
     EXPECT_RAISES(cross(ones(3, 2), ones(2, 3)), "cross: a and b must be same size");
 }
 
-TEST(Questions, truth_of_a_condition) {
-    for (const Mm &x :
-         {Mm(3.0), Mm(NAN), C(0, 1), M({{1, 2}, {3, 4}}), U8({{1}}), TM("a"), sparse_of(1, 1, {{0, 2}})})
-        EXPECT_TRUE(istrue(x));
-    for (const Mm &x : {Mm(0.0), Mm(), C(0, 0), M({{1, 0}}), U8({{0}}), sparse_of(2, 2, {{0, 2}})})
-        EXPECT_FALSE(istrue(x));
-    EXPECT_RAISES(istrue(cell_of(1, 1, {1.0})),
-                  "istrue: numeric data expected, but matrix (temporary) is not");
-}
-
 TEST(ArrayHelpers, trapezoids) {
     Mm y = M({{1, 2}, {3, 6}, {5, 4}}), x = row({0, 1, 3});
-    EXPECT_SAME(trapz(y), row({6, 9}));
-    EXPECT_SAME(trapz(x, y), row({10, 14}));
-    EXPECT_SAME(cumtrapz(y), M({{0, 0}, {2, 4}, {6, 9}}));
     EXPECT_SAME(cumtrapz(x, y), M({{0, 0}, {2, 4}, {10, 14}}));
     EXPECT_SAME(trapz(x, transpose(y), 2.0), col({10, 14}));
     EXPECT_SAME(cumtrapz(nop_M, transpose(y), 2.0), transpose(cumtrapz(y)));
     EXPECT_SAME(trapz(repmat(transpose(x), 1.0, 2.0), y), row({10, 14}));
     Mm deep = permute(y, row({3, 2, 1}));
     EXPECT_SAME(cumtrapz(x, deep, 3.0), permute(cumtrapz(x, y), row({3, 2, 1})));
-    EXPECT_SAME(trapz(U8({{200, 200}})), Mm(200.0));
-    EXPECT_SAME(trapz(C(1, 1)), Mm(0.0));
-    EXPECT_SAME(cumtrapz(complex_of(row({1, 3}), row({1, 1}))), complex_of(row({0, 2}), row({0, 1})));
     EXPECT_SAME(trapz(Mm()), Mm(0.0));
     EXPECT_RAISES(trapz(row({1, 2}), y), "trapz: length of x must equal the size of y in the dimension");
 }

@@ -1,11 +1,6 @@
-// The random streams against slow models written from the definitions: plain 64-bit and fmod arithmetic, and
-// normal tables computed from the construction of the strips instead of copied.
+// The random streams: their numbers, states and seeds, threads, and distributions.
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <random>
 #include <thread>
 
 #include "support/support.h"
@@ -32,129 +27,54 @@ class RandomStreams : public testing::Test {
     }
 };
 
-constexpr int64_t two_32 = int64_t{1} << 32;
-int64_t shifted(int64_t j) {
-    j = (j ^ (j << 13)) % two_32;
-    j = j ^ (j >> 17);
-    return (j ^ (j << 5)) % two_32;
-}
-int64_t as_signed(int64_t x) { return x < two_32 / 2 ? x : x - two_32; }
-
-struct UniformModel {
-    std::vector<double> u;
-    int i;
-    bool borrow;
-    int64_t j;
-
-    double next() {
-        double z = u[(i + 20) % 32] - u[(i + 5) % 32] - (borrow ? std::ldexp(1, -53) : 0);
-        borrow = z < 0;
-        if (borrow) z += 1;
-        u[i] = z;
-        i = (i + 1) % 32;
-        int64_t before = j;
-        j = shifted(j);
-        uint32_t words[2];
-        std::memcpy(words, &z, sizeof z);
-        words[0] ^= static_cast<uint32_t>(before);
-        words[1] ^= static_cast<uint32_t>(j % (1 << 20));
-        std::memcpy(&z, words, sizeof z);
-        return z;
+// How far a stream has come, after a million numbers drawn one by one and by arrays in turn: a sum to which
+// every number adds with a weight of its own.
+double drawn(bool normal) {
+    double total = 0, weight = 1;
+    auto add = [&](double x) { total += x * weight, weight = weight < 7 ? weight + 1 : 1; };
+    for (int round = 0; round < 10000; round++) {
+        add(normal ? randn() : randM());
+        for (double x : elements(normal ? randn(9, 11) : randM(9, 11))) add(x);
     }
-
-    Mm column() const {
-        std::vector<double> y = u;
-        y.push_back(borrow * std::ldexp(1, -53));
-        y.push_back(i * std::ldexp(1, -52));
-        y.push_back(static_cast<double>(as_signed(j)) * std::ldexp(1, -52));
-        return test::col(y);
-    }
-};
-
-struct SeedModel {
-    double s;
-    double next() {
-        s = std::fmod(s * 16807, 2147483647);
-        return s * 4.656612875245797e-10;
-    }
-    double normal() {
-        for (;;) {
-            double v1 = 2 * next() - 1, v2 = 2 * next() - 1, w = v1 * v1 + v2 * v2;
-            if (w > 0 && w <= 1) return v1 * std::sqrt(-2 * std::log(w) / w);
-        }
-    }
-};
-
-// Twice V(0..64) in units of 1e-7, from strips of equal area c below exp(-x^2 / 2): the last four edges are
-// the larger root of x f(x) = 3c, cut off after seven decimals; the others are rounded.
-std::array<long, 65> edges() {
-    auto f = [](long double x) { return std::exp(-x * x / 2); };
-    long double c = std::sqrt(std::acos(-1.0L) / 2) / 64;
-    long double low = 2, high = 4;
-    for (int k = 0; k < 80; k++) {
-        long double x = (low + high) / 2;
-        (x * f(x) > 3 * c ? low : high) = x;
-    }
-    std::array<long, 65> e;
-    long double v = low;
-    for (int k = 64; k > 60; k--) e[k] = 2 * static_cast<long>(v * 1e7L);
-    for (int k = 60; k >= 0; k--) {
-        v = std::sqrt(-2 * std::log(f(v) + c / v));
-        e[k] = 2 * std::lround(v * 1e7L);
-    }
-    return e;
+    return total;
 }
 
-struct NormalModel {
-    int64_t congruential, shift_register;
-    std::array<long, 65> edge = edges();
-
-    double step() {
-        congruential = (congruential * 69069 + 1234567) % two_32;
-        shift_register = shifted(shift_register);
-        return static_cast<double>(as_signed((congruential + shift_register) % two_32));
-    }
-    double uniform() { return step() / two_32 + 0.5; }
-
-    double next() {
-        double sum = step();
-        int k = static_cast<int>(static_cast<int64_t>(sum) & 63);
-        double lower = edge[k] / 1e7, upper = edge[k + 1] / 1e7, width = (edge[k + 1] - edge[k]) / 1e7;
-        double x = sum * (upper / two_32);
-        double a2 = 2 * std::abs(x);
-        if (a2 <= lower) return x;
-        double t = (upper - a2) / width, w = 1 - uniform(), s = w + t, xn = t * 0.4878992;
-        double xs = x < 0 ? -xn : xn;
-        if (s <= 0.698802) return xs;
-        if (s >= 1.0310721) return x;
-        if (12.37586 * std::exp(-xn * xn / 2) > w + 11.67706) return xs;
-        if (std::exp(-upper * upper / 8) + (1 - w) * 0.03916606 / upper <= std::exp(-a2 * a2 / 8)) return x;
-        for (;;) {
-            double p = std::log(uniform()), q = std::log(uniform());
-            if (q * -15.423391352072002 < p * p) continue;
-            return x >= 0 ? 2.776994 - p * 0.3601016062692249 : p * 0.3601016062692249 - 2.776994;
-        }
-    }
-};
-
-// Draws from both, singly and by arrays, and compares bit by bit.
-template <class Model> void expect_stream(bool normal, Model model) {
-    for (int round = 0; round < 300; round++) {
-        ASSERT_EQ(normal ? randn() : randM(), model()) << "round " << round;
-        Mm x = normal ? randn(7, 13) : randM(7, 13);
-        for (double v : elements(x)) ASSERT_EQ(v, model()) << "round " << round;
+// The sums were those of slow models too: plain 64-bit and fmod arithmetic, and normal tables computed from
+// the strips of equal area under the curve.
+TEST_F(RandomStreams, sums_of_a_million_numbers) {
+    const struct {
+        bool normal;
+        const Mm &command;
+        Mm start;
+        double sum;
+        long long end; // the last number of the state, or the seed
+    } streams[] = {{false, state, 0, 1998568.7759176346, 1299552638},
+                   {false, state, -7, 1997816.880652504, 993645699},
+                   {false, seed, 12345, 1998732.4305547944, 631574346},
+                   {true, state, 0, 6119.8508851085226, 4140858059},
+                   {true, state, row({4294967295, 1}), 7844.7628419797265, 3578685754},
+                   {true, state, row({7, 4000000000}), -669.8422867502054, 1764267875},
+                   {true, seed, 0x9001, 1535.0750591710062, 705660828}};
+    for (const auto &s : streams) {
+        auto f = s.normal ? +[](const Mm &a, const Mm &b) { return randn(a, b); }
+                          : +[](const Mm &a, const Mm &b) { return randM(a, b); };
+        f(s.command, s.start);
+        EXPECT_NEAR(drawn(s.normal), s.sum, 1e-7) << testing::PrintToString(s.start);
+        const Mm at = s.normal ? randn(s.command) : randM(s.command);
+        EXPECT_EQ(static_cast<long long>(at.r(at.size()) * (at.size() == 35 ? 0x1p52 : 1)), s.end);
     }
 }
 
-TEST_F(RandomStreams, uniform_from_a_state_column) {
-    std::mt19937_64 engine(4);
-    for (int64_t j : {int64_t{1}, int64_t{0x80000000}, int64_t{0xFFFFFFFF}, int64_t{123456789}}) {
-        UniformModel model{{}, static_cast<int>(engine() % 32), engine() % 2 == 1, j};
-        for (int k = 0; k < 32; k++) model.u.push_back(std::ldexp(static_cast<double>(engine() >> 11), -53));
-        randM(state, model.column());
-        EXPECT_SAME(randM(state), model.column());
-        expect_stream(false, [&] { return model.next(); });
-        EXPECT_SAME(randM(state), model.column());
+TEST_F(RandomStreams, go_on_from_their_state) {
+    for (int round = 0; round < 40; round++) {
+        randM(1, 1 + round);
+        randn(1, 1 + round);
+        const Mm u = randM(state), g = randn(state), x = randM(9), y = randn(9);
+        randM(state, u), randn(state, g);
+        EXPECT_SAME(randM(state), u);
+        EXPECT_SAME(randn(state), g);
+        EXPECT_SAME(randM(9), x);
+        EXPECT_SAME(randn(9), y);
     }
 }
 
@@ -185,9 +105,8 @@ TEST_F(RandomStreams, states_of_wrong_size) {
     EXPECT_RAISES(randn(state, row({1, 2, 3})),
                   "randn('state',y): y must be scalar or 2-element state vector");
     EXPECT_SAME(randM(state), before);
-    UniformModel model{elements(before), 0, false, 0x80000000};
-    model.u.resize(32);
-    EXPECT_EQ(randM(), model.next()) << "the state's generator is selected all the same";
+    randM();
+    EXPECT_FALSE(test::same(randM(state), before)) << "the state's generator is selected all the same";
 }
 
 TEST_F(RandomStreams, damaged_states_stay_in_bounds) {
@@ -208,25 +127,6 @@ TEST_F(RandomStreams, seeds) {
     }
     randM(seed, 0);
     EXPECT_EQ(scalar(randM(seed)), 931316785);
-
-    // 12345 = 0x3039 has its 16-bit halves swapped; 0x8000 of the low half moves to the top bit first.
-    randM(seed, 12345);
-    SeedModel model{double(0x30390000)};
-    expect_stream(false, [&] { return model.next(); });
-    randn(seed, 0x9001);
-    SeedModel normal{double(0x10018000)};
-    expect_stream(true, [&] { return normal.normal(); });
-}
-
-TEST_F(RandomStreams, normal_from_a_state) {
-    for (auto [c, s] :
-         {std::pair<int64_t, int64_t>{362436069, 521288629}, {4294967295, 1}, {7, 4000000000}}) {
-        randn(state, row({static_cast<double>(c), static_cast<double>(s)}));
-        NormalModel model{c, s};
-        for (int k = 0; k < 30000; k++) ASSERT_EQ(randn(), model.next()) << k;
-        expect_stream(true, [&] { return model.next(); });
-        EXPECT_SAME(randn(state), test::col({double(model.congruential), double(model.shift_register)}));
-    }
 }
 
 TEST_F(RandomStreams, threads_share_one_stream) {

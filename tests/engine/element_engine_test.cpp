@@ -334,7 +334,7 @@ TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_rea
     }
     EXPECT_TRUE(unary >= 45 && binary >= 30) << unary << " " << binary;
     EXPECT_TRUE(power(row({-1, 4}), row({2, 2})).isc()); // only the scalar 2 keeps a power real
-    EXPECT_FALSE(power(2.0, row({-1, 4})).isc());
+    EXPECT_FALSE(power(2.0, row({-1, 4})).isc() || power(row({-1, 4}), muint8(2.0)).isc());
     using Two = Mm (*)(const Mm &, const Mm &);
     const std::pair<Two, Two> operators[] = {{operator+, plus},    {operator-, minus}, {operator*, mtimes},
                                              {operator/, rdivide}, {operator<, lt},    {operator>, gt},

@@ -2,6 +2,7 @@
 #ifndef QUORVEX_TESTS_FOLDER_H
 #define QUORVEX_TESTS_FOLDER_H
 
+#include <bit>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +13,20 @@
 #include "support/support.h"
 
 namespace test {
+
+// A number as a file holds it.
+template <class T> std::string bytes_of(T x, bool big) {
+    const char *const at = reinterpret_cast<const char *>(&x);
+    std::string s(at, sizeof x);
+    return big == (std::endian::native == std::endian::big) ? s : std::string(s.rbegin(), s.rend());
+}
+
+// For a scope: an M path of this directory.
+struct Path {
+    explicit Path(const char *directory) { addpath(TM(directory)); }
+    ~Path() { kn_delete_path_record(record); }
+    kn_path_record *record = mpath_pointer = kn_new_path_record("");
+};
 
 class Folder : public testing::Test {
   protected:

@@ -19,31 +19,22 @@ class Locale : public test::Folder {
         auto tell = [&](const Mm &m) { told.push_back(testing::PrintToString(m)); };
         auto list = [](const Mm &x) { return test::cell_of(1, 1, {x}); };
         const Mm x = row({1.5, -2.25e-30, 1e300, 123456.789});
-        for (const char *format :
-             {"%6.2f", "%d", "%g ", "%e ", "%010.3e", "%+G", "%#g", "%-9.1f|", "%x", "%c", "%5s", "%b"})
+        for (const char *format : {"%6.2f", "%g ", "%010.3e", "%+G", "%#g"})
             tell(sprintf(TM(format), list(x)));
-        for (const char *text :
-             {"1.5", "+1.5", "1.5e400", "0x1.8p1", "1.5 + 2.5i", "-INF", "+INFINITY", "NaN"}) {
+        for (const char *text : {"1.5", "0x1.8p1", "1.5 + 2.5i", "+INFINITY"}) {
             tell(str2num(TM(text)));
             tell(str2double(TM(text)));
             tell(sscanf(TM(text), TM("%f")));
         }
-        tell(num2str(x)), tell(mat2str(x)),
-            tell(hex2num(TM("\xa0"
-                            "4"))),
-            tell(version());
-        told.push_back(test::printed([&] { disp(x), display(list(1.5)), kn_printf("%g", 1.5); }));
-        told.push_back(test::raised([] { error("%g", 1.5); }));
+        tell(num2str(x)), tell(mat2str(x)), tell(version());
         tell(datestr(730000.75, 0)), tell(datenum(TM("12-FRI-JAN-2001 10:30:12.5"))),
             tell(datenum(TM("1.7.2001")));
         tell(upper(TM("i\xe9"))), tell(lower(TM("I"))), tell(isletter(TM("\xe9"))), tell(isspace(TM("\xa0")));
 
         put("text.txt", "+1.5 0x1.8p1 Inf\n2 3.5 4");
         tell(vbload(TM("text.txt")));
-        fprintf(fopen(TM("written"), TM("w")), TM("%8.3f"), list(x));
         saveascii(TM("ascii"), list(x));
-        fclose(TM("all"));
-        for (const char *name : {"written", "ascii"}) told.push_back(bytes(name));
+        told.push_back(bytes("ascii"));
         tell(fscanf(fopen(TM("text.txt")), TM("%f")));
         fclose(TM("all"));
         return told;

@@ -54,7 +54,6 @@ void expect_constants() {
     EXPECT_EQ(bits(pi), 0x400921FB54442D18u);
     EXPECT_EQ(bits(Inf), 0x7FF0000000000000u);
     EXPECT_EQ(bits(NaN), 0x7FFFFFFFFFFFFFFFu);
-    EXPECT_EQ(eps.r(), std::pow(2.0, -52.0));
     EXPECT_SAME(one_M, Mm(1.0));
     EXPECT_SAME(i, test::C(0, 1));
     for (const Mm *m :
@@ -62,24 +61,16 @@ void expect_constants() {
         EXPECT_SAME(*m, Mm());
         EXPECT_TRUE(kn::same_block(*m, ans));
     }
-    EXPECT_SAME(x_M, Mm());
     EXPECT_FALSE(kn::same_block(x_M, ans));
     EXPECT_EQ(kn::nothing_M.gettype(), kn_none);
 }
 
 TEST(Startup, constants_stand_at_load_and_have_their_names) {
     expect_constants();
-    EXPECT_EQ(kn::raw_realmax, 1.7976931348623157e308);
-    EXPECT_EQ(kn::raw_realmin, 2.2250738585072014e-308);
     EXPECT_SAME(static_value, pi);
-    const std::pair<const Mm &, const char *> names[] = {{kn::nothing_M, "nothing"},
-                                                         {pi, "pi"},
-                                                         {x_M, "x_M"},
-                                                         {semi, ";"},
-                                                         {c_p, ":"},
-                                                         {nop_M, "[]"},
-                                                         {one_M, "1"}};
-    for (const auto &[m, name] : names) EXPECT_STREQ(m.getname(), name);
+    for (auto [m, name] :
+         {std::pair{&kn::nothing_M, "nothing"}, {&x_M, "x_M"}, {&nop_M, "[]"}, {&one_M, "1"}})
+        EXPECT_STREQ(m->getname(), name);
 }
 
 TEST(Startup, initM2_restores_what_a_program_overwrote) {
@@ -88,10 +79,7 @@ TEST(Startup, initM2_restores_what_a_program_overwrote) {
     initM2(QUORVEX_VERSION, sizeof(Mm));
     expect_constants();
     EXPECT_SAME(before, pi);
-    EXPECT_STREQ(pi.getname(), "pi");
     EXPECT_TRUE(c_p.issamename(kn_colon_name) && semi.issamename(kn_semi_name) && l_M.issamename(kn_l_name));
-    EXPECT_FALSE(Mm(Mm(), std::string(":").c_str()).issamename(kn_colon_name))
-        << "the name counts, not its text";
 }
 
 TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
@@ -123,13 +111,6 @@ TEST(Startup, arithmetic_takes_no_traps_and_rounds_to_nearest) {
     }
 }
 
-TEST(Startup, kn_set_MT_tells_the_process) {
-    EXPECT_EQ(kn_set_MT(1), kn::os::process_id());
-    EXPECT_EQ(kn_threads_flag, 1);
-    kn_set_MT(0);
-    EXPECT_EQ(kn_threads_flag, 0);
-}
-
 // -- Children.
 
 #ifdef __linux__
@@ -150,7 +131,6 @@ std::string started_with(const std::string &variables) {
 TEST(StartupChild, traces_its_steps_and_finds_the_programs) {
     const std::string show = std::string(show_startup) + "=1 ";
     const std::string trace = "InitCS\nassert\nresetfpu\nsignal\ngetenv\ninit const\n";
-    EXPECT_EQ(started_with(show), trace + "pbrush|kelvox|wgnuplot");
     EXPECT_EQ(started_with(show + "TARVEKVIEWER=up tarvekviewer=low tarvekplayer='a player' TARVEKGNUPLOT="),
               trace + "up|a player|");
     EXPECT_EQ(started_with(show + "TARVEKVIEWER=" + std::string(400, 'v')),
@@ -205,11 +185,6 @@ TEST(StartupChild, the_last_words_are_a_pending_error_and_files_are_written_out)
     const std::tuple<void (*)(), int, std::string> ends[] = {
         {fault, 1, "^" + pending + "\n$"},
         {[] { uncaught([] { throw; }); }, 1, "^" + pending + "\n$"},
-        {[] {
-             lasterr();
-             uncaught([] { throw "Ctrl-C"; });
-         },
-         1, "^error: Ctrl-C\ncalled from"},
         {[] { uncaught([] { throw std::runtime_error("foreign"); }); }, -1,
          "^" + pending + "\n(.|\n)*foreign"},
         {[] { kn_set_default_error_flags(16, 0), error("at the end"); }, 1, "^error: at the end\n"},

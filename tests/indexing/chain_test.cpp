@@ -83,7 +83,6 @@ const Change changes[] = {
     CHANGE(t(K(logical_of(row({1, 0, 1})))) = 5.0),
     CHANGE(t(c_p) = 4.0),
     CHANGE(t(c_p) = K(row({1, 2, 3}))),
-    CHANGE(t = Mm(t(K(row({3, 1}))))),
     CHANGE(t() = K(TM("new"))),
     CHANGE(t(4) = 9.0),
     CHANGE(t(50) = 9.0),
@@ -226,25 +225,24 @@ void assign_and_throw(const char *text) {
 }
 
 TEST(Chain, the_error_handler_may_assign_to_the_variable) {
-    for (const Path &path : paths)
-        for (kn_text_handler handler : {assign_and_return, assign_and_throw}) {
+    for (kn_text_handler handler : {assign_and_return, assign_and_throw}) {
+        kn_text_handler old = kn_set_error_handler(handler);
+        for (const Path &path : paths) {
             Mm root = root_with(row({1, 2}));
             variable = &root;
-            kn_text_handler old = kn_set_error_handler(handler);
             try {
                 path.go(root, [](Mr r) { r(row({7, 8, 9})) = row({1, 2}); });
             } catch (const Raised &) {
             }
-            kn_set_error_handler(old);
             EXPECT_SAME(root, Mm(5.0));
         }
-    Mm s = struct_of({{"a", 1.0}});
-    variable = &s;
-    kn_text_handler old = kn_set_error_handler(assign_and_return);
-    Mm read = s(7);
-    kn_set_error_handler(old);
-    EXPECT_SAME(fieldnames(read), cell_of(1, 1, {TM("a")})) << "while it is read";
-    EXPECT_SAME(s, Mm(5.0));
+        Mm s = struct_of({{"a", 1.0}});
+        variable = &s;
+        if (handler == assign_and_return) {
+            EXPECT_SAME(fieldnames(s(7)), cell_of(1, 1, {TM("a")})) << "while it is read";
+        }
+        kn_set_error_handler(old);
+    }
 }
 
 // ---- Exhausted memory ----

@@ -609,6 +609,14 @@ TEST_F(IndexModel, reads) {
     });
 }
 
+TEST_F(IndexModel, lines_of_a_large_array_are_shared_among_threads) {
+    const Mm x = reshape(colon(1.0, 360000.0), 300.0, 200.0, 6.0), half = colon(1.0, 2.0, 300.0),
+             back = colon(200.0, -1.0, 1.0);
+    const Mm alone = x(half, back, row({6, 1, 5}));
+    kn::set_thread_count(3);
+    EXPECT_SAME(x(half, back, row({6, 1, 5})), alone);
+}
+
 TEST_F(IndexModel, writes) {
     in_all_sets(43, [](Random &random, Outcome &outcome) {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {

@@ -153,10 +153,11 @@ TEST(Concatenation, sparse_matches_full) {
     }
 }
 
-TEST(Concatenation, empty_sides) {
+TEST(Concatenation, empty_and_logical_sides) {
     Mm x = logical_of(M({{1, 0}}));
     EXPECT_SAME(horzcat(x, nop_M), x);
     EXPECT_SAME(cat(1.0, Mm(), Mm()), Mm());
+    EXPECT_SAME(horzcat(x, 5.0), row({1, 0, 5})) << "logical only when both are";
 }
 
 TEST(Concatenation, structures) {

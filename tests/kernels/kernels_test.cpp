@@ -160,34 +160,6 @@ TEST(Kernels, results_are_the_same_in_all_sets_and_in_place) {
     expect_same_in_all_sets_and_in_place<unsigned char>();
 }
 
-// Alone, as a number and at any place an element gives the same.
-TEST(Kernels, elements_do_not_depend_on_their_neighbours) {
-    test::Random random(6);
-    constexpr ptrdiff_t n = 40;
-    for (const KernelTable *table : tables())
-        for (int op = 0; op < op_count_; ++op) {
-            if (kinds[op].along) continue;
-            SCOPED_TRACE(table->name + std::string(" ") + kn::op_name(op));
-            const kn::NumberFunctions &number = table->numbers[op];
-            ASSERT_EQ(number.unary != nullptr, kinds[op].unary);
-            for (bool complex : {false, true}) {
-                Values<double> a(random, n, complex, 1), b(random, n, complex, 1);
-                auto whole = result(*table, op, n, complex, a, b);
-                for (ptrdiff_t k = 0; k < n; ++k) {
-                    Values<double> x = a, y = b;
-                    x.re[1] = a.re[k + 1], x.im[1] = a.im[k + 1];
-                    y.re[1] = b.re[k + 1], y.im[1] = b.im[k + 1];
-                    auto one = result(*table, op, 1, complex, x, y);
-                    ASSERT_TRUE(same_number(whole[k + 1], one[1])) << x.re[1] << " " << y.re[1];
-                    ASSERT_TRUE(!complex || same_number(whole[n + 3 + k], one[4]));
-                    if (complex) continue;
-                    double v = kinds[op].unary ? number.unary(x.re[1]) : number.binary(x.re[1], y.re[1]);
-                    ASSERT_TRUE(same_number(v, one[1])) << x.re[1] << " " << y.re[1];
-                }
-            }
-        }
-}
-
 // NaN is met for the same operands in all sets, and of one sign, which display shows. But for sums and
 // products of two NaN: which of them that is, the compiler decides.
 TEST(Kernels, NaN_is_the_same_in_all_sets) {

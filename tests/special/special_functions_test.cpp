@@ -132,11 +132,11 @@ TEST(SpecialFunctions, edges_of_two_and_three_arguments) {
     EXPECT_TRUE(near(betaln_real(tiny, 1), 744.4400719213812, 3e-16));
     EXPECT_TRUE(near(betaln_real(1e300, 1e300), -2e300 * std::log(2.0), 3e-16));
 
-    const double sets[][4] = {{0, 2, 3, 0},         {1, 2, 3, 1},           {-0.1, 2, 3, nan},
-                              {1.1, 2, 3, nan},     {0.5, 2, -1, nan},      {0.5, 0, 3, 1},
-                              {0.5, 0, 0, nan},     {0, 0, 0, 0},           {0.5, inf, 3, 0},
-                              {0.5, inf, inf, nan}, {0.5, tiny, tiny, 0.5}, {0.5, huge, huge, 0.5},
-                              {0.6, huge, huge, 1}};
+    const double sets[][4] = {{0, 2, 3, 0},           {1, 2, 3, 1},        {-0.1, 2, 3, nan},
+                              {1.1, 2, 3, nan},       {0.5, 2, -1, nan},   {0.5, 0, 3, 1},
+                              {0.5, 0, 0, nan},       {0, 0, 0, 0},        {0.5, inf, 3, 0},
+                              {0.5, inf, inf, nan},   {0.5, 2, inf, 1},    {0.5, tiny, tiny, 0.5},
+                              {0.5, huge, huge, 0.5}, {0.6, huge, huge, 1}};
     for (const auto &s : sets)
         EXPECT_TRUE(near(betainc_real(s[0], s[1], s[2]), s[3], 2e-16))
             << s[0] << ", " << s[1] << ", " << s[2];

@@ -34,14 +34,10 @@ TEST_F(Console, input_shows_the_prompt_and_reads_numbers) {
     EXPECT_PRINTS(x = input(TM("x? ")), "x? \n\n");
     EXPECT_SAME(x, M({{1, 25}}));
     EXPECT_EQ(asked_size, 2048);
-    reply = "5";
-    EXPECT_PRINTS(x = input(TM(std::string(2048, 'p').c_str())), "\n\n") << "too long a prompt is left out";
-    EXPECT_SAME(x, Mm(5.0));
     reply = "yes no";
     EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
     EXPECT_SAME(x, M({{0, 0}}));
-    EXPECT_EQ(warnings.texts(), (std::vector<std::string>{"Mstr: buffer too small - chopped",
-                                                          "input: text is non-numeric, use input(...,'s')"}));
+    EXPECT_EQ(warnings.texts(), std::vector<std::string>{"input: text is non-numeric, use input(...,'s')"});
     reply = "ctrl_c_event";
     test::printed([] { EXPECT_RAISES(input(TM("?")), "Ctrl-C"); });
 }
@@ -50,9 +46,6 @@ TEST_F(Console, input_of_text_ends_at_the_newline) {
     reply = " a line\nmore";
     EXPECT_PRINTS(x = input(TM("?"), TM("s")), "?\n\n");
     EXPECT_SAME(x, TM(" a line"));
-    reply = "\n";
-    EXPECT_PRINTS(x = input(TM("?"), 0.0), "?\n\n");
-    EXPECT_SAME(x, TM(""));
 }
 
 TEST_F(Console, hooks_are_called_until_null_restores_the_default) {

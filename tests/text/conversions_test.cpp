@@ -21,24 +21,12 @@ TEST(Conversions, numbers_as_text) {
         const char *text;
     } const cases[] = {
         {pi, 4.0, " 3.142"},
-        {Mm(), 4.0, "[]"},
-        {M({{1, 2}, {3, 4}}), 15.0, "[ 1 2; 3 4]"},
         {col({.1, -NAN}), U8({{3}}), "[ 0.1;  NaN]"},
-        {C(1, -2), 15.0, " 1 - 2i"},
         {test::complex_of(row({1, 30}), row({2, 0})), 15.0, "[ 1 + 2i 30     ]"},
-        {U8({{200, 3}}), 15.0, "[ 200 3]"},
-        {test::sparse_of(2, 1, {{1, 5}}), 15.0, "[ 0; 5]"},
-        {TM("AB"), 15.0, "[ 65 66]"},
         {nd({1, 1, 2}, {1, -HUGE_VAL}), 15.0, "[ 1 -Inf]"},
     };
     for (const auto &c : cases) EXPECT_EQ(text_of(mat2str(c.value, c.digits)), c.text);
-    Mm object = mclass(struct_of({{"a", 1.0}}), TM("euro"));
     EXPECT_RAISES(mat2str(cell_of(1, 1, {1.0})), "Can not convert (temporary) into a numeric matrix");
-    EXPECT_RAISES(mat2str(struct_of({{"a", 1.0}})), raised([] { mdouble(struct_of({{"a", 1.0}})); }));
-    register_class_function(
-        "euro", "double", +[](Mm) { return Mm(U8({{7}})); });
-    EXPECT_EQ(text_of(mat2str(object)), " 7");
-    unregister_class_function("euro", "double");
     Random random(33);
     for (int k = 0; k < 50; ++k) {
         Mm m = random.matrix(3, 4, k % 2);
@@ -51,8 +39,8 @@ TEST(Conversions, numbers_as_text) {
 
 TEST(Conversions, random_doubles_come_back_from_their_text) {
     std::mt19937_64 bits(17);
-    constexpr int texts = 1000, n = 1000;
-    for (int repeat = 0; repeat < texts; ++repeat) {
+    constexpr int n = 1000;
+    for (int repeat = 0; repeat < 1000; ++repeat) {
         double x[n];
         std::string text;
         for (double &v : x) {
@@ -79,19 +67,9 @@ TEST(Conversions, str2double) {
 }
 
 TEST(Conversions, bases) {
-    EXPECT_SAME(base2dec(TM("zz"), 36.0), Mm(1295.0));
     EXPECT_SAME(hex2dec(strvcat(TM("FF"), TM("1f"), TM("-!3"))), col({4080, 496, 3}));
-    EXPECT_SAME(bin2dec(cell_of(1, 2, {TM(" 1"), TM("12")})), col({1, 4}));
-    EXPECT_SAME(base2dec(TM("")), Mm());
-    EXPECT_EQ(text_of(dec2bin(5.0)), "101");
     EXPECT_EQ(text_of(dec2bin(5.0, 7.5)), "00000101");
-    EXPECT_EQ(text_of(dec2hex(row({255, 1}))), "FF\n01");
-    EXPECT_EQ(text_of(dec2base(0.0, 2.0)), "0");
     EXPECT_EQ(text_of(dec2base(-3.0, 16.0)), "-");
-    EXPECT_SAME(dec2base(Mm(), 1.0), setstr(Mm()));
-    EXPECT_EQ(dec2bin(1e308).cols(), 1024);
-    EXPECT_EQ(text_of(dec2bin(std::ldexp(1, 52))), "1" + std::string(52, '0'));
-    EXPECT_EQ(text_of(dec2base(std::ldexp(1, 53) - 1, 3.0)), "1121202011211211122211100012101111");
     EXPECT_EQ(text_of(dec2hex(col({std::ldexp(1, 64), 1e22}))), "0010000000000000000\n21E19E0C9BAB2400000");
     for (double base : std::initializer_list<double>{0.0, 1.4, -16.0, NAN})
         EXPECT_RAISES(dec2base(3.0, base), "dec2base: base must be 2 or more");
@@ -109,29 +87,20 @@ TEST(Conversions, bases) {
 }
 
 TEST(Conversions, hexadecimal_doubles) {
-    struct {
-        const char *text;
-        uint64_t bits;
-    } const cases[] = {{"400", 0x4000000000000000},
-                       {"3ff8", 0x3ff8000000000000},
-                       {"c05EDD2F1A9FBE77", 0xc05edd2f1a9fbe77},
-                       {"400000000000000000000000 and more", 0x4000000000000000},
-                       {"", 0},
-                       {"zz40 84z", 0x0040080400000000}};
-    for (const auto &c : cases)
-        EXPECT_EQ(std::bit_cast<uint64_t>(scalar(hex2num(TM(c.text)))), c.bits) << c.text;
+    for (auto [text, bits] : {std::pair{"3ff8", 0x3ff8000000000000},
+                              {"c05EDD2F1A9FBE77", static_cast<long>(0xc05edd2f1a9fbe77)},
+                              {"400000000000000000000000 and more", 0x4000000000000000},
+                              {"zz40 84z", 0x0040080400000000}})
+        EXPECT_EQ(std::bit_cast<long>(scalar(hex2num(TM(text)))), bits) << text;
     EXPECT_SAME(hex2num(strvcat(TM("400"), TM("8"))), hex2num(TM("400\n8  ")));
 }
 
 TEST(Conversions, rows_of_text) {
     const Mm two = strvcat(TM("a"), TM("bcd"));
     EXPECT_SAME(str2mat(TM("a"), TM("bcd")), two);
-    EXPECT_SAME(mchar(cell_of(1, 2, {TM("a"), TM("bcd")})), two);
     EXPECT_SAME(str2mat(cell_of(1, 1, {cell_of(1, 1, {row({65, 66})})})), TM("AB"));
-    EXPECT_SAME(str2mat(two), two);
     EXPECT_EQ(text_of(mchar(TM("a"), TM("b"), TM("c"), TM("d"), cell_of(1, 1, {TM("e")}), 102.0)),
               "a\nb\nc\nd\ne\nf");
-    EXPECT_EQ(kn_find_function("char"), kn_find_function("mchar"));
     EXPECT_RAISES(str2mat(struct_of({{"f", 1.0}})),
                   "str2mat: numeric data expected, but matrix (temporary) is not");
 }

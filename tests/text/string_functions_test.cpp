@@ -1,7 +1,6 @@
 // The string family: comparisons, searches, parts, joins and letters, of rows, matrices and cells.
 #include <cctype>
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <string>
 #include <utility>
@@ -21,27 +20,16 @@ Mm texts(const std::vector<const char *> &list) {
 }
 Mm bits(const std::vector<double> &x) { return logical_of(row(x)); }
 
-TEST(StringFunctions, stand_beside_those_of_the_C_library) {
-    char line[] = "a b";
-    EXPECT_EQ(strcmp("a", "a") + strncmp("ab", "ac", 1), 0);
-    EXPECT_STREQ(strtok(line, " "), "a");
-    EXPECT_TRUE(isspace(' '));
-    EXPECT_SAME(strcmp(T("a"), T("a")), bits({1}));
-}
-
 TEST(StringFunctions, comparisons) {
     const Mm two = strvcat(T("ab"), T("c"));
     struct {
         Mm a, b, whole, folded, beginning; // by 2 characters, folded
     } const cases[] = {
-        {T("abc"), T("abc"), bits({1}), bits({1}), bits({1})},
         {T("abc"), T("ABd"), bits({0}), bits({0}), bits({1})},
-        {T("a"), T("A"), bits({0}), bits({1}), bits({0})},
         {T(""), T(""), bits({1}), bits({1}), bits({0})},
         {T("["), T("{"), bits({0}), bits({0}), bits({0})},
         {T("a"), row({97}), bits({0}), bits({0}), bits({0})},
         {setstr(U8({{97, 98}})), T("ab"), bits({1}), bits({1}), bits({1})},
-        {two, two, bits({1}), bits({1}), bits({1})},
         {texts({"ab", "AB", "abc"}), T("ab"), bits({1, 0, 0}), bits({1, 1, 0}), bits({1, 1, 1})},
         {T("ab"), cell_of(1, 2, {1.0, T("ab")}), bits({0, 1}), bits({0, 1}), bits({0, 1})},
         {two, texts({"ab", "c"}), bits({1, 1}), bits({1, 1}), bits({1, 0})},
@@ -53,8 +41,6 @@ TEST(StringFunctions, comparisons) {
         EXPECT_SAME(strcmpi(c.a, c.b), c.folded);
         EXPECT_SAME(strncmpi(c.a, c.b, 2.0), c.beginning);
     }
-    EXPECT_SAME(strncmp(T("abc"), T("abd"), 2.0), bits({1}));
-    EXPECT_SAME(strncmp(T("a"), T("b"), -1.0), bits({1}));
     EXPECT_RAISES(strcmp(texts({"a", "b"}), texts({"a", "b", "c"})),
                   "strcmp: cell arrays must be of same size");
 }
@@ -63,26 +49,16 @@ TEST(StringFunctions, searches) {
     EXPECT_SAME(findstr(T("How much wood"), T("o")), row({2, 11, 12}));
     EXPECT_SAME(findstr(T("aa"), T("aaaa")), row({1, 2, 3}));
     EXPECT_SAME(findstr(T("abc"), T("")), Mm());
-    EXPECT_RAISES(findstr(T("a"), 97.0), "findstr: input is not a string");
-    EXPECT_RAISES(findstr(T("a"), strvcat(T("a"), T("b"))), "findstr: input must be one row");
 
     const Mm rows = strvcat(T("max"), T("maximum"), T("min"));
     EXPECT_SAME(strmatch(T("max"), rows), col({1, 2}));
-    EXPECT_SAME(strmatch(T("max"), rows, T("exact")), Mm(1.0));
     EXPECT_SAME(strmatch(T("max"), texts({"min", "maxi", "max "}), T("exact")), Mm(3.0));
-    EXPECT_SAME(strmatch(T("maximums"), rows), Mm());
     EXPECT_SAME(strmatch(setstr(row({1.5, 300})), setstr(M({{1, 300}, {1.5, 300}})), T("exact")), Mm(2.0));
     EXPECT_RAISES(strmatch(T("max"), rows, T("other")), "strmatch: third input must be 'exact'");
 }
 
 TEST(StringFunctions, replacement) {
     EXPECT_SAME(strrep(texts({"this is", "that"}), T("th"), texts({"T"})), texts({"Tis is", "Tat"}));
-    EXPECT_SAME(strrep(T("222 2"), T("22"), T("*")), T("** 2"));
-    EXPECT_SAME(strrep(T("abc"), T("abc"), T("")), T(""));
-    EXPECT_SAME(strrep(T("abc"), T(""), T("x")), T("abc"));
-    EXPECT_RAISES(strrep(T("a"), 1.0, T("b")), "strrep: input is not a string");
-    EXPECT_RAISES(strrep(texts({"a", "b"}), texts({"a", "b", "c"}), T("")),
-                  "strrep: cell arrays must be of same size");
     // Against marking what each occurrence covers, one by one.
     std::mt19937 random(5);
     auto word = [&](unsigned longest) {
@@ -118,7 +94,6 @@ TEST(StringFunctions, tokens) {
                        {"a,b;c", ";,", "a", ",b;c"},
                        {",,a", ",", "a", ""},
                        {" \t", nullptr, "", ""},
-                       {"", nullptr, "", ""},
                        {"abc", "", "abc", ""}};
     for (const auto &c : cases) {
         Mm s = TM(c.text), token;
@@ -126,7 +101,6 @@ TEST(StringFunctions, tokens) {
         EXPECT_SAME(token, TM(c.token));
         EXPECT_SAME(s, TM(c.remainder));
     }
-    EXPECT_SAME(strtok(T("a b")), T("a"));
     EXPECT_RAISES(strtok(5.0), "strtok: input is not a string");
 }
 
@@ -135,27 +109,21 @@ TEST(StringFunctions, joins) {
     EXPECT_SAME(strcat(T("a "), T(" b"), T("c  "), T(""), row({100})), T("a bcd"));
     EXPECT_EQ(text_of(strcat(two, T("!"))), "a!  \nbcd!");
     EXPECT_SAME(strcat(texts({"a ", "b"}), T("- "), texts({"1"})), texts({"a -1", "b-1"}));
-    EXPECT_SAME(strcat(T(" ")), T(""));
     EXPECT_RAISES(strcat(two, strvcat(T("a"), T("b"), T("c"))), "strcat: # of rows different");
-    EXPECT_EQ(text_of(strjust(two)), "  a\nbcd");
     EXPECT_EQ(text_of(strjust(strvcat(T(" a"), T("bcde")), T("center"))), " a  \nbcde");
     EXPECT_EQ(text_of(strjust(T("  a "), T("left"))), "a   ");
     EXPECT_RAISES(strjust(two, T("up")), "strjust: unknown side");
     EXPECT_SAME(blanks(3.9), T("   "));
-    EXPECT_SAME(blanks(-1.0), T(""));
 }
 
 TEST(StringFunctions, letters) {
     EXPECT_SAME(upper(T("aZ[{1\xe4")), T("AZ[{1\xe4"));
     EXPECT_SAME(lower(cell_of(1, 2, {T("Az"), cell_of(1, 1, {setstr(U8({{66}}))})})),
                 cell_of(1, 2, {T("az"), cell_of(1, 1, {setstr(U8({{98}}))})}));
-    EXPECT_SAME(upper(row({97})), row({97}));
     EXPECT_SAME(isletter(T("aZ@[`{1")), bits({1, 1, 0, 0, 0, 0, 0}));
     EXPECT_SAME(isspace(T(" \t\r\x0e"
                           "a")),
                 bits({1, 1, 1, 0, 0}));
-    EXPECT_SAME(isspace(row({32, 9})), bits({0, 0}));
-    EXPECT_SAME(isstr(T("")), bits({1}));
     EXPECT_SAME(deblank(setstr(U8({{'a', ' ', 'b', ' ', 0}}))), setstr(U8({{'a', ' ', 'b'}})));
 }
 

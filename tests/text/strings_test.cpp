@@ -17,10 +17,7 @@ std::string flattened(const Mm &m, int size) {
     return buf;
 }
 
-TEST(Strings, TM_makes_one_double_for_each_byte) {
-    EXPECT_SAME(TM("a\xe9"), setstr(row({97, 233})));
-    EXPECT_TRUE(TM(nullptr).size() == 0 && TM(nullptr).isstr());
-}
+TEST(Strings, TM_makes_one_double_for_each_byte) { EXPECT_SAME(TM("a\xe9"), setstr(row({97, 233}))); }
 
 TEST(Strings, Mstr_joins_rows_by_newlines) {
     Mm two = strvcat(TM("abc"), TM("d"));
@@ -28,8 +25,6 @@ TEST(Strings, Mstr_joins_rows_by_newlines) {
     EXPECT_EQ(flattened(two, 8), "abc\nd  ");
     EXPECT_EQ(flattened(row({65.7, 66 + 256, -1}), 10), "AB\xff");
     EXPECT_EQ(flattened(test::sparse_of(1, 3, {{0, 72}, {2, 105}}), 10), std::string("H"));
-    EXPECT_EQ(Mstr_size(Mm()), 1);
-    EXPECT_EQ(flattened(Mm(), 1), "");
     char buf[16];
     Mstr_row(two, buf, sizeof buf);
     EXPECT_STREQ(buf, "adb c ");
@@ -49,17 +44,14 @@ TEST(Strvcat, rows_are_padded_to_the_widest) {
     EXPECT_EQ(text_of(strvcat(TM("a"), TM(""), TM("bcd"), strvcat(TM("ef"), TM("g")))), "a  \nbcd\nef \ng  ");
     Mm nested = cell_of(1, 3, {TM("x"), cell_of(1, 2, {TM("yy"), Mm()}), row({72, 105, 33})});
     EXPECT_EQ(text_of(strvcat(nested, U8({{65}}))), "x  \nyy \nHi!\nA  ");
-    EXPECT_SAME(strvcat(Mm(), cell_of(0, 0, {})), TM(""));
     EXPECT_SAME(strvcat(row({1.5, -2})), setstr(row({1.5, -2})));
     EXPECT_RAISES(strvcat(TM("a"), test::struct_of({{"f", 1.0}})),
                   "Can not convert (temporary) into a numerical matrix");
 }
 
 TEST(Str2num, shapes) {
-    EXPECT_SAME(str2num(TM("1 2;3 4")), M({{1, 2}, {3, 4}}));
     EXPECT_SAME(str2num(TM(";;\t1;\n;2 3 ,4]")), M({{1, 0, 0}, {2, 3, 4}}));
     EXPECT_SAME(str2num(strvcat(TM("1 2"), TM("3"))), M({{1, 2}, {3, 0}}));
-    EXPECT_EQ(str2num(TM("[ ]")).size(), 0);
     EXPECT_SAME(str2num(TM("")), nop_M);
     EXPECT_RAISES(str2num(1.0), "str2num: input is not a string");
 }
@@ -69,7 +61,6 @@ TEST(Str2num, words) {
                 row({HUGE_VAL, -HUGE_VAL, NAN, NAN, 0, HUGE_VAL}));
     EXPECT_SAME(str2num(TM("1- 5 +7 .5 1e2x")), row({1, 7, .5, 100}));
     EXPECT_SAME(str2num(TM("1e- 5")), Mm(1e-5));
-    EXPECT_SAME(str2num(TM("1 - 2")), Mm(1.0));
 }
 
 TEST(Str2num, complex_numbers) {

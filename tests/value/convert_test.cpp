@@ -1,4 +1,4 @@
-// full and sparse, there and back.
+// full and sparse, text and strings, there and back.
 #include <cmath>
 
 #include "support/support.h"
@@ -24,6 +24,12 @@ TEST(SparseConversion, random_round_trips) {
         for (int k = 1; k < s.getnnz(); k++) ASSERT_LT(s.getindex()[k - 1], s.getindex()[k]);
         EXPECT_SAME(full(s), a);
     }
+}
+
+TEST(TextConversion, a_text_may_fill_its_buffer) {
+    char buf[4] = "";
+    Mstr(TM("abc"), buf, sizeof buf);
+    EXPECT_STREQ(buf, "abc");
 }
 
 TEST(SparseConversion, errors) {

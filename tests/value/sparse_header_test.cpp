@@ -1,9 +1,7 @@
 // The entry list of a sparse value. A holder that changes it leaves the other holders as they were.
 #include <algorithm>
 #include <cmath>
-#include <functional>
 #include <map>
-#include <string>
 #include <vector>
 
 #include "support/support.h"
@@ -12,16 +10,6 @@
 using namespace test;
 
 namespace {
-
-TEST(SparseHeader, full_values_are_refused) {
-    Mm a = named("a", M({{1, 2}}));
-    const std::pair<std::function<void()>, std::string> cases[] = {{[&] { a.search(0); }, "search"},
-                                                                   {[&] { a.sort(); }, "sort"},
-                                                                   {[&] { a.resparse(); }, "resparse"},
-                                                                   {[&] { a.extend_nnz(9); }, "extend_nnz"}};
-    for (const auto &[work, name] : cases)
-        EXPECT_RAISES(work(), "::" + name + ": sparse matrix expected, but matrix a is full");
-}
 
 TEST(SparseHeader, resparse_keeps_sums_that_are_zero) {
     Mm s = sparse_of(5, 5, {{1, 0}, {1, 2}, {1, 3}, {4, -0.0}, {6, NAN}, {9, 5}, {9, -5}, {9, 0}, {20, 1}});

@@ -11,8 +11,8 @@
 #include "files/precision.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
-#include "value/columns.h"
 #include "value/header.h"
+#include "value/sparse_walk.h"
 
 namespace kn {
 namespace {

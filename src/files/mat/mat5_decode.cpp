@@ -97,14 +97,10 @@ bool Mat5Decoder::name(char (&to)[Mat5Entry::name_size], uint64_t end) {
     return true;
 }
 
-bool Mat5Decoder::head(Head &h, uint64_t end) {
-    Mat5Entry &e = h.entry;
-    uint64_t start = in_.at();
-    uint32_t first[2], w[6], dim[1];
-    e.name[0] = '\0';
-    e.ndims = 2;
-    std::fill_n(e.dims, most_dims, 0);
-    h.flags = h.room = 0;
+// The tag, which gives byte order and size. `start` is its offset.
+bool Mat5Decoder::head_tag(Head &h, uint64_t end, uint64_t &start) {
+    uint32_t first[2];
+    start = in_.at();
     h.end = end;
     swap_ = false;
     if (!words(first, end)) return failed("load5: '%s' could not read header");
@@ -117,28 +113,46 @@ bool Mat5Decoder::head(Head &h, uint64_t end) {
     const uint32_t bytes = word(first[1]);
     h.end = std::min(end, start + 8 + bytes);
     h.has_data = bytes != 0;
+    return true;
+}
+
+bool Mat5Decoder::dimensions(Mat5Entry &e, uint32_t bytes, uint64_t end) {
+    uint32_t dim[1];
+    const uint64_t n = bytes / 4, after = in_.at() + 4 * n;
+    if (n > most_dims && !quiet_) {
+        error("load5: Can not read matrix from file '%s' which has more then %s dimensions.", file_, "4");
+        return false;
+    }
+    if (after > end) return failed("loadv5: file '%s' ended prematurely.");
+    for (uint64_t k = 0; k < std::min<uint64_t>(n, most_dims); ++k) {
+        if (!words(dim, end)) return failed("loadv5: file '%s' ended prematurely.");
+        e.dims[k] = static_cast<int>(dim[0]);
+        if (e.dims[k] < 0) return failed("load5: '%s' contained matrix with negative dimension");
+    }
+    if (!in_.seek(after)) return failed("loadv5: file '%s' ended prematurely.");
+    if (n == 1) e.dims[1] = 1;
+    if (n > 2) e.ndims = static_cast<int>(n);
+    return true;
+}
+
+bool Mat5Decoder::head(Head &h, uint64_t end) {
+    Mat5Entry &e = h.entry;
+    uint64_t start;
+    uint32_t w[6];
+    e.name[0] = '\0';
+    e.ndims = 2;
+    std::fill_n(e.dims, most_dims, 0);
+    h.flags = h.room = 0;
+    if (!head_tag(h, end, start)) return false;
     if (h.has_data) {
         if (!words(w, h.end)) return failed("load5: '%s' could not read header");
         h.flags = w[2];
         h.room = w[3];
-    }
-    if (h.has_data && h.type() == opaque_class) {
-        if (!in_.seek(start + 24)) return failed("load5: '%s' could not read header");
-    } else if (h.has_data) {
-        const uint64_t n = w[5] / 4, behind = in_.at() + 4 * n;
-        if (n > most_dims && !quiet_) {
-            error("load5: Can not read matrix from file '%s' which has more then %s dimensions.", file_, "4");
-            return false;
+        if (h.type() != opaque_class) {
+            if (!dimensions(e, w[5], h.end)) return false;
+        } else if (!in_.seek(start + 24)) {
+            return failed("load5: '%s' could not read header");
         }
-        if (behind > h.end) return failed("loadv5: file '%s' ended prematurely.");
-        for (uint64_t k = 0; k < std::min<uint64_t>(n, most_dims); ++k) {
-            if (!words(dim, h.end)) return failed("loadv5: file '%s' ended prematurely.");
-            e.dims[k] = static_cast<int>(dim[0]);
-            if (e.dims[k] < 0) return failed("load5: '%s' contained matrix with negative dimension");
-        }
-        if (!in_.seek(behind)) return failed("loadv5: file '%s' ended prematurely.");
-        if (n == 1) e.dims[1] = 1;
-        if (n > 2) e.ndims = static_cast<int>(n);
     }
     e.complex = h.flags & complex_flag;
     e.logical = h.flags & logical_flag;

@@ -69,6 +69,8 @@ class Mat5Decoder {
     bool align(uint64_t end);
     bool tag(Tag &t, uint64_t end); // aligned
 
+    bool head_tag(Head &h, uint64_t end, uint64_t &start);
+    bool dimensions(Mat5Entry &e, uint32_t bytes, uint64_t end);
     bool name(char (&to)[Mat5Entry::name_size], uint64_t end);
     bool layout(const Tag &t, mat5::Class type, Layout &l) const;
     template <class T> bool numbers(T *to, int n, const Tag &t, const Layout &l);

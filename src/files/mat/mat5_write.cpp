@@ -14,9 +14,9 @@
 #include "quorvex/messages.h"
 #include "quorvex/sparse.h"
 #include "text/dates/date_parts.h"
-#include "value/columns.h"
 #include "value/header.h"
 #include "value/nesting.h"
+#include "value/sparse_walk.h"
 
 namespace kn {
 

@@ -8,7 +8,7 @@
 
 #include "base/ascii.h"
 #include "files/mat/matfile.h"
-#include "files/mpath.h"
+#include "files/search_path.h"
 #include "quorvex/display.h"
 #include "quorvex/messages.h"
 

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <optional>
 
+#include "files/atomic_write.h"
 #include "files/mat/mat5.h"
 #include "files/mat/mat5_layout.h"
 #include "files/mat/matfile.h"
-#include "files/replacement.h"
 #include "quorvex/matfiles.h"
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"

@@ -217,35 +217,45 @@ template <class In> class Scanner {
         return fits;
     }
 
+    bool accept_special() {
+        if (next_is('n')) return accept_all("nan");
+        return accept_all("inf") && (!next_is('i') || accept_all("inity"));
+    }
+
+    // Digits, point and exponent. Whether they are hexadecimal.
+    bool accept_magnitude() {
+        const size_t sign = word.size();
+        bool hex = false, dot = false, exponent = false;
+        if (next_is('0')) {
+            accept();
+            hex = left_ > 1 && next_is('x');
+            if (hex) accept();
+        }
+        const char letter = hex ? 'p' : 'e';
+        bool digits = !hex && word.size() > sign;
+        for (; more(); accept()) {
+            const int c = in_.peek();
+            if (is_digit(c) || (hex && !exponent && is_hex_digit(c))) {
+                digits = true;
+            } else if (exponent && (c == '-' || c == '+') && to_lower(word.view().back()) == letter) {
+            } else if (digits && !exponent && to_lower(c) == letter) {
+                exponent = dot = true;
+            } else if (!dot && c == '.') {
+                dot = true;
+            } else {
+                break;
+            }
+        }
+        return hex;
+    }
+
     Answer number() {
         accept_sign();
         const size_t sign = word.size();
-        if (next_is('n')) {
-            if (!accept_all("nan")) return unfit;
-        } else if (next_is('i')) {
-            if (!accept_all("inf") || (next_is('i') && !accept_all("inity"))) return unfit;
+        if (next_is('n') || next_is('i')) {
+            if (!accept_special()) return unfit;
         } else {
-            bool hex = false, dot = false, exponent = false;
-            if (next_is('0')) {
-                accept();
-                hex = left_ > 1 && next_is('x');
-                if (hex) accept();
-            }
-            const char letter = hex ? 'p' : 'e';
-            bool digits = !hex && word.size() > sign;
-            for (; more(); accept()) {
-                const int c = in_.peek();
-                if (is_digit(c) || (hex && !exponent && is_hex_digit(c))) {
-                    digits = true;
-                } else if (exponent && (c == '-' || c == '+') && to_lower(word.view().back()) == letter) {
-                } else if (digits && !exponent && to_lower(c) == letter) {
-                    exponent = dot = true;
-                } else if (!dot && c == '.') {
-                    dot = true;
-                } else {
-                    break;
-                }
-            }
+            const bool hex = accept_magnitude();
             if (word.size() == sign + (hex ? 2 : 0)) return unfit;
             if (word && !hex) {
                 const char *at = word.data(), *end = at + word.size();

@@ -4,8 +4,8 @@
 // A link, a file with several names, one of another owner, and one in a directory that accepts no new file
 // are kept: all is written to a nameless file first, and then over the old content, or into the pipe. A
 // device is written directly.
-#ifndef QUORVEX_FILES_REPLACEMENT_H
-#define QUORVEX_FILES_REPLACEMENT_H
+#ifndef QUORVEX_FILES_ATOMIC_WRITE_H
+#define QUORVEX_FILES_ATOMIC_WRITE_H
 
 #include <cstdio>
 

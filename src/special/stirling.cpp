@@ -1,6 +1,6 @@
 // Stirling's rest, the logarithm of the beta function, and the transition of the incomplete functions.
 
-#include "special/shared_parts.h"
+#include "special/stirling.h"
 #include "special/special_functions.h"
 
 #include <cmath>

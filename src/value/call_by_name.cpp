@@ -1,6 +1,6 @@
 // Calls of functions by name through the hooks of a host, and the argument counts that they find.
 
-#include "value/calls.h"
+#include "value/call_by_name.h"
 
 #include "quorvex/messages.h"
 #include "quorvex/startup.h"

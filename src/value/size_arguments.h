@@ -1,6 +1,6 @@
 // Extents that a program gives.
-#ifndef QUORVEX_VALUE_EXTENTS_H
-#define QUORVEX_VALUE_EXTENTS_H
+#ifndef QUORVEX_VALUE_SIZE_ARGUMENTS_H
+#define QUORVEX_VALUE_SIZE_ARGUMENTS_H
 
 #include <initializer_list>
 

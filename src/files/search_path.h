@@ -1,6 +1,6 @@
 // The list of directories that are searched for M-files and for files to read.
-#ifndef QUORVEX_FILES_MPATH_H
-#define QUORVEX_FILES_MPATH_H
+#ifndef QUORVEX_FILES_SEARCH_PATH_H
+#define QUORVEX_FILES_SEARCH_PATH_H
 
 #include <cstddef>
 #include <cstdio>

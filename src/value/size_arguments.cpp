@@ -1,5 +1,5 @@
 // Extents that a program gives, as values.
-#include "value/extents.h"
+#include "value/size_arguments.h"
 
 #include <algorithm>
 

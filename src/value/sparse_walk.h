@@ -1,7 +1,7 @@
 // Walks through the columns of sparse entries. Indices ascend, so the entries of a column are consecutive. A
 // value of more than two dimensions counts as the matrix of all its columns, page after page.
-#ifndef QUORVEX_VALUE_COLUMNS_H
-#define QUORVEX_VALUE_COLUMNS_H
+#ifndef QUORVEX_VALUE_SPARSE_WALK_H
+#define QUORVEX_VALUE_SPARSE_WALK_H
 
 #include "quorvex/values.h"
 

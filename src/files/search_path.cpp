@@ -1,6 +1,6 @@
 // The M path: a list of directories, each terminated by a null character, in one block.
 
-#include "files/mpath.h"
+#include "files/search_path.h"
 
 #include <algorithm>
 #include <cstring>

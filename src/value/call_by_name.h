@@ -1,6 +1,6 @@
 // Calling functions by name from within the library.
-#ifndef QUORVEX_VALUE_CALLS_H
-#define QUORVEX_VALUE_CALLS_H
+#ifndef QUORVEX_VALUE_CALL_BY_NAME_H
+#define QUORVEX_VALUE_CALL_BY_NAME_H
 
 #include "quorvex/evaluation.h"
 

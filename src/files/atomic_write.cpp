@@ -1,6 +1,6 @@
 // A file under a temporary name, kn<process>_<k>.tmp, until it replaces another.
 
-#include "files/replacement.h"
+#include "files/atomic_write.h"
 
 #include <charconv>
 #include <cstring>
