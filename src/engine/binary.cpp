@@ -59,9 +59,8 @@ Mm betainc(const Mm &x, const Mm &a, const Mm &b) {
     if (any_empty) return Mm();
     const Mm &shape = operands[like];
     for (int k = 0; k < 3; ++k) {
-        if (step[k] == 0 || std::equal(shape.getdims(), shape.getdims() + 4, operands[k].getdims())) continue;
-        error("%s: incompatible dimensions of: %s, %s", "betainc", kn_display_name(*given[like]),
-              kn_display_name(*given[k]));
+        if (step[k] == 0 || same_size(shape, operands[k])) continue;
+        report_incompatible("betainc", *given[like], *given[k]);
         return x_M;
     }
     Mm out = fresh_like(shape, 0, kn_double);

@@ -97,7 +97,7 @@ inline bool can_take(const Mm *t, int complex_result) {
 }
 inline bool can_take(const Mm *t, const Mm &other, int complex_result) {
     return can_take(t, complex_result) && other.gettype() == t->gettype() && !other.issparse() &&
-           (other.getnnz() == 1 || std::equal(t->getdims(), t->getdims() + 4, other.getdims()));
+           (other.getnnz() == 1 || same_size(*t, other));
 }
 
 // The engine's result, made in the place.
@@ -125,7 +125,7 @@ inline Mm computed(const Mm &like, const Mm &a, const Mm &b, op_t op, bool logic
 }
 
 inline bool fit(const Mm &a, const Mm &b) {
-    return a.getnnz() == 1 || b.getnnz() == 1 || std::equal(a.getdims(), a.getdims() + 4, b.getdims());
+    return a.getnnz() == 1 || b.getnnz() == 1 || same_size(a, b);
 }
 
 // In the place of a temporary, in a fresh value, or by the engine.
