@@ -1,4 +1,4 @@
-// The one guarded call: the only place where the library catches what an error throws.
+// The one guarded call: the only place where the library catches the exception of an error.
 
 #include "graphics/callback.h"
 

@@ -6,8 +6,8 @@
 
 namespace kn {
 
-// Runs the text through callback_func. Whatever is thrown ends here: the pending error is shown, and the
-// stack of source positions goes back to where it was. Nothing happens for an empty text.
+// Runs the text through callback_func. All exceptions are caught here: the pending error is shown, and the
+// stack of source positions is restored. An empty text does nothing.
 void evaluate_guarded(const Mm &text);
 
 } // namespace kn

@@ -1,4 +1,4 @@
-// Commands that are one call of the graphics engine each.
+// Commands that each make one call of the graphics engine.
 
 #include "quorvex/graphics.h"
 

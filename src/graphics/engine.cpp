@@ -12,7 +12,7 @@
 namespace kn {
 namespace {
 
-// No windows, no objects: creation fails, questions are cancelled, waits end at once.
+// No windows, no objects: creation fails, dialogs are cancelled, waits end at once.
 class NoEngine final : public SeloEngine {
   public:
     void selo_start(int) override {}
@@ -96,7 +96,8 @@ void stop_engine() {
 
 } // namespace kn
 
-// An engine that ends while it is in use, as a program's static one does at exit, is not called again.
+// An engine that is destroyed while it is in use, such as a program's static one at exit, is not called
+// again.
 SeloEngine::~SeloEngine() {
     if (kn::current == this) kn::current = nullptr;
 }

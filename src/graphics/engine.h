@@ -8,7 +8,7 @@ namespace kn {
 
 SeloEngine &engine();
 
-// The hand-shake with the engine at start, and the end of the callbacks.
+// The handshake with the engine at start, and the removal of the callbacks.
 void start_engine();
 void stop_engine();
 

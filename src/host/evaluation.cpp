@@ -1,4 +1,4 @@
-// The evaluation hooks, and the words of the language that rest on them.
+// The evaluation hooks, and the functions of the language that use them.
 
 #include "value/call_by_name.h"
 
@@ -30,7 +30,7 @@ bool stands_alone(const char *text) {
     return false;
 }
 
-// The hook's work, with its words. Whether it succeeded.
+// Calls the hook, with its messages. Returns whether it succeeded.
 bool run(const char *statement) {
     kn_printf("Calling eval('%s')\n", statement);
     const bool failed = eval_func(statement) > 0;
@@ -66,7 +66,7 @@ Mm eval(const Mm &m) {
     char name[32], assignment[assignment_size];
     std::snprintf(name, sizeof name, "%s_%d", "eval_result", ++count);
     Mm result(i_o, name, 0);
-    result.getflags().persistent = 0; // it ends with this call
+    result.getflags().persistent = 0; // it is removed when this call ends
     if (stands_alone(text.get())) {
         run(text.get());
         return x_M;

@@ -6,7 +6,7 @@
 
 namespace kn {
 
-// Calls one form. Of several outputs each has its place in y; else the value, or x_M, is returned.
+// Calls one form. With several outputs each is stored in y; otherwise the value, or x_M, is returned.
 using Call = Mm (*)(const Mm *x, Mm *y);
 
 } // namespace kn

@@ -1,8 +1,8 @@
 // The calls of the table of functions: for each row one function for each of its forms, and the list of
-// these, name_calls. A form that no overload has doesn't compile. They are kept plain, since there are
-// thousands: a form is one instance of one template, found neither by trying nor by passing arguments on.
+// these, name_calls. A form without an overload doesn't compile. They are kept simple, since there are
+// thousands: a form is one instance of one template, without overload probing or argument forwarding.
 //
-// The build expands the rows of each public header in a source of its own (cmake/function_calls.cmake).
+// The build expands the rows of each public header in a source file of its own (cmake/function_calls.cmake).
 #ifndef QUORVEX_HOST_FUNCTION_CALLS_H
 #define QUORVEX_HOST_FUNCTION_CALLS_H
 

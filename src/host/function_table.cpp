@@ -63,7 +63,7 @@ constexpr auto functions = [] {
 
 // ---- Finding a name ----
 
-// The place where the search for a name begins, before the remainder.
+// The hash that gives the first slot to search, before the remainder is taken.
 constexpr unsigned hash(string_view name) { return name_hash(name) ^ name_hash(name) >> 15; }
 
 constexpr size_t n_slots = [] {
@@ -87,7 +87,7 @@ constexpr auto slots = [] {
     for (int k = 0; k < n_functions; ++k) put(table[k].about.name, k);
     for (auto [word, name] : renamed) {
         int k = 0;
-        while (name != table[k].about.name) ++k; // no constant expression without the function
+        while (name != table[k].about.name) ++k; // not a constant expression when the function is missing
         put(word, k);
     }
     return all;
@@ -113,9 +113,9 @@ bool takes(const form &a, const Mm *x, int inputs) {
     return false;
 }
 
-// The form that takes the inputs and gives at least so many outputs; -1 after a report. Variables by name go
-// first where no output is asked for, and forms of just so many inputs before those with a list. One output
-// may be asked of a form that gives none, when it is not `needed`.
+// The form that accepts the inputs and gives at least this many outputs; -1 after a report. Forms with
+// variable names come first when no output is requested, and forms with exactly this many inputs before those
+// with a list. One output may be requested of a form that gives none, unless it is `needed`.
 int form_of(const Function &f, const Mm *x, int inputs, int outputs, bool needed) {
     int most = -1;
     auto search = [&](std::initializer_list<form::kinds> kinds, int least) {
@@ -139,7 +139,7 @@ int form_of(const Function &f, const Mm *x, int inputs, int outputs, bool needed
     return -1;
 }
 
-// The inputs behind the first `fixed` ones as one cell.
+// The inputs after the first `fixed` ones as one cell.
 Mm gathered(const Mm *x, int inputs, int fixed) {
     Mm list(0, 0, 0, 1, inputs - fixed, kn_Mm);
     if (list.getnnz() != inputs - fixed) return x_M;
@@ -147,7 +147,7 @@ Mm gathered(const Mm *x, int inputs, int fixed) {
     return list;
 }
 
-// Calls a form; the outputs, of which there are `wanted`, get their values when all stand.
+// Calls a form; the `wanted` outputs are assigned when all have been computed.
 void call_form(const form &chosen, Call call, const Mm *x, int wanted, Mm *const *out) {
     if (chosen.outputs == 1) {
         *out[0] = call(x, nullptr);
@@ -161,7 +161,7 @@ void call_form(const form &chosen, Call call, const Mm *x, int wanted, Mm *const
     }
 }
 
-// The same with the form that the inputs and outputs need; false after a report.
+// The same with the form chosen by the inputs and outputs; false after a report.
 bool call(const Function &f, const Mm *x, int inputs, int wanted, bool needed, Mm *const *out) {
     const int k = form_of(f, x, inputs, wanted, needed);
     if (k < 0) return false;
@@ -187,7 +187,7 @@ bool call_named(const char *name, const Mm &args, int wanted, bool needed, Mm *c
     }
     const Mm held(args);
     const Function &f = table[static_cast<size_t>(slot->row)];
-    if (!is_cell(held)) return call(f, &held, held.size() > 0 ? 1 : 0, wanted, needed, out); // a plain input
+    if (!is_cell(held)) return call(f, &held, held.size() > 0 ? 1 : 0, wanted, needed, out); // a single input
     return call(f, held.getpr(static_cast<Mm *>(nullptr)), held.size(), wanted, needed, out);
 }
 
@@ -232,7 +232,7 @@ Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6
     Mstr_row(f, name, sizeof name);
     Mm *const out[] = {&y1, &y2, &y3, &y4, &y5, &y6};
     const int wanted =
-        std::exchange(nargout_set, 0) ? double_to_int(nargout_val) : 1; // said for this call only
-    // feval('disp', x) asks for a value, too.
+        std::exchange(nargout_set, 0) ? double_to_int(nargout_val) : 1; // set for this call only
+    // feval('disp', x) requests a value, too.
     return call_or_nothing(name, args, std::clamp(wanted, 1, max_outputs), false, out);
 }

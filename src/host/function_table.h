@@ -1,5 +1,5 @@
-// The table of functions: what the rows of the headers state, and the calls that are made from it, one for
-// each form (function_calls.cpp). Sorted by C++ name.
+// The table of functions: the rows of the headers and the calls made from them, one for each form
+// (function_calls.cpp). Sorted by C++ name.
 #ifndef QUORVEX_HOST_FUNCTION_TABLE_H
 #define QUORVEX_HOST_FUNCTION_TABLE_H
 

@@ -1,4 +1,4 @@
-// What a person at a console asks for: help on functions, the version, the memory in use.
+// Console information: help on functions, the version, the memory in use.
 
 #include <algorithm>
 #include <cstdio>
@@ -28,7 +28,7 @@ bool holds(string_view text, string_view part) {
 
 void print_line(const kn_function &f) { kn_printf("%-20s %s\n", f.word, f.description); }
 
-// "1, 2" from the set of counts.
+// "1, 2" from a set of counts.
 void write_counts(char *out, size_t size, unsigned set) {
     *out = '\0';
     for (int n = 0; set >> n; ++n) {
@@ -55,7 +55,7 @@ void describe(const kn_function &f) {
     }
 }
 
-// Prints the lines of comment with which an M-file begins, or which follow its first line.
+// Prints the comment lines at the beginning of an M-file, or after its first line.
 bool describe_file(const char *given) {
     char name[path_name_size];
     std::snprintf(name, sizeof name, "%s", given);

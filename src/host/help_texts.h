@@ -1,4 +1,4 @@
-// The texts of the functions, made from the public headers when the library is built
+// The help texts of the functions, generated from the public headers when the library is built
 // (docs/reference/generator.cpp).
 #ifndef QUORVEX_HOST_HELP_TEXTS_H
 #define QUORVEX_HOST_HELP_TEXTS_H
@@ -6,11 +6,11 @@
 namespace kn {
 
 struct HelpText {
-    const char *name; // in C++
-    const char *text; // lines: the ways to call it, then what the header says
+    const char *name; // the C++ name
+    const char *text; // lines: the forms of the call, then the description from the header
 };
 
-extern const HelpText help_texts[]; // by name
+extern const HelpText help_texts[]; // sorted by name
 extern const int help_text_count;
 
 } // namespace kn

@@ -1,5 +1,5 @@
-// ive_do: the commands of an interactive host, one function for each row of the list in quorvex/host.h. What
-// belongs to a subject is a call of the function that everybody else calls.
+// ive_do: the commands of an interactive host, one function for each row of the list in quorvex/host.h.
+// Commands that other functions already implement call these.
 
 #include "quorvex/host.h"
 
@@ -106,7 +106,7 @@ void show(Address, Address b) {
 
 void forget(Address, Address b) {
     if (!b || std::strcmp(text_at(b), "global") == 0) return Scopes::remove_all(level_named(b));
-    // Else it would be the name of a module to unload; an unknown one does nothing, and none can be loaded.
+    // Any other text may name a module to unload; an unknown one does nothing, and none can be loaded.
     if (Mm *value = Scopes::lookup(text_at(b), level())) Scopes::remove(*value);
 }
 

@@ -1,4 +1,4 @@
-// What the language calls the functions whose names C++ or its library has taken.
+// The language's names of functions whose names are taken by C++ or its library.
 #ifndef QUORVEX_HOST_RENAMED_H
 #define QUORVEX_HOST_RENAMED_H
 

@@ -33,20 +33,20 @@ void trace(const char *word) {
     if (kn_startup_trace) std::fputs(word, stdout);
 }
 
-// The graphics callback of programs that set none.
+// The default graphics callback.
 Mm evaluate(Mm text) {
     eval(text);
     return x_M;
 }
 
-// What lower folders call of upper ones.
+// Calls from lower folders to upper ones.
 void fill_hooks() {
     matrix_hooks = {sparse_product, matrix_right_division};
     console_hooks = {[] { drawnow(); }, checkforbuttonpress};
     if (!callback_func) callback_func = evaluate;
 }
 
-// An external program: from the upper-case variable, else the lower-case one, else the default.
+// The name of an external program: from the upper-case variable, else the lower-case one, else the default.
 void find_program(char (&program)[256], const char *upper, const char *lower, const char *standard) {
     if (!os::environment(upper, program, sizeof program) && !os::environment(lower, program, sizeof program))
         std::snprintf(program, sizeof program, "%s", standard);

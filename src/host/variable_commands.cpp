@@ -1,4 +1,4 @@
-// The language's words about variables: clear, exist, which, who, whos, openvar.
+// The language's functions about variables: clear, exist, which, who, whos, openvar.
 
 #include <algorithm>
 #include <cstdio>
@@ -28,7 +28,7 @@ constexpr int max_exist_name = 512, max_which_name = 1024, max_open_name = 40;
 
 bool has_value(const Mm *m) { return m && m->gettype() != kn_none; }
 
-// As `size` gives them, but of a variable without a value too.
+// Like `size`, but also for a variable without a value.
 Mm extents(const Mm &m) {
     const int n = m.getndims();
     Mm row(0, 0, 0, 1, n, kn_double);
@@ -36,14 +36,14 @@ Mm extents(const Mm &m) {
     return row;
 }
 
-// The structures of columns with name, size, bytes and class.
+// The structures for columns with name, size, bytes and class.
 Mm whos_of(const Mm &columns) {
     if (columns.size() == 0) return columns;
     const Mm names = (CL(TM("name")), TM("size"), TM("bytes"), TM("class"));
     return cell2struct(columns, transpose(names), one_M);
 }
 
-// The `name` fields of what whos gives.
+// The `name` fields of a result of whos.
 Mm names_of(const Mm &list) {
     const int n = list.isstruct() ? list.size() : 0;
     Mm names = cell(n, 1.0);
@@ -51,7 +51,7 @@ Mm names_of(const Mm &list) {
     return names;
 }
 
-// Started with the numbers of the process and of the value's address, from the host's directory.
+// Starts the viewer in the host's directory with the process number and the address of the value.
 bool start_viewer(const Mm &value) {
     const char *directory = mpath_pointer ? mpath_pointer->host_directory : "";
     const size_t n = std::strlen(directory);

@@ -1,4 +1,4 @@
-// load and save with the names of variables of the workspace, as a command gives them: save f x y.
+// load and save with the names of workspace variables, as a command gives them: save f x y.
 
 #include <algorithm>
 #include <cstdio>
@@ -24,8 +24,8 @@ struct Option {
 };
 constexpr Option options[] = {{"-append", saveappend}, {"-ascii", saveascii}, {"-v4", saveV4}};
 
-// Adds the variables of the current level that have a value and a name that fits the pattern. Whether there
-// are any.
+// Adds the variables of the current level that have a value and a name that matches the pattern. Returns
+// whether there are any.
 bool add_all(Mc &list, const char *pattern) {
     const int level = Scopes::level(), before = list.count();
     for (int k = 0; k < Scopes::count(level); ++k)
@@ -35,7 +35,7 @@ bool add_all(Mc &list, const char *pattern) {
     return list.count() > before;
 }
 
-// The words after the command: the first that is no option is the file, the others are variables.
+// The arguments of the command: the first that is no option is the file, the others are variables.
 Mm save_named(const char *caller, const Mm &first, const Mm &texts, Save save) {
     Mc list;
     Mm file = nop_M;
@@ -76,7 +76,7 @@ Mm save_named(const char *caller, const Mm &first, const Mm &texts, Save save) {
     return save(file, list);
 }
 
-// Of a text the variable is called as the file, up to its first ".".
+// The variable of a text file is named like the file, up to its first ".".
 void set_from_text(const Mm &file, const Mm &value) {
     char path[mat_name_size], name[max_variable_name];
     mat_name(file, path);

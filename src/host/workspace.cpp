@@ -1,7 +1,7 @@
-// The tables of named values: who registers, who covers whom, who goes.
+// The tables of named values: registering, covering and removing variables.
 //
-// Names are found by a key of 32 bits each, which lie side by side, so that a miss among a hundred names
-// costs a few vector comparisons; a value that ends is looked for from the end, where it mostly stands.
+// Names are found by a key of 32 bits each, stored contiguously, so that a miss among a hundred names costs a
+// few vector comparisons; a value that is destroyed is searched from the end, where it usually is.
 
 #include "host/workspace.h"
 
@@ -21,10 +21,10 @@
 namespace kn {
 namespace {
 
-// Never 0, which fills the last group of keys.
+// Never 0, which pads the last group of keys.
 unsigned key_of(const char *name) { return name_hash(name) | 1; }
 
-constexpr int group = 16; // keys that are compared at once
+constexpr int group = 16; // keys compared at once
 
 int key_bytes(int capacity) { return (capacity + group) * static_cast<int>(sizeof(unsigned)); }
 
@@ -56,7 +56,7 @@ int Scopes::find(const char *name, int level) {
     return -1;
 }
 
-// Position of the slot in whose chain the value stands; it has a level.
+// Index of the slot whose chain contains the value, which has a level.
 int Scopes::slot_of(const Mm &value) {
     const Table &t = table(Header::level(value));
     for (int k = t.count; k-- > 0;)
@@ -96,7 +96,7 @@ bool Scopes::grow(Table &t) {
     return true;
 }
 
-// The values that stood there are no variables any more.
+// The values of this slot are no longer variables.
 void Scopes::drop_slot(Table &t, int position) {
     for (Mm *value = t.values[position]; value;) {
         Mm *next = Header::shadow(*value);
@@ -109,7 +109,7 @@ void Scopes::drop_slot(Table &t, int position) {
     std::copy_n(t.owned + position + 1, behind, t.owned + position);
 }
 
-// ---- Values come and go ----
+// ---- Adding and removing values ----
 
 void Scopes::add(Mm &value, bool owned) {
     const char *name = value.getname();
@@ -139,8 +139,8 @@ void Scopes::add(Mm &value, bool owned) {
     Header::level(value) = level;
 }
 
-// A copy on the heap under a copy of the name; null when memory is exhausted. Reporting that is not possible
-// where a value ends.
+// A copy on the heap under a copy of the name; null when memory is exhausted, which cannot be reported while
+// a value is destroyed.
 Mm *Scopes::owned_copy(const Mm &value, const char *name) {
     const size_t size = std::strlen(name) + 1;
     char *own = static_cast<char *>(kn_block_alloc(size));
@@ -182,7 +182,7 @@ void Scopes::remove_at(int position, int level) {
     Mm *value = t.values[position];
     char *name = const_cast<char *>(value->getname());
     value->getflags().persistent = 0; // no copy of the copy
-    delete value;                     // its end clears the slot
+    delete value;                     // its destructor clears the slot
     kn_block_free(name);
 }
 
@@ -212,7 +212,7 @@ void Scopes::set(const char *name, const Mm &value) {
     } else if (Mm *copy = owned_copy(value, name)) {
         add(*copy, true);
         if (find(name, level()) >= 0) return;
-        char *own = const_cast<char *>(copy->getname()); // no slot was to be had
+        char *own = const_cast<char *>(copy->getname()); // no slot was available
         delete copy;
         kn_block_free(own);
     } else {
@@ -220,7 +220,7 @@ void Scopes::set(const char *name, const Mm &value) {
     }
 }
 
-// ---- Looking ----
+// ---- Lookup ----
 
 bool is_variable_name(const char *name) {
     auto fits = [](char c) { return is_letter(c) || c == '_'; };
@@ -285,14 +285,14 @@ void variables_scope_t::begin() {
         return;
     }
     error("Call stack too deep");
-    ++beyond; // the function goes on, on the level of its caller
+    ++beyond; // the function continues on the level of its caller
 }
 
 void variables_scope_t::end() {
     if (beyond > 0) {
         --beyond;
     } else if (level >= 0) {
-        // All of a level goes, with what the variables cover.
+        // Removes the whole level, with the values that its variables cover.
         for (int k = tables[level].count; k-- > 0;)
             while (k < tables[level].count) Scopes::remove_at(k, level);
         --level;

@@ -1,6 +1,6 @@
 // The library's own access to the workspace.
 //
-// Every slot holds a living value. A value knows its level, and each value that it covers is linked to it:
+// Every slot holds an existing value. A value knows its level, and each value that it covers is linked to it:
 //
 //     slot -> value -> value.shadow -> ... -> the first one registered under this name
 //
@@ -15,32 +15,35 @@ namespace kn {
 struct Scopes {
     static int level() { return variables_scope.level; }
 
-    // Registers a value under its name, when it has one. The workspace ends an owned value, and frees it and
-    // its name: both are from the block allocator. Exhausted memory is reported, and the value stays out.
+    // Registers a value under its name, if it has one. The workspace destroys an owned value, and frees it
+    // and its name: both are from the block allocator. If memory is exhausted this is reported, and the value
+    // is not registered.
     static void add(Mm &value, bool owned);
-    // The value ends. What it covers takes its content; a persistent one leaves an owned copy.
+    // For the value's destructor. The value that it covers takes its content; a persistent one leaves an
+    // owned copy.
     static void detach(Mm &value);
 
-    // Forgets the variable under the name of the value. Whether the value is still there: an owned one ends.
+    // Removes the variable with the value's name. Returns whether the value still exists: an owned one is
+    // destroyed.
     static bool remove(Mm &value);
     static void remove_at(int position, int level);
     static void remove_all(int level);
 
     static int count(int level) { return level < 0 ? 0 : variables_scope.tables[level].count; }
-    // Null and "variable_scope: index out of range" for a position that has no variable.
+    // Null and "variable_scope: index out of range" for an index without a variable.
     static Mm *value(int position, int level);
     static const char *name(int position, int level);
 
-    // Gives the variable of this name on the current level a value. A new one is owned, under a copy of the
+    // Assigns to the variable of this name on the current level. A new one is owned, under a copy of the
     // name. Exhausted memory is reported.
     static void set(const char *name, const Mm &value);
-    // Forgets a variable and empties its value.
+    // Removes a variable and makes its value empty.
     static void clear(Mm &value);
 
-    // Position of a name, -1 for none and for a null name.
+    // Index of a name, -1 for none and for a null name.
     static int find(const char *name, int level);
-    // The variable of this name, or else of the name with "_" behind it: generated code names so what would
-    // clash. Null for none.
+    // The variable of this name, or else of the name followed by "_", which generated code uses for names
+    // that would clash. Null for none.
     static Mm *lookup(const char *name, int level);
     // The same on the current level, then among the global ones.
     static Mm *lookup_visible(const char *name);
@@ -55,7 +58,7 @@ struct Scopes {
     static Mm *owned_copy(const Mm &value, const char *name);
 };
 
-// Whether a text can be the name of a variable.
+// Whether a text is a valid variable name.
 bool is_variable_name(const char *name);
 
 constexpr int max_variable_name = 512;

@@ -48,7 +48,7 @@ bool solve_triangular(const Part<T> &a, T factor, const Part<T> &b) {
     }
     if (across >= a.n && on_the_left) return solve(a, factor, b.left(h)) && solve(a, factor, b.right(h));
     if (across >= a.n) return solve(a, factor, b.top(h)) && solve(a, factor, b.below(h));
-    // One half of the triangle, then the other, when what the first one contributes has been taken off.
+    // One half of the triangle, then the other, after the contribution of the first has been subtracted.
     const Part<T> low = on_the_left ? b.top(h) : b.left(h), high = on_the_left ? b.below(h) : b.right(h);
     const Part<T> a_low = a.at(0, 0, h, h), a_high = a.at(h, h, a.n - h, a.n - h);
     const Part<T> between = lower ? a.at(h, 0, a.n - h, h) : a.at(0, h, h, a.n - h);
@@ -60,7 +60,7 @@ bool solve_triangular(const Part<T> &a, T factor, const Part<T> &b) {
            solve(low_first ? a_high : a_low, T(1), second);
 }
 
-// Positions of pivots are counted from 1 in the rows of a.
+// Pivot positions are row numbers of a, counted from 1.
 template <class T> bool factor_part(const Part<T> &a, int *p, int &zero_pivot) {
     const int k = std::min(a.m, a.n);
     if (!too_long<T>(cube(a.m, a.n, k)) || k < 2) {

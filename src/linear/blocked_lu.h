@@ -3,9 +3,9 @@
 // Without a host's hook (base/poll.h), and for work that BLAS does between two safe points, these are calls
 // of LAPACK. Larger work is halved until it is small enough: a factorisation by columns (Toledo, Locality of
 // reference in LU decomposition with partial pivoting, SIAM J. Matrix Anal. Appl. 18, 1997), a substitution
-// by the longer side of the right-hand sides or by the triangle, so that nearly all of it is products.
+// by the right-hand sides or by the triangle, whichever is larger, so that nearly all of it is products.
 //
-// Each gives false, the matrices being of no use then, after a report: an interruption, or no memory.
+// Each returns false, with undefined matrices, after a report of an interruption or of exhausted memory.
 #ifndef QUORVEX_LINEAR_BLOCKED_LU_H
 #define QUORVEX_LINEAR_BLOCKED_LU_H
 

@@ -1,9 +1,9 @@
 // The estimate of the reciprocal condition number.
 //
 // With a = l u (rows interchanged), a' y = e and a z = y are solved for a right-hand side e of elements of
-// modulus 1, chosen in the course of the first substitution so that y grows. Then |z| / |y| is close to
-// |inv(a)|, in the 1-norm, and the estimate 1 / (|a| |inv(a)|). Vectors are scaled down as soon as they would
-// grow past the pivot, so nothing overflows; `ynorm` keeps account.
+// modulus 1, chosen during the first substitution so that y grows. Then |z| / |y| is close to |inv(a)|, in
+// the 1-norm, and the estimate is 1 / (|a| |inv(a)|). Vectors are scaled down before they would grow past the
+// pivot, so nothing overflows; `ynorm` includes the scaling.
 #include <algorithm>
 #include <cmath>
 
@@ -53,7 +53,7 @@ template <class T> class Estimate {
         if (modulus(z_[k]) > 1) scale(1 / modulus(z_[k]));
     }
 
-    // u' w = e. Of the two candidates for each element of e the one that makes the rest grow more.
+    // u' w = e. Of the two candidates for each element of e chooses the one that makes the rest grow more.
     void solve_upper_transposed() {
         T e = 1;
         for (int k = 0; k < n_; ++k) {

@@ -11,8 +11,8 @@
 namespace kn {
 namespace {
 
-// By blocks of columns of the lower triangle, as LAPACK has them. The positions of pivots are those of their
-// block; both of a pivot of two rows are negative.
+// By blocks of columns of the lower triangle, as in LAPACK. Pivot positions are relative to their block; both
+// of a pivot of two rows are negative.
 bool factor_symmetric(const Matrix<double> &a, const Pivots &p) {
     constexpr int block = 64;
     const int n = a.rows(), nb = std::max(8, at_once<double>(block, static_cast<double>(n) * n));
@@ -35,7 +35,7 @@ bool factor_symmetric(const Matrix<double> &a, const Pivots &p) {
 }
 
 bool substitute_symmetric(const Matrix<double> &a, const Pivots &p, const Matrix<double> &b) {
-    constexpr int widest = 32; // columns that are solved for one by one, and so should stay in the cache
+    constexpr int widest = 32; // columns solved for one by one, which should stay in the cache
     const int n = a.rows(), width = at_once<double>(std::min(widest, b.cols()), 4.0 * n * n);
     for (int j = 0; j < b.cols(); j += width) {
         if (interrupted()) return false;

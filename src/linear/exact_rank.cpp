@@ -10,7 +10,7 @@
 namespace kn {
 namespace {
 
-// Numbers modulo p = 2^61 - 1, of 0 to p - 1. A factor of 2 moves their 61 bits round by one.
+// Numbers modulo p = 2^61 - 1, from 0 to p - 1. Multiplication by 2 rotates their 61 bits by one.
 using Residue = std::uint64_t;
 constexpr int bits = 61;
 constexpr Residue p = (Residue{1} << bits) - 1;
@@ -65,7 +65,7 @@ class Lower {
     const Entry *begin(int k) const { return entries_ + start_[k]; }
     const Entry *end(int k) const { return entries_ + start_[k + 1]; }
 
-    // Room for so many entries in column k; false without memory.
+    // Room for this many entries in column k; false when memory is exhausted.
     bool begin_column(int k, ptrdiff_t more) {
         start_[k + 1] = start_[k];
         if (start_[k] + more <= room_) return true;

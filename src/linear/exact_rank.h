@@ -13,9 +13,9 @@ enum class Rank { full, deficient, unknown };
 // dependent columns modulo the prime too, and another one only if the prime divides its determinant, scaled
 // to a whole number, for which there is a chance of about one in 10^18.
 //
-// column_order and row_order give the position of each column in the elimination and that of its pivot's
-// row, by which the factors stay sparse; another row is taken where that element is zero. Unknown after a
-// report, of no memory or an interruption.
+// column_order and row_order give the position of each column in the elimination and that of its pivot's row,
+// which keep the factors sparse; another row is chosen where that element is zero. Unknown after a report of
+// exhausted memory or an interruption.
 Rank exact_rank(const CompressedColumns &a, const int *column_order, const int *row_order);
 
 } // namespace kn

@@ -16,8 +16,8 @@
 namespace kn {
 namespace {
 
-// LAPACK's inverse of factors with a zero pivot leaves them as they are. So does this one for real numbers;
-// complex ones are divided by the pivots all the same.
+// LAPACK's inverse leaves factors with a zero pivot unchanged. So does this one for real numbers; complex
+// ones are divided by the pivots nevertheless.
 template <class T> Mm inverse(const Mm &a) {
     const int n = a.rows();
     Matrix<T> x(a);

@@ -1,8 +1,8 @@
 // LAPACK and BLAS for real and complex matrices alike: the same names for double and for complex numbers.
 //
-// The routines end the process when an argument is wrong, so none ever is: extents are those of matrices with
-// at least one row and column, work arrays have the size that the routine asked for. What is returned is the
-// 1-based position of the first zero pivot, or 0. Integers are 32 bits wide.
+// The routines end the process when an argument is wrong, so this must never happen: sizes are those of
+// matrices with at least one row and column, work arrays have the size that the routine requires. Routines
+// return the 1-based position of the first zero pivot, or 0. Integers are 32 bits wide.
 #ifndef QUORVEX_LINEAR_LAPACK_H
 #define QUORVEX_LINEAR_LAPACK_H
 
@@ -58,11 +58,11 @@ void zunmqr_(const char *side, const char *trans, const int *m, const int *n, co
 
 namespace kn {
 
-// A matrix of m by n numbers in the layout of LAPACK: column-major, both parts of a complex number side by
-// side. Its memory is a value's, so that large ones come from the large blocks; false when there is none.
+// A matrix of m by n numbers in the layout of LAPACK: column-major, both parts of a complex number adjacent.
+// Its memory is a value's, so that large ones use the large blocks; false when there is none.
 template <class T> class Matrix {
   public:
-    Matrix(int m, int n); // not cleared
+    Matrix(int m, int n); // uninitialized
     // A copy of a full value. A complex copy of a real one has zero imaginary parts; a real copy of a complex
     // one drops them.
     explicit Matrix(const Mm &x);
@@ -129,9 +129,9 @@ KN_WRAP(d, double)
 KN_WRAP(z, complex)
 #undef KN_WRAP
 
-// Steps of the factorisation a p = q r with column pivoting, of the columns of a from j on. The norms that
-// their lower parts have, and had when they were computed last, stand in `norm` and `exact`. laqps: several
-// columns, at most nb, whose number it gives; f has n - j rows and nb columns. laqp2: all of them.
+// Steps of the factorisation a p = q r with column pivoting, of the columns of a from j on. The current norms
+// of their lower parts are in `norm`, those when last computed exactly in `exact`. laqps: several columns, at
+// most nb; returns their number; f has n - j rows and nb columns. laqp2: all of them.
 #define KN_WRAP(t, T, nrm2_of_t)                                                                            \
     inline double norm(int n, const T *x) {                                                                 \
         int one = 1;                                                                                        \

@@ -15,11 +15,12 @@
 namespace kn {
 namespace {
 
-// Of the first k columns chosen; `lead` tells which column of a each of its columns was, counted from 1.
+// Factors the first k columns of the pivoted matrix; `lead` gives the original column of each column, counted
+// from 1.
 template <class T> bool factor_qr(const Matrix<T> &a, int k, const Pivots &lead, const Scratch<T> &tau) {
     constexpr int widest = 32, unblocked = 128; // columns, as LAPACK has them
     const int m = a.rows(), n = a.cols();
-    const int block = at_once<T>(widest, 8.0 * m * n); // half of the work waits for memory
+    const int block = at_once<T>(widest, 8.0 * m * n); // half of the work is limited by memory speed
     const BlasWork kind = factorisation_of(m, n);
     Scratch<T> work(std::max(n, widest)), f(static_cast<ptrdiff_t>(n) * widest);
     Scratch<double> norm(n), exact(n);

@@ -1,8 +1,8 @@
-// Triangular factors in the three shapes of the language, of full and of sparse matrices.
+// Triangular factors in the language's three forms, of full and of sparse matrices.
 //
 // LAPACK's factors are p a = l u, each interchange of rows applied to all of l. The packed form of one output
-// is that of LINPACK: a column of multipliers stays in the order of rows that it was eliminated in, so the
-// later interchanges are taken back column by column.
+// is that of LINPACK: a column of multipliers keeps the row order at its elimination, so the later
+// interchanges are undone column by column.
 #include "linear/lu.h"
 
 #include <algorithm>
@@ -53,7 +53,7 @@ template <class T> bool split(const Mm &a, bool ordered, Outputs &out) {
     return out.l.getnnz() > 0 && out.u.getnnz() > 0;
 }
 
-// False after an error, and for an empty matrix, of which all outputs are empty.
+// False after an error, and for an empty matrix, for which all outputs are empty.
 bool factored(const Mm &a, bool ordered, Outputs &out) {
     a.warn_uninit();
     if (error_numeric(a, "lu") || error_square(a, "lu")) return out = {x_M, x_M, x_M}, false;

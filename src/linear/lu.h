@@ -1,4 +1,4 @@
-// What determinant, inverse and condition need of the triangular factors.
+// The triangular factors as determinant, inverse and condition use them.
 #ifndef QUORVEX_LINEAR_LU_H
 #define QUORVEX_LINEAR_LU_H
 
@@ -6,8 +6,8 @@
 
 namespace kn {
 
-// Factors of LAPACK in the packed form of LINPACK: below the diagonal the negated multipliers, those of each
-// column without the interchanges of later ones.
+// LAPACK's factors in the packed form of LINPACK: below the diagonal the negated multipliers, those of each
+// column without the later interchanges.
 template <class T> void pack_multipliers(const Matrix<T> &f, const Pivots &p);
 
 // The diagonal of u of a sparse square matrix that isn't empty; false after an error.

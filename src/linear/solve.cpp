@@ -1,4 +1,4 @@
-// Matrix division from the left: which way a system is solved.
+// Matrix division from the left: the choice of the method.
 #include <algorithm>
 #include <cmath>
 
@@ -14,8 +14,7 @@
 namespace kn {
 namespace {
 
-// What is known so far of the largest modulus of the elements of a - a'. NaN counts only where there is
-// nothing else.
+// The largest modulus so far of the elements of a - a'. NaN is ignored unless all are NaN.
 struct Asymmetry {
     double largest = -1;
     void see(double re, double im) { see(std::hypot(re, im)); }
@@ -50,7 +49,7 @@ bool sparse_hermitian(const Mm &a) {
     const int n = a.rows();
     const double *re = a.addr(), *im = a.addi();
     Asymmetry d;
-    if (a.getnnz() < n * n) d.see(0); // an element that isn't stored, or one against it
+    if (a.getnnz() < n * n) d.see(0); // an element that isn't stored, or whose transposed one isn't
     for (int k = 0; k < a.getnnz(); ++k) {
         int row = a.getindex()[k] % n, column = a.getindex()[k] / n, t = a.search(column + row * n);
         double other = t < 0 ? 0 : re[t];

@@ -1,6 +1,6 @@
-// The ways of solving a linear system, among which mldivide chooses.
+// The methods of solving a linear system, from which mldivide chooses.
 //
-// All take a of m by n and b of m by q, not empty, of doubles; the result is n by q, complex where an operand
+// All accept a of m by n and b of m by q, not empty, of doubles; the result is n by q, complex if an operand
 // is, or x_M when memory was exhausted.
 #ifndef QUORVEX_LINEAR_SOLVERS_H
 #define QUORVEX_LINEAR_SOLVERS_H
@@ -11,12 +11,12 @@ namespace kn {
 
 // A full value of doubles, sparse and byte ones converted. Cells and structures: error_numeric, and false.
 bool doubles_of(const Mm &x, const char *name, Mm &out);
-// The same of a sparse value, which stays sparse.
+// The same for a sparse value, which stays sparse.
 bool sparse_doubles_of(const Mm &x, Mm &out);
 
 // a full and square; b full.
 Mm solve_square(const Mm &a, const Mm &b);
-// The same by the lower triangle of a real symmetric a.
+// The same from the lower triangle of a real symmetric a.
 Mm solve_symmetric(const Mm &a, const Mm &b);
 // a and b full: the least-squares or a basic solution.
 Mm solve_rectangular(const Mm &a, const Mm &b);

@@ -19,7 +19,7 @@
 namespace kn {
 namespace {
 
-// SuperLU begins with room for so many entries of the factors, whose number is an int.
+// SuperLU begins with room for this many entries of the factors; their number is an int.
 bool fits_superlu(const CompressedColumns &a) {
     if (static_cast<int64_t>(a.entries()) * sp_ienv(6) <= INT_MAX) return true;
     out_of_memory();
@@ -43,8 +43,8 @@ template <class F> void each_entry(const SuperMatrix &lower, const SuperMatrix &
     }
 }
 
-// Whether a pivot is so small, beside its column of a and of u, that it may be what rounding has left of
-// zero. Not of a matrix with infinities or NaN.
+// Whether a pivot is so small, relative to its column of a and of u, that it may be a rounded zero. False for
+// a matrix with infinities or NaN.
 bool suspicious(const CompressedColumns &a, const int *column_order, const SuperMatrix &l,
                 const SuperMatrix &u, double *pivot, double *largest) {
     constexpr double small = 1e-8;
@@ -173,8 +173,8 @@ struct Factors {
     int info;
 };
 
-// Without the step before the factorisation that would reorder the columns by their elimination tree. As a
-// tree in order they have the chain, each column the child of the next one; leaves of it aren't merged.
+// Omits the step before the factorisation that would reorder the columns by their elimination tree. The tree
+// is replaced by a chain, each column the child of the next one; its leaves aren't merged.
 void factor(void *context) {
     Factors &f = *static_cast<Factors *>(context);
     const int n = f.a.cols();
@@ -202,7 +202,7 @@ void destroy(void *context) {
     Destroy_CompCol_Matrix(&f.u);
 }
 
-// Structurally singular columns have no pivot to choose: they get a stored zero.
+// Structurally singular columns have no pivot: they get a stored zero.
 bool complete(const CompressedColumns &a, CompressedColumns &out) {
     const int n = a.cols();
     Scratch<int> row_of(n), column_of(n);
@@ -228,7 +228,7 @@ class UnorderedEntries {
     explicit operator bool() const { return static_cast<bool>(list_); }
     void add(int position, double v) { list_[count_++] = {position, v}; }
 
-    // n by n; empty without memory.
+    // n by n; empty when memory is exhausted.
     Mm matrix(int n) {
         Entry *first = list_.get(), *last = first + count_;
         std::sort(first, last, [](const Entry &a, const Entry &b) { return a.position < b.position; });

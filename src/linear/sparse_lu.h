@@ -8,8 +8,8 @@
 
 namespace kn {
 
-// The factors of a real square matrix, for systems. `order` gives the position of each column in the
-// elimination; null: the natural one of a small matrix, else one that keeps the factors sparse. False after
+// The factors of a real square matrix, for solving systems. `order` gives the position of each column in the
+// elimination; null: the natural order of a small matrix, else one that keeps the factors sparse. False after
 // an error.
 //
 // A matrix is singular where elimination meets a pivot of zero, or a small one and the matrix is singular

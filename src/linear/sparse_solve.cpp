@@ -19,9 +19,9 @@
 namespace kn {
 namespace {
 
-constexpr int largest_inverse = 100000000; // entries: as many elements as `full` would make
+constexpr int largest_inverse = 100000000; // entries: the largest number of elements of `full`
 
-// Columns of n elements, m of which come from `from`, beginning at `first`; the rest are zero.
+// Columns of n elements: m from `from`, beginning at `first`, and zeros.
 void copy_columns(double *to, int n, const double *from, int rows, int first, int m, int q) {
     for (ptrdiff_t j = 0; j < q; ++j) {
         double *end = std::copy_n(from + j * rows + first, m, to + j * n);
@@ -29,7 +29,7 @@ void copy_columns(double *to, int n, const double *from, int rows, int first, in
     }
 }
 
-// The rows of b from `first` on, m of them, and zeros below up to n rows.
+// The m rows of b from `first` on, padded with zero rows to n rows.
 Mm padded(const Mm &b, int first, int m, int n) {
     Mm out(b.isc(), 0, 0, n, b.cols(), kn_double);
     if (out.getnnz() == 0) return out;
@@ -38,8 +38,8 @@ Mm padded(const Mm &b, int first, int m, int n) {
     return out;
 }
 
-// A value of its own, of n rows, that holds both planes of b: one below the other where the matrix is
-// complex, side by side where it is real.
+// A new value, of n rows, that holds both planes of b: one below the other if the matrix is complex, side by
+// side if it is real.
 Mm planes_of_b(const Mm &b, bool below) {
     const int n = b.rows(), q = b.cols();
     const ptrdiff_t size = static_cast<ptrdiff_t>(n) * q;
@@ -77,8 +77,8 @@ double augmentation(const Mm &a) {
     return largest / 1000;
 }
 
-// The systems of a square matrix. A complex one is factored as a real one of twice the order, in that of its
-// columns: the first halves, then the others.
+// The systems of a square matrix. A complex one is factored as a real one of twice the order, in the order of
+// its columns: the first halves, then the others.
 class SparseSystem {
   public:
     SparseSystem(const CompressedColumns &a, const int *order)
@@ -130,7 +130,7 @@ Mm solve_overdetermined(const Mm &a, const Mm &b) {
     return x.getnnz() == 0 ? x_M : padded(x, m, n, n);
 }
 
-// The rows of the entries of p, one in each column and each row; else it is reported.
+// The rows of the entries of p, exactly one in each column and row; otherwise reports an error.
 bool permutation_of(const Mm &p, int n, int *order) {
     Scratch<char> taken(n);
     if (!taken) return false;
@@ -174,7 +174,7 @@ bool append(Mm &out, const Mm &x, int column) {
 
 } // namespace
 
-// Some columns after another, so that no full matrix of the order is made.
+// A few columns at a time, so that no full matrix of this order is made.
 Mm sparse_inverse(const Mm &a) {
     const int n = a.rows(), most = std::max(1, (1 << 20) / n);
     CompressedColumns columns(a, n);

@@ -45,8 +45,8 @@ bool augment(const CompressedColumns &a, double s, CompressedColumns &out) {
     return true;
 }
 
-// Columns are walked in order. The next entry of column r that hasn't been met is then in row c whenever
-// column c has one in row r.
+// Columns are visited in order. The next unvisited entry of column r is then in row c whenever column c has
+// one in row r.
 bool symmetric_pattern(const CompressedColumns &a, int *next) {
     const int n = a.cols();
     int diagonal = 0;
@@ -60,8 +60,8 @@ bool symmetric_pattern(const CompressedColumns &a, int *next) {
     return diagonal == n;
 }
 
-// A column takes its diagonal entry if there is one. A column left over looks for a row along a path of
-// columns, each of which would hand its row to the one before and take another (Duff, On algorithms for
+// A column is matched to its diagonal entry if there is one. An unmatched column searches for a row along a
+// path of columns, each of which gives its row to the one before and takes another (Duff, On algorithms for
 // obtaining a maximum transversal, ACM Trans. Math. Softw. 7, 1981).
 int match_rows(const CompressedColumns &a, int *row_of) {
     const int n = a.cols(), *start = a.start(), *row = a.row();

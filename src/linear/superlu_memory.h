@@ -1,10 +1,10 @@
-// SuperLU under the library's rules: its memory is the library's, and it never ends the process.
+// SuperLU under the library's rules: it uses the library's memory, and it never ends the process.
 //
-// SuperLU takes memory by superlu_malloc, gives it back by superlu_free and, when something is wrong, calls
+// SuperLU allocates memory by superlu_malloc, frees it by superlu_free and, when something is wrong, calls
 // superlu_abort_and_exit. The library has functions of these names, which the dynamic linker prefers. While a
-// SuperluCall runs on a thread, memory comes from the library's heap, and when there is none, or SuperLU
-// gives up, the call is left at once; what it still held is freed with the SuperluCall. Outside of such a
-// call, for a program that uses SuperLU itself, they do what SuperLU's own functions do.
+// SuperluCall runs on a thread, memory comes from the library's heap, and when it is exhausted, or SuperLU
+// aborts, the call is left at once; the memory it still holds is freed with the SuperluCall. Outside of such
+// a call, for a program that uses SuperLU itself, they behave as SuperLU's own functions.
 #ifndef QUORVEX_LINEAR_SUPERLU_MEMORY_H
 #define QUORVEX_LINEAR_SUPERLU_MEMORY_H
 
@@ -20,8 +20,8 @@ class SuperluCall {
     SuperluCall(const SuperluCall &) = delete;
     SuperluCall &operator=(const SuperluCall &) = delete;
 
-    // Runs work(context), a sequence of calls of SuperLU. They are left by a jump, so nothing that has a
-    // destructor may live in it. False after a report: "Out of memory!" or what SuperLU says.
+    // Runs work(context), a sequence of calls of SuperLU. They are left by a jump, so it must contain no
+    // object with a destructor. False after a report: "Out of memory!" or SuperLU's message.
     bool run(void (*work)(void *), void *context);
 
     // For SuperLU, while a call runs.
@@ -35,7 +35,7 @@ class SuperluCall {
         Block *previous, *next;
     };
     bool attempt(void (*work)(void *), void *context);
-    Block held_ = {&held_, &held_}; // a ring of all blocks not given back
+    Block held_ = {&held_, &held_}; // a ring of all blocks not yet freed
     std::jmp_buf back_;
     bool exhausted_ = false;
     char reason_[200] = "";

@@ -1,5 +1,5 @@
-// The exception codes that a crash report can name, each with its name. Ascending, so that a double entry
-// shows.
+// The exception codes that a crash report can name, each with its name. Ascending, so that a duplicate is
+// noticed.
 #pragma once
 
 #include <string_view>
@@ -36,7 +36,7 @@ inline constexpr ExceptionName exception_names[] = {
     {0xC00000FD, "STACK_OVERFLOW"},
 };
 
-// The code that has this name; a name that isn't in the table doesn't compile.
+// The code with this name; a name that isn't in the table doesn't compile.
 consteval unsigned exception_code(std::string_view name) {
     for (const ExceptionName &row : exception_names)
         if (name == row.name) return row.code;

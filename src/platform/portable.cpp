@@ -1,8 +1,8 @@
-// The parts of the platform that the C++ library does alike on every system: the numbered locks, the clocks,
-// and a few functions that rest on the others.
+// The parts of the platform that the C++ library implements in the same way on every system: the numbered
+// locks, the clocks, and a few functions built on the others.
 //
-// The locks have static storage, and one atomic state tells whether they have been created in it. It needs no
-// constructor, so they can be entered while static objects are still being built, and no memory.
+// The locks have static storage, and one atomic state says whether they have been created in it. It needs no
+// constructor, so they can be entered while static objects are still being constructed, and no memory.
 #include "platform/platform.h"
 
 #include <array>
@@ -28,14 +28,14 @@ alignas(Locks) std::byte lock_room[sizeof(Locks)];
 
 Locks &locks() { return *std::launder(reinterpret_cast<Locks *>(lock_room)); }
 
-// A lock number is never computed from what a program gives.
+// A lock number never depends on input of a program.
 std::recursive_mutex &numbered(int n) {
     assert(0 <= n && n < lock_count);
     return locks()[static_cast<std::size_t>(n)];
 }
 
-// A fork happens while the forking thread holds all locks, entered in the order in which they are nested. In
-// the child nobody can leave them, since that thread has a new number there: they are created again.
+// A fork happens while the forking thread holds all locks, entered in their nesting order. In the child no
+// thread can leave them, since that thread has a new number there: they are created again.
 bool there() { return lock_state.load(std::memory_order_acquire) == LockState::there; }
 void hold_all() {
     if (there())
@@ -66,7 +66,7 @@ void create_locks() {
             lock_state.store(LockState::there, std::memory_order_release);
             return;
         }
-        std::this_thread::yield(); // while another thread is faster
+        std::this_thread::yield(); // another thread is creating them
         state = lock_state.load(std::memory_order_acquire);
     }
 }

@@ -1,10 +1,10 @@
-// The crash hook on Linux: faults arrive as signals and are told under the exception codes of
+// The crash hook on Linux: faults arrive as signals and are reported with the exception codes of
 // `exception_names.h`.
 //
 // While the hook runs all fault signals are blocked, so that a fault inside it ends the process instead of
-// coming back. To continue the search, the action found at installation is put back and the handler returns:
-// the instruction faults again and that action gets it. A signal that was sent has no instruction to repeat
-// and is raised anew.
+// recurring. To continue the search, the action found at installation is restored and the handler returns:
+// the instruction faults again and that action handles it. A signal that was sent has no instruction to
+// repeat and is raised again.
 #include "platform/exception_names.h"
 #include "platform/platform.h"
 
@@ -27,7 +27,7 @@ struct Fault {
     unsigned code;
 };
 
-// The first row that fits counts.
+// The first matching row is used.
 constexpr Fault faults[] = {
     {SIGFPE, FPE_INTDIV, exception_code("INT_DIVIDE_BY_ZERO")},
     {SIGFPE, FPE_INTOVF, exception_code("INT_OVERFLOW")},
@@ -51,8 +51,8 @@ std::atomic<CrashAction (*)(unsigned)> crash_hook = nullptr;
 struct sigaction previous[std::size(fault_signals)];
 bool installed = false;
 
-// The stack of a thread on which the hook runs, so that it can when the thread's own has run out. One that
-// another part of the process provided, a sanitizer for one, is left in use.
+// The thread's alternative stack for the hook, so that it can run after an overflow of the thread's own
+// stack. One that another part of the process provided, such as a sanitizer, is kept.
 class AlternateStack {
   public:
     AlternateStack() {
@@ -84,7 +84,7 @@ class AlternateStack {
     void *memory_ = nullptr;
 };
 
-// A stack that ran out faults close to where it points: a call, a push or the first use of a new frame.
+// A stack overflow faults close to the stack pointer: a call, a push or the first use of a new frame.
 bool close_to_stack_pointer([[maybe_unused]] const void *address, [[maybe_unused]] const void *context) {
 #ifdef __x86_64__
     constexpr std::uintptr_t reach = 1 << 16;
@@ -141,7 +141,7 @@ void install_crash_hook(CrashAction (*hook)(unsigned code)) {
     installed = true;
 }
 
-// A handler that somebody put above ours since then stays.
+// A handler that was installed after ours is kept.
 void remove_crash_hook() {
     if (!installed) return;
     for (std::size_t k = 0; k < std::size(fault_signals); ++k) {

@@ -1,5 +1,5 @@
-// How a name reaches a POSIX system: as given when a file has exactly that name, else with "\\" read as "/".
-// A name that is to be created so lands in the directory that the program means.
+// How a name is passed to a POSIX system: as given when a file has exactly that name, else with "\\" read as
+// "/". So a name to be created goes to the directory that the program means.
 #pragma once
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// Files and directories on Linux. Every name goes through `SystemName` once, so that each call meets one file
-// and leaves one reason in `errno`.
+// Files and directories on Linux. Every name is resolved by `SystemName` once, so that each call refers to
+// one file and leaves one reason in `errno`.
 #include "platform/platform.h"
 #include "platform/posix_file_name.h"
 
@@ -111,8 +111,8 @@ Copied copy_file(const char *from, const char *to) {
     if (in < 0 || fstat(in, &source) != 0) return Copied::no_source;
     if (S_ISDIR(source.st_mode)) return fail(EISDIR), Copied::no_source;
 
-    // The target is emptied only once it is known to be another file; what is no plain file is written to,
-    // not removed. Nobody else may read a new one before it has the permissions of the source.
+    // The target is emptied only once it is known to be another file; one that is no plain file is written
+    // to, not removed. Nobody else may read a new one before it has the permissions of the source.
     const bool fresh = !file_exists(to);
     Descriptor out(open(target, O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
     if (out < 0 || fstat(out, &before) != 0) return Copied::no_target;
@@ -122,7 +122,7 @@ Copied copy_file(const char *from, const char *to) {
     if (plain && ftruncate(out, 0) != 0) return Copied::no_target;
 
     if (copy_bytes(in, out)) {
-        if (fresh) (void)!fchmod(out, source.st_mode & 0777); // where the file system has permissions
+        if (fresh) (void)!fchmod(out, source.st_mode & 0777); // where the file system supports permissions
         if (out.close()) return Copied::all;
     }
     const int reason = errno;
@@ -141,7 +141,7 @@ bool change_directory(const char *name) { return chdir(SystemName(name)) == 0; }
 bool absolute_path(const char *name, char *out, std::size_t size) {
     const SystemName given(name);
     char path[PATH_MAX];
-    std::size_t n = 0; // of the path, which ends in no separator
+    std::size_t n = 0; // of the path, without a final separator
     auto add = [&](const char *parts) {
         while (*parts) {
             const std::size_t length = std::strcspn(parts, "/");
@@ -182,7 +182,7 @@ bool Directory::next() {
     while (dirent *entry = stream ? readdir(stream) : nullptr) {
         struct stat s;
         const int at = dirfd(stream);
-        // A link that leads nowhere is told as itself; what vanished meanwhile is passed over.
+        // A dangling link is reported as itself; an entry that has vanished meanwhile is skipped.
         if (fstatat(at, entry->d_name, &s, 0) != 0 &&
             fstatat(at, entry->d_name, &s, AT_SYMLINK_NOFOLLOW) != 0)
             continue;

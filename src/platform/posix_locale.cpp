@@ -6,7 +6,7 @@
 
 namespace kn::os {
 
-// Without memory for the locale the one at hand stays.
+// Without memory for the locale the current one is kept.
 PlainNumbers::PlainNumbers() {
     static const locale_t c = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     before_ = uselocale(c);

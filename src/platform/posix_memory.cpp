@@ -1,5 +1,5 @@
 // Address space and memory on Linux. Reserved space is a mapping without access, which costs neither memory
-// nor commit charge; committing it changes the access, and fails where the system would not lend that much.
+// nor commit charge; committing it changes the access, and fails where the system would exceed its limit.
 #include "platform/platform.h"
 
 #include <cerrno>
@@ -19,7 +19,7 @@ void *map_anonymous(std::size_t bytes, int access) {
     return p == MAP_FAILED ? nullptr : p;
 }
 
-// A mapping can't be asked for by its alignment: one that is larger by that much is cut to the right place.
+// A mapping with an alignment can't be requested: one that is larger by the alignment is trimmed.
 char *map_aligned(std::size_t bytes, std::size_t alignment, int access) {
     if (bytes > SIZE_MAX - alignment) return nullptr;
     char *wide = static_cast<char *>(map_anonymous(bytes + alignment, access));
@@ -49,7 +49,7 @@ void *map(std::size_t bytes) {
     return p;
 }
 
-// A process that has all the mappings it may have can't cut one in two; then at least the memory goes back.
+// At the limit of mappings a process can't cut one in two; then at least the memory is released.
 void unmap(void *p, std::size_t bytes) {
     if (munmap(p, bytes) != 0) madvise(p, bytes, MADV_DONTNEED);
 }
@@ -59,7 +59,7 @@ bool unmap_end(void *p, std::size_t bytes) {
     return true;
 }
 
-// To a place with the alignment of a new mapping.
+// Moves to an address with the alignment of a new mapping.
 void *remap(void *p, std::size_t bytes, std::size_t longer) {
     char *place = map_aligned(longer, longer < huge_page ? page_size() : huge_page, PROT_NONE);
     if (!place) return nullptr;
@@ -87,8 +87,8 @@ std::size_t process_memory() {
     return read ? pages * page_size() : 0;
 }
 
-// Setting the signal mask in no valid way changes nothing, but the kernel fetches the new mask first and says
-// EFAULT when it can't: a read of eight bytes that never faults here.
+// Setting the signal mask with an invalid operation changes nothing, but the kernel reads the new mask first
+// and returns EFAULT when it can't: a read of eight bytes that never faults here.
 bool readable(const void *p, std::size_t n) {
     constexpr std::uintptr_t word = 8;
     constexpr int no_valid_way = -1;

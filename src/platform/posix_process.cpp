@@ -21,7 +21,7 @@ namespace kn::os {
 
 namespace {
 
-// What runs in the child: a program of a session of its own, which this process does not wait for. Returns
+// Runs in the child: starts a program in a session of its own, which this process does not wait for. Returns
 // when it did not start.
 void start_session(const char *file, const char *const *words) {
     setsid();
@@ -42,8 +42,8 @@ void write_to_terminal(const char *sequence) {
 
 } // namespace
 
-// The child starts the program as a child of its own and ends, so that nobody has to wait for the program.
-// Whether it started is told by a pipe, which closes when it has.
+// The child starts the program as a child of its own and ends, so that nobody has to wait for the program. A
+// pipe reports whether it started: it closes when it has.
 bool start_detached(const char *const *words) {
     int told[2];
     if (!*words || !**words || pipe2(told, O_CLOEXEC) != 0) return false;

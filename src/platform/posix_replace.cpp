@@ -1,6 +1,6 @@
-// Files that take the place of others, on Linux. A new file is locked (flock) by the process that writes it,
-// so that whoever finds it can tell whether that process has gone, even one that no process number here
-// means.
+// Files that replace others, on Linux. A new file is locked (flock) by the process that writes it, so that
+// any process that finds it can determine whether that process has ended, even one whose process number has
+// no meaning here.
 #include "platform/platform.h"
 #include "platform/posix_file_name.h"
 
@@ -14,20 +14,20 @@ namespace kn::os {
 
 namespace {
 
-// A descriptor becomes a stream, or is closed.
+// Converts a descriptor to a stream, or closes it.
 std::FILE *stream_of(int fd, const char *mode) {
     std::FILE *f = fdopen(fd, mode);
     if (!f) close(fd);
     return f;
 }
 
-// Gives a new file the owner and the permissions of another; false when it can't have the owner.
+// Gives a new file the owner and the permissions of another; false when the owner can't be set.
 bool dress(int fd, const struct stat &other) {
     struct stat s;
     if (fstat(fd, &s) != 0) return false;
     if ((s.st_uid != other.st_uid || s.st_gid != other.st_gid) && fchown(fd, other.st_uid, other.st_gid) != 0)
         return false;
-    // A file system without permissions refuses: there they mean nothing.
+    // A file system without permissions refuses: there they have no effect.
     if (fchmod(fd, other.st_mode & 0777) != 0) errno = 0;
     return true;
 }
@@ -57,7 +57,7 @@ std::FILE *create_for(const char *other, const char *name, Creation &outcome) {
                                                                         : Creation::failed;
         return nullptr;
     }
-    flock(fd, LOCK_EX | LOCK_NB); // where there are no locks, none is asked for either
+    flock(fd, LOCK_EX | LOCK_NB); // where locks are not supported, none is tested either
     if (replaces && !dress(fd, s)) {
         outcome = Creation::denied;
         unlink(created);

@@ -1,4 +1,4 @@
-// Threads of the library's own on POSIX systems.
+// The library's own threads on POSIX systems.
 #include "platform/platform.h"
 
 #include <csignal>
@@ -9,7 +9,7 @@ namespace kn::os {
 
 static_assert(sizeof(pthread_t) == sizeof(Thread));
 
-// A new thread has the signal mask of the one that starts it.
+// A new thread inherits the signal mask of the one that starts it.
 Thread start_thread(void (*run)()) {
     sigset_t all, before;
     sigfillset(&all);

@@ -1,4 +1,4 @@
-// What the Windows files share: the system's header, and its times as seconds.
+// What the Windows files share: the system's header, and conversion of its times to seconds.
 #pragma once
 
 #define WIN32_LEAN_AND_MEAN

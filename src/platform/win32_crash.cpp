@@ -1,4 +1,4 @@
-// The crash hook on Windows: the filter for exceptions that nobody handles.
+// The crash hook on Windows: the filter for unhandled exceptions.
 #include "platform/platform.h"
 #include "platform/win32_common.h"
 
@@ -22,7 +22,7 @@ LONG WINAPI on_fault(EXCEPTION_POINTERS *fault) {
 
 } // namespace
 
-// The filter runs on the thread's own stack, of which it gets a part that an overflow leaves.
+// The filter runs on the thread's own stack, in a part that is reserved for it after an overflow.
 void guard_thread() {
     static thread_local bool guarded = false;
     if (guarded) return;

@@ -1,4 +1,4 @@
-// Files and directories on Windows. The system takes both separators. Calls of the C library are preferred,
+// Files and directories on Windows. The system accepts both separators. Calls of the C library are preferred,
 // since they leave the reason of a failure in `errno`; after the others it is set from the system's error.
 #include "platform/platform.h"
 #include "platform/win32_common.h"
@@ -28,7 +28,7 @@ bool fail_as_told() {
     return false;
 }
 
-// WIN32_FIND_DATAA and WIN32_FILE_ATTRIBUTE_DATA name these members alike.
+// WIN32_FIND_DATAA and WIN32_FILE_ATTRIBUTE_DATA use the same names for these members.
 template <class Data> FileStatus status_of(const Data &d) {
     constexpr double from_1601_to_1970 = 11644473600.0;
     return {4294967296.0 * d.nFileSizeHigh + d.nFileSizeLow,
@@ -58,7 +58,7 @@ std::FILE *open_again(std::FILE *stream) {
     return f;
 }
 
-// Whether another thread is at the stream can't be asked here.
+// Whether another thread uses the stream is unknown here.
 void write_out(std::FILE *stream) { std::fflush(stream); }
 
 bool file_status(const char *name, FileStatus &out) {
@@ -85,7 +85,7 @@ bool is_plain_file(const char *name) {
            (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
 }
 
-// A new file has the permissions of its directory; it is shared with nobody while it is written.
+// A new file has the permissions of its directory; no other process can open it while it is written.
 std::FILE *create_for(const char *, const char *name, Creation &outcome) {
     std::FILE *f = std::fopen(name, "wbx");
     outcome = f                 ? Creation::made
@@ -109,11 +109,11 @@ bool process_exists(unsigned id) {
     return runs;
 }
 
-bool remove_unlocked(const char *name) { return remove_file(name); } // fails while somebody writes it
+bool remove_unlocked(const char *name) { return remove_file(name); } // fails while it is being written
 
 bool remove_file(const char *name) { return _unlink(name) == 0; }
 
-// The system opens the source for readers only, so that the target can't be the same file.
+// The system denies others write access to the source, so that the target can't be the same file.
 Copied copy_file(const char *from, const char *to) {
     if (CopyFileA(from, to, FALSE)) return Copied::all;
     fail_as_told();
@@ -138,7 +138,7 @@ bool absolute_path(const char *name, char *out, std::size_t size) {
     return _fullpath(out, name, size) != nullptr;
 }
 
-// The search delivers its first entry when it is opened.
+// The search returns its first entry when it is opened.
 struct Directory::State {
     HANDLE search;
     WIN32_FIND_DATAA entry;

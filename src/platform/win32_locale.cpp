@@ -1,4 +1,4 @@
-// The "C" locale for the scope of a thread, on Windows: the thread has a locale of its own meanwhile.
+// The "C" locale for the scope of a thread, on Windows, where the thread temporarily has its own locale.
 #include "platform/platform.h"
 
 #include <clocale>

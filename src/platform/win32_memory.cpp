@@ -22,8 +22,8 @@ const SYSTEM_INFO &system_info() {
 
 std::size_t page_size() { return system_info().dwPageSize; }
 
-// A place is found by a larger reservation, which can't be cut: it is given up, and its aligned part
-// reserved. Another thread may have taken it by then.
+// An aligned address is found by a larger reservation, which can't be cut: it is released, and its aligned
+// part reserved. Another thread may have taken it by then.
 void *reserve(std::size_t bytes, std::size_t alignment) {
     if (bytes > SIZE_MAX - alignment) return nullptr;
     for (int attempt = 0; attempt < 8; ++attempt) {
@@ -41,7 +41,7 @@ bool commit(void *at, std::size_t bytes) {
     return VirtualAlloc(at, bytes, MEM_COMMIT, PAGE_READWRITE) != nullptr;
 }
 
-// Huge pages need a privilege here and are not asked for.
+// Huge pages need a privilege here and are not requested.
 void *map(std::size_t bytes) {
     return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
 }

@@ -20,8 +20,8 @@ bool cursor_to_corner() {
     return _isatty(_fileno(stdout)) && SetConsoleCursorPosition(GetStdHandle(STD_OUTPUT_HANDLE), COORD{0, 0});
 }
 
-// A word of a command line, as the C library of the started program reads it: in quotation marks, where
-// backslashes in front of one, or of the end, are doubled.
+// Appends an argument to a command line as the C library of the started program parses it: in quotation
+// marks, where backslashes before one, or before the end, are doubled.
 void append_quoted(std::string &command, const char *word) {
     command += command.empty() ? "\"" : " \"";
     for (;; ++word) {

@@ -1,4 +1,4 @@
-// Threads of the library's own on Windows.
+// The library's own threads on Windows.
 //
 // A thread that ends waits for the loader's lock, which static destructors hold while a module is unloaded,
 // so they must not wait for it. Therefore the module is never unloaded once it has threads; and when the

@@ -23,8 +23,7 @@ class Finder {
   public:
     explicit Finder(const Codes &word) : word_(word.data()), n_(word.size()), border_(n_ + 1) {
         if (!border_) return;
-        // border_[k]: the length of the longest proper prefix of the first k characters that is also their
-        // suffix
+        // border_[k]: how long a proper prefix of the first k characters is also their suffix, at most
         border_[0] = -1;
         for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = static_cast<int>(longer(border_[k], word_[k]));
     }

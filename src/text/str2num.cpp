@@ -96,8 +96,7 @@ ParsedNumber special_word(std::string_view word) {
 
 bool is_imaginary(const TextBuffer &word) { return word.view().back() == 'i'; }
 
-// Reads re, re+imi or imi, the most common forms; false for all others, which sscanf may still accept as
-// numbers.
+// Reads re, re+imi or imi, the most common forms; false for all others, which sscanf may still accept.
 bool plain_number(std::string_view text, ParsedNumber &z) {
     if (text.size() > 1 && text[0] == '+' && (is_digit(text[1]) || text[1] == '.')) text.remove_prefix(1);
     const char *last = text.data() + text.size();

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int double_code = 0, int32_code = 2;
 
-// A row [i j value], or [i j re im], for each entry, and the row [rows columns 0] of the extents.
+// A row [i j value], or [i j re im], for each entry, and the row [rows columns 0] with the size.
 Mm triplets_of(const Mm &s) {
     const int n = s.getnnz(), width = s.isc() ? 4 : 3;
     Mm out(0, 0, 0, n + 1, width, kn_double);

@@ -20,8 +20,7 @@ using namespace mat5;
 
 namespace {
 
-// Structures without fields, and text without data, occupy no bytes in a file, so only this limits their
-// number.
+// Limits structures without fields and text without data, which occupy no bytes in a file.
 constexpr int most_without_bytes = 1 << 16;
 
 constexpr uint64_t least_element = 8; // bytes of the smallest matrix element
