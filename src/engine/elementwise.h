@@ -124,9 +124,7 @@ inline Mm computed(const Mm &like, const Mm &a, const Mm &b, op_t op, bool logic
     return out;
 }
 
-inline bool fit(const Mm &a, const Mm &b) {
-    return a.getnnz() == 1 || b.getnnz() == 1 || same_size(a, b);
-}
+inline bool fit(const Mm &a, const Mm &b) { return a.getnnz() == 1 || b.getnnz() == 1 || same_size(a, b); }
 
 // In the place of a temporary, in a fresh value, or by the engine.
 [[gnu::always_inline]] inline Mm elements(int complex, const Mm &a, const Mm &b, Mm *ta, Mm *tb, op_t op,
