@@ -38,6 +38,9 @@ TEST(IndexWrite, sources_of_another_type) {
     EXPECT_SAME(d, cell_of(1, 3, {0.0, 7.0, 0.0}));
     e.br(0.5) = 5.0;
     EXPECT_SAME(e, cell_of(1, 1, {5.0})) << "between 0 and 1 is the first element";
+    Mm s = sparse_of(2, 2, {{0, 1}, {3, 4}});
+    s(1, 1) = 0.0;
+    EXPECT_SAME(s, sparse_of(2, 2, {{3, 4}})) << "no zero is stored";
 }
 
 TEST(IndexWrite, structures_grow_by_fields_and_elements) {
