@@ -344,6 +344,26 @@ TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_rea
         for (double x : {0.0, 1.0, 2.0}) EXPECT_SAME(f(x, 1.0), g(x, 1.0));
 }
 
+TEST(ElementEntries, of_other_names) {
+    const Mm a = row({5, 2, 0}), b = row({3, 4, 1});
+    const std::pair<Mm, Mm> pairs[] = {{dot_mul(a, b), times(a, b)},
+                                       {dot_div(a, b), rdivide(a, b)},
+                                       {dot_invdiv(a, b), ldivide(a, b)},
+                                       {dot_pow(a, b), power(a, b)},
+                                       {mand(a, b), a && b},
+                                       {mor(a, b), a || b},
+                                       {mxor(a, b), row({0, 0, 1})},
+                                       {mbitand(a, b), row({1, 0, 0})},
+                                       {mbitor(a, b), row({7, 6, 1})},
+                                       {mnot(a), !a},
+                                       {msqrt(a), sqrt(a)},
+                                       {arg(-a), angle(-a)},
+                                       {finite(a / 0.0), isfinite(a / 0.0)},
+                                       {kn_isnan(a / 0.0), isnan(a / 0.0)}};
+    for (const auto &[given, wanted] : pairs)
+        EXPECT_SAME(mdouble(given), mdouble(wanted)) << &given - &pairs[0].first;
+}
+
 TEST(ElementEntries, that_change_nothing_share_the_block) {
     const Mm a = row({1, 2}), z = C(1, 2);
     EXPECT_TRUE(real(a).addr() == a.addr() && conj(a).addr() == a.addr() && (+z).addi() == z.addi());
