@@ -352,7 +352,7 @@ TEST(ElementEntries, of_other_names) {
                                        {dot_pow(a, b), power(a, b)},
                                        {mand(a, b), a && b},
                                        {mor(a, b), a || b},
-                                       {mxor(a, b), row({0, 0, 1})},
+                                       {mxor(a, b), logical_of(row({0, 0, 1}))},
                                        {mbitand(a, b), row({1, 0, 0})},
                                        {mbitor(a, b), row({7, 6, 1})},
                                        {mnot(a), !a},
