@@ -11,7 +11,7 @@
 
 namespace {
 
-// Number by number, right in its field, with a blank behind it.
+// Prints each number right-aligned in its field, followed by a blank.
 void print_row(const char *format, std::chars_format kind, int precision, ptrdiff_t width, const Mm &x) {
     const int n = x.size();
     std::vector<char> out(static_cast<size_t>(n) * 32);

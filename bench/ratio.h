@@ -11,15 +11,15 @@
 
 namespace bench {
 
-// The most that the library's call may take: so many times as long as the native work.
+// The largest accepted ratio of the library's time to the native time.
 struct Limit {
     double most;
 };
 inline Limit times_native(double most) { return {most}; }
 
 // Measures and prints one row, unless the pattern of the command line leaves it out. Both sides do the work
-// once a call. They take turns, so that other work on the machine disturbs both. The shortest times are
-// judged; the medians beside them tell how far to trust these.
+// once per call, in turns, so that other work on the machine affects both. The ratio is that of the shortest
+// times; the medians show how much the times vary.
 void row(const std::string &work, Limit limit, const std::function<void()> &ours,
          const std::function<void()> &native);
 

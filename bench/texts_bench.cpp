@@ -1,4 +1,4 @@
-// Texts: what stands in them replaced, and numbers read one by one.
+// Texts: replacement of parts, and conversion of texts to numbers.
 
 #include <charconv>
 #include <cstdio>

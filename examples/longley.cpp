@@ -11,7 +11,7 @@ namespace {
 
 using generated::Frame, generated::line;
 
-// d = numbers(file): the lines behind the first as rows of text, and their numbers; employment, price
+// d = numbers(file): the lines after the first as rows of text, and their numbers; employment, price
 // deflator, national product, unemployed, armed forces, population, year
 Mm numbers(Mm file) {
     Frame frame("numbers.m");

@@ -1,7 +1,7 @@
 // Yearly sunspot numbers, 1700 to 2008: a program as the compiler of the language emits it.
 //
-// docs/generated-code.md explains the style. The hand-shake comes first. Each statement stores its line of
-// the source file, whose text stands above it as a comment.
+// docs/generated-code.md explains the style. The hand-shake comes first. Each statement stores its line
+// number in the source file; the comment above it is the text of that line.
 //
 // sunspots FILE RESULTS reads the numbers, a line "year number" each, and writes what it found to
 // RESULTS.mat, and a table of it to RESULTS.txt.
@@ -61,7 +61,7 @@ void report(Mm file, Mm title, Mm c) {
     line(8), fclose(f);
 }
 
-// w = windows(x, m, n): column k holds m elements of x from the k-th on, and zeros behind the last
+// w = windows(x, m, n): column k holds m elements of x from the k-th on, and zeros after the last
 Mm windows(Mm x, Mm m, Mm n) {
     Frame frame("windows.m");
     x.setname("x"), m.setname("m"), n.setname("n");

@@ -1,5 +1,5 @@
-// Scalars as a simple interpreter holds them: each number in memory of its own from the C heap. What the
-// library's scalars are compared with, since a plain loop over doubles runs at the speed of one addition.
+// Scalars as a simple interpreter holds them: malloc gives each number its own memory. The library's scalars
+// are compared with these, because a plain loop over doubles takes only as long as its additions.
 #ifndef QUORVEX_BENCH_BOXES_H
 #define QUORVEX_BENCH_BOXES_H
 
@@ -16,7 +16,7 @@ class Box {
     Box(double x = 0) : at_(static_cast<double *>(std::malloc(sizeof(double)))) {
         if (!at_) throw std::bad_alloc();
         *at_ = x;
-        benchmark::DoNotOptimize(at_); // a pair of malloc and free that nobody sees would be left out
+        benchmark::DoNotOptimize(at_); // otherwise the compiler removes malloc and free
     }
     Box(const Box &b) : Box(*b) {}
     Box(Box &&b) noexcept : at_(std::exchange(b.at_, nullptr)) {}

@@ -34,8 +34,8 @@ void store(double *out, Vector x) { _mm256_storeu_pd(out, x); }
 #define SLEEF(f) Sleef_##f##d4_u10avx2
 #endif
 
-// f of one or two arrays, a vector function of SLEEF or the one of the C library. What does not fill a vector
-// goes through one of its own.
+// f of one or two arrays, a vector function of SLEEF or the one of the C library. The last elements,
+// when they do not fill a vector, are copied into one first.
 #ifdef SLEEF
 #define ELEMENTARY(name, function) [](auto... x) { return SLEEF(name)(x...); }
 template <class F, class... A> void each_elementary(int n, double *out, F f, A... a) {

@@ -7,7 +7,7 @@
 //
 // Functions are those of the row lists (QUORVEX_..._COUNTS and the lists that make declarations). The text of
 // a function is the block of comment above its declaration, or above the list that declares it; the first
-// block of a header is the introduction of its page, and stands in for functions without a text.
+// block of a header is the introduction of its page, and is also shown for functions without a text.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>

@@ -6,7 +6,7 @@
 
 namespace {
 
-// What these names stand for as long as no variable bears them.
+// The constants, unless a variable has the name.
 const Mm *constant(const std::string &name) {
     static const std::map<std::string, const Mm *> constants = {
         {"pi", &pi}, {"i", &i}, {"j", &j}, {"Inf", &Inf}, {"NaN", &NaN}, {"eps", &eps}, {"ans", &ans}};
@@ -52,7 +52,7 @@ void Evaluator::forget() {
 // ---- Statements ----
 
 void Evaluator::run(const Statement &statement, bool quiet) {
-    const Meaning outside(*this, nullptr); // the statement may stand in a subscript's eval
+    const Meaning outside(*this, nullptr); // eval may run inside a subscript
     const Node &n = statement.node;
     std::vector<std::string> named;
     if (n.kind == Node::assignment) {
@@ -79,8 +79,8 @@ Values Evaluator::assign(const Node &node) {
 
 // ---- Subscripts ----
 
-// The links behind a name as references, each on the one before. They borrow their subscripts, which stand
-// here, in containers that never move an element.
+// The links after a name as references, each on the one before. They borrow their subscripts, which are kept
+// here in containers that never move an element.
 class Evaluator::Chain {
   public:
     Chain(Evaluator &evaluator, const Mm &base, const std::vector<Step> &steps, size_t first) : base_(base) {

@@ -36,7 +36,7 @@ class Evaluator {
 
     // Carries out a statement that is no command; `quiet` shows nothing.
     void run(const Statement &statement, bool quiet);
-    // Whether the name stands for a value: a variable, or a constant.
+    // Whether the name is a variable or a constant.
     static bool is_value(const std::string &name);
     // The function's results: at least one, without a value (kn_has_value) when there is nothing to give.
     Values call(const std::string &name, const Values &arguments, int wanted);
@@ -52,7 +52,7 @@ class Evaluator {
         Mm value;
     };
     class Chain;
-    // What `end` stands for: the last position of subscript number `position` of `count` ones.
+    // The value of `end`: the last position of subscript number `position` of `count` ones.
     struct Last {
         const Mm *value;
         size_t position, count;
@@ -78,7 +78,7 @@ class Evaluator {
 
     std::map<std::string, Function> own_;
     std::map<std::string, std::unique_ptr<Variable>> variables_; // registered or forgotten
-    const Last *last_ = nullptr;                                 // where no `end` may stand
+    const Last *last_ = nullptr;                                 // null outside subscripts
 };
 
 #endif

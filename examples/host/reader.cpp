@@ -164,7 +164,7 @@ class Lexer {
         words(tokens_.back().words);
     }
 
-    // Whether what stands behind a name and a blank is plain words.
+    // Whether plain words follow a name and a blank.
     bool begins_words(size_t from) const {
         const std::string_view rest = std::string_view(source_).substr(from);
         auto blank_at = [&](size_t k) { return k < rest.size() && is_blank(rest[k]); };

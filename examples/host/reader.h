@@ -1,10 +1,10 @@
 // Source text into statements: a lexer, and a parser by precedence.
 //
-// A command is a word with words behind it: save work x. It begins with a name that is no variable, a blank,
-// and what is neither "=" nor "(" nor an operator with another blank behind it; so `cd ..` and `ls *.m` are
-// commands, and `a - b` is none. 'Quotes' hold a word together. Which words are commands when nothing is
-// behind them, and which are variables, the caller tells. Faults are reported by the library's error(), which
-// throws in this host.
+// A command is a word followed by words: save work x. It begins with a name that is not a variable and a
+// blank, followed by neither "=" nor "(" nor an operator and another blank: `cd ..` and `ls *.m` are
+// commands, `a - b` is not. 'Quotes' hold a word together. The caller decides which names are variables, and
+// which are commands even when no words follow. Faults are reported by the library's error(), which throws in
+// this host.
 //
 // There are no control statements: such a block is read to its end, and reported as a whole.
 #ifndef HOST_READER_H
@@ -17,7 +17,7 @@
 
 struct Node;
 
-// One link behind a name: (arguments), {arguments} or .field
+// One link after a name: (arguments), {arguments} or .field
 struct Step {
     char kind; // '(' '{' '.'
     std::string field;
@@ -36,7 +36,7 @@ struct Node {
         matrix,     // parts are its rows
         cell,       // the same in braces
         row,        // parts are its elements
-        assignment, // parts are the targets, and behind them the right side
+        assignment, // parts are the targets, then the right side
     };
     Kind kind;
     double value = 0;
@@ -48,12 +48,12 @@ struct Node {
 struct Statement {
     bool is_command = false;
     std::string word;               // of a command
-    std::vector<std::string> words; // behind it
+    std::vector<std::string> words; // that follow it
     Node node = {Node::row};        // of anything else
-    bool shown = true;              // no semicolon behind it
+    bool shown = true;              // no semicolon follows
 };
 
-// Whether the word begins a command; `alone` when nothing is behind it.
+// Whether the word begins a command; `alone` when no words follow.
 using CommandTest = std::function<bool(const std::string &word, bool alone)>;
 
 // The statements of a text of one or more lines; none when it ends inside brackets or a block, or after

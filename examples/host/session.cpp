@@ -117,7 +117,7 @@ void Session::run_lines(const std::string &file, const LineSource &next, bool su
     stack_.line_ptr = &stack_.line[caller];
 }
 
-// A whole text has nothing behind it that could complete it, and shows nothing.
+// A whole text is complete: no further line follows. Its statements show no values.
 Session::Outcome Session::execute(const std::string &text, bool whole) {
     struct Nesting {
         explicit Nesting(int &depth) : depth_(depth) { ++depth_; }
@@ -158,7 +158,7 @@ Session::Outcome Session::attempt(const std::string &text, bool whole) {
 
 // ---- Commands ----
 
-// One of the table, or any name with words behind it that stands for no value.
+// A command of the table, or any name followed by words that is neither a variable nor a constant.
 bool Session::is_command(const std::string &word, bool alone) const {
     return (!alone || commands.count(word)) && !Evaluator::is_value(word);
 }

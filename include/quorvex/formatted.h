@@ -3,8 +3,8 @@
 // A format is a sequence of pieces. A piece is a conversion with the text before it; text after the last
 // conversion is a piece too. The pieces are used in order, and again from the first, until the values are
 // consumed. Then text after the last conversion is still written, but neither a conversion nor the text
-// before one. Backslash escapes are replaced first: \n, \r, \t; any other character after a backslash stands
-// for itself.
+// before one. Backslash escapes are replaced first: \n, \r, \t; any other character after a backslash is
+// kept.
 //
 // Conversions are those of C, d i o u x X e E f F g G c s p n, with its flags, width and precision; D, I, O
 // and U are d, i, o and u. The modifiers l, h, L, H have no effect; integers have 64 bits. "%%" is a percent

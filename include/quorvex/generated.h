@@ -2,8 +2,8 @@
 // catch, literals as tables of data, `end` in subscripts, the cases of a switch, globals.
 // docs/generated-code.md shows each with the statement it comes from.
 //
-// Generated code includes this header, which includes quorvex.h. Everything here uses only the public
-// interface, so a compiler may emit code of its own.
+// Generated code includes this header, which includes quorvex.h. It is a convenience:
+// it uses only the public interface, and a compiler may emit other code.
 #ifndef QUORVEX_GENERATED_H
 #define QUORVEX_GENERATED_H
 

@@ -1,8 +1,8 @@
 // The workspace: a stack of tables of named values, through which a host finds the variables of a program.
 //
-// Level 0 holds the global variables, level 1 those of the base workspace, and each running function has a
-// level of its own. While kn_interactive_flag is set every named value registers itself, global ones on level
-// 0 and all others on the current level, and is removed when it is destroyed.
+// Level 0 holds the global variables, level 1 those of the base workspace, and each running function has
+// its own level. While kn_interactive_flag is set, every named value is registered when it is made, a global
+// one on level 0 and any other on the current level, and removed when it is destroyed.
 //
 // A name occurs once on a level. A value registered under an existing name receives the content of the
 // previous one and covers it; when it is destroyed, it returns the content. A value of level 0 or 1 that is

@@ -192,7 +192,7 @@ Mm ipermute(const Mm &x, const Mm &order) {
 Mm transpose(const Mm &x) {
     x.warn_uninit();
     if (error_2d(x, "transpose")) return x_M;
-    if (x.rows() <= 1 || x.cols() <= 1) { // the elements stand in the same order
+    if (x.rows() <= 1 || x.cols() <= 1) { // the elements keep their order
         Mm out = x;
         out.reshape(x.cols(), x.rows());
         return out;

@@ -6,10 +6,10 @@
 //     | - | - | - | - | - | 0xEF while in use, else 0 | size class | 0 | data (while free: the next free
 //     block)
 //
-// The last byte isn't 0 in a large block (base/large_blocks.h), so it tells where to give a block back. The
+// The last byte isn't 0 in a large block (base/large_blocks.h), so it shows where a block is returned to. The
 // size class and the 0 are written once, when the span is cut. Data are aligned to 16.
 //
-// A freed block returns to the list of its size, last in, first out. When more lies there than a loop is
+// A freed block returns to the list of its size, last in, first out. When the lists hold more than a loop is
 // likely to need again, the spans all of whose blocks are free go back to the page heap, and their memory to
 // the system.
 //

@@ -1,4 +1,4 @@
-// The last words of the process, at a fault or an exception that nobody catches.
+// The report of a fault or of an uncaught exception, before the process ends.
 
 #include "base/crash.h"
 
@@ -58,12 +58,12 @@ void handle_uncaught() {
 
 } // namespace
 
-void install_last_words() {
+void install_crash_handlers() {
     os::install_crash_hook(handle_fault);
     previous = std::set_terminate(handle_uncaught);
 }
 
-void remove_last_words() {
+void remove_crash_handlers() {
     os::remove_crash_hook();
     if (std::get_terminate() == handle_uncaught) std::set_terminate(previous);
 }

@@ -3,15 +3,15 @@
 
 namespace kn {
 
-// Installs what shows the last words of the process, in front of the handlers of others, and takes it away.
+// Installs the handlers of faults and of uncaught exceptions, before those that exist, and removes them.
 //
-// A fault: a pending error is shown, and the process ends; otherwise the fault and the call stack are shown
-// and printed, and the fault goes on to whoever was there before.
+// At a fault a pending error is shown, and the process ends. Without one the fault and the call stack are
+// shown and printed, and the previous handler is called.
 //
-// An exception that nobody catches: a pending error is shown. If the exception is the text of an error, which
-// is shown in any case, the process ends with status 1; otherwise whoever was there before goes on.
-void install_last_words();
-void remove_last_words();
+// At an uncaught exception a pending error is shown. If the exception is the text of an error, that is shown
+// too and the process ends with status 1; otherwise the previous handler is called.
+void install_crash_handlers();
+void remove_crash_handlers();
 
 } // namespace kn
 

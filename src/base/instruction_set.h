@@ -1,9 +1,9 @@
 // The instruction set that a source is compiled for.
 //
 // The sources of kernels/loops/ are compiled once for each instruction set, with that set's compiler flags
-// and its name as KN_ISA. What they define stands in the inline namespace kn::KN_ISA, headers included, so
-// that no function built for one processor is taken by the linker where another one runs. For the same reason
-// they use nothing of the standard library that is not inlined. Everywhere else KN_ISA is `baseline`.
+// and its name as KN_ISA. Everything they define, also in headers, is in the inline namespace
+// kn::KN_ISA, so that the linker never uses a function built for one processor on another. For the same
+// reason they use nothing of the standard library that is not inlined. Everywhere else KN_ISA is `baseline`.
 #ifndef QUORVEX_BASE_INSTRUCTION_SET_H
 #define QUORVEX_BASE_INSTRUCTION_SET_H
 

@@ -44,7 +44,7 @@ const char *formatted(const char *fmt, va_list args) {
     return format_buffer;
 }
 
-// "Error FILE LINE: 'source line'" and the message. A line behind the end of the text shows its last line.
+// "Error FILE LINE: 'source line'" and the message. A line after the end of the text shows its last line.
 void line_form(char *target, const char *msg) {
     const char *line = error_text ? error_text : "";
     for (int k = 1; k < error_line; ++k) {
@@ -63,7 +63,7 @@ void append(char *buf, const char *text) {
     if (used < text_size) std::snprintf(buf + used, text_size - used, "%s", text);
 }
 
-// Breaks at the first blank at or behind column 64.
+// Breaks at the first blank at or after column 64.
 void wrap(char *text) {
     int column = 0;
     for (; *text; ++text) {

@@ -25,7 +25,7 @@ void share_ranges(ptrdiff_t n, ptrdiff_t grain, RangeWork work, void *context) n
 // Calls f(begin, end) for disjoint ranges that cover 0 to n; each begins at a multiple of `grain`, at least
 // 1, and ends at one or at n. How many grains a range has depends on the number of threads: f treats each
 // alike wherever the ranges are cut, and results are the same for any number. Work of one grain is one range
-// and wakes nobody, so work not worth sharing has a grain of n: a helper that sleeps takes 25 to 35 us to
+// and wakes no thread, so work not worth sharing has a grain of n: a helper that sleeps takes 25 to 35 us to
 // begin, one that spins less than 1.
 //
 // f runs on several threads at once. It must not throw, report errors, make or free blocks, or fork.

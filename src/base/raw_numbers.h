@@ -1,4 +1,4 @@
-// The numbers behind the language's constants.
+// Values of the language's constants as plain doubles.
 #ifndef QUORVEX_BASE_RAW_NUMBERS_H
 #define QUORVEX_BASE_RAW_NUMBERS_H
 

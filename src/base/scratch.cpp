@@ -1,4 +1,4 @@
-// The C heap behind the allocation probe, and scratch arrays on it.
+// The C heap, whose allocations the probe counts, and scratch arrays on it.
 
 #include "base/scratch.h"
 

@@ -10,7 +10,7 @@
 #include "platform/platform.h"
 
 // Present where the BLAS is OpenBLAS: `blas_num_threads` is the size of its pool, the caller included, and
-// `blas_server_avail` tells whether the pool runs. A buffer given is the first of its list that is free.
+// `blas_server_avail` is nonzero while the pool runs. A buffer given is the first of its list that is free.
 #if defined(__GNUC__) && !defined(_WIN32)
 extern "C" {
 __attribute__((weak)) void openblas_set_num_threads(int n);

@@ -2,8 +2,8 @@
 // an imaginary plane, runs the element engine, and marks logical results.
 //
 // Real full scalars, which are most of what programs compute with, do not enter the engine: the same kernel
-// is applied at once, and the result has the same flags. An operand that is a temporary, and that nobody
-// shares, gives its block to a result of the same type and shape.
+// is applied at once, and the result has the same flags. An unshared temporary operand gives its block to
+// a result of the same type and shape.
 #ifndef QUORVEX_ENGINE_ELEMENTWISE_H
 #define QUORVEX_ENGINE_ELEMENTWISE_H
 
@@ -89,8 +89,8 @@ inline Mm *place(Mm &&a) { return &a; }
 inline Mm scalar_in(const Mm &, double x, bool logical) { return Header::number(x, logical); }
 inline Mm scalar_in(Mm &&a, double x, bool logical) { return Header::number_in(a, x, logical); }
 
-// Whether the elements of a result can be written into the place: a full value of the result's type with its
-// extents, which nobody shares.
+// Whether the elements of a result can be written into the temporary t: an unshared full value that is
+// complex when the result is.
 inline bool can_take(const Mm *t, int complex_result) {
     return t && t->getnnz() > 0 && !t->dirty() && !t->getindex() && t->isc() == (complex_result != 0) &&
            (t->gettype() == kn_double || t->gettype() == kn_uint8);

@@ -18,9 +18,9 @@ namespace {
 // Columns worth waking a thread for.
 ptrdiff_t grain_of(ptrdiff_t work_per_column) { return (1 << 15) / (work_per_column + 1) + 1; }
 
-// s times `width` columns of f from column c on: of each of their elements the multiple of a column of s. The
-// entries of s, one at least, are passed once, and where columns end is seen from their positions; behind the
-// end of each but the last column with entries there is another one.
+// s times `width` columns of f from column c on: each element of f times a column of s. The entries of s, at
+// least one, are read once; their positions show where columns end. After each column with entries but the
+// last there is another one.
 template <int width, class A, class B>
 void times_columns(const Mm &s, const Mm &f, const Mm &out, ptrdiff_t c) {
     const int *index = s.getindex(), *end = index + s.getnnz(), *e = index;

@@ -7,8 +7,8 @@
 
 namespace kn {
 
-// complex_result of the function with code `op`. Of two operands that is settled by both for arithmetic, and
-// by the values of `a` too for powers.
+// Whether the result of the operation `op` has an imaginary plane. For powers this also depends on the values
+// of `a`.
 int complex_result(op_t op, const Mm &a);
 int complex_result(op_t op, const Mm &a, const Mm &b);
 

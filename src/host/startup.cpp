@@ -58,7 +58,7 @@ class Startup {
         fill_hooks();
         start_engine();
         os::raise_thread_priority();
-        install_last_words();
+        install_crash_handlers();
         trace("InitCS\n");
         os::create_locks();
         trace("assert\n");
@@ -77,7 +77,7 @@ class Startup {
         stop_engine();
         os::reset_floating_point();
         os::delete_locks();
-        remove_last_words();
+        remove_crash_handlers();
     }
 };
 

@@ -21,7 +21,7 @@ void report_unset(const Mm &base) {
 
 // ---- Reading ----
 
-// What the methods subsref and subsasgn are told: the fields type and subs.
+// The argument of the methods subsref and subsasgn: a structure with the fields type and subs.
 Mm RefAccess::record(const Mr &r) {
     const char *type = r.kind == Mr_paren    ? "()"
                        : r.kind == Mr_member ? "."

@@ -8,7 +8,7 @@
 
 namespace kn {
 
-// A mask as bits: element k is bit k % 64 of word k / 64; the bits behind the last element are 0.
+// A mask as bits: element k is bit k % 64 of word k / 64; the bits after the last element are 0.
 using MaskWord = uint64_t;
 inline ptrdiff_t words_of(ptrdiff_t n) { return (n + 63) / 64; }
 
@@ -31,7 +31,7 @@ template <class T> struct Transposition {
 
 struct Moves {
     // Bytes that don't overlap; for many of them. (The C library's function is ten times slower where the
-    // result begins shortly behind the source in its page.)
+    // result begins a little after the source within its page.)
     void (*copy)(void *to, const void *from, size_t n);
 
     void (*repeat)(double *to, double x, ptrdiff_t n);

@@ -42,8 +42,8 @@ void write_to_terminal(const char *sequence) {
 
 } // namespace
 
-// The child starts the program as a child of its own and ends, so that nobody has to wait for the program. A
-// pipe reports whether it started: it closes when it has.
+// The child starts the program as a child of its own and ends, so that the library need not wait for the
+// program. A pipe reports whether it started: it closes when it has.
 bool start_detached(const char *const *words) {
     int told[2];
     if (!*words || !**words || pipe2(told, O_CLOEXEC) != 0) return false;

@@ -1,4 +1,4 @@
-// The scalar kernels that are too long for a loop, and the table behind the reduction of large angles.
+// The scalar kernels that are too long for a loop, and the table for the reduction of large angles.
 
 #include "special/scalar_kernels.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 // -- 2^(e-1) mod 2 pi for each exponent e of a double, computed at the first use.
 //
-// A fixed-point number has one 32-bit word before the point and 36 behind it, the most significant first.
+// A fixed-point number has one 32-bit word before the point and 36 after it, the most significant first.
 // Doubling e-1 times multiplies the error of 2 pi by 2^1023 at most, so that about 120 good bits are left for
 // the 53 that are kept.
 struct Fixed {

@@ -1,5 +1,5 @@
-// The special functions that the C++ library answers to the last bits, and beta and betaln; all others stand
-// in files of their own. Here only the edges are ours: poles, infinities and NaN.
+// The special functions that the C++ library answers to the last bits, and beta and betaln; the others have
+// their own files. Only the edges are computed here: poles, infinities and NaN.
 
 #include "special/special_functions.h"
 #include "special/stirling.h"

@@ -46,7 +46,7 @@ size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 struct alignas(double) ValueArray {
     int n;
     unsigned count;
-    ValueArray *next; // while it dies
+    ValueArray *next; // while it is destroyed
 
     Mm *values() { return reinterpret_cast<Mm *>(this + 1); }
     static ValueArray *of(unsigned *count) {
@@ -65,7 +65,7 @@ struct alignas(double) ValueArray {
     }
 };
 
-// What dies together: arrays of values that are yet to be freed, and the numbers in them that were.
+// What is destroyed together: the arrays of values still to be freed, and the count of numbers already freed.
 struct Dying {
     ValueArray *arrays = nullptr;
     size_t numbers = 0;

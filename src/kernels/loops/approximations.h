@@ -89,7 +89,7 @@ struct LogarithmTable {
             const double middle = k < 80 ? (353 + 2 * k) / 512.0 : (257 + 2 * (k - 80)) / 256.0;
             const double c = static_cast<int>(128 / middle + 0.5) / 128.0;
             const Wide log = -logarithm(c);
-            const double shift = 0x1.8p9; // beside it a double has 43 bits behind the point
+            const double shift = 0x1.8p9; // added to it a double keeps 43 bits after the point
             const double high = (static_cast<double>(log) + shift) - shift;
             row[k] = {c, high, static_cast<double>(log - high), 0};
         }
@@ -168,8 +168,8 @@ template <bool cosine, class T> T sine(T x) {
         cosine ? fused(size, per_pi, same<T>(0.5)) + to_whole : fused(size, per_pi, same<T>(to_whole));
     const T n = cosine ? (shifted - to_whole) - 0.5 : shifted - to_whole;
 
-    // pi in three parts. n times the first is taken off exactly, but for the cosine of small x; the
-    // difference has few bits, so that what is rounded away after it can be told from its result.
+    // pi in three parts. n times the first is subtracted exactly, except in the cosine of small x; the
+    // difference has few bits, so the rounding errors of the next steps can be computed from their results.
     const T part = same<T>(0x1.921fb54442d18p1), first = fused(-n, part, size);
     const T second = n * 0x1.1a62633145c07p-53, below = fused(n, same<T>(0x1.1a62633145c07p-53), -second);
     const T r = first - second;

@@ -26,8 +26,8 @@ template <class T> Complex<T> operator*(Complex<T> a, Complex<T> b) {
 template <class T> Complex<T> operator*(double x, Complex<T> a) { return {x * a.re, x * a.im}; }
 template <class T> Complex<T> operator/(Complex<T> a, double x) { return {a.re / x, a.im / x}; }
 
-// By a real divisor that stands in a complex plane both parts are divided, and an imaginary part of 0 stays
-// 0.
+// When the imaginary part of the divisor is 0, both parts are divided by its real part, so an imaginary part
+// of 0 remains 0.
 template <class T> Complex<T> operator/(Complex<T> a, Complex<T> d) {
     auto real = d.im == 0;
     T by = real ? d.re : d.re * d.re + d.im * d.im;

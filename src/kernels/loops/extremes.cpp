@@ -40,8 +40,8 @@ template <class Order, class T> auto start(const Slices<T> &s) {
     };
 }
 
-// -- Slices of neighbours: the best of each part in lanes. Its first occurrence is looked for only where it
-// tells something: a position, or the sign of zero.
+// -- Slices of neighbours: the best of each part in lanes. Its first occurrence is searched for only where it
+// matters: for a position, or for the sign of zero.
 
 constexpr ptrdiff_t part = 1 << 13;
 

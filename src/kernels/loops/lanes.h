@@ -9,8 +9,8 @@
 
 namespace kn::inline KN_ISA::kernel {
 
-// The lanes of a slice are 64 bytes, as vectors of the instruction set: V, and where it stands in memory. The
-// compiler's own vectors of bytes will do.
+// The lanes of a slice are 64 bytes, as vectors of the instruction set: V in registers, InMemory where it is
+// stored. For bytes the compiler's own vectors are fast enough.
 template <class T> struct VectorOf {
     using V = T;
     using InMemory = T;

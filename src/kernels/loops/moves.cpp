@@ -1,8 +1,8 @@
 // Index values to positions, and masks as bits.
 //
-// A mask is read once, into bits; eight, four or one of them at a time then order a vector's elements, which
-// are stored whole, the unwanted ones behind to be overwritten by the next. Near the ends, where whole
-// vectors would reach too far, elements move one by one, from one set bit to the next.
+// A mask is read once, into bits; eight, four or one of them at a time then bring the wanted elements of a
+// vector to its front. Whole vectors are stored; the next one overwrites the unwanted rest. Near the ends,
+// where whole vectors would reach too far, elements move one by one, from one set bit to the next.
 
 #include <bit>
 #include <climits>

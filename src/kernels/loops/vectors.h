@@ -89,7 +89,7 @@ inline Mask first(ptrdiff_t n) {
     return place < static_cast<double>(n);
 }
 
-// The lanes behind the last element repeat it.
+// The lanes after the last element repeat it.
 #if KN_VECTOR_BYTES == 64
 inline V load(const double *p, Part at) {
     return _mm512_mask_loadu_pd(same<V>(p[at.k + at.n - 1]), bits(first(at.n)), p + at.k);
