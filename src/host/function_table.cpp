@@ -101,6 +101,12 @@ const Slot *find(string_view name) {
 
 // ---- Calling ----
 
+// Reports a number of inputs that the function does not take. fseek without its origin counts the fid only.
+double report_count(const kn_function &f, int inputs) {
+    const bool no_origin = inputs == 2 && string_view(f.name) == "fseek";
+    return error_input(f.word, no_origin ? 1 : inputs);
+}
+
 // Whether the inputs fit a form.
 bool takes(const form &a, const Mm *x, int inputs) {
     switch (a.kind) {
@@ -135,7 +141,7 @@ int form_of(const Function &f, const Mm *x, int inputs, int outputs, bool needed
     if (most >= 0)
         error("Too many (%d>%d) outputs for %s", outputs, most, f.about.word);
     else
-        error_input(f.about.word, inputs);
+        report_count(f.about, inputs);
     return -1;
 }
 
@@ -210,7 +216,7 @@ const kn_function *kn_find_function(const char *name) {
 
 Mm kn_other_count(const char *function, int inputs) {
     const kn_function *f = kn_find_function(function);
-    return error_input(f ? f->word : function, inputs);
+    return f ? report_count(*f, inputs) : error_input(function, inputs);
 }
 
 namespace {

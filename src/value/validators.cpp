@@ -57,7 +57,6 @@ void validate_narg(const char *name, int nargout, int nargin, int min_out, int m
 }
 
 double error_input(const char *name, int n) {
-    if (n == 2 && std::strcmp(name, "fseek") == 0) n = 1; // the fid counts, an offset from nowhere doesn't
     error("%s does not accept %d input%s", name, n, n == 1 ? "" : "s");
     return 0.0;
 }
