@@ -119,7 +119,7 @@ Mm permute_entries(const Mm &x, const Walk &w) {
     return out;
 }
 
-// Of a matrix: its entries are dealt out to the rows, which are counted before.
+// The transpose of a sparse matrix: the entries of each row are counted, then distributed.
 Mm transpose_entries(const Mm &x) {
     int m = x.rows(), n = x.cols(), nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, n, m, kn_double);
@@ -164,7 +164,7 @@ Order swapped() {
     return o;
 }
 
-// Of a full matrix of complex doubles that is no vector: conj(transpose(x)) in one go.
+// conj(transpose(x)) of a full complex matrix that is not a vector, in one pass.
 Mm conjugate(const Mm &x) {
     Walk w(x, swapped());
     Mm out(1, 0, 0, 4, w.d, kn_double);

@@ -84,8 +84,8 @@ template <std::size_t n> bool quick_free([[maybe_unused]] void *block) {
 // blocks.
 void *extend_block(void *block, std::size_t n);
 
-// Tells that about so many blocks for n bytes each went through quick_free, which counts nothing: their
-// memory may be worth giving back.
+// To be called after about this number of blocks of n bytes each went through quick_free, which does not
+// count them: there may be memory to return to the system.
 void quick_freed(std::size_t blocks, std::size_t n);
 
 } // namespace kn

@@ -30,9 +30,9 @@ struct Span {
 // after all static objects.
 class PageHeap {
   public:
-    // A span of so many pages, contents unspecified, or null.
+    // A span with this number of pages, contents unspecified; null without memory.
     Span *allocate(std::uint32_t pages);
-    // Takes a span back, and gives its memory to the system.
+    // Frees a span and returns its memory to the system.
     void release(Span *span);
 
     static unsigned char *memory(Span *span);

@@ -56,7 +56,7 @@ std::atomic<int> mapped = 0;  // buffers, those of the pool included
 int workers() { return KN_HAS_POOL ? std::clamp(blas_num_threads - 1, 0, most / 2) : 0; }
 bool workers_run() { return workers() == 0 || blas_server_avail; }
 
-// Whether so many threads can be had at a time. Their stacks are kept for the next ones.
+// Whether n threads can run at a time. Their stacks are kept for later threads.
 bool threads_fit(int n) {
     os::Thread started[most];
     int count = 0;
@@ -71,7 +71,7 @@ bool room_for(size_t bytes) {
     return room != nullptr;
 }
 
-// Holds so many buffers at a time, after which they are mapped.
+// Whether n buffers can be mapped at a time; they stay mapped.
 bool buffers_fit(int n) {
     void *held[most];
     int count = 0;

@@ -6,12 +6,12 @@
 
 namespace kn {
 
-// Of plain matrices with one and two subscripts.
+// Reports for full matrices with one and two subscripts.
 void report_outside(const Mm &base, const Mm &i, int at);
 void report_row_outside(const Mm &base, const Mm &i, const Mm &j, int at);
 void report_col_outside(const Mm &base, const Mm &i, const Mm &j, int at);
 
-// Of everything else.
+// Reports for everything else.
 void report_not_positive(const Mm &s, const Mm &base, int at);
 void report_outside_matrix(const Mm &s, const Mm &base, int at);
 void report_outside_vector(const Mm &s, const Mm &base, int at);

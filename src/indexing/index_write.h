@@ -179,7 +179,7 @@ inline bool grown_extents(int *dims, const Mm &t, const Subscripts &s, const Sel
 }
 
 // Makes the source of x(...) = src, for `total` selected elements, full. False after a report when it has
-// neither one element nor so many.
+// neither one element nor `total`.
 inline bool match_source(Mm &src, const Mm &t, int total) {
     const int size = src.size();
     if (size != 1 && size != total) {

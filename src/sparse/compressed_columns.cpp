@@ -64,7 +64,7 @@ void CompressedColumns::add(int row, double re, double im, bool kept) {
 
 namespace {
 
-// Of the C heap, for the caller to free.
+// An array from the C heap; the caller frees it.
 int *ints(size_t n) {
     int *p = static_cast<int *>(kn::heap_alloc(n * sizeof(int)));
     if (!p) kn::out_of_memory();

@@ -1,4 +1,4 @@
-// What a value holds: nnz, nzmax, nonzeros; and spfun, which works on that.
+// The stored entries of a value: nnz, nzmax, nonzeros; and spfun, which applies a function to them.
 #include <algorithm>
 
 #include "base/number_tests.h"

@@ -25,7 +25,7 @@ Mm kn::feval_one(const Mm &f, const Mm &args) {
     const double before = nargout_val;
     nargout_val = nargout_set = 1;
     feval_func(f, args, i_o, y1, y2, y3, y4, y5, y6);
-    nargout_val = before; // an error that is thrown leaves it to whoever catches
+    nargout_val = before; // not after an error that is thrown
     return y1;
 }
 

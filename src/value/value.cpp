@@ -138,7 +138,7 @@ void Mm::allocate(int complex, int with_index) {
     out_of_memory();
 }
 
-// What it takes to give a block back.
+// What is needed to free a block.
 struct Mm::Block {
     unsigned *refcount;
     void *pr;
@@ -374,7 +374,7 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
     flags.global = src.flags.global;
 }
 
-// What the destructor does where there is something to do.
+// The destructor of a value that has a name or a block of its own.
 void Mm::end() {
     if (name && (level >= 0 || (kn_default_error_flags & 8))) return end_slowly();
     if (const unsigned count = *refcount; count > 1) {

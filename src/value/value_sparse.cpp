@@ -104,6 +104,6 @@ void Mm::extend_nnz(int n) {
     extend(longer.addr(), addr());
     if (pi) extend(longer.addi(), addi());
     extend(longer.index, index);
-    longer.nnz = n; // the extents may not have so many
+    longer.nnz = n; // even where the extents hold fewer
     *this = longer;
 }

@@ -28,7 +28,7 @@ constexpr uint64_t least_element = 8; // bytes of the smallest matrix element
 } // namespace
 
 // The number of elements from the dimensions in the head, each of which must occupy some bytes of the file.
-// False, after a report, when memory does not suffice for so many.
+// False, after a report, when memory does not suffice for them.
 bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, int &n) const {
     n = product(h.entry.ndims, h.entry.dims);
     const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);

@@ -32,7 +32,7 @@ struct Smallest {
 template <class Order>
 constexpr auto keep = []<class T>(T best, T x) { return Order::better(x, best) ? x : best; };
 
-// What the running best of a slice with this first element starts as.
+// The initial best element of a slice with this first element.
 template <class Order, class T> auto start(const Slices<T> &s) {
     return [several = s.len * s.stride * s.outer > 1](T x) {
         bool number = sizeof(T) == 1 || x == x;

@@ -39,7 +39,8 @@ template <class T, class F> void for_each_slice(const Slices<T> &s, ptrdiff_t re
         for (ptrdiff_t i = 0; i < s.stride; ++i) f(o * s.len * s.stride + i, o * results * s.stride + i);
 }
 
-// f(begin, end) for ranges of n parts, each of so many elements. As parallel_for, but f is compiled once.
+// f(begin, end) for ranges of n parts with the given number of elements each. Like parallel_for, but f is
+// compiled once.
 template <class F> [[gnu::noinline]] void run_range(void *context, ptrdiff_t begin, ptrdiff_t end) noexcept {
     (*static_cast<const F *>(context))(begin, end);
 }
@@ -129,7 +130,7 @@ template <class T> bool are_tiny(const Slices<T> &s) {
     return s.stride == 1 && s.len <= tiny && sizeof(T) > 1;
 }
 
-// What is beyond this many elements comes from memory.
+// Slices with more elements than this do not fit the processor's caches.
 constexpr ptrdiff_t in_cache = 1 << 17;
 
 // Announces n elements to the memory.
