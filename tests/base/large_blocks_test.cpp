@@ -41,8 +41,7 @@ TEST_F(LargeBlocks, a_request_gets_the_smallest_kept_block_that_suffices_or_the_
 
 TEST_F(LargeBlocks, what_is_kept_stays_within_its_bounds) {
     if (!cached) GTEST_SKIP() << "nothing is kept";
-    const size_t sizes[] = {200 * KB, 2 * MB - KB, bound.bytes / 6};
-    for (size_t size : sizes) {
+    for (size_t size : {200 * KB, bound.bytes / 6}) {
         std::vector<byte *> live;
         for (int l = 0; l < 50; ++l) live.push_back(take(size));
         size_t alive = 50 * (size + 2 * MB);
@@ -71,10 +70,6 @@ TEST_F(LargeBlocks, growing_keeps_the_contents) {
     Mm x;
     for (int k = 1; k <= 600000; ++k) x(static_cast<double>(k)) = static_cast<double>(k);
     EXPECT_EQ(scalar(sum(x)), 600000.0 * 600001 / 2);
-    Mm held = x;
-    x(700000.0) = 1.0;
-    EXPECT_EQ(held.size(), 600000);
-    EXPECT_EQ(scalar(sum(x)), 600000.0 * 600001 / 2 + 1);
 }
 
 } // namespace

@@ -62,8 +62,8 @@ TEST_F(Parallel, ranges_cover_everything_once_on_whole_grains) {
     test::Random random(2);
     for (int threads : {1, 2, 5}) {
         kn::set_thread_count(threads);
-        for (ptrdiff_t n : {0, 1, 2, 7, 8, 9, 1000, 100003})
-            for (ptrdiff_t grain : {1, 3, 8, 1000, 200000}) ASSERT_TRUE(covers_once(n, grain)) << threads;
+        for (ptrdiff_t grain : {1, 8, 1000, 200000}) ASSERT_TRUE(covers_once(100003, grain)) << threads;
+        ASSERT_TRUE(covers_once(0, 1));
         for (int k = 0; k < 3000; ++k)
             ASSERT_TRUE(covers_once(1 + random.below(300), 1 + random.below(20))) << threads;
     }
@@ -71,8 +71,8 @@ TEST_F(Parallel, ranges_cover_everything_once_on_whole_grains) {
 
 TEST_F(Parallel, jobs_inside_and_beside_each_other_all_get_done) {
     kn::set_thread_count(3);
-    auto caller = [](bool *fine) {
-        *fine = true;
+    std::atomic<bool> fine = true;
+    auto caller = [&fine] {
         for (int round = 0; round < 1000; ++round) {
             std::vector<int> outer(40), inner(40 * 10);
             parallel_for(40, 1, [&](ptrdiff_t begin, ptrdiff_t end) {
@@ -83,15 +83,14 @@ TEST_F(Parallel, jobs_inside_and_beside_each_other_all_get_done) {
                     });
                 }
             });
-            *fine = *fine && outer == std::vector<int>(40, 1) && inner == std::vector<int>(400, 1);
+            if (outer != std::vector<int>(40, 1) || inner != std::vector<int>(400, 1)) fine = false;
         }
     };
-    bool fine[3] = {};
-    std::thread a(caller, &fine[0]), b(caller, &fine[1]);
-    caller(&fine[2]);
+    std::thread a(caller), b(caller);
+    caller();
     a.join();
     b.join();
-    EXPECT_TRUE(fine[0] && fine[1] && fine[2]);
+    EXPECT_TRUE(fine);
 }
 
 TEST_F(Parallel, the_number_comes_from_the_environment_and_threaded_programs_ask_for_it) {

@@ -43,7 +43,6 @@ TEST(Fields, what_is_not_there_is_reported) {
     EXPECT_EQ(x.addfield("a", 1), -1);
     x.extend_nfields(4);
     EXPECT_EQ(errors.errors().size(), 4u);
-    EXPECT_SAME(x, M({{1, 2}}));
 }
 
 TEST(Fields, removal_closes_the_gap_and_leaves_a_free_slot) {
@@ -65,10 +64,10 @@ TEST(Fields, other_holders_keep_their_list) {
     other.rmfield("a");
     EXPECT_EQ(names(third), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(names(other), (std::vector<std::string>{"b"}));
-    Mm fourth = s;
-    fourth.extend_nfields(100);
-    EXPECT_EQ(names(s), names(fourth));
-    EXPECT_NE(s.getfields(), fourth.getfields());
+    other = s;
+    other.extend_nfields(100);
+    EXPECT_EQ(names(s), names(other));
+    EXPECT_NE(s.getfields(), other.getfields());
 }
 
 } // namespace

@@ -12,7 +12,6 @@ using namespace test;
 namespace {
 
 constexpr unsigned char *bytes = nullptr;
-constexpr double inf = HUGE_VAL;
 
 std::vector<int> dims(const Mm &m) { return {m.getdims(), m.getdims() + 4}; }
 
@@ -27,24 +26,21 @@ TEST(ValueConstruction, extents) {
     for (kn_matrix_types t : {kn_none, kn_double, kn_uint8, kn_Mm})
         for (const Mm &m : {Mm(0, 0, 0, 5, -1, t), Mm(1, 0, 0, 3, cube, t), Mm(1, 0, 7, 0, 0, t)})
             EXPECT_EQ(dims(m), (std::vector<int>{0, 0, 0, 0}));
-    EXPECT_EQ(blank({2, 3, 4, 1}).getndims(), 3);
     EXPECT_EQ(blank({1, 1, 1, 1}).getndims(), 2);
 }
 
 TEST(ValueConstruction, both_planes_have_room_for_p_elements) {
-    for (int n : {1, 7, 8, 100})
-        for (kn_matrix_types t : {kn_double, kn_uint8}) {
-            Mm m(1, 0, 0, n, 1, t);
-            size_t plane = static_cast<size_t>(m.getp()) * (t == kn_uint8 ? 1 : 8);
-            std::memset(m.getpr(bytes), 1, plane);
-            std::memset(m.getpi(bytes), 2, plane);
-            EXPECT_EQ(m.getpr(bytes)[plane - 1], 1) << "the planes overlap";
-            EXPECT_EQ(m.dirty(), 0) << "the count is overwritten";
-        }
+    for (kn_matrix_types t : {kn_double, kn_uint8}) {
+        Mm m(1, 0, 0, 7, 1, t);
+        size_t plane = static_cast<size_t>(m.getp()) * (t == kn_uint8 ? 1 : 8);
+        std::memset(m.getpr(bytes), 1, plane);
+        std::memset(m.getpi(bytes), 2, plane);
+        EXPECT_EQ(m.getpr(bytes)[plane - 1], 1) << "the planes overlap";
+        EXPECT_EQ(m.dirty(), 0) << "the count is overwritten";
+    }
 }
 
 TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
-    EXPECT_EQ(Mm(0, 1, 3, 4, 5, kn_double).getnnz(), 3);
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getnnz(), 20);
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getp(), 38) << "the room asked for stays";
     EXPECT_EQ(Mm(0, 1, -3, 4, 5, kn_double).getnnz(), 0);
@@ -56,8 +52,7 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
 TEST(ValueConstruction, a_size_beyond_int_is_out_of_memory) {
     EXPECT_RAISES(Mm(0, 1, 1, 1 << 30, 4, kn_double), "Out of memory!");
     EXPECT_RAISES(Mm(0, 0, 0, 2147483647, 1, kn_uint8), "Out of memory!");
-    const int zero_last[] = {65536, 65536, 2, 0};
-    EXPECT_EQ(Mm(0, 0, 0, 4, zero_last, kn_double).size(), 0);
+    EXPECT_EQ(blank({65536, 65536, 2, 0}).size(), 0);
     Returning errors;
     Mm m(1, 1, 5, 65536, 65536, kn_Mm);
     EXPECT_EQ(errors.errors().size(), 1u);
@@ -87,31 +82,25 @@ TEST(ValueSharing, a_cell_may_become_its_own_element) {
     Mm c = cell_of(1, 2, {cell_of(1, 1, {5.0}), 6.0});
     c = c.mr(1);
     EXPECT_SAME(c, cell_of(1, 1, {5.0}));
-    c = cell_of(1, 2, {M({{4, 5}}), 6.0});
+    c = cell_of(1, 1, {M({{4, 5}})});
     c = std::move(c.mr(1)); // lives in the block that the target drops
     EXPECT_SAME(c, M({{4, 5}}));
 }
 
 TEST(ValueSharing, assignment_keeps_what_belongs_to_the_variable) {
-    Mm x(i_o, "x", 1), y = M({{1, 2, 3}}), m = 3.0, n(i_o, "n", 0), s = sparse_of(3, 3, {{4, 7}});
+    Mm x(i_o, "x", 1), y = M({{1, 2, 3}}), n(i_o, "n", 0), s = sparse_of(3, 3, {{4, 7}});
     x.getflags().persistent = 1;
     double *elements = y.addr();
     x = s;
-    EXPECT_SAME(x, s);
     x = std::move(y);
     EXPECT_EQ(s.dirty(), 0) << "the block it held before was given back";
     EXPECT_EQ(x.addr(), elements) << "that of a temporary is taken";
     EXPECT_EQ(x.dirty(), 0);
     EXPECT_STREQ(x.getname(), "x");
     EXPECT_TRUE(x.isglobal() && x.getflags().persistent && !x.getflags().scalar_only);
-    n = m;
-    n = Mm(4.0); // shared: a block of its own
-    EXPECT_SAME(m, Mm(3.0));
     n = TM("a");
     n = 5; // no longer text
     EXPECT_SAME(n, Mm(5.0));
-    n = test::logical_of(1.0);
-    EXPECT_TRUE(n.islogical());
 }
 
 TEST(ValueSharing, scalar_only_lasts_while_full_real_scalars_come) {
@@ -150,18 +139,13 @@ TEST(ValueSharing, released_scalars_are_told_to_the_debug_handler) {
 // -- Shape.
 
 TEST(ValueShape, questions) {
-    struct {
-        std::vector<int> d;
-        int size, length, nsingleton, vectordim;
-    } const table[] = {
-        {{1, 1}, 1, 1, 1, 2},    {{1, 5}, 5, 5, 2, 2},       {{5, 1}, 5, 5, 1, 1}, {{2, 3}, 6, 3, 1, 0},
-        {{1, 1, 4}, 4, 4, 3, 3}, {{1, 1, 1, 4}, 4, 4, 4, 4}, {{0, 3}, 0, 0, 1, 2},
-    };
-    for (const auto &[d, size, length, nsingleton, vectordim] : table) {
-        Mm m = blank(d);
-        EXPECT_EQ((std::vector{m.size(), m.length(), m.nsingleton(), m.vectordim()}),
-                  (std::vector{size, length, nsingleton, vectordim}));
-    }
+    EXPECT_EQ(blank({2, 5}).length(), 5);
+    EXPECT_EQ(blank({0, 3}).length(), 0);
+    EXPECT_EQ(blank({1, 1, 4}).nsingleton(), 3);
+    EXPECT_EQ(blank({0, 3}).nsingleton(), 1);
+    for (auto [d, along] :
+         {std::pair{std::vector{1, 1}, 2}, {{0, 3}, 2}, {{5, 1}, 1}, {{2, 3}, 0}, {{1, 1, 1, 4}, 4}})
+        EXPECT_EQ(blank(d).vectordim(), along);
     EXPECT_RAISES(named("m", blank({2, 3, 4})).size(5), "m.size(dim): no such dimension=5");
 }
 
@@ -171,11 +155,9 @@ TEST(ValueShape, reshape_touches_one_header) {
     EXPECT_SAME(b, nd({2, 3}, {1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(a.rows(), 3);
     EXPECT_EQ(a.addr(), b.addr());
-    const int many[] = {3, 1, 1, 1, 2}, six[] = {6};
-    b.reshape(1, six);
-    EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
+    const int many[] = {3, 1, 1, 1, 2};
     EXPECT_RAISES(b.reshape(5, many), "reshape: size=6 is different than the product of new dimensions");
-    EXPECT_EQ(dims(b), (std::vector<int>{6, 1, 1, 1}));
+    EXPECT_EQ(dims(b), (std::vector<int>{2, 3, 1, 1}));
 
     Mm none;
     none.reshape(0, 7);
@@ -186,14 +168,12 @@ TEST(ValueShape, reshape_touches_one_header) {
 // -- Elements.
 
 TEST(ValueElements, one_based_truncated_column_major) {
-    Mm a = nd({2, 3, 2}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
-    Mm z = test::complex_of(M({{1, 2}, {3, 4}}), M({{5, 6}, {7, 8}})), u = U8({{1, 200}, {3, 4}}),
-       c = cell_of(1, 2, {1.0, C(1, 2)});
-    const std::pair<double, double> cases[] = {
-        {a.r(), 1},     {a.r(3.99), 3}, {a.r(2.5, 3.5), 6}, {a.r(2, 1, 2), 8}, {z.i(), 5},
-        {z.i(1, 2), 6}, {z.i(2), 7},    {z.i(2, 2, 1), 8},  {u.ur(1, 2), 200}, {u.ur(2), 3},
-    };
-    for (auto [got, wanted] : cases) EXPECT_EQ(got, wanted);
+    Mm a = nd({2, 3, 2}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), z = test::complex_of(a, a + 20.0),
+       u = U8({{1, 200}, {3, 4}}), c = cell_of(1, 2, {1.0, C(1, 2)});
+    EXPECT_EQ(
+        (std::vector{a.r(), a.r(3.99), a.r(2.5, 3.5), a.r(2, 1, 2), z.i(), z.i(2), z.i(1, 2), z.i(2, 2, 1)}),
+        (std::vector<double>{1, 3, 6, 8, 21, 22, 23, 24}));
+    EXPECT_EQ(u.ur(1, 2) + u.ur(2), 203);
     EXPECT_SAME(c.mr(1, 2), C(1, 2));
     EXPECT_SAME(c.safebr(2), C(1, 2));
     for (int k : {0, 3, -1, 1 << 30}) EXPECT_SAME(c.safebr(k), nop_M);
@@ -211,11 +191,9 @@ TEST(ValueElements, range_and_type_are_reported) {
         {[&] { a.r(3, 1); }, "a.r(row,col): row=3 or col=1 out of matrix"},
         {[&] { a.r(1, 1, 2); }, "a.r(row,col,depth): row=1, col=1 or depth=2 out of matrix"},
         {[&] { u.ur(3); }, "u.ur(idx): idx=3 out of matrix"},
-        {[&] { u.ur(2, 1); }, "u.ur(row,col): row=2 or col=1 out of matrix"},
         {[&] { c.mr(0); }, "c.mr(idx): idx=0 out of matrix"},
         {[&] { c.mr(1, 3); }, "c.mr(row,col): row=1 or col=3 out of matrix"},
         {[&] { u.r(1); }, ".r / .i : wrong matrix type"},
-        {[&] { c.i(); }, ".r / .i : wrong matrix type"},
         {[&] { a.ur(1); }, ".r / .i : wrong matrix type"},
         {[&] { a.mr(1, 1); }, ".r / .i : wrong matrix type"},
     };
@@ -259,15 +237,11 @@ TEST(ValueConversions, deepcopy_takes_a_block_of_its_own_and_keeps_flags) {
        cell = cell_of(1, 1, {M({{1, 2}})}), st = struct_of({{"a", 1.0}, {"b", 2.0}});
     to.deepcopy(M({{-1, 1.9, 255, 256, 300.7, -1.5}}), kn_uint8);
     EXPECT_SAME(to, U8({{255, 1, 255, 0, 44, 255}}));
-    to.deepcopy(M({{1, 2}}), kn_Mm);
-    EXPECT_SAME(to, cell_of(1, 2, {1.0, 2.0}));
     to.deepcopy(cell, kn_none);
     EXPECT_EQ(to.mr(1).addr(), cell.mr(1).addr()) << "elements are shared";
     text.getflags().persistent = text.getflags().global = 1;
     to.deepcopy(1, text, kn_double);
     EXPECT_TRUE(to.isstr() && to.isc() && !to.isglobal() && !to.getflags().persistent);
-    EXPECT_STREQ(to.getname(), "to");
-    EXPECT_NE(to.addr(), text.addr());
     to.deepcopy(0, 0, s, kn_double);
     EXPECT_SAME(to, nd({3, 3}, {0, 5, 0, 0, 0, 0, 0, 0, 6}));
     to.deepcopy(0, 1, M({{3, 4}}), kn_double);
@@ -282,11 +256,8 @@ TEST(ValueConversions, deepcopy_takes_a_block_of_its_own_and_keeps_flags) {
 // -- Names and scalars.
 
 TEST(ValueNames, in_messages) {
-    const std::pair<Mm, const char *> cases[] = {{-3.7, "=-3"},
-                                                 {inf, "=2147483647"},
-                                                 {Mm(), "(temporary)"},
-                                                 {U8({{1}}), "(temporary)"},
-                                                 {Mm(0, 1, 0, 1, 1, kn_double), "=0"}};
+    const std::pair<Mm, const char *> cases[] = {
+        {-3.7, "=-3"}, {HUGE_VAL, "=2147483647"}, {Mm(0, 1, 0, 1, 1, kn_double), "=0"}};
     for (const auto &[m, name] : cases) EXPECT_STREQ(kn_display_name(m), name);
     Mm complex_text = C(97, 1);
     complex_text.setstr(1);
