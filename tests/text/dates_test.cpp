@@ -13,10 +13,8 @@ TEST(Dates, numbers_of_dates) {
     struct {
         std::vector<double> parts;
         double number;
-    } const cases[] = {
-        {{2000, 1, 1}, 730486},  {{0, 1, 1}, 1},          {{1970, 1, 1}, 719529},
-        {{1900, 2, 29}, 694021}, {{2000, 14, 1}, 730883}, {{2000, 0, 1}, 730486},
-        {{2000, 3, 0}, 730545},  {{-1, 12, 31}, 0},       {{2000, 1, 1, 12, 0, 43200}, 730487}};
+    } const cases[] = {{{2000, 1, 1}, 730486}, {{1900, 2, 29}, 694021}, {{2000, 14, 1}, 730883},
+                       {{2000, 0, 1}, 730486}, {{2000, 3, 0}, 730545},  {{2000, 1, 1, 12, 0, 43200}, 730487}};
     for (const auto &c : cases) EXPECT_SAME(datenum(row(c.parts)), Mm(c.number));
     EXPECT_SAME(datenum(2000.0, row({1, 2}), 1.0), row({730486, 730517}));
     EXPECT_SAME(datenum(NAN, 1.0, 1.0), Mm(NAN));
@@ -65,7 +63,6 @@ TEST(Dates, text) {
                       {"Wed, March 1, 2000", day},
                       {"2000/3/1 3:45:17.25 pm", t},
                       {"2000-03-01T15:45:17.25", t},
-                      {"Mar-2000", day},
                       {"03/01", scalar(datenum(clockM().r(1), 3.0, 1.0))},
                       {"12:00 AM", std::floor(scalar(now()))}};
     for (const auto &c : good) EXPECT_SAME(datenum(TM(c.text)), Mm(c.number)) << c.text;

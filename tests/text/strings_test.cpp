@@ -44,7 +44,6 @@ TEST(Strvcat, rows_are_padded_to_the_widest) {
     EXPECT_EQ(text_of(strvcat(TM("a"), TM(""), TM("bcd"), strvcat(TM("ef"), TM("g")))), "a  \nbcd\nef \ng  ");
     Mm nested = cell_of(1, 3, {TM("x"), cell_of(1, 2, {TM("yy"), Mm()}), row({72, 105, 33})});
     EXPECT_EQ(text_of(strvcat(nested, U8({{65}}))), "x  \nyy \nHi!\nA  ");
-    EXPECT_SAME(strvcat(row({1.5, -2})), setstr(row({1.5, -2})));
     EXPECT_RAISES(strvcat(TM("a"), test::struct_of({{"f", 1.0}})),
                   "Can not convert (temporary) into a numerical matrix");
 }
@@ -52,7 +51,6 @@ TEST(Strvcat, rows_are_padded_to_the_widest) {
 TEST(Str2num, shapes) {
     EXPECT_SAME(str2num(TM(";;\t1;\n;2 3 ,4]")), M({{1, 0, 0}, {2, 3, 4}}));
     EXPECT_SAME(str2num(strvcat(TM("1 2"), TM("3"))), M({{1, 2}, {3, 0}}));
-    EXPECT_SAME(str2num(TM("")), nop_M);
     EXPECT_RAISES(str2num(1.0), "str2num: input is not a string");
 }
 
@@ -60,7 +58,6 @@ TEST(Str2num, words) {
     EXPECT_SAME(str2num(TM("Inf -inf NaN -nan abc 1e999")),
                 row({HUGE_VAL, -HUGE_VAL, NAN, NAN, 0, HUGE_VAL}));
     EXPECT_SAME(str2num(TM("1- 5 +7 .5 1e2x")), row({1, 7, .5, 100}));
-    EXPECT_SAME(str2num(TM("1e- 5")), Mm(1e-5));
 }
 
 TEST(Str2num, complex_numbers) {
