@@ -196,7 +196,8 @@ TEST(ArrayHelpers, diagonals_and_triangles) {
         Mm x = some_sparse(random, m, n), s = sparse(x), low = x, up = x, r, c;
         ndgrid(colon(1, m), colon(1, n), i_o, r, c);
         const Mm wanted = x(find(c - r == k));
-        low(find(c - r > k)) = up(find(c - r < k)) = 0;
+        low(find(c - r > k)) = 0;
+        up(find(c - r < k)) = 0;
         for (const Mm &y : {tril(x, k), full(tril(s, k))}) ASSERT_SAME(y, low);
         for (const Mm &y : {triu(x, k), full(triu(s, k))}) ASSERT_SAME(y, up);
         for (const Mm &d : {diag(x, k), full(diag(s, k))})

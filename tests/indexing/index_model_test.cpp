@@ -496,7 +496,7 @@ struct Outcome {
     int errors = 0, results = 0;
 };
 
-void check_read(Random &random, const Mm &x, const Call &c, Outcome &outcome) {
+void check_read(const Mm &x, const Call &c, Outcome &outcome) {
     std::optional<Model> wanted = read(model_of(x), c);
     Mm before = x, got;
     bool through = goes_through([&] { got = c.on(x); });
@@ -554,7 +554,7 @@ TEST_F(IndexModel, reads) {
     in_all_sets(41, [](Random &random, Outcome &outcome) {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
-            check_read(random, x, random_call(random, x, random.below(8) == 0), outcome);
+            check_read(x, random_call(random, x, random.below(8) == 0), outcome);
         }
     });
 }
@@ -623,7 +623,7 @@ TEST_F(IndexModel, long_selections) {
                     c.colon.push_back(random.below(2));
                     c.s.push_back(c.colon[1] ? Mm() : test::row({3, 1}));
                 }
-                check_read(random, x, c, outcome);
+                check_read(x, c, outcome);
                 if (!HasFatalFailure()) check_write(random, type, x, c, 4 * n, outcome);
             }
     });
