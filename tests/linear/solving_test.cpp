@@ -188,7 +188,7 @@ TEST(Solving, dispatch_and_shapes) {
             name + std::string(": square matrix expected, but matrix (temporary) has 2 rows and 3 columns"));
     }
     EXPECT_RAISES(lu(sparse(i * eye(2)), i_o, l, u), "lu: Complex sparse not supported.");
-    EXPECT_RAISES(mldivide(ones(1, 2), cell(2)),
+    EXPECT_RAISES(mldivide(ones(1, 2), cell(1, 2)),
                   "mldivide: numeric data expected, but matrix (temporary) is not");
     Mm a = M({{1, 2}, {3, 5}});
     lu(a, i_o, a, u); // an output may be the input
