@@ -36,9 +36,9 @@ QUORVEX_API double randn();
 
 // A matrix of zeros, or an identity matrix; with an imaginary plane of zeros when `complex` is set. More than
 // four sizes are cut ("czeros: too many dimensions").
-QUORVEX_API Mm czeros(int complex, int rows, int cols);
-QUORVEX_API Mm czeros(int complex, int ndims, const int *dims);
-QUORVEX_API Mm ceye(int complex, int rows, int cols);
+QUORVEX_API Mm czeros(int complex, kn_size rows, kn_size cols);
+QUORVEX_API Mm czeros(int complex, kn_size ndims, kn_extents dims);
+QUORVEX_API Mm ceye(int complex, kn_size rows, kn_size cols);
 
 // The range a:b or a:s:b as a row of double. With a step the elements are computed from both ends, with
 // symmetric rounding, and never pass b; 0:0.1:1 has 11 elements. nop_M for an empty range, an empty operand

@@ -39,7 +39,7 @@ QUORVEX_API Mm get_whos_line(const Mm &m);
 
 // Writes the value on one short line, as in the display of a cell, cut at size - 1 characters. A value
 // without content is reported.
-QUORVEX_API void value_summary(const Mm &m, char *buf, int size);
+QUORVEX_API void value_summary(const Mm &m, char *buf, kn_size size);
 QUORVEX_API const char *
 kn_class_word(const Mm &m); // "char", "sparse", "struct", the class name, "cell", "uint8", "double"
 
@@ -59,10 +59,10 @@ QUORVEX_API Mm num2str(const Mm &m, const Mm &digits, i_o_t, Mm &text, Mm &width
 QUORVEX_API Mm TM(const char *s); // a character value, 1 by strlen(s); null gives the empty one
 // Writes a character value as a C string: rows joined by newlines, each double truncated to a byte. "Mstr:
 // buffer too small - chopped" and an empty string when (cols + 1) * rows exceeds size.
-QUORVEX_API void Mstr(const double *data, int rows, int cols, char *buf, int size);
-QUORVEX_API void Mstr(const Mm &m, char *buf, int size);
-QUORVEX_API void Mstr_row(const Mm &m, char *buf, int size); // all elements in storage order, as one row
-QUORVEX_API int Mstr_size(const Mm &m);                      // bytes that Mstr needs
+QUORVEX_API void Mstr(const double *data, kn_size rows, kn_size cols, char *buf, kn_size size);
+QUORVEX_API void Mstr(const Mm &m, char *buf, kn_size size);
+QUORVEX_API void Mstr_row(const Mm &m, char *buf, kn_size size); // all elements in storage order, as one row
+QUORVEX_API kn_size Mstr_size(const Mm &m);                  // bytes that Mstr needs
 
 // -- Console.
 

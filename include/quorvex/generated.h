@@ -79,9 +79,9 @@ class Try {
 
 // A rows by cols matrix with its elements in column order: matrix(2, 2, {1, 3, 2, 4}). Longer ones are static
 // tables, Mm(rows, cols, table), and so are character matrices, Mm(2, 3, "abc" "def").
-template <size_t n> Mm matrix(int rows, int cols, const double (&re)[n]) { return Mm(rows, cols, re + 0); }
+template <size_t n> Mm matrix(kn_size rows, kn_size cols, const double (&re)[n]) { return Mm(rows, cols, re + 0); }
 // A rows by cols cell of texts, in column order.
-QUORVEX_API Mm texts(int rows, int cols, const char *const *list);
+QUORVEX_API Mm texts(kn_size rows, kn_size cols, const char *const *list);
 
 // -- Subscripts, switch, globals.
 
@@ -98,7 +98,7 @@ inline bool is_case(const Mm &value, const Mm &label) {
         return value.size() > 0 && one.size() > 0 && istrue(value == one);
     };
     if (!istrue(iscell(label))) return same(label);
-    for (int k = 1; k <= label.size(); ++k)
+    for (kn_size k = 1; k <= label.size(); ++k)
         if (same(label.mr(k))) return true;
     return false;
 }

@@ -73,7 +73,7 @@ class QUORVEX_API Mr {
     void operator=(const Mr &src);
     void operator=(double x);
 
-    int size() const; // number of elements of the value read
+    kn_size size() const; // number of elements of the value read
 
     template <class T>
     requires kn::is_bool<T>
@@ -141,11 +141,11 @@ class QUORVEX_API Mc {
     template <size_t n> Mc &operator,(const char (&text)[n]) { return append_text(text); }
     void operator=(const Mc &src); // "Mc=Mc called"
 
-    int count() const { return last + 1; }
+    kn_size count() const { return last + 1; }
     int is_cell() const { return cell; }
-    const Mm &item(int k) const { return items[k].value ? *items[k].value : make(items[k]); } // from 0
+    const Mm &item(kn_size k) const { return items[k].value ? *items[k].value : make(items[k]); } // from 0
     // The number that item k was given as; null for other items.
-    const double *number(int k) const { return items[k].kind == Item::number ? &items[k].x : nullptr; }
+    const double *number(kn_size k) const { return items[k].kind == Item::number ? &items[k].x : nullptr; }
 
   private:
     static constexpr int near_capacity = 16;
@@ -159,8 +159,8 @@ class QUORVEX_API Mc {
     };
     Item near_items[near_capacity];
     Item *items;
-    int capacity;
-    int last;
+    kn_size capacity;
+    kn_size last;
     int cell;
     mutable int made; // whether items were converted to values, which the list owns
 

@@ -84,16 +84,16 @@ QUORVEX_API Mm randperm(const Mm &n); // a random permutation of 1 to n
 // for each column the number of its first entry, then the number of entries, then -1. The columns of a value
 // of three or four dimensions are those of all its pages in order. The arrays are on the C heap and owned by
 // the caller; null after a report. A full value is reported by error_sparse.
-QUORVEX_API int *getIr(const Mm &a);
-QUORVEX_API int *getJc(const Mm &a);
-QUORVEX_API void freeIrJc(int *ir, int *jc); // null is accepted
+QUORVEX_API kn_size *getIr(const Mm &a);
+QUORVEX_API kn_size *getJc(const Mm &a);
+QUORVEX_API void freeIrJc(kn_size *ir, kn_size *jc); // null is accepted
 // Sets the indices of the entries of a from such arrays; a already has its size and number of entries. "IrJc:
 // entry outside of matrix %s".
-QUORVEX_API void setIrJc(Mm &a, const int *ir, const int *jc);
+QUORVEX_API void setIrJc(Mm &a, const kn_size *ir, const kn_size *jc);
 // The same as getJc, and the smallest and largest row and column with an entry; 2147483647 and -1 if there is
 // none.
-QUORVEX_API int *sparse_bounds(const Mm &a, int &least_row, int &largest_row, int &least_col,
-                               int &largest_col);
+QUORVEX_API kn_size *sparse_bounds(const Mm &a, kn_size &least_row, kn_size &largest_row, kn_size &least_col,
+                                   kn_size &largest_col);
 
 // -- Products.
 

@@ -16,7 +16,7 @@ QUORVEX_API Mm cell(const Mm &m, const Mm &n, const Mm &p);
 QUORVEX_API Mm cell(const Mm &m, const Mm &n, const Mm &p, const Mm &q);
 QUORVEX_API Mm cells(const Mm &n);
 QUORVEX_API Mm cells(const Mm &m, const Mm &n);
-QUORVEX_API Mm cell_from_array(int n, const Mm *const *a); // a 1 by n cell of the values
+QUORVEX_API Mm cell_from_array(kn_size n, const Mm *const *a); // a 1 by n cell of the values
 
 // Conversions to cells.
 QUORVEX_API Mm cellstr(const Mm &x);   // m by 1, the rows of a text without trailing blanks; a cell unchanged

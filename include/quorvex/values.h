@@ -41,6 +41,15 @@
 
 #include "quorvex/op_list.h"
 
+// Sizes, counts and indices: as wide as an address.
+typedef ptrdiff_t kn_size;
+
+// The sizes of an array, at a pointer. A class of its own, so that a 0 remains a number among the overloads.
+struct kn_extents {
+    const kn_size *d;
+    kn_extents(const kn_size *dims) : d(dims) {}
+};
+
 // Element types.
 enum kn_matrix_types : unsigned char {
     kn_none = 0,   // no value yet
@@ -82,17 +91,17 @@ class QUORVEX_API Mm {
     Mm(double x); // 1 by 1
     // rows by cols of type t; a sparse value with nnz entries, at most rows * cols (a full value ignores
     // nnz). A zero size gives 0 by 0.
-    Mm(int complex, int sparse, int nnz, int rows, int cols, kn_matrix_types t);
+    Mm(int complex, int sparse, kn_size nnz, kn_size rows, kn_size cols, kn_matrix_types t);
     // The same with ndims (at most 4) sizes from dims; trailing sizes of 1 after the second are dropped.
-    Mm(int complex, int sparse, int nnz, int ndims, const int *dims, kn_matrix_types t);
+    Mm(int complex, int sparse, kn_size nnz, kn_size ndims, kn_extents dims, kn_matrix_types t);
     // A named variable without a value. Registered in the workspace when the library runs under an
     // interactive host.
     Mm(i_o_t, const char *name, int global);
-    Mm(const char *name, int rows, int cols); // a named double
+    Mm(const char *name, kn_size rows, kn_size cols); // a named double
     // A double with these elements, column by column; complex where `im` is given.
-    Mm(int rows, int cols, const double *re, const double *im = nullptr);
+    Mm(kn_size rows, kn_size cols, const double *re, const double *im = nullptr);
     // Characters, from rows of equal length that follow one another: Mm(2, 3, "abc" "def").
-    Mm(int rows, int cols, const char *characters);
+    Mm(kn_size rows, kn_size cols, const char *characters);
     // Shares the block. The copy has no name and is neither persistent nor global.
     Mm(const Mm &src);
     // Moves the block from a temporary, which becomes empty.
@@ -127,18 +136,18 @@ class QUORVEX_API Mm {
 
     // -- Sizes and shape.
 
-    int rows() const { return dims[0]; }
-    int cols() const { return dims[1]; }
-    int size() const;           // number of elements; -1 for a destroyed header
-    int size(int dim) const;    // size of dimension 1 to 4; error "%s.size(dim): no such dimension=%d"
-    int length() const;         // the largest size; 0 for an empty value
+    kn_size rows() const { return dims[0]; }
+    kn_size cols() const { return dims[1]; }
+    kn_size size() const;       // number of elements; -1 for a destroyed header
+    kn_size size(int dim) const; // size of dimension 1 to 4; error "%s.size(dim): no such dimension=%d"
+    kn_size length() const;     // the largest size; 0 for an empty value
     int nsingleton() const;     // first dimension with a size above 1; 1 if there is none
     int vectordim() const;      // the only dimension with a size above 1; 0 if there are several; 2 if none
     void collapse();            // drops trailing sizes of at most 1 after the second
-    void reshape(int r, int c); // this header only; error "reshape: size=%d is different than %d*%d"
+    void reshape(kn_size r, kn_size c); // this header only; error "reshape: size=%d is different than %d*%d"
     // The same with n sizes, of which those after the fourth must be 1: "reshape: size=%d is different than
     // the product of new dimensions".
-    void reshape(int n, const int *d);
+    void reshape(kn_size n, kn_extents d);
 
     // -- Predicates.
 
@@ -159,10 +168,10 @@ class QUORVEX_API Mm {
     M_types &getflags() const { return const_cast<M_types &>(flags); }
     kn_matrix_types &gettype() const { return const_cast<kn_matrix_types &>(flags.type); }
     int &getndims() const { return const_cast<int &>(ndims); }
-    int &getnnz() const { return const_cast<int &>(nnz); }
-    int *getdims() const { return const_cast<int *>(dims); }
-    int getp() const { return p; }
-    int *getindex() const { return index; }
+    kn_size &getnnz() const { return const_cast<kn_size &>(nnz); }
+    kn_size *getdims() const { return const_cast<kn_size *>(dims); }
+    kn_size getp() const { return p; }
+    kn_size *getindex() const { return index; }
     int getnfields() const { return nfields; }
     const char **getfields() const { return fields; }
     int getclassid() const { return classid; }
@@ -186,28 +195,28 @@ class QUORVEX_API Mm {
     double &i(double idx) const;
     double &i(double row, double col) const;
     double &i(double row, double col, double depth) const;
-    unsigned char &ur(int idx) const;
-    unsigned char &ur(int row, int col) const;
-    Mm &mr(int idx) const;
-    Mm &mr(int row, int col) const;
+    unsigned char &ur(kn_size idx) const;
+    unsigned char &ur(kn_size row, kn_size col) const;
+    Mm &mr(kn_size idx) const;
+    Mm &mr(kn_size row, kn_size col) const;
 
     // The planes themselves, unchecked.
     double *addr() const { return static_cast<double *>(pr); }
-    double *addr(int k) const { return addr() + (k - 1); }
-    double *addr(int row, int col) const { return addr() + at(row, col); }
+    double *addr(kn_size k) const { return addr() + (k - 1); }
+    double *addr(kn_size row, kn_size col) const { return addr() + at(row, col); }
     double *addi() const { return static_cast<double *>(pi); }
-    double *addi(int k) const { return addi() + (k - 1); }
-    double *addi(int row, int col) const { return addi() + at(row, col); }
+    double *addi(kn_size k) const { return addi() + (k - 1); }
+    double *addi(kn_size row, kn_size col) const { return addi() + at(row, col); }
     // The same by element type: the first argument is a typed null pointer, m.getpr((unsigned char *)0).
     template <class T> T *getpr(T *) const { return static_cast<T *>(pr); }
-    template <class T> T *getpr(T *, int k) const { return static_cast<T *>(pr) + (k - 1); }
-    template <class T> T *getpr(T *, int row, int col) const { return static_cast<T *>(pr) + at(row, col); }
+    template <class T> T *getpr(T *, kn_size k) const { return static_cast<T *>(pr) + (k - 1); }
+    template <class T> T *getpr(T *, kn_size row, kn_size col) const { return static_cast<T *>(pr) + at(row, col); }
     template <class T> T *getpi(T *) const { return static_cast<T *>(pi); }
-    template <class T> T *getpi(T *, int k) const { return static_cast<T *>(pi) + (k - 1); }
-    template <class T> T *getpi(T *, int row, int col) const { return static_cast<T *>(pi) + at(row, col); }
+    template <class T> T *getpi(T *, kn_size k) const { return static_cast<T *>(pi) + (k - 1); }
+    template <class T> T *getpi(T *, kn_size row, kn_size col) const { return static_cast<T *>(pi) + at(row, col); }
 
     // A copy of element k of a cell, or of nop_M if there is no such element; never reports.
-    Mm safebr(int k) const;
+    Mm safebr(kn_size k) const;
 
     // -- Indexing: see indexing.h.
 
@@ -255,10 +264,10 @@ class QUORVEX_API Mm {
 
     // -- Sparse values. Each begins with error_sparse.
 
-    int search(int pos) const; // number of the entry with this index, by binary search; -1 for none
+    kn_size search(kn_size pos) const; // number of the entry with this index, by binary search; -1 for none
     void sort();               // sorts the entries by index, equal ones in their order
     void resparse();           // drops zeros and adds sorted entries with equal indices
-    void extend_nnz(int n);    // extends to n entries, the new ones zero
+    void extend_nnz(kn_size n); // extends to n entries, the new ones zero
 
     // -- Field names of a structure.
 
@@ -276,22 +285,22 @@ class QUORVEX_API Mm {
     friend struct kn::Header;
 
     int ndims;
-    int dims[4];
-    int p;                  // capacity of the block in elements; 0 for the static block
+    kn_size dims[4];
+    kn_size p;              // capacity of the block in elements; 0 for the static block
     unsigned int *refcount; // headers that hold the block
     void *pr;
     void *pi;
-    int nnz; // stored elements; the product of the dims for a full value
+    kn_size nnz; // stored elements; the product of the dims for a full value
     M_types flags;
     int nfields;
     int classid;
     int level; // workspace level of this named value, -1 for none; uninitialized without a name
-    int *index;
+    kn_size *index;
     const char *name;
     const char **fields;
     Mm *shadow; // the value that this named value covers in the workspace
 
-    ptrdiff_t at(int row, int col) const { return (row - 1) + static_cast<ptrdiff_t>(col - 1) * dims[0]; }
+    kn_size at(kn_size row, kn_size col) const { return (row - 1) + (col - 1) * dims[0]; }
     struct Block;
     void allocate(int complex, int with_index);
     void hold(const Mm &src);
@@ -332,8 +341,9 @@ QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val
 
-// Truncates to an int with saturation: 2147483647 for larger numbers and Inf, -2147483647 for smaller ones,
-// -Inf and NaN.
+// Truncate with saturation; NaN counts as -Inf. Sizes end at 2^53 (at the largest int where they are as narrow),
+// the others at 2147483647, at the negative numbers below.
+QUORVEX_API kn_size double_to_size(double x);
 QUORVEX_API int double_to_int(double x);
 
 #endif

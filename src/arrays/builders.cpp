@@ -30,8 +30,8 @@ bool fill_ones(const Mm &x) {
 }
 
 void fill_diagonal(const Mm &x) {
-    int m = x.rows(), n = std::min(m, x.cols());
-    for (int k = 1; k <= n; k++) *x.addr(k, k) = 1;
+    kn_size m = x.rows(), n = std::min(m, x.cols());
+    for (kn_size k = 1; k <= n; k++) *x.addr(k, k) = 1;
 }
 
 bool fill_eye(const Mm &x) { // the first page only
@@ -54,8 +54,8 @@ bool fill_randn(const Mm &x) { return fill_random(kn::normal_random, x); }
 // False when interrupted.
 using Fill = bool (*)(const Mm &);
 
-Mm build(Fill fill, int ndims, const int *dims) {
-    int n = kn::product(ndims, dims);
+Mm build(Fill fill, kn_size ndims, const kn_size *dims) {
+    kn_size n = kn::product(ndims, dims);
     Mm out(0, 0, 0, ndims, dims, kn_double);
     if (n < 0 || kn::lacks(out, n) || !fill(out)) return x_M;
     kn::check(out);
@@ -64,10 +64,10 @@ Mm build(Fill fill, int ndims, const int *dims) {
 
 // ---- Sizes ----
 
-int size_arg(double x) { return x >= 1 ? double_to_int(x) : 0; }
+kn_size size_arg(double x) { return x >= 1 ? double_to_size(x) : 0; }
 
 Mm build(Fill fill, double m, double n) {
-    int dims[2] = {size_arg(m), size_arg(n)};
+    kn_size dims[2] = {size_arg(m), size_arg(n)};
     return build(fill, 2, dims);
 }
 
@@ -81,7 +81,7 @@ Mm eye01(Fill fill, const Mm &a, const Mm &b, const Mm &c, const Mm &d) {
         if (sizes[k].size() == 0) return x_M; // not numbers
     }
 
-    int dims[4];
+    kn_size dims[4];
     if (sizes[0].size() == 1) {
         for (int k = 0; k < 4; k++) {
             if (sizes[k].size() > 1) warning("eye01: expecting scalar argument");
@@ -89,12 +89,13 @@ Mm eye01(Fill fill, const Mm &a, const Mm &b, const Mm &c, const Mm &d) {
         }
         return build(fill, 4, dims);
     }
-    int ndims = sizes[0].size();
+    kn_size ndims = sizes[0].size();
     if (ndims > 4) {
         warning("eye01: too many dimensions");
         ndims = 4;
     }
-    for (int k = 0; k < ndims; k++) dims[k] = std::max(double_to_int(sizes[0].r(k + 1) + 0.5), 0);
+    for (kn_size k = 0; k < ndims; k++)
+        dims[k] = std::max<kn_size>(double_to_size(sizes[0].r(k + 1) + 0.5), 0);
     return build(fill, ndims, dims);
 }
 
@@ -124,7 +125,7 @@ template <class Function> bool sets(Function &f, const Mm &command, const Mm &y)
     if (!kn::is_word(command, "state")) return false;
     Mm state = mdouble(y);
     bool usable = state.gettype() == kn_double && !state.issparse();
-    if (!f.set_state(state.addr(), usable ? state.getnnz() : 0))
+    if (!f.set_state(state.addr(), usable ? static_cast<int>(std::min<kn_size>(state.getnnz(), INT_MAX)) : 0))
         error("%s('state',y): y must be scalar or %d-element state vector", f.name, f.state_size);
     return true;
 }
@@ -171,12 +172,12 @@ Mm cputime() { return zeros(); }
 
 // ---- Complex from the start ----
 
-Mm czeros(int complex, int ndims, const int *dims) {
+Mm czeros(int complex, kn_size ndims, kn_extents dims) {
     if (ndims > 4) {
         warning("czeros: too many dimensions");
         ndims = 4;
     }
-    int n = kn::product(ndims, dims);
+    kn_size n = kn::product(ndims, dims.d);
     Mm out(complex != 0, 0, 0, ndims, dims, kn_double);
     if (n < 0 || kn::lacks(out, n)) return x_M;
     fill_zeros(out);
@@ -184,12 +185,12 @@ Mm czeros(int complex, int ndims, const int *dims) {
     return out;
 }
 
-Mm czeros(int complex, int rows, int cols) {
-    int dims[2] = {rows, cols};
+Mm czeros(int complex, kn_size rows, kn_size cols) {
+    kn_size dims[2] = {rows, cols};
     return czeros(complex, 2, dims);
 }
 
-Mm ceye(int complex, int rows, int cols) {
+Mm ceye(int complex, kn_size rows, kn_size cols) {
     Mm out = czeros(complex, rows, cols);
     fill_diagonal(out);
     return out;

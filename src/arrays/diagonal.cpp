@@ -8,44 +8,66 @@
 #include "quorvex/startup.h"
 #include "value/number_argument.h"
 #include "value/planes.h"
+#include "value/sparse_walk.h"
 
 namespace {
 
-int diagonal_number(const Mm &k) {
-    return std::clamp(double_to_int(kn::first_number(k)), -INT_MAX / 2, INT_MAX / 2);
+kn_size diagonal_number(const Mm &k) {
+    return double_to_size(kn::first_number(k));
 }
 
 // ---- diag ----
 
 // The matrix with the vector x on diagonal k: its element e goes to row e + down, column e + right.
-Mm on_diagonal(const Mm &x, int k) {
-    ptrdiff_t down = std::max(-k, 0), right = std::max(k, 0);
-    int n = static_cast<int>(std::min<ptrdiff_t>(x.size() + down + right, INT_MAX)), dims[] = {n, n};
-    auto position = [&](ptrdiff_t e) { return e + down + (e + right) * n; };
+Mm on_diagonal(const Mm &x, kn_size k) {
+    const kn_size down = std::max<kn_size>(-k, 0), right = std::max<kn_size>(k, 0);
+    const kn_size n = x.size() + down + right, dims[] = {n, n};
+    auto position = [&](kn_size e) { return e + down + (e + right) * n; };
     if (!x.issparse()) {
         Mm out;
         if (!kn::make_like(out, x, 2, dims)) return x_M;
         kn::for_planes(out, x, [&](auto *to, const auto *from) {
             if constexpr (std::is_arithmetic_v<std::remove_reference_t<decltype(*to)>>)
                 std::fill_n(to, out.getnnz(), 0);
-            for (int e = 0; e < x.getnnz(); e++) to[position(e)] = from[e];
+            for (kn_size e = 0; e < x.getnnz(); e++) to[position(e)] = from[e];
         });
         return out;
     }
-    int nnz = x.getnnz();
+    kn_size nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, 2, dims, kn_double);
     if (kn::product(2, dims) < 0 || kn::lacks(out, nnz) || !out.issparse()) return x_M;
     kn::for_planes(out, x, [&](auto *to, const auto *from) { std::copy_n(from, nnz, to); });
-    for (int e = 0; e < nnz; e++) out.getindex()[e] = static_cast<int>(position(x.getindex()[e]));
+    for (kn_size e = 0; e < nnz; e++) out.getindex()[e] = position(x.getindex()[e]);
     out.setlogical(x.islogical());
     kn::check(out);
     return out;
 }
 
-Mm diagonal_of(const Mm &x, int k) {
-    int m = x.rows(), down = std::max(-k, 0), right = std::max(k, 0);
-    int n = std::min(m - down, x.cols() - right);
+// Its n elements; positions in a sparse matrix may be more than a double can count.
+Mm sparse_diagonal(const Mm &x, kn_size k, kn_size n) {
+    const kn_size down = std::max<kn_size>(-k, 0);
+    kn_size nnz = 0;
+    kn::for_entries(x, [&](kn_size, kn_size row, kn_size column) { nnz += column - row == k; });
+    Mm d(x.isc(), 1, nnz, n, 1, kn_double);
+    if (kn::lacks(d, nnz) || !d.issparse()) return x_M;
+    kn_size to = 0;
+    kn::for_entries(x, [&](kn_size slot, kn_size row, kn_size column) {
+        if (column - row != k) return;
+        d.getindex()[to] = row - down;
+        d.addr()[to] = x.addr()[slot];
+        if (x.isc()) d.addi()[to] = x.addi()[slot];
+        ++to;
+    });
+    d.setlogical(x.islogical());
+    kn::check(d);
+    return d;
+}
+
+Mm diagonal_of(const Mm &x, kn_size k) {
+    kn_size m = x.rows(), down = std::max<kn_size>(-k, 0), right = std::max<kn_size>(k, 0);
+    kn_size n = std::min(m - down, x.cols() - right);
     if (n <= 0) return nop_M;
+    if (x.issparse()) return sparse_diagonal(x, k, n);
     double first = 1 + down + static_cast<double>(right) * m;
     Mm d = x(colon(first, m + 1.0, first + (n - 1) * (m + 1.0)));
     d.reshape(n, 1);
@@ -55,17 +77,16 @@ Mm diagonal_of(const Mm &x, int k) {
 // ---- Triangles ----
 
 // Whether column c keeps what lies above the diagonal (or below it), and the rows [0, split) and [split, m).
-int split_row(int c, int k, bool upper, int m) {
-    long long first_below = static_cast<long long>(c) - k + (upper ? 1 : 0);
-    return static_cast<int>(std::clamp<long long>(first_below, 0, m));
+kn_size split_row(kn_size c, kn_size k, bool upper, kn_size m) {
+    return std::clamp<kn_size>(c - k + (upper ? 1 : 0), 0, m);
 }
 
-Mm triangle_of_entries(const Mm &x, int k, bool upper) {
-    int nnz = x.getnnz(), m = x.rows(), kept = 0;
-    auto keeps = [&](int position) { return (position % m < split_row(position / m, k, upper, m)) == upper; };
+Mm triangle_of_entries(const Mm &x, kn_size k, bool upper) {
+    kn_size nnz = x.getnnz(), m = x.rows(), kept = 0;
+    auto keeps = [&](kn_size position) { return (position % m < split_row(position / m, k, upper, m)) == upper; };
     Mm out(x.isc(), 1, nnz, m, x.cols(), kn_double);
     if (kn::lacks(out, nnz) || !out.issparse()) return x_M;
-    for (int e = 0; e < nnz; e++) {
+    for (kn_size e = 0; e < nnz; e++) {
         if (!keeps(x.getindex()[e])) continue;
         out.getindex()[kept] = x.getindex()[e];
         out.addr()[kept] = x.addr()[e];
@@ -82,16 +103,16 @@ Mm triangle(const char *name, const Mm &x, const Mm &diagonal, bool upper) {
     x.warn_uninit();
     if (error_2d(x, name) || error_numeric(x, name)) return x_M;
     if (x.size() == 0) return x;
-    int k = diagonal_number(diagonal);
+    kn_size k = diagonal_number(diagonal);
     if (x.issparse()) return triangle_of_entries(x, k, upper);
     Mm out;
     if (!kn::make_like(out, x, 2, x.getdims())) return x_M;
-    int m = x.rows(), n = x.cols();
+    kn_size m = x.rows(), n = x.cols();
     kn::for_planes(out, x, [&](auto *to, const auto *from) {
         if constexpr (std::is_arithmetic_v<std::remove_reference_t<decltype(*to)>>)
-            for (int c = 0; c < n; c++, to += m, from += m) {
-                int split = split_row(c, k, upper, m);
-                int begin = upper ? 0 : split, end = upper ? split : m;
+            for (kn_size c = 0; c < n; c++, to += m, from += m) {
+                kn_size split = split_row(c, k, upper, m);
+                kn_size begin = upper ? 0 : split, end = upper ? split : m;
                 std::fill_n(to, begin, 0);
                 std::copy(from + begin, from + end, to + begin);
                 std::fill(to + end, to + m, 0);
@@ -108,7 +129,7 @@ Mm diag(const Mm &x, const Mm &k) {
     x.warn_uninit();
     if (error_2d(x, "diag") || error_numeric(x, "diag")) return x_M;
     if (x.size() == 0) return x;
-    int number = diagonal_number(k);
+    kn_size number = diagonal_number(k);
     return x.rows() == 1 || x.cols() == 1 ? on_diagonal(x, number) : diagonal_of(x, number);
 }
 

@@ -13,17 +13,17 @@ template <class T> struct Planes {
     const T *re, *im;
     explicit Planes(const Mm &m)
         : re(m.getpr(static_cast<T *>(nullptr))), im(m.getpi(static_cast<T *>(nullptr))) {}
-    double imaginary(int k) const { return im ? im[k] : 0; }
+    double imaginary(kn_size k) const { return im ? im[k] : 0; }
 };
 
 template <class T, class U> bool equal_elements(const Mm &a, const Mm &b) {
     Planes<T> x(a);
     Planes<U> y(b);
-    int n = a.getnnz();
-    for (int k = 0; k < n; k++)
+    kn_size n = a.getnnz();
+    for (kn_size k = 0; k < n; k++)
         if (!(static_cast<double>(x.re[k]) == static_cast<double>(y.re[k]))) return false;
     if (x.im || y.im)
-        for (int k = 0; k < n; k++)
+        for (kn_size k = 0; k < n; k++)
             if (!(x.imaginary(k) == y.imaginary(k))) return false;
     return true;
 }
@@ -35,13 +35,13 @@ template <class T> bool equal_to(const Mm &a, const Mm &b) {
 // Entries that are stored but zero don't count.
 bool equal_entries(const Mm &a, const Mm &b) {
     Planes<double> x(a), y(b);
-    const int *ia = a.getindex(), *ib = b.getindex();
-    auto next = [](const Planes<double> &p, int k, int n) {
+    const kn_size *ia = a.getindex(), *ib = b.getindex();
+    auto next = [](const Planes<double> &p, kn_size k, kn_size n) {
         while (k < n && p.re[k] == 0 && p.imaginary(k) == 0) k++;
         return k;
     };
-    int na = a.getnnz(), nb = b.getnnz();
-    for (int ka = 0, kb = 0;; ka++, kb++) {
+    kn_size na = a.getnnz(), nb = b.getnnz();
+    for (kn_size ka = 0, kb = 0;; ka++, kb++) {
         ka = next(x, ka, na);
         kb = next(y, kb, nb);
         if (ka == na || kb == nb) return ka == na && kb == nb;
@@ -68,11 +68,11 @@ bool alike(const Mm &a, const Mm &b) {
 struct Step {
     const Mm *a, *b;
     const Mm *a_names, *b_names; // the structures, else null
-    int next;
+    kn_size next;
 };
 
 // An element that is missing counts as empty.
-const Mm &value_of(const Mm &cell, int k) {
+const Mm &value_of(const Mm &cell, kn_size k) {
     return cell.gettype() == kn_Mm && k < cell.getnnz() ? kn::element_at(cell, k) : nop_M;
 }
 
@@ -89,7 +89,7 @@ bool equal(const Mm &a, const Mm &b) {
             path.pop();
             continue;
         }
-        const int k = path.top().next++;
+        const kn_size k = path.top().next++;
         if (step.a_names) {
             x = &value_of(*step.a, k);
             y = &value_of(*step.b, kn::find_field(*step.b_names, step.a_names->getfields()[k]));

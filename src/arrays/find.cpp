@@ -12,16 +12,16 @@ namespace {
 
 // The positions, from 1, of the places in x that are selected.
 Mm positions(const Mm &x, const kn::Positions &places) {
-    int n = places.count();
+    kn_size n = places.count();
     bool row = x.rows() == 1;
     Mm out(0, 0, 0, row ? 1 : n, row ? n : 1, kn_double);
     if (kn::lacks(out, n)) return x_M;
     double *to = out.addr();
-    const int *index = x.getindex();
+    const kn_size *index = x.getindex();
     if (places.is_run())
-        for (int k = 0; k < n; k++) to[k] = (index ? index[places.first() + k] : places.first() + k) + 1;
+        for (kn_size k = 0; k < n; k++) to[k] = (index ? index[places.first() + k] : places.first() + k) + 1;
     else if (index)
-        kn::for_masked(places, [=](int k, ptrdiff_t entry) { to[k] = index[entry] + 1; });
+        kn::for_masked(places, [=](kn_size k, ptrdiff_t entry) { to[k] = index[entry] + 1; });
     else
         kn::kernels().moves->numbers(to, n, places.bits(), places.largest() + 1);
     return out;
@@ -31,7 +31,7 @@ Mm positions(const Mm &x, const kn::Positions &places) {
 Mm stored_nonzeros(const Mm &x) {
     kn::Positions places;
     if (!places.set_nonzero(x)) return x_M;
-    int n = places.count();
+    kn_size n = places.count();
     Mm out(x.isc(), 0, 0, n, 1, kn_double);
     if (kn::lacks(out, n)) return x_M;
     kn::gather(out.addr(), x.addr(), places, 1);

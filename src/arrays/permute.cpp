@@ -16,7 +16,7 @@ namespace {
 
 // A permutation of the four dimensions, from 0; those beyond the given ones stay.
 struct Order {
-    int of[4] = {0, 1, 2, 3};
+    kn_size of[4] = {0, 1, 2, 3};
 
     Order inverse() const {
         Order inverse;
@@ -27,28 +27,29 @@ struct Order {
 
 bool read_order(const char *name, const Mm &x, const Mm &values, Order &order) {
     Mm v = mdouble(values);
-    int n = v.getnnz();
+    const kn_size n = v.getnnz();
     bool seen[4] = {}, right = n >= x.getndims() && n <= 4;
-    for (int k = 0; right && k < n; k++) {
-        int d = double_to_int(v.addr()[k]) - 1;
+    for (kn_size k = 0; right && k < n; k++) {
+        const int d = double_to_int(v.addr()[k]) - 1;
         right = d >= 0 && d < n && v.addr()[k] == d + 1 && !seen[d];
         if (right) seen[order.of[k] = d] = true;
     }
     if (!right)
-        error("%s: order must name each of the dimensions 1 to %d once", name, std::max(x.getndims(), n));
+        error("%s: order must name each of the dimensions 1 to %td once", name,
+              std::max<kn_size>(x.getndims(), n));
     return right;
 }
 
 // Extents and, along them, steps in the result and in the source.
 struct Walk {
-    int d[4];
+    kn_size d[4];
     ptrdiff_t to[4], from[4];
 
     Walk(const Mm &x, const Order &order) {
         ptrdiff_t steps[4] = {1}, step = 1;
         for (int k = 1; k < 4; k++) steps[k] = steps[k - 1] * x.getdims()[k - 1];
         for (int k = 0; k < 4; k++) {
-            int source = order.of[k];
+            kn_size source = order.of[k];
             d[k] = x.getdims()[source];
             from[k] = steps[source];
             to[k] = step;
@@ -58,9 +59,9 @@ struct Walk {
 
     // The same with neighbours that stay neighbours as one dimension, and `first` the one along which the
     // source is contiguous.
-    Walk merged(int &first) const {
+    Walk merged(kn_size &first) const {
         Walk w = *this;
-        int n = 0;
+        kn_size n = 0;
         for (int k = 0; k < 4; k++) {
             if (d[k] == 1) continue;
             if (n > 0 && from[k] == w.from[n - 1] * w.d[n - 1]) {
@@ -75,24 +76,24 @@ struct Walk {
             w.d[n] = 1;
             w.to[n] = w.from[n] = 0;
         }
-        first = static_cast<int>(std::find(w.from, w.from + 4, 1) - w.from) % 4;
+        first = static_cast<kn_size>(std::find(w.from, w.from + 4, 1) - w.from) % 4;
         return w;
     }
 };
 
 template <class T> void permute_elements(T *to, const T *from, const Walk &walk, bool negated) {
-    int first, other[2], n = 0; // the dimensions outside the planes
+    kn_size first, other[2], n = 0; // the dimensions outside the planes
     const Walk w = walk.merged(first);
-    int q = first == 0 ? 1 : first;
+    kn_size q = first == 0 ? 1 : first;
     for (int k = 1; k < 4; k++)
         if (k != q) other[n++] = k;
     auto [a, b] = other;
-    for (int l = 0; l < w.d[b]; l++)
-        for (int k = 0; k < w.d[a]; k++) {
+    for (kn_size l = 0; l < w.d[b]; l++)
+        for (kn_size k = 0; k < w.d[a]; k++) {
             T *t = to + k * w.to[a] + l * w.to[b];
             const T *f = from + k * w.from[a] + l * w.from[b];
             if (first == 0)
-                for (int c = 0; c < w.d[q]; c++) kn::copy_run(t + c * w.to[q], f + c * w.from[q], w.d[0]);
+                for (kn_size c = 0; c < w.d[q]; c++) kn::copy_run(t + c * w.to[q], f + c * w.from[q], w.d[0]);
             else
                 kn::transpose_plane(kn::Transposition<T>{t, w.to[q], f, w.from[0], w.d[0], w.d[q]}, negated);
         }
@@ -101,14 +102,14 @@ template <class T> void permute_elements(T *to, const T *from, const Walk &walk,
 // ---- Sparse values ----
 
 Mm permute_entries(const Mm &x, const Walk &w) {
-    int nnz = x.getnnz();
+    kn_size nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, 4, w.d, kn_double);
     if (kn::lacks(out, nnz) || !out.issparse()) return x_M;
-    for (int k = 0; k < nnz; k++) {
-        int from = x.getindex()[k];
+    for (kn_size k = 0; k < nnz; k++) {
+        kn_size from = x.getindex()[k];
         ptrdiff_t to = 0;
         for (int d = 0; d < 4; d++) to += from / w.from[d] % w.d[d] * w.to[d];
-        out.getindex()[k] = static_cast<int>(to);
+        out.getindex()[k] = static_cast<kn_size>(to);
     }
     kn::for_planes(out, x, [nnz](auto *to, const auto *from) { std::copy_n(from, nnz, to); });
     out.sort();
@@ -121,19 +122,19 @@ Mm permute_entries(const Mm &x, const Walk &w) {
 
 // The transpose of a sparse matrix: the entries of each row are counted, then distributed.
 Mm transpose_entries(const Mm &x) {
-    int m = x.rows(), n = x.cols(), nnz = x.getnnz();
+    kn_size m = x.rows(), n = x.cols(), nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, n, m, kn_double);
-    kn::Scratch<int> place(m + ptrdiff_t{1});
+    kn::Scratch<kn_size> place(m + ptrdiff_t{1});
     if (kn::lacks(out, nnz) || !out.issparse() || !place) return x_M;
-    int *at = place.get();
+    kn_size *at = place.get();
     std::fill_n(at, m + 1, 0);
-    kn::for_entries(x, [at](int, int row, int) { at[row + 1]++; });
+    kn::for_entries(x, [at](int, kn_size row, int) { at[row + 1]++; });
     std::partial_sum(at, at + m + 1, at);
-    int *index = out.getindex();
+    kn_size *index = out.getindex();
     const double *from = x.addr(), *from_im = x.addi();
     double *to = out.addr(), *to_im = out.addi();
-    kn::for_entries(x, [=](int k, int row, int column) {
-        int e = at[row]++;
+    kn::for_entries(x, [=](kn_size k, kn_size row, kn_size column) {
+        kn_size e = at[row]++;
         index[e] = row * n + column;
         to[e] = from[k];
         if (to_im) to_im[e] = from_im[k];

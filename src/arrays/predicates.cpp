@@ -34,8 +34,8 @@ Mm isempty(const Mm &m) {
 }
 
 Mm isvector(const Mm &m) {
-    const int *dims = m.getdims();
-    return answer(m.size() != 0 && std::count_if(dims, dims + 4, [](int n) { return n > 1; }) <= 1);
+    const kn_size *dims = m.getdims();
+    return answer(m.size() != 0 && std::count_if(dims, dims + 4, [](kn_size n) { return n > 1; }) <= 1);
 }
 
 int istrue(const Mm &x) {
@@ -44,8 +44,8 @@ int istrue(const Mm &x) {
     if (x.gettype() == kn_none || error_numeric(x, "istrue") || x.size() < 1) return 0;
     Mm v = mdouble(x);
     const double *re = v.addr(), *im = v.addi();
-    int n = v.getnnz();
-    for (int k = 0; k < n; k++)
+    kn_size n = v.getnnz();
+    for (kn_size k = 0; k < n; k++)
         if (!kn::is_nonzero(re, im, k)) return 0;
     return n > 0;
 }

@@ -14,17 +14,17 @@ Mm colon() { return c_p; }
 
 Mm colon(double a, double b) {
     if (b < a) return nop_M;
-    int n = double_to_int(b - a + 1); // below 1 for NaN
+    kn_size n = double_to_size(b - a + 1); // below 1 for NaN
     if (n < 1) return nop_M;
 
     Mm out(0, 0, 0, 1, n, kn_double);
     if (kn::lacks(out, n)) return x_M;
     double *x = out.addr();
     if (a == std::floor(a) && std::fabs(a) < 0x1p52) { // every sum is exact, in whatever order
-        for (int k = 1; k < n; k++) x[k] = a + k;
+        for (kn_size k = 1; k < n; k++) x[k] = a + k;
         x[0] = a; // -0 plus 0 is 0
     } else {
-        for (int k = 0; k < n; k++, a += 1) x[k] = a;
+        for (kn_size k = 0; k < n; k++, a += 1) x[k] = a;
     }
     return out;
 }
@@ -34,7 +34,7 @@ Mm colon(double a, double s, double b) {
     double n0 = (b - a) / s + 1;
     double nearest = std::floor(n0 + 0.5);
     bool exact = std::fabs(n0 - nearest) < 1e-8;
-    int n = double_to_int(exact ? nearest : n0); // below 1 for NaN
+    kn_size n = double_to_size(exact ? nearest : n0); // below 1 for NaN
     if (n < 1) return nop_M;
     if (n == 1) return a;
 
@@ -43,10 +43,10 @@ Mm colon(double a, double s, double b) {
     double *x = out.addr();
     double last = exact ? b : (n - 1) * s + a;
     double total = last + a;
-    int half = n / 2;
-    for (int k = 0; k < half; k++) x[k] = k * s + a;
+    kn_size half = n / 2;
+    for (kn_size k = 0; k < half; k++) x[k] = k * s + a;
     if (n % 2 == 1) x[half] = total * 0.5;
-    for (int k = 0; k < half; k++) x[n - 1 - k] = total - x[k];
+    for (kn_size k = 0; k < half; k++) x[n - 1 - k] = total - x[k];
     double &end = x[n - 1];
     if (s > 0 ? end > last : end < last) end = last;
     return out;

@@ -17,35 +17,34 @@
 
 namespace {
 
-template <class T> void lay_tiles(T *to, const T *from, const int *d, const int *count) {
+template <class T> void lay_tiles(T *to, const T *from, const kn_size *d, const kn_size *count) {
     // The runs of the first dimension, each at its place in the first tile and beside itself.
     ptrdiff_t steps[4] = {1};
     for (int k = 1; k < 4; k++) steps[k] = steps[k - 1] * d[k - 1] * count[k - 1];
-    for (int l = 0; l < d[3]; l++)
-        for (int k = 0; k < d[2]; k++)
-            for (int c = 0; c < d[1]; c++, from += d[0]) {
+    for (kn_size l = 0; l < d[3]; l++)
+        for (kn_size k = 0; k < d[2]; k++)
+            for (kn_size c = 0; c < d[1]; c++, from += d[0]) {
                 T *run = to + c * steps[1] + k * steps[2] + l * steps[3];
                 if (d[0] == 1)
                     kn::fill_run(run, *from, count[0]);
                 else
-                    for (int t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
+                    for (kn_size t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
             }
     // Blocks along the other dimensions.
     for (int dim = 1; dim < 4; dim++) {
         ptrdiff_t block = steps[dim] * d[dim];
-        for (int l = 0; l < (dim < 3 ? d[3] : 1); l++)
-            for (int k = 0; k < (dim < 2 ? d[2] : 1); k++) {
+        for (kn_size l = 0; l < (dim < 3 ? d[3] : 1); l++)
+            for (kn_size k = 0; k < (dim < 2 ? d[2] : 1); k++) {
                 T *first = to + l * steps[3] + (dim < 2 ? k * steps[2] : 0);
-                for (int t = 1; t < count[dim]; t++) kn::copy_run(first + t * block, first, block);
+                for (kn_size t = 1; t < count[dim]; t++) kn::copy_run(first + t * block, first, block);
             }
     }
 }
 
 Mm tiled(const Mm &x, const kn::Extents &count) {
-    int dims[4]; // an extent that is cut makes no array that could be allocated
+    kn_size dims[4]; // an extent that is cut makes no array that could be allocated
     for (int k = 0; k < 4; k++)
-        dims[k] = static_cast<int>(
-            std::min<long long>(static_cast<long long>(x.getdims()[k]) * count.d[k], INT_MAX));
+        if (__builtin_mul_overflow(x.getdims()[k], count.d[k], &dims[k])) dims[k] = kn::size_max;
     Mm out;
     if (!kn::make_like(out, x, 4, dims)) return x_M;
     if (out.size() == 0) return out;
@@ -55,7 +54,7 @@ Mm tiled(const Mm &x, const kn::Extents &count) {
 }
 
 // 1, 2, ..., n, again and again.
-Mm cycle(int n, int count) { return rem(colon(0.0, static_cast<double>(n) * count - 1), n) + 1.0; }
+Mm cycle(kn_size n, kn_size count) { return rem(colon(0.0, static_cast<double>(n) * count - 1), n) + 1.0; }
 
 Mm repeated(const Mm &x, std::initializer_list<const Mm *> counts) {
     x.warn_uninit();

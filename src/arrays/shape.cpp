@@ -13,13 +13,19 @@
 
 namespace {
 
-int extent(double x) { return double_to_int(std::floor(x + 0.5)); }
+kn_size extent(double x) { return double_to_size(std::floor(x + 0.5)); }
+
+// The product of sizes that are not negative; the largest size where it is too large.
+kn_size times(kn_size a, kn_size b) {
+    const kn_size both[] = {a, b}, n = kn::product(2, both);
+    return n < 0 ? kn::size_max : n;
+}
 
 // The extents, of which one empty value is found from the others.
 Mm shaped(const Mm &x, std::initializer_list<const Mm *> sizes) {
     x.warn_uninit();
-    int dims[4], n = 0, unknown = -1;
-    long long known = 1;
+    kn_size dims[4], n = 0, unknown = -1;
+    kn_size known = 1;
     for (const Mm *size : sizes) {
         if (size->size() == 0 && unknown >= 0) {
             error("reshape: only one size may be []");
@@ -28,16 +34,16 @@ Mm shaped(const Mm &x, std::initializer_list<const Mm *> sizes) {
         if (size->size() == 0)
             unknown = n;
         else
-            known = std::min<long long>(known * std::max(extent(kn::first_number(*size)), 0), 1LL << 32);
+            known = times(known, extent(kn::first_number(*size)));
         dims[n++] = size->size() == 0 ? 0 : extent(kn::first_number(*size));
     }
-    int total = x.size();
+    kn_size total = x.size();
     if (unknown >= 0) {
         if (known == 0 ? total > 0 : total % known != 0) {
-            error("reshape: size=%d is no multiple of the product of the sizes given", total);
+            error("reshape: size=%td is no multiple of the product of the sizes given", total);
             return x_M;
         }
-        dims[unknown] = known == 0 ? 0 : static_cast<int>(total / known);
+        dims[unknown] = known == 0 ? 0 : total / known;
     }
     Mm out = x;
     if (n == 2)
@@ -58,14 +64,14 @@ Mm reversed(const Mm &x, int dim) {
 Mm reshape(const Mm &x, const Mm &sizes) {
     x.warn_uninit();
     Mm v = mdouble(sizes);
-    int n = v.getnnz();
+    kn_size n = v.getnnz();
     if (n < 2) {
         error("reshape: size vector must have at least two elements");
         return x_M;
     }
-    kn::Scratch<int> dims(n);
+    kn::Scratch<kn_size> dims(n);
     if (!dims) return x_M;
-    for (int k = 0; k < n; k++) dims[k] = extent(v.addr()[k]);
+    for (kn_size k = 0; k < n; k++) dims[k] = extent(v.addr()[k]);
     Mm out = x;
     out.reshape(n, dims.get());
     return out;
@@ -80,7 +86,7 @@ Mm reshape(const Mm &x, const Mm &m, const Mm &n, const Mm &p, const Mm &q) {
 Mm squeeze(const Mm &x) {
     x.warn_uninit();
     if (x.getndims() <= 2) return x;
-    int dims[4] = {1, 1, 1, 1}, n = 0;
+    kn_size dims[4] = {1, 1, 1, 1}, n = 0;
     for (int k = 1; k <= 4; k++)
         if (x.size(k) != 1) dims[n++] = x.size(k);
     Mm out = x;
@@ -96,7 +102,7 @@ Mm rot90(const Mm &x) { return rot90(x, 1.0); }
 Mm rot90(const Mm &x, const Mm &quarters) {
     if (error_2d(x, "rot90")) return x_M;
     double k = kn::first_number(quarters);
-    switch (double_to_int(k - 4 * std::floor(k / 4))) {
+    switch (double_to_size(k - 4 * std::floor(k / 4))) {
     case 1: return flipud(transpose(x));
     case 2: return flipud(fliplr(x));
     case 3: return fliplr(transpose(x));

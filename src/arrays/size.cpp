@@ -13,8 +13,8 @@ Mm sizes(const Mm &x, std::initializer_list<Mm *> out) {
     x.warn_uninit();
     double extents[4];
     std::copy_n(x.getdims(), 4, extents);
-    int n = static_cast<int>(out.size());
-    for (int k = n; k < 4; k++) extents[n - 1] *= extents[k];
+    kn_size n = static_cast<kn_size>(out.size());
+    for (kn_size k = n; k < 4; k++) extents[n - 1] *= extents[k];
     const double *extent = extents;
     for (Mm *m : out) *m = *extent++;
     return x_M;
@@ -34,7 +34,7 @@ Mm size(const Mm &x) {
 Mm size(const Mm &x, const Mm &dim) {
     constexpr int backwards = 100;
     x.warn_uninit();
-    int d = double_to_int(kn::first_number(dim));
+    const int d = double_to_int(kn::first_number(dim));
     if (d != backwards) return x.size(d);
     Mm out = size(x);
     std::reverse(out.addr(), out.addr() + out.getnnz());

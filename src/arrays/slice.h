@@ -12,7 +12,7 @@ Mm slice(const Mm &x, int dim, const Mm &k);
 void set_slice(Mm &x, int dim, const Mm &k, const Mm &v);
 
 // x repeated n times along `dim`, as if by repmat.
-Mm repeat(const Mm &x, int dim, int n);
+Mm repeat(const Mm &x, int dim, kn_size n);
 
 // A vector laid along `dim`.
 Mm along(const Mm &x, int dim);

@@ -15,10 +15,10 @@
 namespace {
 
 // n - 1 for flag 0, n for flag 1; a single observation has variance 0. -1 after an error.
-double divisor(const char *name, const Mm &flag, int n) {
+double divisor(const char *name, const Mm &flag, kn_size n) {
     double f = flag.size() == 0 ? 0 : kn::first_number(flag);
-    if (f == 0) return std::max(n - 1, 1);
-    if (f == 1) return n;
+    if (f == 0) return static_cast<double>(std::max<kn_size>(n - 1, 1));
+    if (f == 1) return static_cast<double>(n);
     error("%s: flag must be 0 or 1", name);
     return -1;
 }

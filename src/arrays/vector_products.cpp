@@ -50,7 +50,7 @@ Mm cross_along(const Mm &a, const Mm &b, int dim) {
 
 // The areas of the trapezoids along dim; false after an error. There is at least one.
 bool areas(const char *name, const Mm &x, const Mm &y, int dim, Mm &out) {
-    int m = y.size(dim);
+    kn_size m = y.size(dim);
     Mm pairs = kn::slice(y, dim, colon(1.0, m - 1)) + kn::slice(y, dim, colon(2.0, m));
     if (x.size() == 0) {
         out = pairs / 2.0;
@@ -70,7 +70,7 @@ bool areas(const char *name, const Mm &x, const Mm &y, int dim, Mm &out) {
 
 // A zero for each line along the dimension.
 Mm zero_slice(const Mm &y, int dim) {
-    int dims[4];
+    kn_size dims[4];
     std::copy_n(y.getdims(), 4, dims);
     dims[dim - 1] = 1;
     return czeros(0, 4, dims);
@@ -116,7 +116,7 @@ Mm dot(const Mm &a, const Mm &b) {
 Mm dot(const Mm &a, const Mm &b, const Mm &dim) { return dot_along(a, b, &dim); }
 
 Mm cross(const Mm &a, const Mm &b) {
-    const int *d = a.getdims(), *found = std::find(d, d + 4, 3);
+    const kn_size *d = a.getdims(), *found = std::find(d, d + 4, 3);
     Mm turned;
     return cross_along(a, directed_as(b, a, turned), found == d + 4 ? 0 : static_cast<int>(found - d) + 1);
 }

@@ -59,11 +59,11 @@ static_assert([] {
 // 32 KB, at least 8 blocks, but one block of those above 16 KB.
 constexpr uint32_t span_pages(int size_class) {
     const size_t size = size_of(size_class), blocks = size > 16384 ? 1 : 8;
-    return std::max<uint32_t>(blocks * size < 32768 && blocks > 1 ? 8 : 0,
-                              (blocks * size + front_size + heap_page - 1) / heap_page);
+    const size_t pages = (blocks * size + front_size + heap_page - 1) / heap_page;
+    return static_cast<uint32_t>(std::max<size_t>(blocks * size < 32768 && blocks > 1 ? 8 : 0, pages));
 }
 constexpr uint32_t span_blocks(int size_class) {
-    return (span_pages(size_class) * heap_page - front_size) / size_of(size_class);
+    return static_cast<uint32_t>((span_pages(size_class) * heap_page - front_size) / size_of(size_class));
 }
 
 class SmallBlocks {

@@ -37,7 +37,7 @@ inline unsigned char &state(unsigned char *data) { return data[-3]; }
 // Sizes are the multiples of 16 up to 128, then four between each power of two and the next.
 constexpr int class_of(std::size_t size) {
     if (size <= 128) return static_cast<int>((size + 15) / 16) - 1;
-    const int log2 = std::bit_width(size - 1) - 1;
+    const int log2 = static_cast<int>(std::bit_width(size - 1)) - 1;
     return 4 * log2 - 24 + static_cast<int>((size - 1) >> (log2 - 2));
 }
 constexpr std::size_t size_of(int size_class) {

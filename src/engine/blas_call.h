@@ -14,6 +14,8 @@
 #ifndef QUORVEX_ENGINE_BLAS_CALL_H
 #define QUORVEX_ENGINE_BLAS_CALL_H
 
+#include <cstddef>
+
 namespace kn {
 
 enum class BlasWork {
@@ -41,14 +43,14 @@ class BlasCall {
 };
 
 // How a matrix of m by n is factored.
-inline BlasWork factorisation_of(int m, int n) {
+inline BlasWork factorisation_of(ptrdiff_t m, ptrdiff_t n) {
     constexpr double order = 256;
     const double work = static_cast<double>(m) * n * (m < n ? m : n);
     return work <= order * order * order ? BlasWork::alone : BlasWork::factorisation;
 }
 
 // How a product of m by k and k by n is formed.
-inline BlasWork product_of(int m, int k, int n) {
+inline BlasWork product_of(ptrdiff_t m, ptrdiff_t k, ptrdiff_t n) {
     return static_cast<double>(m) * k * n <= 1 << 18 ? BlasWork::small : BlasWork::product;
 }
 

@@ -33,8 +33,8 @@ int dimension_in(const Mm &dim) {
 
 // How a result lies to its operands.
 struct Shape {
-    int dims[4];
-    int len = 1, stride = 1, outer = 1;
+    kn_size dims[4];
+    kn_size len = 1, stride = 1, outer = 1;
 };
 
 // -- Empty operands: the empty double, but for these.
@@ -75,7 +75,7 @@ bool shape_along(const Mm &a, const Mm &b, op_t op, int d, Shape &s) {
         return false;
     }
     std::copy(a.getdims(), a.getdims() + 4, s.dims);
-    int *extent = &s.dims[d - 1];
+    kn_size *extent = &s.dims[d - 1];
     s.len = *extent;
     for (int k = 0; k < 4; ++k) (k < d - 1 ? s.stride : s.outer) *= k == d - 1 ? 1 : s.dims[k];
     switch (op) {
@@ -222,7 +222,7 @@ bool with_positions(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, 
 Mm computed(int complex_result, const Mm &a, const Mm &b, op_t op, const Shape &s, Mm &extra) {
     kn_matrix_types t = a.gettype();
     Mm out(complex_result, 0, 0, 4, s.dims, t);
-    int n = product(4, s.dims);
+    kn_size n = product(4, s.dims);
     if (n < 0 || lacks(out, n)) {
         out = x_M;
         return out;

@@ -5,6 +5,7 @@
 #include <complex>
 
 #include "quorvex/host.h"
+#include "quorvex/values.h"
 
 namespace kn {
 
@@ -15,14 +16,15 @@ template <class T> constexpr double longest_work = (1 << 28) / (sizeof(T) == siz
 template <class T> bool too_long(double work) { return kn_poll_handler && work > longest_work<T>; }
 
 // How many of n alike pieces of work may be done at once.
-template <class T> int at_once(int n, double work) {
-    return too_long<T>(n * work) ? static_cast<int>(longest_work<T> / work) + 1 : n;
+template <class T> kn_size at_once(kn_size n, double work) {
+    return too_long<T>(n * work) ? static_cast<kn_size>(longest_work<T> / work) + 1 : n;
 }
 
-// c = alpha a b + beta c, of m by k and k by n; T is double or std::complex<double>. False, c being of no
-// use, after a report: an interruption, or no memory.
+// c = alpha a b + beta c, of m by k and k by n; T is double or std::complex<double>. What is more than BLAS can
+// count is cut into blocks. False, c being of no use, after a report: an interruption, or no memory.
 template <class T>
-bool gemm(int m, int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc);
+bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, const T *b, kn_size ldb, T beta, T *c,
+          kn_size ldc);
 
 } // namespace kn
 

@@ -23,7 +23,7 @@ ptrdiff_t grain_of(ptrdiff_t work_per_column) { return (1 << 15) / (work_per_col
 // last there is another one.
 template <int width, class A, class B>
 void times_columns(const Mm &s, const Mm &f, const Mm &out, ptrdiff_t c) {
-    const int *index = s.getindex(), *end = index + s.getnnz(), *e = index;
+    const kn_size *index = s.getindex(), *end = index + s.getnnz(), *e = index;
     const ptrdiff_t m = s.rows(), inner = s.cols(), last = end[-1] / m;
     const PlanesOf<A> x(s);
     const PlanesOf<B> y(f);
@@ -38,22 +38,22 @@ void times_columns(const Mm &s, const Mm &f, const Mm &out, ptrdiff_t c) {
                 for (int w = 0; w < width; ++w) z.add(shift + w * m + *e, x[e - index] * factor[w]);
             return;
         }
-        const int *first = e;
+        const kn_size *first = e;
         while (is_in_column(e)) ++e;
         for (int w = 0; w < width; ++w)
             if (is_nonzero(factor[w]))
-                for (const int *k = first; k < e; ++k) z.add(shift + w * m + *k, x[k - index] * factor[w]);
+                for (const kn_size *k = first; k < e; ++k) z.add(shift + w * m + *k, x[k - index] * factor[w]);
     };
     for (ptrdiff_t r = 0; r < last; ++r)
-        add_column(r, [next = (r + 1) * m](const int *entry) { return *entry < next; });
-    add_column(last, [end](const int *entry) { return entry < end; });
+        add_column(r, [next = (r + 1) * m](const kn_size *entry) { return *entry < next; });
+    add_column(last, [end](const kn_size *entry) { return entry < end; });
 }
 
 template <class A, class B> void sparse_times_full(const Mm &s, const Mm &f, const Mm &out) {
     if (s.getnnz() == 0) return;
-    constexpr int wide = 4;
+    constexpr kn_size wide = 4;
     const ptrdiff_t n = f.cols(), blocks = (n + wide - 1) / wide;
-    parallel_for(blocks, grain_of(wide * (s.getnnz() + ptrdiff_t{s.cols()})),
+    parallel_for(blocks, grain_of(wide * (s.getnnz() + s.cols())),
                  [&](ptrdiff_t from, ptrdiff_t to) {
                      ptrdiff_t c = wide * from, end = std::min(wide * to, n);
                      for (; c + wide <= end; c += wide) times_columns<wide, A, B>(s, f, out, c);
@@ -64,7 +64,7 @@ template <class A, class B> void sparse_times_full(const Mm &s, const Mm &f, con
 // A row times columns of s: each is a sum over its entries.
 template <class A, class B> void row_times_sparse(const Mm &f, const Mm &s, const Mm &out) {
     if (s.getnnz() == 0) return;
-    const int *index = s.getindex(), *end = index + s.getnnz(), *e = index;
+    const kn_size *index = s.getindex(), *end = index + s.getnnz(), *e = index;
     const ptrdiff_t inner = s.rows(), last = end[-1] / inner;
     const PlanesOf<A> x(f);
     const PlanesOf<B> y(s);
@@ -79,29 +79,29 @@ template <class A, class B> void row_times_sparse(const Mm &f, const Mm &s, cons
         z.set(c, sum);
     };
     for (ptrdiff_t c = 0; c < last; ++c)
-        sum_column(c, [next = (c + 1) * inner](const int *entry) { return *entry < next; });
-    sum_column(last, [end](const int *entry) { return entry < end; });
+        sum_column(c, [next = (c + 1) * inner](const kn_size *entry) { return *entry < next; });
+    sum_column(last, [end](const kn_size *entry) { return entry < end; });
 }
 
 // f times column c of s: of each of its entries the multiple of a column of f.
 template <class A, class B> void full_times_sparse(const Mm &f, const Mm &s, const Mm &out) {
     if (f.rows() == 1) return row_times_sparse<A, B>(f, s, out);
-    const int *index = s.getindex(), *end = index + s.getnnz(), m = f.rows(), inner = s.rows();
+    const kn_size *index = s.getindex(), *end = index + s.getnnz(), m = f.rows(), inner = s.rows();
     const PlanesOf<A> x(f);
     const PlanesOf<B> y(s);
     const PlanesOf<ProductOf<A, B>> z(out);
-    const ptrdiff_t work = static_cast<ptrdiff_t>(m) * (s.getnnz() / s.cols() + 1);
+    const ptrdiff_t work = m * (s.getnnz() / s.cols() + 1);
     parallel_for(s.cols(), grain_of(work), [&](ptrdiff_t from, ptrdiff_t to) {
         ptrdiff_t column = from * inner;
-        const int *e = std::lower_bound(index, end, column);
+        const kn_size *e = std::lower_bound(index, end, column);
         for (ptrdiff_t c = from; c < to; ++c, column += inner)
             for (; e < end && *e < column + inner; ++e) {
                 const B factor = y[e - index];
                 const ptrdiff_t other = (*e - column) * m;
                 if (is_finite(factor)) // a zero adds nothing
-                    for (int r = 0; r < m; ++r) z.add(c * m + r, x[other + r] * factor);
+                    for (kn_size r = 0; r < m; ++r) z.add(c * m + r, x[other + r] * factor);
                 else
-                    for (int r = 0; r < m; ++r)
+                    for (kn_size r = 0; r < m; ++r)
                         if (is_nonzero(x[other + r])) z.add(c * m + r, x[other + r] * factor);
             }
     });
@@ -110,7 +110,7 @@ template <class A, class B> void full_times_sparse(const Mm &f, const Mm &s, con
 } // namespace
 
 Mm mixed_product(const Mm &a, const Mm &b) {
-    const int dims[] = {a.rows(), b.cols()}, n = product(2, dims);
+    const kn_size dims[] = {a.rows(), b.cols()}, n = product(2, dims);
     if (n >= 100000000) { // as `full` says of such a product
         error("full: matrix too large");
         return x_M;

@@ -30,7 +30,7 @@ namespace {
 
 // Products of m by k and k by n, until one fails, which has been reported.
 struct Products {
-    int m, k, n;
+    kn_size m, k, n;
     bool ok = true;
 
     // c = sign a b + beta c
@@ -79,8 +79,8 @@ bool three_products(Products &s, const Mm &a, const Mm &b, Mm &c) {
 
 Mm dense_product(const Mm &a, const Mm &b) {
     Products s = {a.rows(), a.cols(), b.cols()};
-    int extents[2] = {s.m, s.n};
-    int n = kn::product(2, extents);
+    kn_size extents[2] = {s.m, s.n};
+    kn_size n = kn::product(2, extents);
     Mm c(a.isc() || b.isc(), 0, 0, s.m, s.n, kn_double);
     if (n < 0 || lacks(c, n)) return x_M;
     if (a.isc() && b.isc()) {
@@ -103,7 +103,7 @@ Mm of_doubles(const Mm &x) { return x.gettype() == kn_uint8 ? mdouble(x) : x; }
 
 bool conform(const Mm &a, const Mm &b) {
     if (a.getndims() == 2 && b.getndims() == 2 && a.cols() == b.rows()) return true;
-    error("*: wrong dimensions of: %s %dx%d, %s %dx%d", kn_display_name(a), a.rows(), a.cols(),
+    error("*: wrong dimensions of: %s %tdx%td, %s %tdx%td", kn_display_name(a), a.rows(), a.cols(),
           kn_display_name(b), b.rows(), b.cols());
     return false;
 }

@@ -17,10 +17,10 @@ namespace {
 Mm numbers(const Mm &f) { return f.gettype() == kn_uint8 ? mdouble(f) : f; }
 
 // 0, 1, 2, ... as coordinates for n elements.
-Mm counted(int n) {
+Mm counted(kn_size n) {
     Mm x(0, 0, 0, 1, n, kn_double);
     if (lacks(x, n)) return x_M;
-    for (int k = 0; k < n; ++k) x.addr()[k] = k;
+    for (kn_size k = 0; k < n; ++k) x.addr()[k] = k;
     return x;
 }
 
@@ -37,9 +37,9 @@ Mm slope(const Mm &f, const Mm &coordinates, int d) {
 
 // Each element divided by the one of g that belongs to its place along dimension d.
 void divide_along(Mm &out, const Mm &g, int d) {
-    const int *dims = out.getdims();
+    const kn_size *dims = out.getdims();
     ptrdiff_t stride = 1, len = dims[d - 1];
-    for (int k = 0; k < d - 1; ++k) stride *= dims[k];
+    for (kn_size k = 0; k < d - 1; ++k) stride *= dims[k];
     if (g.getnnz() < len || out.issparse()) return;
     for (ptrdiff_t k = 0; k < out.getnnz(); ++k) out.addr()[k] /= g.addr()[k / stride % len];
 }

@@ -27,7 +27,7 @@ bool before(const Keyed &x, const Keyed &y) {
 }
 
 struct SliceLayout {
-    int len = 1;
+    kn_size len = 1;
     ptrdiff_t stride = 1, outer = 1;
 };
 
@@ -39,9 +39,9 @@ bool sort_slices(const SliceLayout &s, E *slice, Read read, Write write) {
         for (ptrdiff_t i = 0; i < s.stride; ++i) {
             if (interrupted()) return false;
             ptrdiff_t start = o * s.len * s.stride + i;
-            for (int k = 0; k < s.len; ++k) slice[k] = read(start + k * s.stride);
+            for (kn_size k = 0; k < s.len; ++k) slice[k] = read(start + k * s.stride);
             std::sort(slice, slice + s.len, [](const E &x, const E &y) { return before(x, y); });
-            for (int k = 0; k < s.len; ++k) write(start + k * s.stride, slice[k]);
+            for (kn_size k = 0; k < s.len; ++k) write(start + k * s.stride, slice[k]);
         }
     return true;
 }
@@ -79,11 +79,11 @@ bool sort_complex(const SliceLayout &s, const Mm &a, Mm &out) {
 } // namespace
 
 Mm sorted_along(const Mm &a, int d) {
-    const int *dims = a.getdims();
+    const kn_size *dims = a.getdims();
     SliceLayout s;
     s.len = dims[d - 1];
-    for (int k = 0; k < d - 1; ++k) s.stride *= dims[k];
-    for (int k = d; k < 4; ++k) s.outer *= dims[k];
+    for (kn_size k = 0; k < d - 1; ++k) s.stride *= dims[k];
+    for (kn_size k = d; k < 4; ++k) s.outer *= dims[k];
 
     bool bytes = a.gettype() == kn_uint8;
     Mm out = fresh_like(a, a.isc() && !bytes, a.gettype());

@@ -31,11 +31,11 @@ namespace {
 // forgets the positions.
 Mm stored_column(const Mm &a) {
     Mm column = a;
-    int n = a.getnnz(), one = n > 0 ? 1 : 0;
+    kn_size n = a.getnnz(), one = n > 0 ? 1 : 0;
     Header::index(column) = nullptr;
     column.setsparse(0);
     column.getndims() = 2;
-    int extents[4] = {n, one, one, one};
+    kn_size extents[4] = {n, one, one, one};
     std::copy(extents, extents + 4, column.getdims());
     return column;
 }
@@ -76,10 +76,10 @@ enum : unsigned char { in_a = 1, in_b = 2 };
 
 // The union of two ascending lists. How many positions it has. Which list goes on is no branch: it can't be
 // foretold. That both do can be, in matrices of one pattern.
-int unite(const int *a, int na, const int *b, int nb, int *positions, unsigned char *where) {
-    int i = 0, j = 0, n = 0;
+kn_size unite(const kn_size *a, kn_size na, const kn_size *b, kn_size nb, kn_size *positions, unsigned char *where) {
+    kn_size i = 0, j = 0, n = 0;
     for (; i < na && j < nb; ++n) {
-        const int p = a[i], q = b[j];
+        const kn_size p = a[i], q = b[j];
         if (p == q) {
             positions[n] = p;
             where[n] = in_a | in_b;
@@ -98,13 +98,13 @@ int unite(const int *a, int na, const int *b, int nb, int *positions, unsigned c
 }
 
 // One operand's values at each position of the union, 0 where it stores nothing.
-Mm spread(const Mm &a, const unsigned char *where, unsigned char in_this, int n) {
+Mm spread(const Mm &a, const unsigned char *where, unsigned char in_this, kn_size n) {
     Mm row(a.isc(), 0, 0, 1, n, kn_double);
     if (lacks(row, n)) return row;
-    const int last = std::max(a.getnnz() - 1, 0);
+    const kn_size last = std::max<kn_size>(a.getnnz() - 1, 0);
     for (const auto &[to, from] : {std::pair(row.addr(), a.addr()), std::pair(row.addi(), a.addi())}) {
         if (!to) continue;
-        for (int k = 0, e = 0; k < n; ++k) {
+        for (kn_size k = 0, e = 0; k < n; ++k) {
             const bool here = where[k] & in_this;
             const double x = from[std::min(e, last)];
             to[k] = here ? x : 0;
@@ -125,18 +125,14 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
 
     // The list of a sparse value without entries has the room, and the ownership, for the union. Positions
     // outside the result, of a matrix against an empty value, are left out.
-    int na = a.getnnz(), nb = b.getnnz();
-    if (na > INT_MAX - nb) {
-        out_of_memory();
-        return x_M;
-    }
-    const int *ia = a.getindex(), *ib = b.getindex();
-    Mm list(0, 1, na + nb, std::max(na + nb, 1), 1, kn_double);
+    kn_size na = a.getnnz(), nb = b.getnnz();
+    const kn_size *ia = a.getindex(), *ib = b.getindex();
+    Mm list(0, 1, na + nb, std::max<kn_size>(na + nb, 1), 1, kn_double);
     if (lacks(list, na + nb)) return x_M;
-    int *positions = list.getindex();
-    Scratch<unsigned char> where(ptrdiff_t{na} + nb);
+    kn_size *positions = list.getindex();
+    Scratch<unsigned char> where(na + nb);
     if (!where) return x_M;
-    int n = unite(ia, na, ib, nb, positions, where.get());
+    kn_size n = unite(ia, na, ib, nb, positions, where.get());
     while (n > 0 && positions[n - 1] >= like.size()) --n;
     if (n == 0) return Mm(0, 1, 0, like.getndims(), like.getdims(), kn_double);
 
@@ -149,10 +145,10 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
 
 } // namespace
 
-Mm sparse_entries(const Mm &values, const int *positions, const Mm &like) {
+Mm sparse_entries(const Mm &values, const kn_size *positions, const Mm &like) {
     Mm x = values;
     if (x.gettype() != kn_double) x.deepcopy(values, kn_double);
-    int n = x.getnnz();
+    kn_size n = x.getnnz();
     Mm out(x.isc(), 1, n, like.getndims(), like.getdims(), kn_double);
     if (lacks(out, n)) return x_M;
     std::copy(positions, positions + n, out.getindex());

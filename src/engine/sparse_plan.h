@@ -12,7 +12,7 @@ Mm sparse_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim,
 
 // A sparse double value of the extents of `like` with the elements of `values` at these positions, ascending;
 // zeros are dropped. Complex when `values` is.
-Mm sparse_entries(const Mm &values, const int *positions, const Mm &like);
+Mm sparse_entries(const Mm &values, const kn_size *positions, const Mm &like);
 
 } // namespace kn
 

@@ -57,11 +57,11 @@ Mm expint(const Mm &a) {
     Mm out = element_operation(0, a, zero_M, nop_M, op_expint, 0, l_M);
     if (out.gettype() != kn_double || out.getnnz() != a.getnnz() || a.gettype() != kn_double) return out;
     const double *x = a.addr();
-    int n = a.getnnz();
+    kn_size n = a.getnnz();
     if (std::none_of(x, x + n, [](double v) { return v < 0; })) return out;
     out.getcomplex();
     if (!out.isc()) return x_M;
-    for (int k = 0; k < n; ++k)
+    for (kn_size k = 0; k < n; ++k)
         if (x[k] < 0) out.addi()[k] -= raw_pi;
     return out;
 }
@@ -73,10 +73,10 @@ Mm log2(const Mm &x, i_o_t, Mm &f, Mm &e) {
     x.warn_uninit();
     if (error_not_numeric(x, "log2")) return x_M;
     Mm a = x.gettype() == kn_uint8 ? mdouble(x) : x;
-    int n = a.getnnz();
+    kn_size n = a.getnnz();
     Mm fraction(0, 0, 0, n, 1, kn_double), exponent(0, 0, 0, n, 1, kn_double);
     if (lacks(fraction, n) || lacks(exponent, n)) return x_M;
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         double v = a.addr()[k];
         int whole = 0;
         fraction.addr()[k] = std::isfinite(v) ? std::frexp(v, &whole) : v;

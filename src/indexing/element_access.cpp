@@ -19,8 +19,8 @@ Mm &writable(const Mm *m) { return const_cast<Mm &>(*m); }
 // The dimension along which a value grows when only the element after its last one is written; -1 when
 // another place is selected.
 int grows_along(const Mm &t, int n, const Mm *const *s) {
-    int rows = t.rows(), cols = t.cols(), size = t.getnnz();
-    if (!is_full_matrix(t) || size == INT_MAX || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
+    kn_size rows = t.rows(), cols = t.cols(), size = t.getnnz();
+    if (!is_full_matrix(t) || size == size_max || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
     double i = *s[0]->addr();
     if (n == 1) {
         if (i != size + 1.0 || (rows > 1 && cols > 1)) return -1;
@@ -35,9 +35,9 @@ int grows_along(const Mm &t, int n, const Mm *const *s) {
 
 // Room for one more element of an unshared cell or structure array. What it holds moves.
 bool make_room(Mm &t) {
-    int n = t.getnnz(), dims[4];
+    kn_size n = t.getnnz(), dims[4];
     if (n < t.getp()) return true;
-    int room = grown_room(n, n + 1);
+    kn_size room = grown_room(n, n + 1);
     Mm fresh(0, 0, 0, room, 1, kn_Mm);
     if (lacks(fresh, room) || !copy_fields(fresh, t)) return false;
     std::copy_n(t.getdims(), 4, dims);
@@ -56,7 +56,7 @@ void append(Mm &t, int along, Mm &element) {
 
 // x(end+1) = a number, in the room that there is.
 bool append_number(Mm &t, int n, const Mm *const *subscripts, double x) {
-    int size = t.getnnz();
+    kn_size size = t.getnnz();
     int along = RefAccess::takes_numbers(t) && size < t.getp() ? grows_along(t, n, subscripts) : -1;
     if (along < 0) return false;
     t.addr()[size] = x;
@@ -69,12 +69,13 @@ bool append_number(Mm &t, int n, const Mm *const *subscripts, double x) {
 
 // ---- Elements ----
 
-int RefAccess::position(const Mm &base, const Mr &r) {
-    int at = -1;
+kn_size RefAccess::position(const Mm &base, const Mr &r) {
+    kn_size at = -1;
     if (r.nidx <= 2) return selects_one(base, r, at) ? at : -1;
     if (base.issparse()) return -1;
     at = 0;
-    for (int k = r.nidx, l; k-- > 0;) {
+    for (int k = r.nidx; k-- > 0;) {
+        kn_size l;
         if (!is_inside<false>(*r.idx[k], base.getdims()[k], l)) return -1;
         at = at * base.getdims()[k] + l;
     }
@@ -84,14 +85,14 @@ int RefAccess::position(const Mm &base, const Mr &r) {
 const Mm *RefAccess::find(const Mr &r, Way way) {
     if (r.kind == Mr_brace) {
         const Mm *cell = container(r, way);
-        int at = cell && way.leads_through(*cell) ? position(*cell, r) : -1;
+        kn_size at = cell && way.leads_through(*cell) ? position(*cell, r) : -1;
         return at >= 0 ? re<Mm>(*cell) + at : nullptr;
     }
     if (r.kind != Mr_member) return nullptr;
     const Mr *array = r.base_r && r.base_r->kind == Mr_paren ? r.base_r : nullptr; // s(k).member
     const Mm *s = container(array ? *array : r, way);
     if (!s || !way.leads_through(*s) || !s->isstruct()) return nullptr;
-    int at = array ? position(*s, *array) : s->getnnz() == 1 ? 0 : -1;
+    kn_size at = array ? position(*s, *array) : s->getnnz() == 1 ? 0 : -1;
     if (at < 0) return nullptr;
     const Mm &values = re<Mm>(*s)[at];
     int f = find_field(*s, r.member_name);
@@ -138,19 +139,19 @@ void RefAccess::assign(const Mr &r, const Mm &src) {
 
 // ---- Reading ----
 
-Mm RefAccess::number(const Mm &base, int at) {
+Mm RefAccess::number(const Mm &base, kn_size at) {
     Mm x = Header::number(base.addr()[at], base.islogical());
     x.setstr(base.isstr());
     return x;
 }
 
 Mm RefAccess::read(const Mr &r, int strict) {
-    int at;
+    kn_size at;
     return r.base_m && reads_number(*r.base_m, r, at) ? number(*r.base_m, at) : read_element(r, strict);
 }
 
 Mm RefAccess::read_element(const Mr &r, int strict) {
-    int at;
+    kn_size at;
     const Mm *base = r.base_r && r.kind == Mr_paren ? find(*r.base_r, to_read) : nullptr;
     if (base && reads_number(*base, r, at)) return number(*base, at);
     const Mm *element = find(r, to_read);
@@ -167,7 +168,7 @@ Mm::Mm(const Mr &r, int strict) : Mm(RefAccess::read(r, strict)) {
 
 // A number comes into the block that the target has, unless the release of that is to be reported.
 Mm &Mm::operator=(const Mr &r) {
-    int at = 0;
+    kn_size at = 0;
     const Mm *base = RefAccess::base(r);
     if (!base || !RefAccess::reads_number(*base, r, at)) {
         base = RefAccess::find(r, RefAccess::to_read);
@@ -197,7 +198,7 @@ void Mr::operator=(const Mm &src) {
 }
 
 void Mr::operator=(const Mr &src) {
-    int at;
+    kn_size at;
     if (!src.base_m || !base_m || !RefAccess::reads_number(*src.base_m, src, at) ||
         !RefAccess::write_number(*base_m, *this, src.base_m->addr()[at]))
         RefAccess::assign(*this, Mm(src, 1));

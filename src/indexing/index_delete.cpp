@@ -12,22 +12,22 @@ namespace {
 // Which positions of an extent stay.
 class Keep {
   public:
-    explicit Keep(int extent) : extent_(extent), mask_(extent) {
+    explicit Keep(kn_size extent) : extent_(extent), mask_(extent) {
         if (mask_) std::fill_n(mask_.get(), extent, static_cast<unsigned char>(1));
     }
     explicit operator bool() const { return bool(mask_); }
     // Those that a subscript selects go.
     void remove(const Positions &p) {
-        auto drop = [this](int at) {
+        auto drop = [this](kn_size at) {
             if (at >= 0 && at < extent_) mask_[at] = 0;
         };
         if (p.kind() == Positions::valued && p.inside(extent_))
-            by_blocks(p, 0, p.count(), [this](ptrdiff_t, const int *at, ptrdiff_t n) {
+            by_blocks(p, 0, p.count(), [this](ptrdiff_t, const kn_size *at, ptrdiff_t n) {
                 unsigned char *mask = mask_.get();
                 for (ptrdiff_t k = 0; k < n; ++k) mask[at[k]] = 0;
             });
         else
-            for (int k = 0; k < p.count(); ++k) drop(p[k]);
+            for (kn_size k = 0; k < p.count(); ++k) drop(p[k]);
     }
     // Those that stay, `alone` as in Positions.
     bool positions(Positions &p, bool alone = false) const {
@@ -35,12 +35,12 @@ class Keep {
     }
 
   private:
-    int extent_;
+    kn_size extent_;
     Scratch<unsigned char> mask_;
 };
 
 // What stays becomes the target, in the given extents.
-bool retain(Mm &t, const Selection &kept, const int *dims) {
+bool retain(Mm &t, const Selection &kept, const kn_size *dims) {
     Mm rest = select(t, kept, dims);
     if (rest.gettype() != t.gettype()) return false; // no memory
     replace_block(t, rest);
@@ -49,7 +49,7 @@ bool retain(Mm &t, const Selection &kept, const int *dims) {
 }
 
 // Those of n positions that stay when others go.
-bool stay(Positions &kept, const Positions &gone, int n) {
+bool stay(Positions &kept, const Positions &gone, kn_size n) {
     if (gone.kind() == Positions::masked || gone.is_run() || n <= 512) return kept.set_others(gone, n);
     Keep keep(n);
     if (!keep) return false;
@@ -58,14 +58,14 @@ bool stay(Positions &kept, const Positions &gone, int n) {
 }
 
 // Whether of n positions the last ones go, so that those that stay need not move.
-bool are_last(const Positions &gone, int n) {
+bool are_last(const Positions &gone, kn_size n) {
     return gone.count() > 0 && gone.inside(n) && gone.largest() == n - 1 &&
            (gone.count() == 1 || gone.is_run());
 }
 
 // Deletes the last elements of an unshared full value.
-void cut(Mm &t, const int *dims) {
-    int n = t.getnnz();
+void cut(Mm &t, const kn_size *dims) {
+    kn_size n = t.getnnz();
     set_extents(t, dims);
     if (t.gettype() == kn_Mm) std::fill(re<Mm>(t) + t.getnnz(), re<Mm>(t) + n, Mm());
     check(t);
@@ -74,18 +74,18 @@ void cut(Mm &t, const int *dims) {
 } // namespace
 
 bool delete1(Mm &t, const Mm &i) {
-    int n = t.getnnz();
+    kn_size n = t.getnnz();
     if (n == 0) return true;
     Selection gone;
     if (!gone.add_alone(i, n, n)) return false;
-    if (int k = gone[0].first_outside(PTRDIFF_MAX); k >= 0) {
-        error("%s(%d): index is non-positive", kn_display_name(t), gone[0][k] + 1);
+    if (kn_size k = gone[0].first_outside(PTRDIFF_MAX); k >= 0) {
+        error("%s(%td): index is non-positive", kn_display_name(t), gone[0][k] + 1);
         return false;
     }
     bool last = !t.dirty() && are_last(gone[0], n);
     Selection kept;
     if (!last && !stay(kept.next(), gone[0], n)) return false;
-    int m = last ? n - gone[0].count() : kept[0].count(), dims[4] = {1, m, 1, 1};
+    kn_size m = last ? n - gone[0].count() : kept[0].count(), dims[4] = {1, m, 1, 1};
     if (m == n) return true;
     if (t.cols() == 1) std::swap(dims[0], dims[1]);
     if (last) {
@@ -101,7 +101,7 @@ bool delete1(Mm &t, const Mm &i) {
 
 bool delete2(Mm &t, const Mm &i, const Mm &j) {
     const Mm *const subscripts[] = {&i, &j};
-    int rows = t.rows(), cols = t.cols();
+    kn_size rows = t.rows(), cols = t.cols();
     Keep keep_rows(rows), keep_cols(cols);
     if (!keep_rows || !keep_cols) return false;
     Keep *const keep[] = {&keep_rows, &keep_cols};
@@ -112,9 +112,9 @@ bool delete2(Mm &t, const Mm &i, const Mm &j) {
         keep[k]->remove(gone[0]);
         if (!keep[k]->positions(kept.next())) return false;
     }
-    int newr = kept[0].count(), newc = kept[1].count();
+    kn_size newr = kept[0].count(), newc = kept[1].count();
     if (newr == rows && newc == cols) return true;
-    int dims[4] = {newr, newc, 1, 1};
+    kn_size dims[4] = {newr, newc, 1, 1};
     if (!is_colon(i) && !is_colon(j)) {
         dims[0] = 1;
         dims[1] = newr * newc;
@@ -134,15 +134,15 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
         d = k;
     }
     if (d < 0) return make_empty(t);
-    int counts[4];
-    int total = kn_index_dims(t, s, t.getdims(), 1, counts);
+    kn_size counts[4];
+    kn_size total = kn_index_dims(t, s, t.getdims(), 1, counts);
     if (total <= 0) return total == 0;
 
     // Along d those that stay, along the other dimensions all. One subscript runs through all elements.
     bool one = s.n == 1;
-    int dims[4];
+    kn_size dims[4];
     std::copy_n(t.getdims(), 4, dims);
-    int extent = one ? t.size() : dims[d];
+    kn_size extent = one ? t.size() : dims[d];
     Selection gone, kept;
     for (int k = 0; k < s.n; ++k)
         if (!gone.add(s[k], counts[k])) return false;
@@ -163,7 +163,7 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
         else if (!keep.positions(p))
             return false;
     }
-    int left = kept[d].count();
+    kn_size left = kept[d].count();
     if (left == extent) return true;
     if (one) {
         std::fill_n(dims, 4, 1);

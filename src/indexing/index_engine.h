@@ -33,9 +33,9 @@ Mm read_selection(const Mm &base, const Subscripts &s, int strict);
 
 // The selected elements as a value of the given extents, with the flags, field names and class of the base.
 // The selection lies inside the base. nothing_M when memory was exhausted.
-template <class T> Mm select(const Mm &base, const Selection &s, const int *dims);
-Mm select(const Mm &base, const Selection &s, const int *dims);
-Mm select_sparse(const Mm &base, const Selection &s, const int *dims);
+template <class T> Mm select(const Mm &base, const Selection &s, const kn_size *dims);
+Mm select(const Mm &base, const Selection &s, const kn_size *dims);
+Mm select_sparse(const Mm &base, const Selection &s, const kn_size *dims);
 
 // -- Writing. The source is of the target's type, and neither it nor a subscript is, or lies in, the target.
 
@@ -43,7 +43,7 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i);
 template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j);
 // The general engine. Of the kind {} the source may be of any type.
 template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &src);
-bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src);
+bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src);
 
 // -- Deletion.
 
@@ -58,7 +58,7 @@ void replace_block(Mm &t, const Mm &fresh);
 // The target becomes an empty value of its type.
 bool make_empty(Mm &t);
 // New extents for the header; nnz is their product.
-void set_extents(Mm &t, const int *dims);
+void set_extents(Mm &t, const kn_size *dims);
 
 } // namespace kn
 

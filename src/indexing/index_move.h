@@ -26,7 +26,7 @@ template <> inline Mm blank<Mm>(const Mm &m) {
 // count) of the subscript.
 template <class F> void by_blocks(const Positions &p, ptrdiff_t begin, ptrdiff_t end, F f) {
     constexpr ptrdiff_t most = 128;
-    int block[most];
+    kn_size block[most];
     for (; begin < end; begin += most) {
         ptrdiff_t count = std::min(end - begin, most);
         kernels().moves->positions(block, p.values() + begin, count);
@@ -35,16 +35,16 @@ template <class F> void by_blocks(const Positions &p, ptrdiff_t begin, ptrdiff_t
 }
 
 // Whether positions ascend without gaps.
-inline bool ascends(const int *p, ptrdiff_t n) {
+inline bool ascends(const kn_size *p, ptrdiff_t n) {
     if (p[n - 1] - p[0] != n - 1) return false;
-    int odd = 0;
-    for (ptrdiff_t k = 1; k < n; ++k) odd |= p[k] ^ (p[0] + static_cast<int>(k));
+    kn_size odd = 0;
+    for (ptrdiff_t k = 1; k < n; ++k) odd |= p[k] ^ (p[0] + k);
     return odd == 0;
 }
 
 // f(place, position) for each position of a mask.
 template <class F> void for_masked(const Positions &p, F f) {
-    int k = 0;
+    kn_size k = 0;
     for (const MaskWord *word = p.bits(); k < p.count(); ++word)
         for (MaskWord left = *word; left != 0; left &= left - 1, ++k)
             f(k, 64 * (word - p.bits()) + std::countr_zero(left));
@@ -54,7 +54,7 @@ constexpr ptrdiff_t gather_grain = 1 << 17; // worth waking a thread for
 
 template <class T>
 void gather_values(T *to, const T *from, const Positions &p, ptrdiff_t begin, ptrdiff_t end) {
-    by_blocks(p, begin, end, [=](ptrdiff_t k, const int *at, ptrdiff_t n) {
+    by_blocks(p, begin, end, [=](ptrdiff_t k, const kn_size *at, ptrdiff_t n) {
         if (ascends(at, n))
             copy_few(to + k, from + at[0], n);
         else
@@ -65,7 +65,7 @@ void gather_values(T *to, const T *from, const Positions &p, ptrdiff_t begin, pt
 // One line. `to` may lie at or before `from` in the same array when the positions ascend and are no values.
 template <class T> void gather(T *to, const T *from, const Positions &p, ptrdiff_t stride) {
     const ptrdiff_t n = p.count();
-    const int *at = p.list();
+    const kn_size *at = p.list();
     switch (p.kind()) {
     case Positions::run:
         from += p.first() * stride;
@@ -91,15 +91,15 @@ template <class T> void gather(T *to, const T *from, const Positions &p, ptrdiff
         if constexpr (std::is_same_v<T, double>)
             kernels().moves->compress(to, n, from, p.bits(), p.largest() + 1);
         else
-            for_masked(p, [=](int k, ptrdiff_t from_at) { to[k] = from[from_at]; });
+            for_masked(p, [=](kn_size k, ptrdiff_t from_at) { to[k] = from[from_at]; });
         break;
     }
 }
 
 // The next elements of `from` (step 1), or one element again and again (step 0).
-template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, const T *from, int step) {
+template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, const T *from, kn_size step) {
     const ptrdiff_t n = p.count();
-    const int *at = p.list();
+    const kn_size *at = p.list();
     switch (p.kind()) {
     case Positions::run:
         to += p.first() * stride;
@@ -117,7 +117,7 @@ template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, con
             for (ptrdiff_t k = 0; k < n; ++k) to[at[k] * stride] = from[k * step];
         break;
     case Positions::valued: // as in gather
-        by_blocks(p, 0, n, [=](ptrdiff_t k, const int *at, ptrdiff_t m) {
+        by_blocks(p, 0, n, [=](ptrdiff_t k, const kn_size *at, ptrdiff_t m) {
             if (step == 0) {
                 const T x = *from;
                 for (ptrdiff_t l = 0; l < m; ++l) to[at[l]] = x;
@@ -135,7 +135,7 @@ template <class T> void scatter(T *to, const Positions &p, ptrdiff_t stride, con
             else
                 kernels().moves->fill(to, p.bits(), p.largest() + 1, *from);
         } else {
-            for_masked(p, [=](int k, ptrdiff_t to_at) { to[to_at] = from[k * step]; });
+            for_masked(p, [=](kn_size k, ptrdiff_t to_at) { to[to_at] = from[k * step]; });
         }
         break;
     }
@@ -164,13 +164,13 @@ template <class T> void gather(const Mm &to, const Mm &from, const Selection &s)
 // The elements of `from` in order, or its only one, into a selection of `to`; real ones get the imaginary
 // part 0.
 template <class T> void scatter(const Mm &to, const Selection &s, const Mm &from) {
-    auto plane = [&](T *out, const T *in, int step) {
+    auto plane = [&](T *out, const T *in, kn_size step) {
         Odometer lines(s, to.getdims());
-        ptrdiff_t advance = static_cast<ptrdiff_t>(lines.line().count()) * step;
+        ptrdiff_t advance = lines.line().count() * step;
         for (ptrdiff_t at; (at = lines.kn_next_index()) >= 0; in += advance)
             scatter(out + at, lines.line(), lines.stride(), in, step);
     };
-    int step = from.getnnz() != 1;
+    kn_size step = from.getnnz() != 1;
     plane(re<T>(to), re<T>(from), step);
     if constexpr (!std::is_same_v<T, Mm>) {
         const T zero = 0;
@@ -179,7 +179,7 @@ template <class T> void scatter(const Mm &to, const Selection &s, const Mm &from
 }
 
 // Clears the elements from `first` up to `end`.
-template <class T> void clear(const Mm &m, int first, int end) {
+template <class T> void clear(const Mm &m, kn_size first, kn_size end) {
     const T nothing = blank<T>(m);
     std::fill(re<T>(m) + first, re<T>(m) + end, nothing);
     if (m.isc()) std::fill(im<T>(m) + first, im<T>(m) + end, nothing);

@@ -26,21 +26,21 @@ bool make_full(const Subscripts &s) {
     return true;
 }
 
-bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims) {
-    auto outside = [&](int k, int extent) { // only numbers are tested: a mask stops at the extent
+bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, kn_size *dims) {
+    auto outside = [&](int k, kn_size extent) { // only numbers are tested: a mask stops at the extent
         return s[k].islogical() ? -1 : sel[k].first_outside(extent);
     };
     if (s.n == 2) {
         for (int k = 0; k < 2; ++k) {
-            int extent = base.getdims()[k];
+            kn_size extent = base.getdims()[k];
             if (!sel.add(s[k], extent, extent)) return false;
             dims[k] = sel[k].count();
         }
-        if (int k = outside(0, base.rows()); k >= 0) {
+        if (kn_size k = outside(0, base.rows()); k >= 0) {
             if (strict) report_row_outside(base, s[0], s[1], sel[0][k]);
             return false;
         }
-        if (int k = outside(1, base.cols()); k >= 0) {
+        if (kn_size k = outside(1, base.cols()); k >= 0) {
             if (strict) report_col_outside(base, s[0], s[1], sel[1][k]);
             return false;
         }
@@ -48,13 +48,13 @@ bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int
     }
 
     const Mm &i = s[0];
-    int n = base.size();
+    kn_size n = base.size();
     if (!sel.add_alone(i, n, n)) return false;
-    if (int k = outside(0, n); k >= 0) {
+    if (kn_size k = outside(0, n); k >= 0) {
         if (strict) report_outside(base, i, sel[0][k]);
         return false;
     }
-    int count = sel[0].count();
+    kn_size count = sel[0].count();
     bool column = is_colon(i), row = false;
     if (i.islogical()) {
         row = base.rows() == 1 || (base.cols() != 1 && i.rows() == 1);
@@ -68,9 +68,9 @@ bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int
     return true;
 }
 
-bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims,
+bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int strict, kn_size *dims,
                     bool &outside) {
-    int total = kn_index_dims(base, s, base.getdims(), strict, dims);
+    kn_size total = kn_index_dims(base, s, base.getdims(), strict, dims);
     if (total < 0) return false;
     if (total == 0) {
         sel.next();
@@ -81,7 +81,7 @@ bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int str
         if (!sel.add(s[k], dims[k])) return false;
     if (s.n == 1 && !is_colon(s[0])) {
         const Mm &i = s[0];
-        int along_base = base.size() > 1 ? base.vectordim() : 0, along = i.vectordim();
+        kn_size along_base = base.size() > 1 ? base.vectordim() : 0, along = i.vectordim();
         if (along) {
             dims[0] = 1;
             dims[(along_base ? along_base : along) - 1] = total;
@@ -97,7 +97,7 @@ Mm read_selection(const Mm &base, const Subscripts &s, int strict) {
     return by_type(base, [&](auto t) { return read_selection<typename decltype(t)::type>(base, s, strict); });
 }
 
-Mm select(const Mm &base, const Selection &s, const int *dims) {
+Mm select(const Mm &base, const Selection &s, const kn_size *dims) {
     if (base.issparse()) return select_sparse(base, s, dims);
     return by_type(base, [&](auto t) { return select<typename decltype(t)::type>(base, s, dims); });
 }
@@ -117,8 +117,8 @@ bool make_empty(Mm &t) {
     return true;
 }
 
-void set_extents(Mm &t, const int *dims) {
-    int n = product(4, dims);
+void set_extents(Mm &t, const kn_size *dims) {
+    kn_size n = product(4, dims);
     for (int k = 0; k < 4; ++k) t.getdims()[k] = n > 0 ? dims[k] : 0;
     t.getndims() = n > 0 ? 4 : 2;
     t.collapse();

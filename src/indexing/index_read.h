@@ -16,9 +16,9 @@ namespace kn {
 
 // Indices and shape of a read that reads_matrix accepts, with full subscripts. False after a report, or where
 // a strict read would report.
-bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims);
+bool select_from_matrix(Selection &sel, const Mm &base, const Subscripts &s, int strict, kn_size *dims);
 // The same for all other reads. When only the positions lie outside, `outside` is set too.
-bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int strict, int *dims,
+bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int strict, kn_size *dims,
                     bool &outside);
 
 // Whether one or two matrices select from a full matrix that is no structure array.
@@ -27,8 +27,8 @@ bool reads_matrix(const Mm &base, const Subscripts &s);
 // exhausted.
 bool make_full(const Subscripts &s);
 
-template <class T> Mm select(const Mm &base, const Selection &sel, const int *dims) {
-    int n = sel.total();
+template <class T> Mm select(const Mm &base, const Selection &sel, const kn_size *dims) {
+    kn_size n = sel.total();
     Mm out(base.isc(), 0, 0, 4, dims, base.gettype());
     if (n < 0 || lacks(out, n)) return nothing_M;
     M_types flags = base.getflags();
@@ -42,7 +42,7 @@ template <class T> Mm select(const Mm &base, const Selection &sel, const int *di
 
 template <class T> Mm read_selection(const Mm &base, const Subscripts &s, int strict) {
     Selection sel;
-    int dims[4] = {1, 1, 1, 1};
+    kn_size dims[4] = {1, 1, 1, 1};
     bool outside = false;
     const Mm model = base.isstruct() ? base : Mm(); // the error handler may assign to the variable
     const bool selected = reads_matrix(base, s) && make_full(s)
@@ -52,7 +52,7 @@ template <class T> Mm read_selection(const Mm &base, const Subscripts &s, int st
     if (!outside || !model.isstruct()) return nothing_M;
 
     // Places in a structure array that are still to come: empty fields, for an assignment to fill.
-    int n = sel.total();
+    kn_size n = sel.total();
     Mm out(0, 0, 0, 4, dims, kn_Mm);
     if (n < 0 || lacks(out, n) || !copy_fields(out, model)) return nothing_M;
     clear<Mm>(out, 0, n);

@@ -17,10 +17,10 @@ namespace {
 // EntryBuilder as they are collected: it grows as they come.
 class EntryBuilder {
   public:
-    EntryBuilder(int complex, int n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
+    EntryBuilder(int complex, kn_size n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
 
     // Entry `slot` of `from` at another position.
-    void add(int position, const Mm &from, int slot) {
+    void add(kn_size position, const Mm &from, kn_size slot) {
         if (count_ == list_.getnnz()) extend();
         if (failed_) return;
         list_.getindex()[count_] = position;
@@ -30,9 +30,9 @@ class EntryBuilder {
     }
 
     // The entries as a value of these extents, sorted. False when memory was exhausted.
-    bool finish(const int *dims) {
+    bool finish(const kn_size *dims) {
         if (failed_) return false;
-        int n = product(4, dims);
+        kn_size n = product(4, dims);
         for (int k = 0; k < 4; ++k) list_.getdims()[k] = n > 0 ? dims[k] : 0;
         list_.getndims() = n > 0 ? 4 : 2;
         list_.collapse();
@@ -41,16 +41,16 @@ class EntryBuilder {
         return std::is_sorted(list_.getindex(), list_.getindex() + count_);
     }
     Mm &value() { return list_; }
-    int count() const { return count_; }
+    kn_size count() const { return count_; }
     bool failed() const { return failed_; }
 
   private:
     Mm list_;
-    int count_ = 0;
+    kn_size count_ = 0;
     bool failed_;
 
     void extend() {
-        int n = std::max(64, count_ < INT_MAX / 2 ? 2 * count_ : INT_MAX);
+        kn_size n = std::max<kn_size>(64, count_ < size_max / 2 ? 2 * count_ : size_max);
         list_.extend_nnz(n);
         failed_ = lacks(list_, n);
     }
@@ -59,20 +59,20 @@ class EntryBuilder {
 // For each row the places in the first subscript that select it, as chains.
 class Inverse {
   public:
-    Inverse(const Positions &rows, int extent) : head_(extent), next_(rows.count()) {
+    Inverse(const Positions &rows, kn_size extent) : head_(extent), next_(rows.count()) {
         if (!head_ || !next_) return;
-        std::fill_n(head_.get(), extent, -1);
-        for (int k = rows.count(); k-- > 0;) {
+        std::fill_n(head_.get(), extent, kn_size(-1));
+        for (kn_size k = rows.count(); k-- > 0;) {
             next_[k] = head_[rows[k]];
             head_[rows[k]] = k;
         }
     }
     explicit operator bool() const { return head_ && next_; }
-    int head(int row) const { return head_[row]; }
-    int next(int k) const { return next_[k]; }
+    kn_size head(kn_size row) const { return head_[row]; }
+    kn_size next(kn_size k) const { return next_[k]; }
 
   private:
-    Scratch<int> head_, next_;
+    Scratch<kn_size> head_, next_;
 };
 
 } // namespace
@@ -80,8 +80,8 @@ class Inverse {
 namespace {
 
 // The first of the ascending positions from `at` on that is not below `least`, found in steps that double.
-const int *seek(const int *at, const int *end, int least) {
-    ptrdiff_t step = 1;
+const kn_size *seek(const kn_size *at, const kn_size *end, kn_size least) {
+    kn_size step = 1;
     while (step < end - at && at[step] < least) {
         at += step;
         step *= 2;
@@ -91,12 +91,12 @@ const int *seek(const int *at, const int *end, int least) {
 
 } // namespace
 
-Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
+Mm select_sparse(const Mm &source, const Selection &s, const kn_size *dims) {
     const Mm base = source; // the error handler may assign to the variable
-    const int *index = base.getindex(), *end = index + base.getnnz();
+    const kn_size *index = base.getindex(), *end = index + base.getnnz();
     const Positions &rows = s[0];
-    int extent = s.n() == 1 ? base.size() : base.rows(), count = rows.count();
-    long long total = s.total();
+    kn_size extent = s.n() == 1 ? base.size() : base.rows(), count = rows.count();
+    const kn_size total = s.total();
     EntryBuilder out(base.isc(), 64);
 
     // A list of rows is looked up row by row, or, when it is long, turned round once.
@@ -105,27 +105,27 @@ Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
         inverse.emplace(rows, extent);
         if (!*inverse) return nothing_M;
     }
-    int place = 0;           // of the line in the result
-    const int *near = index; // the entries of the line before; most lines follow it
-    int last = 0;
+    kn_size place = 0;           // of the line in the result
+    const kn_size *near = index; // the entries of the line before; most lines follow it
+    kn_size last = 0;
     Odometer lines(s, base.getdims(), 0);
-    for (ptrdiff_t next; !out.failed() && (next = lines.kn_next_index()) >= 0; place += count) {
-        int line = static_cast<int>(next);
-        int least = line + (rows.is_run() ? rows.first() : 0);
-        int span = rows.is_run() ? count : extent;
-        const int *from = near = seek(least < last ? index : near, end, least);
+    for (kn_size next; !out.failed() && (next = lines.kn_next_index()) >= 0; place += count) {
+        const kn_size line = next;
+        kn_size least = line + (rows.is_run() ? rows.first() : 0);
+        kn_size span = rows.is_run() ? count : extent;
+        const kn_size *from = near = seek(least < last ? index : near, end, least);
         last = least;
         if (from == end || *from - least >= span) continue;
         if (rows.is_run()) {
             for (; from < end && *from - least < span; ++from)
-                out.add(place + (*from - least), base, static_cast<int>(from - index));
+                out.add(place + (*from - least), base, from - index);
         } else if (inverse) {
             for (; from < end && *from - line < extent; ++from)
-                for (int k = inverse->head(*from - line); k >= 0; k = inverse->next(k))
-                    out.add(place + k, base, static_cast<int>(from - index));
+                for (kn_size k = inverse->head(*from - line); k >= 0; k = inverse->next(k))
+                    out.add(place + k, base, from - index);
         } else {
-            for (int k = 0; k < count && !out.failed(); ++k) {
-                int slot = base.search(line + rows[k]);
+            for (kn_size k = 0; k < count && !out.failed(); ++k) {
+                kn_size slot = base.search(line + rows[k]);
                 if (slot >= 0) out.add(place + k, base, slot);
             }
         }
@@ -142,25 +142,25 @@ Mm select_sparse(const Mm &source, const Selection &s, const int *dims) {
 namespace {
 
 // Position in extents `to` of a position in extents `from`.
-int renumbered(int position, const int *from, const int *to) {
-    ptrdiff_t result = 0, stride = 1;
+kn_size renumbered(kn_size position, const kn_size *from, const kn_size *to) {
+    kn_size result = 0, stride = 1;
     for (int k = 0; k < 4; ++k) {
         result += position % from[k] * stride;
         position /= from[k];
         stride *= to[k];
     }
-    return static_cast<int>(result);
+    return result;
 }
 
 } // namespace
 
-bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
+bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src) {
     bool grows = std::memcmp(dims, t.getdims(), 4 * sizeof *dims) != 0;
-    int total = s.total(), step = src.getnnz() != 1;
+    kn_size total = s.total(), step = src.getnnz() != 1;
     if (total == 1 && !grows && !t.dirty() && (t.isc() || !src.isc())) {
         Odometer one(s, dims);
-        ptrdiff_t line = one.kn_next_index();
-        int slot = t.search(static_cast<int>(line + one.line()[0] * one.stride()));
+        kn_size line = one.kn_next_index();
+        kn_size slot = t.search(line + one.line()[0] * one.stride());
         if (slot >= 0) {
             t.addr()[slot] = *src.addr();
             if (t.isc()) t.addi()[slot] = src.isc() ? *src.addi() : 0.0;
@@ -176,19 +176,19 @@ bool write_sparse(Mm &t, const Selection &s, const int *dims, const Mm &src) {
     int complex = t.isc() || src.isc();
     EntryBuilder written(complex, total);
     Odometer lines(s, dims);
-    int k = 0;
-    for (ptrdiff_t line; (line = lines.kn_next_index()) >= 0;)
-        for (int l = 0; l < lines.line().count(); ++l, k += step)
-            written.add(static_cast<int>(line + lines.line()[l] * lines.stride()), src, k);
+    kn_size k = 0;
+    for (kn_size line; (line = lines.kn_next_index()) >= 0;)
+        for (kn_size l = 0; l < lines.line().count(); ++l, k += step)
+            written.add(line + lines.line()[l] * lines.stride(), src, k);
     if (!written.finish(dims)) return false;
     const Mm &fresh = written.value();
 
-    const int *a = t.getindex(), *b = fresh.getindex();
-    int na = t.getnnz(), nb = fresh.getnnz();
-    EntryBuilder merged(complex, na > INT_MAX - 8 - nb ? INT_MAX : na + nb);
+    const kn_size *a = t.getindex(), *b = fresh.getindex();
+    kn_size na = t.getnnz(), nb = fresh.getnnz();
+    EntryBuilder merged(complex, na > size_max - 8 - nb ? size_max : na + nb);
     if (merged.failed()) return false;
-    for (int i = 0, j = 0; i < na || j < nb;) {
-        int at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : INT_MAX;
+    for (kn_size i = 0, j = 0; i < na || j < nb;) {
+        kn_size at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : size_max;
         if (j < nb && b[j] <= at) {
             if (b[j] == at) ++i;
             while (j + 1 < nb && b[j + 1] == b[j]) ++j;

@@ -19,12 +19,12 @@
 namespace kn {
 
 // Room for a value that grows from n to m elements: half as much again, so that appending is amortised.
-inline int grown_room(int n, int m) { return n <= INT_MAX / 2 ? std::max(m, n + n / 2) : m; }
+inline kn_size grown_room(kn_size n, kn_size m) { return n <= size_max / 2 ? std::max(m, n + n / 2) : m; }
 
 // Elements keep their linear order, not only their subscripts, when all extents but the last one that grows
 // stay.
-inline bool keeps_order(const int *from, const int *to) {
-    int last = 3;
+inline bool keeps_order(const kn_size *from, const kn_size *to) {
+    kn_size last = 3;
     while (last > 0 && to[last] == 1) --last;
     return std::equal(from, from + last, to);
 }
@@ -32,8 +32,8 @@ inline bool keeps_order(const int *from, const int *to) {
 // Makes the target ready to be written: extents `dims`, a block of its own, an imaginary plane if `complex`.
 // Old elements stay at their subscripts, or (linear) at their linear positions; new places are blank. In the
 // old block where it has room.
-template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear) {
-    int n = t.getnnz(), m = product(4, dims);
+template <class T> bool resize(Mm &t, const kn_size *dims, int complex, bool linear) {
+    kn_size n = t.getnnz(), m = product(4, dims);
     if (m < 0) {
         out_of_memory();
         return false;
@@ -45,8 +45,8 @@ template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear)
         return true;
     }
 
-    int room = m > n ? grown_room(n, m) : m;
-    if (linear && !complex && m > n && room <= INT_MAX - block_slack && Header::extend(t, room)) {
+    kn_size room = m > n ? grown_room(n, m) : m;
+    if (linear && !complex && m > n && room <= size_max - block_slack && Header::extend(t, room)) {
         clear<T>(t, n, m);
         set_extents(t, dims);
         return true;
@@ -68,7 +68,7 @@ template <class T> bool resize(Mm &t, const int *dims, int complex, bool linear)
 
 // x(:) = src
 template <class T> bool assign_all(Mm &t, const Mm &src) {
-    int n = t.getnnz(), s = src.getnnz();
+    kn_size n = t.getnnz(), s = src.getnnz();
     if (t.isc() && !src.isc()) t.getreal(1);
     if (s == 0) return make_empty(t);
     if (n == 0) return true;
@@ -77,7 +77,7 @@ template <class T> bool assign_all(Mm &t, const Mm &src) {
         error("%s(:)=%s: size(%s) different than size(%s)", x, y, x, y);
         return false;
     }
-    int dims[4];
+    kn_size dims[4];
     std::memcpy(dims, t.getdims(), sizeof dims);
     if (s > 1 && !t.dirty() && s <= t.getp()) { // the source's block and flags
         t = src;
@@ -94,7 +94,7 @@ template <class T> bool assign_all(Mm &t, const Mm &src) {
 }
 
 template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
-    int n = t.getnnz(), s = src.getnnz();
+    kn_size n = t.getnnz(), s = src.getnnz();
     if (is_colon(i)) return assign_all<T>(t, src);
     if (i.getnnz() == 0) return true;
     if (s == 0) return delete1(t, i);
@@ -107,14 +107,14 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i) {
         error("%s(%s): index is non-positive", kn_display_name(t), kn_display_name(i));
         return false;
     }
-    int count = sel[0].count();
+    kn_size count = sel[0].count();
     bool fits = s == 1 || s == count;
 
-    int dims[4] = {1, 1, 1, 1};
+    kn_size dims[4] = {1, 1, 1, 1};
     if (m <= n)
         std::memcpy(dims, t.getdims(), sizeof dims);
-    else if (!reach(dims[t.rows() > 1 ? 0 : 1], m))
-        return false;
+    else
+        dims[t.rows() > 1 ? 0 : 1] = m;
     // A source that doesn't fit is found out when the target has grown already.
     if ((fits || m > n) && !resize<T>(t, dims, fits && src.isc(), true)) return false;
     if (!fits) {
@@ -135,14 +135,14 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
     const Mm *const subscripts[] = {&i, &j};
     static const char *const texts[] = {"%s(%s,%s)=%s: row index is non-positive",
                                         "%s(%s,%s)=%s: col index is non-positive"};
-    int s = src.getnnz();
-    int dims[4];
+    kn_size s = src.getnnz();
+    kn_size dims[4];
     std::memcpy(dims, t.getdims(), sizeof dims);
     if (t.getnnz() == 0) dims[2] = dims[3] = 1;
 
     Selection sel;
     for (int k = 0; k < 2; ++k) {
-        const int *extents = s == 1 && t.getnnz() > 0 ? t.getdims() : src.getdims();
+        const kn_size *extents = s == 1 && t.getnnz() > 0 ? t.getdims() : src.getdims();
         if (!sel.add(*subscripts[k], s == 0 ? t.getdims()[k] : extents[k])) return false;
         if (sel[k].count() == 0 && !is_colon(*subscripts[k])) return true;
     }
@@ -158,7 +158,7 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
         bool numbers = !is_colon(index) && !index.islogical();
         ptrdiff_t m = numbers ? largest_rounded(index, sel[k]) : sel[k].largest() + 1;
         if (numbers && m < 1) return report(texts[k]);
-        if (!reach(dims[k], m)) return false;
+        dims[k] = std::max(dims[k], m);
     }
     if (!resize<T>(t, dims, src.isc(), false)) return false;
     scatter<T>(t, sel, src);
@@ -166,24 +166,23 @@ template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j) 
     return true;
 }
 
-// The extents that hold the selection. False after "Out of memory!".
-inline bool grown_extents(int *dims, const Mm &t, const Subscripts &s, const Selection &sel) {
+// The extents that hold the selection.
+inline void grow_extents(kn_size *dims, const Mm &t, const Subscripts &s, const Selection &sel) {
+    auto reach = [](kn_size &extent, const Positions &p) { extent = std::max(extent, p.largest() + 1); };
     for (int k = 0; k < 4; ++k) dims[k] = t.size() > 0 ? t.getdims()[k] : 1;
     if (s.n > 1) {
-        for (int k = 0; k < s.n; ++k)
-            if (!reach(dims[k], sel[k].largest() + 1)) return false;
+        for (int k = 0; k < s.n; ++k) reach(dims[k], sel[k]);
     } else if (!is_colon(s[0]) && sel[0].largest() >= t.size()) {
-        return reach(dims[t.vectordim() - 1], sel[0].largest() + 1); // only vectors come here
+        reach(dims[t.vectordim() - 1], sel[0]); // only vectors come here
     }
-    return true;
 }
 
 // Makes the source of x(...) = src, for `total` selected elements, full. False after a report when it has
 // neither one element nor `total`.
-inline bool match_source(Mm &src, const Mm &t, int total) {
-    const int size = src.size();
+inline bool match_source(Mm &src, const Mm &t, kn_size total) {
+    const kn_size size = src.size();
     if (size != 1 && size != total) {
-        error("In indexed assignment to the matrix %s, the index size was %d but right hand side has %d "
+        error("In indexed assignment to the matrix %s, the index size was %td but right hand side has %td "
               "elements",
               kn_display_name(t), total, size);
         return false;
@@ -194,10 +193,12 @@ inline bool match_source(Mm &src, const Mm &t, int total) {
 
 // What the subscripts select, `counts` from kn_index_dims, and the extents that hold it. False after a
 // report.
-inline bool select_target(Selection &sel, int *dims, const Mm &t, const Subscripts &s, const int *counts) {
+inline bool select_target(Selection &sel, kn_size *dims, const Mm &t, const Subscripts &s, const kn_size *counts) {
     for (int k = 0; k < s.n; ++k)
         if (!sel.add(s[k], counts[k])) return false;
-    return sel.reaches(t, s, Selection::growing, 1) && grown_extents(dims, t, s, sel);
+    if (!sel.reaches(t, s, Selection::growing, 1)) return false;
+    grow_extents(dims, t, s, sel);
+    return true;
 }
 
 // x(...) = src; an empty source deletes.
@@ -209,9 +210,9 @@ template <class T> bool assign_elements(Mm &t, const Subscripts &s, Mm src) {
     if (src.size() == 0) return vwcopy0(t, s);
 
     // In an empty target a colon among several subscripts counts as the extent of the source.
-    const int *colon_extents = t.size() == 0 && s.n > 1 ? src.getdims() : t.getdims();
-    int counts[4], dims[4];
-    const int total = kn_index_dims(t, s, colon_extents, 1, counts);
+    const kn_size *colon_extents = t.size() == 0 && s.n > 1 ? src.getdims() : t.getdims();
+    kn_size counts[4], dims[4];
+    const kn_size total = kn_index_dims(t, s, colon_extents, 1, counts);
     if (total <= 0) return total == 0;
     Selection sel;
     if (!match_source(src, t, total) || !select_target(sel, dims, t, s, counts)) return false;
@@ -227,8 +228,8 @@ template <class T> bool assign_elements(Mm &t, const Subscripts &s, Mm src) {
 inline bool assign_value(Mm &t, const Subscripts &s, const Mm &source) {
     const Mm src = source;
     if (s.n == 0) return true;
-    int counts[4], dims[4];
-    const int total = kn_index_dims(t, s, t.getdims(), 1, counts);
+    kn_size counts[4], dims[4];
+    const kn_size total = kn_index_dims(t, s, t.getdims(), 1, counts);
     if (total <= 0) return total == 0;
     Selection sel;
     if (!select_target(sel, dims, t, s, counts) || !resize<Mm>(t, dims, 0, false)) return false;

@@ -2,10 +2,10 @@
 
 namespace kn {
 
-Odometer::Odometer(const Selection &s, const int *extents, int axis) : s_(s), axis_(axis) {
+Odometer::Odometer(const Selection &s, const kn_size *extents, int axis) : s_(s), axis_(axis) {
     if (axis < 0)
         for (axis_ = 0; axis_ + 1 < s.n() && s[axis_].count() == 1;) ++axis_;
-    ptrdiff_t stride = 1;
+    kn_size stride = 1;
     for (int k = 0; k < s.n(); ++k) {
         stride_[k] = stride;
         stride *= extents[k];
@@ -17,19 +17,19 @@ Odometer::Odometer(const Selection &s, const int *extents, int axis) : s_(s), ax
     }
 }
 
-void Odometer::skip_to(ptrdiff_t n) {
+void Odometer::skip_to(kn_size n) {
     if (next_ < 0) return;
     for (int k = axis_ + 1; k < s_.n(); ++k) {
         const Positions &p = s_[k];
         next_ -= p[counter_[k]] * stride_[k];
-        counter_[k] = static_cast<int>(n % p.count());
+        counter_[k] = n % p.count();
         next_ += p[counter_[k]] * stride_[k];
         n /= p.count();
     }
 }
 
-ptrdiff_t Odometer::kn_next_index() {
-    ptrdiff_t line = next_;
+kn_size Odometer::kn_next_index() {
+    kn_size line = next_;
     if (line < 0) return line;
     for (int k = axis_ + 1; k < s_.n(); ++k) {
         const Positions &p = s_[k];

@@ -14,22 +14,22 @@ class Odometer {
   public:
     // Of a value with these four extents, inside which the selection lies. Lines along `axis` when it is
     // given.
-    Odometer(const Selection &s, const int *extents, int axis = -1);
+    Odometer(const Selection &s, const kn_size *extents, int axis = -1);
 
     // Goes on with the n-th line, counted from 0; there is one.
-    void skip_to(ptrdiff_t n);
+    void skip_to(kn_size n);
     // Linear index of the next line, -1 after the last. Its elements are at position times stride
     // after it.
-    ptrdiff_t kn_next_index();
+    kn_size kn_next_index();
     const Positions &line() const { return s_[axis_]; }
-    ptrdiff_t stride() const { return stride_[axis_]; }
+    kn_size stride() const { return stride_[axis_]; }
 
   private:
     const Selection &s_;
     int axis_;
-    ptrdiff_t stride_[4] = {};
-    int counter_[4] = {};
-    ptrdiff_t next_ = 0;
+    kn_size stride_[4] = {};
+    kn_size counter_[4] = {};
+    kn_size next_ = 0;
 };
 
 } // namespace kn

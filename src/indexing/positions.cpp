@@ -8,20 +8,20 @@
 
 namespace kn {
 
-int *Positions::list_of(int n) {
-    if (n <= static_cast<int>(std::size(near_.list))) return near_.list;
-    far_.emplace(n / 2 + 1);
-    return static_cast<int *>(static_cast<void *>(far_->get()));
+kn_size *Positions::list_of(kn_size n) {
+    if (n <= static_cast<kn_size>(std::size(near_.list))) return near_.list;
+    far_.emplace(n);
+    return static_cast<kn_size *>(static_cast<void *>(far_->get()));
 }
 
-MaskWord *Positions::bits_of(int n) {
+MaskWord *Positions::bits_of(kn_size n) {
     ptrdiff_t words = words_of(n);
     if (words <= static_cast<ptrdiff_t>(std::size(near_.bits))) return near_.bits;
     far_.emplace(words);
     return far_->get();
 }
 
-void Positions::set_run(int first, int count) {
+void Positions::set_run(kn_size first, kn_size count) {
     kind_ = run;
     first_ = first;
     count_ = count;
@@ -30,7 +30,7 @@ void Positions::set_run(int first, int count) {
 }
 
 // Ascending without gaps: a run.
-bool Positions::settle(int *list, int n) {
+bool Positions::settle(kn_size *list, kn_size n) {
     if (n == 0) {
         set_run(0, 0);
         return true;
@@ -38,8 +38,8 @@ bool Positions::settle(int *list, int n) {
     kind_ = listed;
     count_ = n;
     list_ = list;
-    if (static_cast<long long>(list[n - 1]) - list[0] != n - 1) return true;
-    for (int k = 1; k < n; ++k)
+    if (list[n - 1] - list[0] != n - 1) return true;
+    for (kn_size k = 1; k < n; ++k)
         if (list[k] != list[0] + k) return true;
     set_run(list[0], n);
     return true;
@@ -54,34 +54,34 @@ bool Positions::settle(MaskWord *bits, ptrdiff_t n, ptrdiff_t count) {
     while (bits[first] == 0) ++first;
     while (bits[last] == 0) --last;
     kind_ = masked;
-    count_ = static_cast<int>(count);
+    count_ = count;
     bits_ = bits;
-    least_ = static_cast<int>(64 * first + std::countr_zero(bits[first]));
-    largest_ = static_cast<int>(64 * last + 63 - std::countl_zero(bits[last]));
+    least_ = 64 * first + std::countr_zero(bits[first]);
+    largest_ = 64 * last + 63 - std::countl_zero(bits[last]);
     if (largest_ - least_ == count_ - 1) set_run(least_, count_);
     return true;
 }
 
-bool Positions::set_values(const double *v, int n, bool alone) {
+bool Positions::set_values(const double *v, kn_size n, bool alone) {
     if (n <= 1) {
         set_run(n == 1 ? position(*v) : 0, n);
         return true;
     }
-    bool near = n <= static_cast<int>(std::size(near_.list));
+    bool near = n <= static_cast<kn_size>(std::size(near_.list));
     if (near) { // quicker than a call
         counts_ = true;
-        least_ = INT_MAX;
-        largest_ = INT_MIN;
-        for (int k = 0; k < n; ++k) {
-            int at = near_.list[k] = position(v[k]);
-            counts_ = counts_ && at >= 0 && at == v[k] - 1.0;
+        least_ = size_max;
+        largest_ = PTRDIFF_MIN;
+        for (kn_size k = 0; k < n; ++k) {
+            kn_size at = near_.list[k] = position(v[k]);
+            counts_ = counts_ && at >= 0 && static_cast<double>(at) == v[k] - 1.0;
             least_ = std::min(least_, at);
             largest_ = std::max(largest_, at);
         }
         return settle(near_.list, n);
     }
-    bool wanted = !alone || n <= 1 << 15; // a longer list doesn't stay in the cache
-    int *list = wanted ? list_of(n) : nullptr;
+    bool wanted = !alone || n <= 1 << 14; // a longer list doesn't stay in the cache
+    kn_size *list = wanted ? list_of(n) : nullptr;
     if (wanted && !list) return false;
     PositionRange range = kernels().moves->positions(list, v, n);
     counts_ = range.counts;
@@ -94,8 +94,8 @@ bool Positions::set_values(const double *v, int n, bool alone) {
     return true;
 }
 
-bool Positions::set(const Mm &s, int extent, int mask_end, bool alone) {
-    int stored = s.getnnz();
+bool Positions::set(const Mm &s, kn_size extent, kn_size mask_end, bool alone) {
+    kn_size stored = s.getnnz();
     counts_ = false;
     if (is_colon(s)) {
         set_run(0, extent);
@@ -113,15 +113,15 @@ bool Positions::set(const Mm &s, int extent, int mask_end, bool alone) {
         return true;
     }
     const double *mask = s.addr();
-    int end = std::min(stored, mask_end);
+    kn_size end = std::min(stored, mask_end);
     if (alone) {
         MaskWord *bits = bits_of(end);
         return bits && settle(bits, end, kernels().moves->mask_bits(bits, mask, end));
     }
-    int *list = list_of(count_true(mask, end) + 1); // one more: the last write of the loop below
+    kn_size *list = list_of(count_true(mask, end) + 1); // one more: the last write of the loop below
     if (!list) return false;
-    int count = 0;
-    for (int k = 0; k < end; ++k) {
+    kn_size count = 0;
+    for (kn_size k = 0; k < end; ++k) {
         list[count] = k;
         count += selects(mask[k]);
     }
@@ -132,16 +132,16 @@ bool Positions::set(const Mm &s, int extent, int mask_end, bool alone) {
     return settle(list, count);
 }
 
-bool Positions::set_nonzero(const unsigned char *x, int n, bool alone) {
+bool Positions::set_nonzero(const unsigned char *x, kn_size n, bool alone) {
     counts_ = false;
     if (alone) {
         MaskWord *bits = bits_of(n);
         return bits && settle(bits, n, kernels().moves->byte_bits(bits, x, n));
     }
-    int *list = list_of(static_cast<int>(n - std::count(x, x + n, 0)) + 1);
+    kn_size *list = list_of(n - std::count(x, x + n, 0) + 1);
     if (!list) return false;
-    int count = 0;
-    for (int k = 0; k < n; ++k) {
+    kn_size count = 0;
+    for (kn_size k = 0; k < n; ++k) {
         list[count] = k;
         count += x[k] != 0;
     }
@@ -153,7 +153,7 @@ bool Positions::set_nonzero(const unsigned char *x, int n, bool alone) {
 }
 
 bool Positions::set_nonzero(const Mm &x) {
-    int n = x.getnnz();
+    kn_size n = x.getnnz();
     counts_ = false;
     MaskWord *bits = bits_of(n);
     if (!bits) return false;
@@ -168,7 +168,7 @@ bool Positions::set_nonzero(const Mm &x) {
     return settle(bits, n, count);
 }
 
-bool Positions::set_others(const Positions &gone, int n) {
+bool Positions::set_others(const Positions &gone, kn_size n) {
     counts_ = false;
     MaskWord *bits = bits_of(n);
     if (!bits) return false;
@@ -176,12 +176,12 @@ bool Positions::set_others(const Positions &gone, int n) {
     std::fill_n(bits, words, ~MaskWord{0});
     if (n % 64 != 0) bits[words - 1] = (MaskWord{1} << n % 64) - 1;
     if (gone.kind_ == masked) {
-        ptrdiff_t given = std::min(words, words_of(ptrdiff_t{gone.largest_} + 1));
+        ptrdiff_t given = std::min(words, words_of(gone.largest_ + 1));
         for (ptrdiff_t k = 0; k < given; ++k) bits[k] &= ~gone.bits_[k];
     } else {
         bool whole = gone.is_run(); // words at once
-        for (int k = 0; k < gone.count_; ++k) {
-            int at = gone[k];
+        for (kn_size k = 0; k < gone.count_; ++k) {
+            kn_size at = gone[k];
             if (at < 0 || at >= n) continue;
             bool all = whole && at % 64 == 0 && gone.count_ - k >= 64;
             bits[at / 64] &= all ? 0 : ~(MaskWord{1} << at % 64);
@@ -193,18 +193,18 @@ bool Positions::set_others(const Positions &gone, int n) {
     return settle(bits, n, count);
 }
 
-int Positions::found(int k) const {
+kn_size Positions::found(kn_size k) const {
     if (kind_ == valued) return position(values_[k]);
     const MaskWord *word = bits_;
-    for (int in_word; k >= (in_word = std::popcount(*word)); ++word) k -= in_word;
+    for (kn_size in_word; k >= (in_word = std::popcount(*word)); ++word) k -= in_word;
     MaskWord left = *word;
     while (k-- > 0) left &= left - 1;
-    return static_cast<int>(64 * (word - bits_) + std::countr_zero(left));
+    return 64 * (word - bits_) + std::countr_zero(left);
 }
 
-int Positions::first_outside(ptrdiff_t extent) const {
+kn_size Positions::first_outside(ptrdiff_t extent) const {
     if (inside(extent)) return -1;
-    int k = 0;
+    kn_size k = 0;
     while ((*this)[k] >= 0 && (*this)[k] < extent) ++k;
     return k;
 }

@@ -45,11 +45,11 @@ Mm RefAccess::record(const Mr &r) {
 Mm RefAccess::read_member(const Mm &base, const char *member, int strict) {
     int f = base.findfield(member, strict);
     if (f < 0) return nothing_M;
-    int n = base.getnnz();
+    kn_size n = base.getnnz();
     Mm out;
     if (n > 1) out = Mm(0, 0, 0, 1, n, kn_Mm);
     if (n > 1 && lacks(out, n)) return nothing_M;
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         const Mm &values = re<Mm>(base)[k];
         if (values.gettype() != kn_Mm || values.getnnz() != base.getnfields()) {
             error("structure '%s' is built wrong", kn_display_name(base));
@@ -86,7 +86,7 @@ Mm RefAccess::read(const Mm &base, const Mr &r, int strict) {
     if (s.n == 0) return base;
     if (s.n == 1 && is_colon(s[0])) {
         Mm out = base;
-        const int dims[4] = {base.size(), 1, 1, 1};
+        const kn_size dims[4] = {base.size(), 1, 1, 1};
         set_extents(out, dims);
         return out;
     }
@@ -135,7 +135,7 @@ void Mr::convert() {
     const Mm *list = nullptr;
     if (n == 1 && kind == Mr_paren && is_cell(*idx[0])) {
         list = re<Mm>(*idx[0]);
-        n = idx[0]->getnnz() <= 4 ? idx[0]->getnnz() : 0;
+        n = idx[0]->getnnz() <= 4 ? static_cast<int>(idx[0]->getnnz()) : 0;
     }
     nidx = 0;
     for (int k = 0; k < n; ++k) {
@@ -184,4 +184,4 @@ ON(Mm)
 ON(Mr)
 #undef ON
 
-int Mr::size() const { return Mm(*this, 1).size(); }
+kn_size Mr::size() const { return Mm(*this, 1).size(); }

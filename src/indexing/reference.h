@@ -12,11 +12,11 @@ namespace kn {
 
 // Whether a subscript (a double) is a full numeric scalar, of a whole number if asked, that selects a
 // position inside an extent; and which.
-template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, ptrdiff_t extent, int &at) {
+template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, ptrdiff_t extent, kn_size &at) {
     if (s.getnnz() != 1 || s.issparse() || s.islogical() || is_colon(s)) return false;
     double v = *s.addr() - 1.0;
     if (!(v > -1.0 && v < static_cast<double>(extent))) return false;
-    at = static_cast<int>(v);
+    at = static_cast<kn_size>(v);
     return at < extent && (!whole || at == v); // between 0 and 1 is the first element, if there is one
 }
 
@@ -39,10 +39,10 @@ struct RefAccess {
     // assignment asks for whole numbers, as others may make the value grow, and one subscript may select the
     // index after the last element.
     template <bool assigning = false>
-    [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, int &at) {
+    [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, kn_size &at) {
         if (base.issparse()) return false;
         if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], ptrdiff_t{base.getnnz()} + assigning, at);
-        int j;
+        kn_size j;
         if (r.nidx != 2 || !is_inside<assigning>(*r.idx[0], base.rows(), at) ||
             !is_inside<assigning>(*r.idx[1], base.cols(), j))
             return false;
@@ -50,7 +50,7 @@ struct RefAccess {
         return true;
     }
     // The same for any number of subscripts: the position, or -1.
-    static int position(const Mm &base, const Mr &r);
+    static kn_size position(const Mm &base, const Mr &r);
 
     // How a chain is gone through: to be read, or to be changed, by a source that is held by `source` (null
     // for a read). To change something, the values on the way to it must be unshared, and the source
@@ -74,14 +74,14 @@ struct RefAccess {
     static const Mm *find(const Mr &r, Way way);
 
     // Whether r reads one element of a real full array.
-    [[gnu::always_inline]] static bool reads_number(const Mm &base, const Mr &r, int &at) {
+    [[gnu::always_inline]] static bool reads_number(const Mm &base, const Mr &r, kn_size &at) {
         return r.kind == Mr_paren && base.gettype() == kn_double && !base.isc() && !base.getclassid() &&
                selects_one(base, r, at);
     }
     // Stores a number in the only element that r selects of an unshared array, or after the last element of
     // a vector with room; false for anything else.
     [[gnu::always_inline]] static bool write_number(const Mm &base, const Mr &r, double x) {
-        int at;
+        kn_size at;
         if (r.kind != Mr_paren || !takes_numbers(base) || !selects_one<true>(base, r, at)) return false;
         if (at == base.getnnz()) {
             if (!is_full_matrix(base) || at == base.getp() || (base.rows() > 1 && base.cols() > 1))
@@ -94,7 +94,7 @@ struct RefAccess {
     }
     // The element after the last becomes part of the value.
     static void extend(const Mm &m, int along) {
-        int *dims = m.getdims();
+        kn_size *dims = m.getdims();
         if (m.getnnz()++ == 0)
             std::fill_n(dims, 4, 1);
         else
@@ -108,7 +108,7 @@ struct RefAccess {
     static Mm read(const Mr &r, int strict);
     [[gnu::noinline]] static Mm read_element(const Mr &r, int strict);
     static Mm read_any(const Mr &r, int strict);
-    static Mm number(const Mm &base, int at);
+    static Mm number(const Mm &base, kn_size at);
     static Mm read(const Mm &base, const Mr &r, int strict);
     static Mm read_member(const Mm &base, const char *member, int strict);
 

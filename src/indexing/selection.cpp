@@ -10,30 +10,31 @@ namespace kn {
 namespace {
 
 // Stored elements of a subscript that is no colon.
-int count_selected(const Mm &s) {
+kn_size count_selected(const Mm &s) {
     bool mask = s.islogical() && !s.issparse();
     return mask ? count_true(s.addr(), s.getnnz()) : s.getnnz();
 }
 
 } // namespace
 
-int Selection::total() const {
-    int counts[4] = {1, 1, 1, 1};
+kn_size Selection::total() const {
+    kn_size counts[4] = {1, 1, 1, 1};
     for (int k = 0; k < n_; ++k) counts[k] = at_[k].count();
     return product(4, counts);
 }
 
 bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int strict) const {
-    const int *dims = base.getdims();
+    const kn_size *dims = base.getdims();
     bool vector = base.vectordim() != 0;
     auto extent = [&](int k) -> ptrdiff_t {
         if (n_ == 1 && !vector) return base.size();
         if (mode == growing) return PTRDIFF_MAX;
         return n_ == 1 ? base.size() : dims[k];
     };
-    int bad = -1, element = 0;
+    int bad = -1;
+    kn_size element = 0;
     for (int k = 0; k < n_; ++k) {
-        int e = at_[k].first_outside(extent(k));
+        kn_size e = at_[k].first_outside(extent(k));
         if (e == 0 || (e > 0 && bad < 0)) {
             bad = k;
             element = e;
@@ -42,7 +43,7 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     if (bad < 0) return true;
     if (!strict) return false;
 
-    int at = at_[bad][element];
+    kn_size at = at_[bad][element];
     if (at < 0)
         report_not_positive(s[bad], base, at);
     else if (n_ > 1)
@@ -54,7 +55,7 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     return false;
 }
 
-int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int strict, int *dims) {
+kn_size kn_index_dims(const Mm &base, const Subscripts &s, const kn_size *extents, int strict, kn_size *dims) {
     std::fill_n(dims, 4, 1);
     for (int k = 0; k < s.n; ++k) {
         if (is_colon(s[k])) {
@@ -67,30 +68,21 @@ int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int s
             return -1;
         }
     }
-    int total = product(4, dims);
+    kn_size total = product(4, dims);
     if (total < 0) out_of_memory();
     return total;
 }
 
-ptrdiff_t largest_rounded(const Mm &s, const Positions &p) {
+kn_size largest_rounded(const Mm &s, const Positions &p) {
     if (p.are_counts()) return p.largest() + 1;
     const double *v = s.addr();
-    int n = s.getnnz();
+    kn_size n = s.getnnz();
     double largest = 0;
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         if (!(v[k] >= 0.5)) return 0;
         largest = std::max(largest, v[k]);
     }
-    return static_cast<ptrdiff_t>(std::min(round_half_away(largest), 0x1p62));
-}
-
-bool reach(int &extent, ptrdiff_t n) {
-    if (n > INT_MAX) {
-        out_of_memory();
-        return false;
-    }
-    extent = std::max(extent, static_cast<int>(n));
-    return true;
+    return static_cast<kn_size>(std::min(round_half_away(largest), 0x1p62));
 }
 
 } // namespace kn

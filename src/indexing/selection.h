@@ -10,7 +10,7 @@
 #define QUORVEX_INDEXING_SELECTION_H
 
 #include <algorithm>
-#include <climits>
+#include <cstdint>
 #include <iterator>
 #include <optional>
 
@@ -30,18 +30,17 @@ struct Subscripts {
 
 inline bool is_colon(const Mm &s) { return s.issamename(kn_colon_name); }
 inline bool selects(double mask) { return (mask > 0) | (mask < 0); }
-inline int count_true(const double *mask, int n) {
-    int count = 0;
-    for (int k = 0; k < n; ++k) count += selects(mask[k]);
+inline kn_size count_true(const double *mask, kn_size n) {
+    kn_size count = 0;
+    for (kn_size k = 0; k < n; ++k) count += selects(mask[k]);
     return count;
 }
 
-// Position of an index value. What no extent reaches gives one that is outside all of them: INT_MIN (NaN too)
-// or INT_MAX.
-inline int position(double v) {
-    v = v > -2147483647.0 ? v : -2147483647.0;
-    v = v < 2147483648.0 ? v : 2147483648.0;
-    return static_cast<int>(v - 1.0);
+// Position of an index value. Beyond 2^53, where doubles are no longer all whole numbers, it is outside all
+// extents: the smallest kn_size (NaN too) or the largest.
+inline kn_size position(double v) {
+    constexpr double most = sizeof(kn_size) == 8 ? 0x1p53 : 0x1p31 - 1;
+    return v > most ? PTRDIFF_MAX : v > -most ? static_cast<kn_size>(v - 1.0) : PTRDIFF_MIN;
 }
 
 // Full, and a matrix.
@@ -64,49 +63,49 @@ class Positions {
     // Each replaces the positions; false when memory was exhausted. A colon selects `extent` positions, a
     // full mask none at or beyond `mask_end`. `alone` allows all kinds; the subscript must then last as long
     // as the positions.
-    bool set(const Mm &s, int extent, int mask_end, bool alone = false);
-    void set_run(int first, int count);
+    bool set(const Mm &s, kn_size extent, kn_size mask_end, bool alone = false);
+    void set_run(kn_size first, kn_size count);
     // Those of the bytes that are not 0; of the elements of a full double that are not 0; of n positions
     // those that are not `gone`, which takes long for a long list.
-    bool set_nonzero(const unsigned char *x, int n, bool alone);
+    bool set_nonzero(const unsigned char *x, kn_size n, bool alone);
     bool set_nonzero(const Mm &x);
-    bool set_others(const Positions &gone, int n);
+    bool set_others(const Positions &gone, kn_size n);
 
     Kind kind() const { return kind_; }
-    int count() const { return count_; }
+    kn_size count() const { return count_; }
     bool is_run() const { return kind_ == run; }
-    int first() const { return first_; }
-    const int *list() const { return list_; }
+    kn_size first() const { return first_; }
+    const kn_size *list() const { return list_; }
     const double *values() const { return values_; }
     const MaskWord *bits() const { return bits_; } // as many as reach the largest
-    int operator[](int k) const { return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k); }
+    kn_size operator[](kn_size k) const { return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k); }
     ptrdiff_t largest() const { return largest_; } // -1 for none
     // None of them lies outside.
     bool inside(ptrdiff_t extent) const { return count_ == 0 || (least_ >= 0 && largest_ < extent); }
     // Whether they are known to come from whole numbers, none below 1.
     bool are_counts() const { return counts_; }
     // Which of them is the first outside [0, extent); -1 for none.
-    int first_outside(ptrdiff_t extent) const;
+    kn_size first_outside(ptrdiff_t extent) const;
 
   private:
     Kind kind_ = run;
     bool counts_ = false;
-    int count_ = 0, first_ = 0, largest_ = -1;
-    int least_ = 0; // none is smaller
-    const int *list_ = nullptr;
+    kn_size count_ = 0, first_ = 0, largest_ = -1;
+    kn_size least_ = 0; // none is smaller
+    const kn_size *list_ = nullptr;
     const double *values_ = nullptr;
     MaskWord *bits_ = nullptr;
     union {
-        int list[16];
+        kn_size list[16];
         MaskWord bits[8];
     } near_;
     std::optional<Scratch<MaskWord>> far_;
 
-    int *list_of(int n);
-    MaskWord *bits_of(int n);
-    int found(int k) const;
-    bool set_values(const double *v, int n, bool alone);
-    bool settle(int *list, int n);
+    kn_size *list_of(kn_size n);
+    MaskWord *bits_of(kn_size n);
+    kn_size found(kn_size k) const;
+    bool set_values(const double *v, kn_size n, bool alone);
+    bool settle(kn_size *list, kn_size n);
     bool settle(MaskWord *bits, ptrdiff_t n, ptrdiff_t count);
 };
 
@@ -115,13 +114,13 @@ class Selection {
     int n() const { return n_; }
     const Positions &operator[](int k) const { return at_[k]; }
     Positions &next() { return at_[n_++]; }
-    bool add(const Mm &s, int extent, int mask_end = INT_MAX) { return next().set(s, extent, mask_end); }
+    bool add(const Mm &s, kn_size extent, kn_size mask_end = size_max) { return next().set(s, extent, mask_end); }
     // The only subscript.
-    bool add_alone(const Mm &s, int extent, int mask_end = INT_MAX) {
+    bool add_alone(const Mm &s, kn_size extent, kn_size mask_end = size_max) {
         return next().set(s, extent, mask_end, true);
     }
-    // Elements of the selection; -1 when no int holds the number.
-    int total() const;
+    // Elements of the selection; -1 when it is too large.
+    kn_size total() const;
 
     // Tests every position as a walk through the selection would meet it: first those of the first element,
     // from the last subscript down, then each subscript's others. False after reporting (when strict) the
@@ -136,16 +135,13 @@ class Selection {
 };
 
 // How many positions each subscript selects, 1 beyond the last. Returns their product, or -1: for a sparse
-// numeric subscript with zeros, reported when strict, and after "Out of memory!" when no int holds it. A
+// numeric subscript with zeros, reported when strict, and after "Out of memory!" when that is too large. A
 // colon counts the base's size when alone, else extents[k].
-int kn_index_dims(const Mm &base, const Subscripts &s, const int *extents, int strict, int *dims);
+kn_size kn_index_dims(const Mm &base, const Subscripts &s, const kn_size *extents, int strict, kn_size *dims);
 
 // The largest of index values rounded to the nearest whole number; 0 when one of them is not positive (NaN is
 // none). `p` holds their positions.
-ptrdiff_t largest_rounded(const Mm &s, const Positions &p);
-
-// Makes an extent reach so far. False after "Out of memory!": no value is so large.
-bool reach(int &extent, ptrdiff_t n);
+kn_size largest_rounded(const Mm &s, const Positions &p);
 
 } // namespace kn
 

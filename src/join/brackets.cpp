@@ -18,7 +18,7 @@
 namespace kn {
 namespace {
 
-bool ends_row(const Mc &list, int k) { return !list.number(k) && list.item(k).issamename(kn_semi_name); }
+bool ends_row(const Mc &list, kn_size k) { return !list.number(k) && list.item(k).issamename(kn_semi_name); }
 bool is_content(const Mm &x) { return x.rows() != 0 && x.cols() != 0; }
 
 // What the items have in common, and the size of the plain result.
@@ -26,11 +26,11 @@ struct Survey {
     bool plain = true, complex = false, str = false, any_logical = false, all_logical = true;
     bool even = true;    // the items tile the result
     bool stacked = true; // each row is one item
-    long long rows = 0, cols = 0;
+    kn_size rows = 0, cols = 0;
 
     explicit Survey(const Mc &list) {
-        int n = list.count();
-        for (int k = 0; k < n; k++) {
+        kn_size n = list.count();
+        for (kn_size k = 0; k < n; k++) {
             bool end = ends_row(list, k);
             if (list.number(k)) {
                 all_logical = false;
@@ -44,7 +44,7 @@ struct Survey {
     }
 
   private:
-    long long height_ = 0, width_ = 0;
+    kn_size height_ = 0, width_ = 0;
 
     void look_at(const Mm &x) {
         if (x.issparse() || x.gettype() != kn_double || x.getndims() > 2) plain = false;
@@ -55,7 +55,7 @@ struct Survey {
         if (is_content(x)) place(x.rows(), x.cols());
     }
 
-    void place(int r, int c) {
+    void place(kn_size r, kn_size c) {
         if (width_ > 0) {
             stacked = false;
             if (height_ != r) even = false;
@@ -74,13 +74,13 @@ struct Survey {
 
 // Columns of a plane of an item, with the first element at `to`; zeros for a plane that is not there. Nothing
 // is written at or after `end`.
-void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, int cols) {
+void lay(double *to, const double *end, ptrdiff_t stride, const double *from, ptrdiff_t rows, kn_size cols) {
     if (rows <= 4 && rows <= stride && from && (cols - 1) * stride + rows <= end - to) {
         for (ptrdiff_t r = 0; r < rows; r++)
-            for (int c = 0; c < cols; c++) to[r + c * stride] = from[r + c * rows];
+            for (kn_size c = 0; c < cols; c++) to[r + c * stride] = from[r + c * rows];
         return;
     }
-    for (int c = 0; c < cols && to < end; c++, to += stride) {
+    for (kn_size c = 0; c < cols && to < end; c++, to += stride) {
         ptrdiff_t n = std::min(rows, end - to);
         if (from)
             copy_run(to, from + c * rows, n);
@@ -91,12 +91,12 @@ void lay(double *to, const double *end, ptrdiff_t stride, const double *from, pt
 }
 
 // A plane of the result (imaginary: 1) from the columns [first, first + most) of each item.
-void lay_items(const Mc &list, double *plane, int imaginary, int rows, ptrdiff_t n, int first, int most) {
+void lay_items(const Mc &list, double *plane, int imaginary, kn_size rows, ptrdiff_t n, kn_size first, kn_size most) {
     ptrdiff_t row = 0, col = 0;
-    int height = 0;
-    for (int k = 0; k < list.count(); k++) {
+    kn_size height = 0;
+    for (kn_size k = 0; k < list.count(); k++) {
         const double *from = list.number(k);
-        int m = 1, width = 1; // extents of the item
+        kn_size m = 1, width = 1; // extents of the item
         if (from) {
             if (imaginary) from = nullptr;
         } else {
@@ -119,23 +119,19 @@ void lay_items(const Mc &list, double *plane, int imaginary, int rows, ptrdiff_t
 }
 
 Mm tiled(const Mc &list, const Survey &s) {
-    if (s.rows > INT_MAX || s.cols > INT_MAX) {
-        out_of_memory();
-        return x_M;
-    }
-    int rows = static_cast<int>(s.rows), cols = static_cast<int>(s.cols);
+    const kn_size rows = s.rows, cols = s.cols;
     Mm out(s.complex, 0, 0, rows, cols, kn_double);
-    int extents[] = {rows, cols}, n = product(2, extents);
+    kn_size extents[] = {rows, cols}, n = product(2, extents);
     if (n < 0 || lacks(out, n)) return x_M;
 
     // Low items on top of each other are laid some columns at a time, so that the lines of the result that
     // they share are still in the cache.
-    int most = s.stacked && s.even && rows > 0 ? std::max(4096 / rows, 1) : cols;
+    kn_size most = s.stacked && s.even && rows > 0 ? std::max<kn_size>(4096 / rows, 1) : cols;
     double *planes[] = {out.addr(), out.addi()};
     for (int p = 0; p < 2; p++) {
         if (!planes[p]) continue;
         if (!s.even) std::fill_n(planes[p], n, 0.0);
-        for (int c = 0; c < cols; c += std::min(most, cols - c))
+        for (kn_size c = 0; c < cols; c += std::min(most, cols - c))
             lay_items(list, planes[p], p, rows, n, c, most);
     }
     check(out);
@@ -154,7 +150,7 @@ Mm joined(const Mc &list) {
         row = nothing_M;
         begun = false;
     };
-    for (int k = 0; k < list.count(); k++) {
+    for (kn_size k = 0; k < list.count(); k++) {
         const Mm &x = list.item(k);
         if (ends_row(list, k)) {
             end_row();
@@ -179,10 +175,10 @@ bool is_number(const Mm &x) {
 }
 
 // Whether the items are rows of numbers, equally long, as in most brackets; the size of the result.
-bool are_numbers(const Mc &list, int &rows, int &cols) {
-    int n = list.count(), width = 0;
+bool are_numbers(const Mc &list, kn_size &rows, kn_size &cols) {
+    kn_size n = list.count(), width = 0;
     rows = cols = 0;
-    for (int k = 0; k < n; k++) {
+    for (kn_size k = 0; k < n; k++) {
         bool end = ends_row(list, k);
         if (!end && !list.number(k) && !is_number(list.item(k))) return false;
         width += !end;
@@ -195,11 +191,11 @@ bool are_numbers(const Mc &list, int &rows, int &cols) {
     return cols > 0;
 }
 
-Mm of_numbers(const Mc &list, int rows, int cols) {
+Mm of_numbers(const Mc &list, kn_size rows, kn_size cols) {
     Mm out(0, 0, 0, rows, cols, kn_double);
     if (lacks(out, rows * cols)) return x_M;
     ptrdiff_t at = 0;
-    for (int k = 0; k < list.count(); k++) {
+    for (kn_size k = 0; k < list.count(); k++) {
         const double *x = list.number(k);
         if (!x && ends_row(list, k)) {
             at -= ptrdiff_t{rows} * cols - 1;
@@ -213,7 +209,7 @@ Mm of_numbers(const Mc &list, int rows, int cols) {
 }
 
 Mm brackets(const Mc &list) {
-    int rows, cols;
+    kn_size rows, cols;
     if (are_numbers(list, rows, cols)) return of_numbers(list, rows, cols);
     Survey s(list);
     Mm out = s.plain ? tiled(list, s) : joined(list);
@@ -230,15 +226,15 @@ bool is_argument_list(const Mm &x) {
 }
 
 // The list with the elements of item k in its place.
-Mm braces_with_spliced(const Mc &list, int k);
+Mm braces_with_spliced(const Mc &list, kn_size k);
 
 Mm braces(const Mc &list) {
-    int n = list.count();
-    for (int k = 0; k < n; k++)
+    kn_size n = list.count();
+    for (kn_size k = 0; k < n; k++)
         if (!list.number(k) && is_argument_list(list.item(k))) return braces_with_spliced(list, k);
 
-    int rows = 0, cols = 0, width = 0;
-    for (int k = 0; k < n; k++) {
+    kn_size rows = 0, cols = 0, width = 0;
+    for (kn_size k = 0; k < n; k++) {
         bool end = ends_row(list, k);
         if (!end) width++;
         if (!end && k < n - 1) continue;
@@ -247,10 +243,10 @@ Mm braces(const Mc &list) {
         width = 0;
     }
     Mm out(0, 0, 0, rows, cols, kn_Mm);
-    int extents[] = {rows, cols}, size = product(2, extents);
+    kn_size extents[] = {rows, cols}, size = product(2, extents);
     if (size < 0 || lacks(out, size)) return x_M;
-    int row = 1, col = 1;
-    for (int k = 0; k < n; k++) {
+    kn_size row = 1, col = 1;
+    for (kn_size k = 0; k < n; k++) {
         const double *x = list.number(k);
         if (x) {
             out.mr(row, col++) = *x;
@@ -265,7 +261,7 @@ Mm braces(const Mc &list) {
     return out;
 }
 
-Mm braces_with_spliced(const Mc &list, int k) {
+Mm braces_with_spliced(const Mc &list, kn_size k) {
     const Mm &args = list.item(k);
     bool unset = args.gettype() == kn_none;
     if (!unset && !is_cell(args)) {
@@ -273,9 +269,9 @@ Mm braces_with_spliced(const Mc &list, int k) {
         return x_M;
     }
     Mc spliced;
-    for (int l = 0; l < k; l++) spliced, list.item(l);
-    for (int l = 1; !unset && l <= args.getnnz(); l++) spliced, args.mr(l);
-    for (int l = k + 1; l < list.count(); l++) spliced, list.item(l);
+    for (kn_size l = 0; l < k; l++) spliced, list.item(l);
+    for (kn_size l = 1; !unset && l <= args.getnnz(); l++) spliced, args.mr(l);
+    for (kn_size l = k + 1; l < list.count(); l++) spliced, list.item(l);
     return braces(spliced);
 }
 

@@ -15,7 +15,7 @@ Mm new_cell(std::initializer_list<const Mm *> sizes) {
     for (const Mm *x : sizes)
         if (x->size() == 0) return nop_M;
     kn::Extents e = kn::extents_of("cell", sizes);
-    int n = kn::product(e.n, e.d);
+    kn_size n = kn::product(e.n, e.d);
     Mm out(0, 0, 0, e.n, e.d, kn_Mm);
     return n < 0 || kn::lacks(out, n) ? x_M : out;
 }
@@ -29,25 +29,25 @@ Mm cell(const Mm &m, const Mm &n, const Mm &p, const Mm &q) { return new_cell({&
 Mm cells(const Mm &n) { return cell(n); }
 Mm cells(const Mm &m, const Mm &n) { return cell(m, n); }
 
-Mm cell_from_array(int n, const Mm *const *a) {
+Mm cell_from_array(kn_size n, const Mm *const *a) {
     Mm out(0, 0, 0, 1, n, kn_Mm);
     if (kn::lacks(out, n)) return x_M;
-    for (int k = 0; k < n; k++) out.mr(k + 1) = *a[k];
+    for (kn_size k = 0; k < n; k++) out.mr(k + 1) = *a[k];
     return out;
 }
 
 Mm iscellstr(const Mm &x) {
     bool yes = kn::is_cell(x);
-    for (int k = 1; yes && k <= x.getnnz(); k++) yes = x.mr(k).isstr();
+    for (kn_size k = 1; yes && k <= x.getnnz(); k++) yes = x.mr(k).isstr();
     return mlogical(yes ? 1.0 : 0.0);
 }
 
 Mm num2cell(const Mm &x) {
     x.warn_uninit();
     Mm elements = full(x);
-    int n = elements.getnnz();
+    kn_size n = elements.getnnz();
     Mm out = kn::fresh_like(elements, 0, kn_Mm);
     if (kn::lacks(out, n)) return x_M;
-    for (int k = 1; k <= n; k++) out.mr(k) = elements(k);
+    for (kn_size k = 1; k <= n; k++) out.mr(k) = elements(k);
     return out;
 }

@@ -29,12 +29,12 @@ Mc::Mc(const Mc &src) : Mc(src.cell, 0) {
     }
     last = src.last;
     std::copy_n(src.items, last + 1, items);
-    for (int k = 0; k <= last; ++k)
+    for (kn_size k = 0; k <= last; ++k)
         if (items[k].kind != Item::borrowed) items[k].value = nullptr;
 }
 
 void Mc::release() {
-    for (int k = 0; made && k <= last; ++k)
+    for (kn_size k = 0; made && k <= last; ++k)
         if (items[k].kind != Item::borrowed && items[k].value != &nop_M) delete items[k].value;
     if (capacity > near_capacity) kn::heap_free(items);
 }

@@ -25,11 +25,11 @@ namespace {
 
 // The extents of a joined value, and their product; that is negative after "Out of memory!", when no value is
 // so large.
-int joined_extents(Extents &e, int dim, const Mm &a, const Mm &b) {
+kn_size joined_extents(Extents &e, int dim, const Mm &a, const Mm &b) {
     e.n = std::max(a.getndims(), dim);
     std::copy_n(a.getdims(), 4, e.d);
-    int added = b.getdims()[dim - 1];
-    int n = added <= INT_MAX - e.d[dim - 1] ? (e.d[dim - 1] += added, product(4, e.d)) : -1;
+    kn_size added = b.getdims()[dim - 1];
+    kn_size n = added <= size_max - e.d[dim - 1] ? (e.d[dim - 1] += added, product(4, e.d)) : -1;
     if (n < 0) out_of_memory();
     return n;
 }
@@ -75,7 +75,7 @@ template <class T> void interleave(const Mm &out, const Mm &a, const Mm &b, ptrd
 // The extents agree but for `dim`, and neither is empty.
 Mm join_full(int dim, const Mm &a, const Mm &b) {
     Extents e;
-    int n = joined_extents(e, dim, a, b);
+    kn_size n = joined_extents(e, dim, a, b);
     if (n < 0) return x_M;
     Mm out(a.isc() || b.isc(), 0, 0, e.n, e.d, a.gettype());
     if (lacks(out, n)) return x_M;
@@ -96,16 +96,16 @@ Mm join_full(int dim, const Mm &a, const Mm &b) {
 
 struct EntryList {
     const double *re, *im;
-    const int *index;
-    int nnz, rows;
+    const kn_size *index;
+    kn_size nnz, rows;
     explicit EntryList(const Mm &s)
         : re(s.addr()), im(s.addi()), index(s.getindex()), nnz(s.getnnz()), rows(s.rows()) {}
 };
 
 struct EntryWriter {
     double *re, *im;
-    int *index, e = 0;
-    void append(const EntryList &s, int k, int position) {
+    kn_size *index, e = 0;
+    void append(const EntryList &s, kn_size k, kn_size position) {
         re[e] = s.re[k];
         if (im) im[e] = s.im ? s.im[k] : 0;
         index[e++] = position;
@@ -117,24 +117,24 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
     Extents extents;
     if (joined_extents(extents, dim, x, y) < 0) return x_M;
     Mm sx = sparse(x), sy = sparse(y);
-    int nnz = sx.getnnz() + sy.getnnz();
+    kn_size nnz = sx.getnnz() + sy.getnnz();
     Mm out(sx.isc() || sy.isc(), 1, nnz, 2, extents.d, kn_double);
     if (lacks(out, nnz) || !out.issparse()) return x_M;
 
     EntryList a(sx), b(sy);
     EntryWriter to{out.addr(), out.addi(), out.getindex()};
     if (dim == 2) {
-        for (int k = 0; k < a.nnz; k++) to.append(a, k, a.index[k]);
-        for (int k = 0; k < b.nnz; k++) to.append(b, k, x.size() + b.index[k]);
+        for (kn_size k = 0; k < a.nnz; k++) to.append(a, k, a.index[k]);
+        for (kn_size k = 0; k < b.nnz; k++) to.append(b, k, x.size() + b.index[k]);
     } else { // column by column
         ColumnWalk in_a(a.rows), in_b(b.rows);
-        auto column = [](ColumnWalk &walk, const EntryList &s, int k) {
-            if (k >= s.nnz) return INT_MAX;
+        auto column = [](ColumnWalk &walk, const EntryList &s, kn_size k) {
+            if (k >= s.nnz) return size_max;
             walk.row(s.index[k]);
             return walk.column();
         };
-        for (int ka = 0, kb = 0, rows = a.rows + b.rows; ka < a.nnz || kb < b.nnz;) {
-            int ca = column(in_a, a, ka), cb = column(in_b, b, kb), c = std::min(ca, cb);
+        for (kn_size ka = 0, kb = 0, rows = a.rows + b.rows; ka < a.nnz || kb < b.nnz;) {
+            kn_size ca = column(in_a, a, ka), cb = column(in_b, b, kb), c = std::min(ca, cb);
             if (ca == c)
                 for (; ka < a.nnz && a.index[ka] < in_a.end(); ka++)
                     to.append(a, ka, c * rows + a.index[ka] - in_a.begin());
@@ -155,7 +155,7 @@ Mm join_structures(int dim, const Mm &a, const Mm &b) {
     Mm out = a, tail = b;
     out.setclassid(0);
     tail.setclassid(0);
-    const int first = a.size(dim) + 1, n = b.size(dim);
+    const kn_size first = a.size(dim) + 1, n = b.size(dim);
     Mm range(0, 0, 0, 1, n, kn_double);
     if (lacks(range, n)) return x_M;
     std::iota(range.addr(), range.addr() + n, static_cast<double>(first));

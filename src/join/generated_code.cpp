@@ -15,17 +15,19 @@ Mm switchinit(const Mm &x) {
 
 namespace generated {
 
-Mm texts(int rows, int cols, const char *const *list) {
+Mm texts(kn_size rows, kn_size cols, const char *const *list) {
     Mm out(0, 0, 0, rows, cols, kn_Mm);
-    for (int k = 0; k < out.getnnz(); ++k) out.mr(k + 1) = TM(list[k]);
+    for (kn_size k = 0; k < out.getnnz(); ++k) out.mr(k + 1) = TM(list[k]);
     return out;
 }
 
 double end_of(const Mm &x, int k, int n) {
     if (x.gettype() == kn_none || k < 1) return 0;
-    if (n > 1) return k <= 4 ? x.getdims()[k - 1] : 1;
-    const int *d = x.getdims();
-    return static_cast<double>(d[0]) * d[1] * d[2] * d[3];
+    if (n > 1) return k <= 4 ? static_cast<double>(x.getdims()[k - 1]) : 1;
+    const kn_size *d = x.getdims();
+    double size = 1;
+    for (int l = 0; l < 4; ++l) size *= static_cast<double>(d[l]);
+    return size;
 }
 
 double end_of(const Mr &x, int k, int n) { return end_of(Mm(x, 0), k, n); }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int name_length = 40;
+constexpr kn_size name_length = 40;
 
 // A field name in a value: its characters in storage order.
 struct FieldName {
@@ -22,14 +22,14 @@ struct FieldName {
     FieldName(const Mm &x, const char *caller) {
         if (error_numeric(x, caller)) return;
         Mm codes = mdouble(x);
-        int n = std::min(codes.getnnz(), name_length);
-        for (int k = 0; k < n; k++)
-            text[k] = static_cast<char>(static_cast<unsigned char>(double_to_int(codes.addr()[k])));
+        kn_size n = std::min(codes.getnnz(), name_length);
+        for (kn_size k = 0; k < n; k++)
+            text[k] = static_cast<char>(static_cast<unsigned char>(double_to_size(codes.addr()[k])));
     }
 };
 
 // Position of the field, as far as the length of names goes; -1 for none.
-int find_name(const Mm &s, const FieldName &name) {
+kn_size find_name(const Mm &s, const FieldName &name) {
     for (int f = 0; f < s.getnfields(); f++)
         if (std::strncmp(s.getfields()[f], name.text, name_length) == 0) return f;
     return -1;
@@ -37,11 +37,11 @@ int find_name(const Mm &s, const FieldName &name) {
 
 // The name to read or write a field by.
 const char *member_name(const Mm &s, const FieldName &name) {
-    int f = find_name(s, name);
+    kn_size f = find_name(s, name);
     return f >= 0 ? s.getfields()[f] : name.text;
 }
 
-bool built_right(const Mm &s, int k) {
+bool built_right(const Mm &s, kn_size k) {
     const Mm &element = s.mr(k);
     if (element.gettype() == kn_Mm && element.getnnz() == s.getnfields()) return true;
     if (element.size() == 0 && s.getnfields() == 0) return true;
@@ -49,18 +49,18 @@ bool built_right(const Mm &s, int k) {
     return false;
 }
 
-Mm without(const Mm &element, int f) {
-    int n = element.getnnz();
+Mm without(const Mm &element, kn_size f) {
+    kn_size n = element.getnnz();
     Mm out(0, 0, 0, 1, n - 1, kn_Mm);
     if (kn::lacks(out, n - 1)) return element;
-    for (int k = 1, l = 1; k <= n; k++)
+    for (kn_size k = 1, l = 1; k <= n; k++)
         if (k != f + 1) out.mr(l++) = element.mr(k);
     return out;
 }
 
 // A structure array without names, of elements that are still empty.
-bool make_structures(Mm &out, int ndims, const int *dims) {
-    int n = kn::product(ndims, dims);
+bool make_structures(Mm &out, kn_size ndims, const kn_size *dims) {
+    kn_size n = kn::product(ndims, dims);
     Mm s(0, 0, 0, ndims, dims, kn_Mm);
     if (n < 0 || kn::lacks(s, n) || s.gettype() != kn_Mm) return false;
     s.extend_nfields(8);
@@ -72,7 +72,7 @@ bool make_structures(Mm &out, int ndims, const int *dims) {
 // Gives every element its cell of field values.
 bool make_elements(const Mm &s) {
     int fields = s.getnfields();
-    for (int k = 1; k <= s.getnnz(); k++) {
+    for (kn_size k = 1; k <= s.getnnz(); k++) {
         Mm element(0, 0, 0, 1, fields, kn_Mm);
         if (kn::lacks(element, fields)) return false;
         s.mr(k) = element;
@@ -93,12 +93,12 @@ Mm get(const Mm &s, std::initializer_list<const Mm *> steps) {
         } else if (kn::is_cell(*step) && step->getnnz() >= 1 && step->getnnz() <= 4) {
             Mm subscripts[4];
             const Mm *list[4];
-            int n = step->getnnz();
-            for (int k = 0; k < n; k++) {
+            kn_size n = step->getnnz();
+            for (kn_size k = 0; k < n; k++) {
                 subscripts[k] = step->mr(k + 1);
                 list[k] = &subscripts[k];
             }
-            Mm next = Mr(x, kn::is_cell(x) ? Mr_brace : Mr_paren, n, list);
+            Mm next = Mr(x, kn::is_cell(x) ? Mr_brace : Mr_paren, static_cast<int>(n), list);
             reached = next;
         } else {
             error("getfield: index must be a string or cell array");
@@ -118,7 +118,7 @@ Mm fieldnames(const Mm &s) {
     int n = s.getnfields();
     Mm out(0, 0, 0, n, 1, kn_Mm);
     if (kn::lacks(out, n)) return x_M;
-    for (int f = 0; f < n; f++) out.mr(f + 1) = TM(s.getfields()[f]);
+    for (kn_size f = 0; f < n; f++) out.mr(f + 1) = TM(s.getfields()[f]);
     return out;
 }
 
@@ -132,17 +132,17 @@ Mm rmfield(const Mm &s, const Mm &names) {
     Mm out;
     out.deepcopy(s, kn_none);
     if (!out.isstruct()) return x_M;
-    for (int e = 1; e <= s.getnnz(); e++)
+    for (kn_size e = 1; e <= s.getnnz(); e++)
         if (!built_right(s, e)) return x_M;
-    int n = kn::is_cell(names) ? names.getnnz() : 1;
-    for (int k = 1; k <= n; k++) {
+    kn_size n = kn::is_cell(names) ? names.getnnz() : 1;
+    for (kn_size k = 1; k <= n; k++) {
         FieldName name(kn::is_cell(names) ? names.mr(k) : names, "rmfield");
-        int f = find_name(out, name);
+        kn_size f = find_name(out, name);
         if (f < 0) {
             error("rmfield: structure has no field named '%s'", name.text);
             continue;
         }
-        for (int e = 1; e <= out.getnnz(); e++) out.mr(e) = without(out.mr(e), f);
+        for (kn_size e = 1; e <= out.getnnz(); e++) out.mr(e) = without(out.mr(e), f);
         out.rmfield(out.getfields()[f]);
     }
     kn::check(out);
@@ -170,23 +170,23 @@ Mm getfield(const Mm &s, const Mm &step1, const Mm &step2, const Mm &step3, cons
 // ---- Construction ----
 
 Mm mstruct(const Mm &args) {
-    int nargs = args.getnnz();
+    kn_size nargs = args.getnnz();
     if (!kn::is_cell(args)) return args;
     if (nargs == 1) return args.mr(1);
     if (nargs % 2 != 0) {
         error("struct: odd numbers of inputs");
         return x_M;
     }
-    auto value = [&args](int pair) -> const Mm & { return args.mr(2 * pair); };
-    int pairs = nargs / 2, one[] = {1, 1}, ndims = 2;
-    const int *dims = one;
-    for (int p = 1; p <= pairs; p++)
+    auto value = [&args](kn_size pair) -> const Mm & { return args.mr(2 * pair); };
+    kn_size pairs = nargs / 2, one[] = {1, 1}, ndims = 2;
+    const kn_size *dims = one;
+    for (kn_size p = 1; p <= pairs; p++)
         if (kn::is_cell(value(p))) {
             ndims = value(p).getndims();
             dims = value(p).getdims();
         }
-    int n = kn::product(ndims, dims);
-    for (int p = 1; p <= pairs; p++)
+    kn_size n = kn::product(ndims, dims);
+    for (kn_size p = 1; p <= pairs; p++)
         if (kn::is_cell(value(p)) && value(p).getnnz() != n) {
             error("struct: all cell arrays must be of same size");
             return x_M;
@@ -194,12 +194,12 @@ Mm mstruct(const Mm &args) {
 
     Mm out;
     if (!make_structures(out, ndims, dims)) return x_M;
-    for (int p = 1; p <= pairs; p++)
+    for (kn_size p = 1; p <= pairs; p++)
         if (out.addfield(FieldName(args.mr(2 * p - 1), "struct").text, 0) < 0) return x_M;
     if (!make_elements(out)) return x_M;
-    for (int p = 1; p <= pairs; p++) {
-        int f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
-        for (int k = 1; k <= n; k++) out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
+    for (kn_size p = 1; p <= pairs; p++) {
+        kn_size f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
+        for (kn_size k = 1; k <= n; k++) out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
     }
     kn::check(out);
     return out;
@@ -213,14 +213,15 @@ Mm struct2cell(const Mm &s) {
         error("struct2cell: matrix %s has %d dimensions", kn_display_name(s), s.getndims());
         return x_M;
     }
-    int fields = s.getnfields(), n = s.getnnz(), dims[4] = {fields};
+    const kn_size fields = s.getnfields(), n = s.getnnz();
+    kn_size dims[4] = {fields};
     std::copy_n(s.getdims(), 3, dims + 1);
-    int size = kn::product(4, dims);
+    kn_size size = kn::product(4, dims);
     Mm out(0, 0, 0, 4, dims, kn_Mm);
     if (size < 0 || kn::lacks(out, size)) return x_M;
-    for (int k = 1; k <= n; k++) {
+    for (kn_size k = 1; k <= n; k++) {
         if (!built_right(s, k)) return x_M;
-        for (int f = 1; f <= fields; f++) out.mr((k - 1) * fields + f) = s.mr(k).mr(f);
+        for (kn_size f = 1; f <= fields; f++) out.mr((k - 1) * fields + f) = s.mr(k).mr(f);
     }
     return out;
 }
@@ -235,8 +236,8 @@ Mm cell2struct(const Mm &c, const Mm &fields, const Mm &dim) {
         error("%s: second argument is not a cell", name);
         return x_M;
     }
-    int d = double_to_int(mdouble(dim).r(1));
-    int nfields = c.size(d);
+    const int d = double_to_int(mdouble(dim).r(1));
+    const kn_size nfields = c.size(d);
     if (d < 1 || d > 4) return x_M; // reported by size
     if (fields.length() != nfields) {
         error("%s: length(fields)!=size(x,dim)", name);
@@ -244,13 +245,13 @@ Mm cell2struct(const Mm &c, const Mm &fields, const Mm &dim) {
     }
 
     // What remains without the dimension; a vector of structures is a column.
-    int dims[4] = {1, 1, 1, 1}, ndims = 0;
+    kn_size dims[4] = {1, 1, 1, 1}, ndims = 0;
     for (int k = 1; k <= c.getndims(); k++)
         if (k != d) dims[ndims++] = c.size(k);
     if (nfields == 0) dims[0] = dims[1] = 0;
     Mm out;
-    if (!make_structures(out, std::max(ndims, 2), dims)) return x_M;
-    for (int f = 1; f <= nfields; f++) {
+    if (!make_structures(out, std::max<kn_size>(ndims, 2), dims)) return x_M;
+    for (kn_size f = 1; f <= nfields; f++) {
         FieldName field(fields.mr(f), name);
         if (out.findfield(field.text, 0) >= 0) {
             error("%s: duplicate field '%s'", name, field.text);
@@ -259,9 +260,9 @@ Mm cell2struct(const Mm &c, const Mm &fields, const Mm &dim) {
         if (out.addfield(field.text, 1) < 0) return x_M;
     }
     if (!make_elements(out)) return x_M;
-    int stride = kn::product(d - 1, c.getdims());
-    for (int k = 0; k < out.getnnz(); k++)
-        for (int f = 0; f < nfields; f++)
+    kn_size stride = kn::product(d - 1, c.getdims());
+    for (kn_size k = 0; k < out.getnnz(); k++)
+        for (kn_size f = 0; f < nfields; f++)
             out.mr(k + 1).mr(f + 1) = c.mr(k / stride * stride * nfields + f * stride + k % stride + 1);
     kn::check(out);
     return out;

@@ -15,7 +15,7 @@ inline ptrdiff_t words_of(ptrdiff_t n) { return (n + 63) / 64; }
 // What lies among positions: bounds that none exceeds, and whether all are known to come from whole numbers,
 // none below 1.
 struct PositionRange {
-    int least, largest;
+    ptrdiff_t least, largest;
     bool counts;
 };
 
@@ -37,7 +37,7 @@ struct Moves {
     void (*repeat)(double *to, double x, ptrdiff_t n);
 
     // Positions of index values (selection.h); `list` null: only what lies among them.
-    PositionRange (*positions)(int *list, const double *v, ptrdiff_t n);
+    PositionRange (*positions)(ptrdiff_t *list, const double *v, ptrdiff_t n);
 
     // Masks as bits; how many are set. Elements above or below 0; elements that are not 0, NaN among them;
     // bytes that are not 0.

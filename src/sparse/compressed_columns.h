@@ -11,10 +11,10 @@ namespace kn {
 
 // Entries starts[c] to starts[c + 1] - 1 of a sparse value are those of column c, for the first `cols`
 // columns of all pages: cols + 1 numbers.
-void column_starts(const Mm &a, ptrdiff_t cols, int *starts);
+void column_starts(const Mm &a, ptrdiff_t cols, kn_size *starts);
 
 // The rows of the first n entries.
-void row_indices(const Mm &a, int n, int *rows);
+void row_indices(const Mm &a, kn_size n, kn_size *rows);
 
 // A matrix of doubles. It may be larger than a sparse value can be, whose indices are ints. The imaginary
 // parts are null for a real matrix. False when memory was exhausted, which has been reported.
@@ -22,14 +22,14 @@ class CompressedColumns {
   public:
     CompressedColumns(int64_t rows, int64_t cols, int64_t room, bool is_complex);
     // The first columns of a sparse value.
-    CompressedColumns(const Mm &a, int cols);
+    CompressedColumns(const Mm &a, kn_size cols);
     explicit operator bool() const { return start_ && row_ && re_ && im_; }
 
-    int rows() const { return m_; }
-    int cols() const { return n_; }
-    int entries() const { return start_[n_]; }
-    int *start() const { return start_.get(); }
-    int *row() const { return row_.get(); }
+    kn_size rows() const { return m_; }
+    kn_size cols() const { return n_; }
+    kn_size entries() const { return start_[n_]; }
+    kn_size *start() const { return start_.get(); }
+    kn_size *row() const { return row_.get(); }
     double *re() const { return re_.get(); }
     double *im() const { return is_complex_ ? im_.get() : nullptr; }
 
@@ -38,12 +38,12 @@ class CompressedColumns {
         ++filled_;
         start_[filled_] = start_[filled_ - 1];
     }
-    void add(int row, double re, double im, bool kept = false);
+    void add(kn_size row, double re, double im, bool kept = false);
 
   private:
-    int m_, n_, filled_ = 0;
+    kn_size m_, n_, filled_ = 0;
     bool is_complex_;
-    Scratch<int> start_, row_;
+    Scratch<kn_size> start_, row_;
     Scratch<double> re_, im_;
 };
 

@@ -11,14 +11,14 @@
 namespace {
 
 // The permutation that puts the n keys in ascending order, equal ones in theirs.
-template <class Key> Mm order_of(const Key *keys, int n) {
-    kn::Scratch<int> order(n);
+template <class Key> Mm order_of(const Key *keys, kn_size n) {
+    kn::Scratch<kn_size> order(n);
     Mm out(0, 0, 0, 1, n, kn_double);
     if (!order || kn::lacks(out, n)) return x_M;
-    for (int k = 0; k < n; k++) order[k] = k;
+    for (kn_size k = 0; k < n; k++) order[k] = k;
     std::sort(order.get(), order.get() + n,
-              [keys](int a, int b) { return keys[a] != keys[b] ? keys[a] < keys[b] : a < b; });
-    for (int k = 0; k < n; k++) out.addr()[k] = order[k] + 1;
+              [keys](kn_size a, kn_size b) { return keys[a] != keys[b] ? keys[a] < keys[b] : a < b; });
+    for (kn_size k = 0; k < n; k++) out.addr()[k] = order[k] + 1;
     return out;
 }
 
@@ -28,11 +28,11 @@ Mm colperm(const Mm &a) {
     if (error_2d(a, "colperm")) return x_M;
     Mm s = sparse(a);
     if (!s.issparse()) return x_M;
-    int n = s.cols();
-    kn::Scratch<int> counts(n + ptrdiff_t{1});
+    kn_size n = s.cols();
+    kn::Scratch<kn_size> counts(n + ptrdiff_t{1});
     if (!counts) return x_M;
     kn::column_starts(s, n, counts.get());
-    for (int c = 0; c < n; c++) counts[c] = counts[c + 1] - counts[c];
+    for (kn_size c = 0; c < n; c++) counts[c] = counts[c + 1] - counts[c];
     return order_of(counts.get(), n);
 }
 

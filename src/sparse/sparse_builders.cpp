@@ -13,11 +13,11 @@
 namespace {
 
 struct Size {
-    int rows = 0, cols = 0;
+    kn_size rows = 0, cols = 0;
 };
 
-int truncated(double x) { return x >= 1 ? double_to_int(x) : 0; }
-int rounded(double x) { return std::max(double_to_int(x + 0.5), 0); }
+kn_size truncated(double x) { return x >= 1 ? double_to_size(x) : 0; }
+kn_size rounded(double x) { return std::max(double_to_size(x + 0.5), 0); }
 
 // As of eye: two numbers, truncated, or one size vector, rounded; one number alone is both. 0 by 0 when
 // something is empty, or no number.
@@ -36,16 +36,16 @@ Size size_of(const Mm &n) { return size_of(n, n.size() == 1 ? n : one_M); }
 
 // n entries, at most as many as there are elements, without values and positions yet. False when memory was
 // exhausted.
-bool make(Mm &out, Size s, int n) {
+bool make(Mm &out, Size s, kn_size n) {
     out = Mm(0, 1, n, s.rows, s.cols, kn_double);
     return out.issparse();
 }
 
 Mm identity(Size s) {
     Mm out;
-    int n = std::min(s.rows, s.cols);
+    kn_size n = std::min(s.rows, s.cols);
     if (!make(out, s, n)) return x_M;
-    for (int k = 0; k < n; k++) out.getindex()[k] = k * s.rows + k;
+    for (kn_size k = 0; k < n; k++) out.getindex()[k] = k * s.rows + k;
     std::fill_n(out.addr(), n, 1.0);
     kn::check(out);
     return out;
@@ -70,7 +70,7 @@ Mm random_values(Values values, const Mm &a) {
 // A row and a column, ordered by rows.
 using Place = std::uint64_t;
 Place place(double i, double j) {
-    auto word = [](double x) { return static_cast<std::uint32_t>(double_to_int(x)); };
+    auto word = [](double x) { return static_cast<std::uint32_t>(double_to_size(x)); };
     return static_cast<Place>(word(i)) << 32 | word(j);
 }
 
@@ -80,20 +80,20 @@ Mm random_matrix(Values values, const Mm &rows, const Mm &cols, const Mm &densit
         if (x.size() == 0) return spzeros(nop_M);
     const double m = *sizes[0].addr(), n = *sizes[1].addr(), d = *sizes[2].addr();
     Mm r = randM(round(Mm(d * n * m)).r(), 1), c = randM(std::max(r.getnnz(), 0), 1);
-    int k = r.getnnz();
+    kn_size k = r.getnnz();
     if (c.getnnz() != k) return x_M;
 
     kn::Scratch<Place> places(k);
     if (!places) return x_M;
-    for (int e = 0; e < k; e++) places[e] = place(1 + m * r.addr()[e], 1 + n * c.addr()[e]);
+    for (kn_size e = 0; e < k; e++) places[e] = place(1 + m * r.addr()[e], 1 + n * c.addr()[e]);
     std::sort(places.get(), places.get() + k);
-    k = static_cast<int>(std::unique(places.get(), places.get() + k) - places.get());
+    k = static_cast<kn_size>(std::unique(places.get(), places.get() + k) - places.get());
 
     Mm i(0, 0, 0, k, 1, kn_double), j(0, 0, 0, k, 1, kn_double), v = values(k, 1);
     if (kn::lacks(i, k) || kn::lacks(j, k) || kn::lacks(v, k)) return x_M;
-    for (int e = 0; e < k; e++) {
-        i.addr()[e] = static_cast<int>(places[e] >> 32);
-        j.addr()[e] = static_cast<int>(places[e]);
+    for (kn_size e = 0; e < k; e++) {
+        i.addr()[e] = static_cast<kn_size>(places[e] >> 32);
+        j.addr()[e] = static_cast<kn_size>(places[e]);
     }
     return sparse(i, j, v, m, n);
 }
@@ -111,7 +111,7 @@ Mm spalloc(const Mm &, const Mm &) { return error_input("spalloc", 1); }
 Mm spalloc(const Mm &m, const Mm &n, const Mm &nz) {
     Mm out, count = mdouble(nz);
     if (!make(out, size_of(m, n), count.size() == 0 ? 0 : truncated(*count.addr()))) return x_M;
-    for (int k = 0; k < out.getnnz(); k++) out.getindex()[k] = k;
+    for (kn_size k = 0; k < out.getnnz(); k++) out.getindex()[k] = k;
     std::fill_n(out.addr(), out.getnnz(), 0.0);
     kn::check(out);
     return out;

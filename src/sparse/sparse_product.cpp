@@ -27,20 +27,20 @@ using kn::Scratch;
 // The rows of one column after another.
 class Rows {
   public:
-    explicit Rows(int rows) : column_of_(rows), list_(rows), bits_(rows / 64 + ptrdiff_t{1}) {
+    explicit Rows(kn_size rows) : column_of_(rows), list_(rows), bits_(rows / 64 + ptrdiff_t{1}) {
         if (!*this) return;
         std::fill_n(column_of_.get(), rows, -1);
         std::fill_n(bits_.get(), rows / 64 + 1, Word{0});
     }
     explicit operator bool() const { return column_of_ && list_ && bits_; }
-    int count() const { return n_; }
+    kn_size count() const { return n_; }
 
-    void begin(int column) {
+    void begin(kn_size column) {
         column_ = column;
         n_ = 0;
     }
     // Whether the row is new in this column.
-    bool add(int row) {
+    bool add(kn_size row) {
         if (column_of_[row] == column_) return false;
         column_of_[row] = column_;
         list_[n_++] = row;
@@ -49,18 +49,18 @@ class Rows {
 
     // f(row) for each of them in ascending order.
     template <class F> void in_order(F f) {
-        constexpr int few = 64;
-        int *list = list_.get(), *end = list + n_;
+        constexpr kn_size few = 64;
+        kn_size *list = list_.get(), *end = list + n_;
         if (n_ == 0) return;
         const auto [least, largest] = std::minmax_element(list, end);
-        const int first = *least / 64, last = *largest / 64;
+        const kn_size first = *least / 64, last = *largest / 64;
         if (n_ < few || (last - first) / 8 > n_) {
             std::sort(list, end);
             std::for_each(list, end, f);
             return;
         }
-        for (const int *row = list; row < end; ++row) bits_[*row / 64] |= Word{1} << *row % 64;
-        for (int w = first; w <= last; ++w) {
+        for (const kn_size *row = list; row < end; ++row) bits_[*row / 64] |= Word{1} << *row % 64;
+        for (kn_size w = first; w <= last; ++w) {
             for (Word left = bits_[w]; left != 0; left &= left - 1) f(64 * w + std::countr_zero(left));
             bits_[w] = 0;
         }
@@ -68,23 +68,23 @@ class Rows {
 
   private:
     using Word = std::uint64_t;
-    Scratch<int> column_of_, list_;
+    Scratch<kn_size> column_of_, list_;
     Scratch<Word> bits_;
-    int n_ = 0, column_ = 0;
+    kn_size n_ = 0, column_ = 0;
 };
 
 // Entries to begin with: as many as products are formed, where these aren't many times the factors' entries.
-int first_room(const Mm &a, const Mm &b, const int *starts) {
+kn_size first_room(const Mm &a, const Mm &b, const kn_size *starts) {
     long long products = 0, both = static_cast<long long>(a.getnnz()) + b.getnnz();
-    kn::for_entries(b, [&](int, int r, int) { products += starts[r + 1] - starts[r]; });
-    return static_cast<int>(std::min<long long>(products <= 4 * both ? products : both, INT_MAX));
+    kn::for_entries(b, [&](int, kn_size r, int) { products += starts[r + 1] - starts[r]; });
+    return static_cast<kn_size>(std::min<long long>(products <= 4 * both ? products : both, size_max));
 }
 
 // Makes room for `more` entries after the first `count`.
-bool extend(Mm &out, int count, int more) {
-    const int room = out.getp();
+bool extend(Mm &out, kn_size count, kn_size more) {
+    const kn_size room = out.getp();
     if (more <= room - count) return true;
-    const int wanted = std::max(count + more, room < INT_MAX / 2 ? 2 * room : INT_MAX);
+    const kn_size wanted = std::max(count + more, room < size_max / 2 ? 2 * room : size_max);
     out.getnnz() = count;
     out.extend_nnz(wanted);
     return !kn::lacks(out, wanted);
@@ -92,10 +92,10 @@ bool extend(Mm &out, int count, int more) {
 
 template <class A, class B> Mm product(const Mm &a, const Mm &b) {
     using C = kn::ProductOf<A, B>;
-    const int m = a.rows(), nb = b.getnnz(), *ia = a.getindex(), *ib = b.getindex();
+    const kn_size m = a.rows(), nb = b.getnnz(), *ia = a.getindex(), *ib = b.getindex();
     const kn::PlanesOf<A> x(a);
     const kn::PlanesOf<B> y(b);
-    Scratch<int> starts(a.cols() + ptrdiff_t{1});
+    Scratch<kn_size> starts(a.cols() + ptrdiff_t{1});
     Scratch<C> sums(m);
     Rows rows(m);
     if (!starts || !sums || !rows) return x_M;
@@ -103,25 +103,25 @@ template <class A, class B> Mm product(const Mm &a, const Mm &b) {
     Mm out(a.isc() || b.isc(), 1, first_room(a, b, starts.get()), m, b.cols(), kn_double);
     if (!out.issparse()) return x_M;
 
-    int count = 0;
+    kn_size count = 0;
     kn::ColumnWalk walk(b.rows());
-    for (int e = 0; e < nb;) {
+    for (kn_size e = 0; e < nb;) {
         walk.row(ib[e]);
         rows.begin(walk.column());
         for (; e < nb && ib[e] < walk.end(); ++e) {
-            const int r = ib[e] - walk.begin(), begin = r * m;
+            const kn_size r = ib[e] - walk.begin(), begin = r * m;
             const B factor = y[e];
-            for (int k = starts[r]; k < starts[r + 1]; ++k) {
-                const int row = ia[k] - begin;
+            for (kn_size k = starts[r]; k < starts[r + 1]; ++k) {
+                const kn_size row = ia[k] - begin;
                 if (rows.add(row)) sums[row] = C();
                 sums[row] += x[k] * factor;
             }
         }
         if (kn::interrupted() || !extend(out, count, rows.count())) return x_M;
-        int *index = out.getindex();
+        kn_size *index = out.getindex();
         const kn::PlanesOf<C> z(out);
-        const int begin = walk.column() * m;
-        rows.in_order([&](int row) {
+        const kn_size begin = walk.column() * m;
+        rows.in_order([&](kn_size row) {
             index[count] = begin + row;
             z.set(count++, sums[row]);
         });

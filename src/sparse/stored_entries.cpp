@@ -14,8 +14,8 @@ Mm nnz(const Mm &x) {
     x.warn_uninit();
     if (error_numeric(x, "nnz")) return x_M;
     auto count = [&](const auto *re, const auto *im) {
-        int n = 0;
-        for (int k = 0; k < x.getnnz(); k++) n += kn::is_nonzero(re, im, k);
+        kn_size n = 0;
+        for (kn_size k = 0; k < x.getnnz(); k++) n += kn::is_nonzero(re, im, k);
         return static_cast<double>(n);
     };
     auto planes = [&](auto *tag) { return count(x.getpr(tag), x.getpi(tag)); };

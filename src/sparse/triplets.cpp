@@ -14,23 +14,23 @@ namespace {
 // A list of n numbers, or one that is used for all.
 struct Indices {
     const double *x;
-    int step;
+    kn_size step;
     // Rounded; what is below 1, and NaN, is 0, and what no int holds the largest one.
-    int operator[](int k) const {
+    kn_size operator[](kn_size k) const {
         double v = x[static_cast<ptrdiff_t>(k) * step] + 0.5;
-        return v >= 1 ? v < 2147483647.0 ? static_cast<int>(v) : 2147483647 : 0;
+        return v >= 1 ? v < 2147483647.0 ? static_cast<kn_size>(v) : 2147483647 : 0;
     }
 };
 
-bool in_range(int k, int most, const char *too_small, const char *too_large) {
+bool in_range(kn_size k, kn_size most, const char *too_small, const char *too_large) {
     if (k < 1) error("%s", too_small);
     if (k > most) error("%s", too_large);
     return k >= 1 && k <= most;
 }
 
 // Reports the first index outside.
-bool report(const Indices &i, const Indices &j, int n, int rows, int cols) {
-    for (int k = 0; k < n; k++)
+bool report(const Indices &i, const Indices &j, kn_size n, kn_size rows, kn_size cols) {
+    for (kn_size k = 0; k < n; k++)
         if (!in_range(i[k], rows, "sparse: non-positive row index encountered",
                       "sparse: out of bounds row index encountered") ||
             !in_range(j[k], cols, "sparse: non-positive column index encountered",
@@ -40,23 +40,23 @@ bool report(const Indices &i, const Indices &j, int n, int rows, int cols) {
 }
 
 // The positions of n triplets. False, after a report, when an index lies outside.
-bool positions(int *index, const Indices &i, const Indices &j, int n, int rows, int cols) {
+bool positions(kn_size *index, const Indices &i, const Indices &j, kn_size n, kn_size rows, kn_size cols) {
     unsigned outside = 0;
-    for (int k = 0; k < n; k++) {
+    for (kn_size k = 0; k < n; k++) {
         unsigned row = static_cast<unsigned>(i[k]) - 1, col = static_cast<unsigned>(j[k]) - 1;
         outside |= (row >= static_cast<unsigned>(rows)) | (col >= static_cast<unsigned>(cols));
-        index[k] = static_cast<int>(col * static_cast<unsigned>(rows) + row);
+        index[k] = static_cast<kn_size>(col * static_cast<unsigned>(rows) + row);
     }
     return !outside || report(i, j, n, rows, cols);
 }
 
-int size_arg(const Mm &x) { return std::max(double_to_int(*x.addr() + 0.5), 0); }
+kn_size size_arg(const Mm &x) { return std::max(double_to_size(*x.addr() + 0.5), 0); }
 
 Mm of_triplets(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n) {
     const Mm *values[] = {&i, &j, &s, &m, &n};
     for (const Mm *x : values)
         if (error_numeric(*x, "sparse")) return x_M;
-    int size = s.size() != 1 ? s.size() : j.size() != 1 ? j.size() : i.size();
+    kn_size size = s.size() != 1 ? s.size() : j.size() != 1 ? j.size() : i.size();
     for (const Mm *x : {&i, &j, &s})
         if (x->size() != size && x->size() != 1) {
             error("sparse: i,j and v must be same size");
@@ -107,12 +107,12 @@ Mm spconvert(const Mm &d) {
     if (error_numeric(d, "spconvert")) return x_M;
     if (d.size() == 0) return spzeros(nop_M);
     Mm rows = mdouble(d);
-    int n = rows.rows(), cols = rows.cols();
+    kn_size n = rows.rows(), cols = rows.cols();
     if (rows.getndims() > 2 || cols < 3 || cols > 4) {
         error("spconvert: matrix '%s' must have 3 or 4 columns", kn_display_name(d));
         return x_M;
     }
-    auto column = [&](int c) {
+    auto column = [&](kn_size c) {
         Mm x(0, 0, 0, n, 1, kn_double);
         if (!kn::lacks(x, n)) std::copy_n(rows.addr(1, c), n, x.addr());
         return x;
@@ -123,7 +123,7 @@ Mm spconvert(const Mm &d) {
     const double *re = rows.addr(1, 3), *second = cols == 4 ? rows.addr(1, 4) : nullptr;
     const double *im = rows.isc() ? rows.addi(1, 3) : nullptr;
     const double *second_im = im && second ? rows.addi(1, 4) : nullptr;
-    for (int k = 0; k < n; k++) {
+    for (kn_size k = 0; k < n; k++) {
         v.addr()[k] = re[k] - (second_im ? second_im[k] : 0);
         if (complex) v.addi()[k] = (im ? im[k] : 0) + (second ? second[k] : 0);
     }

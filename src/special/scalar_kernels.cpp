@@ -181,6 +181,11 @@ double round_real(double x) { return round_half_away(x); }
 
 } // namespace kn
 
+kn_size double_to_size(double x) {
+    constexpr double most = sizeof(kn_size) == 8 ? 0x1p53 : INT_MAX;
+    return static_cast<kn_size>(x >= most ? most : x >= -most ? x : -most);
+}
+
 int double_to_int(double x) {
     if (x >= 2147483647.0) return 2147483647;
     if (!(x >= -2147483647.0)) return -2147483647;

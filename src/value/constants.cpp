@@ -41,7 +41,7 @@ namespace {
 // Constants have uncounted blocks, so that threads can share them.
 struct Constant {
     Mm &value;
-    int nnz;
+    kn_size nnz;
     double re, im;
     StaticBlock block = {};
 };

@@ -13,25 +13,25 @@ constexpr double largest_full = 1e8;
 
 double element_count(const Mm &a) {
     double n = 1;
-    for (int k = 0; k < a.getndims(); k++) n *= a.getdims()[k];
+    for (int k = 0; k < a.getndims(); k++) n *= static_cast<double>(a.getdims()[k]);
     return n;
 }
 
 template <class Element> Mm nonzeros_of(const Mm &a) {
-    int n = a.getnnz();
+    kn_size n = a.getnnz();
     const Element *re = a.getpr(static_cast<Element *>(nullptr));
     const Element *im = a.getpi(static_cast<Element *>(nullptr));
-    auto stored = [re, im](int k) { return kn::is_nonzero(re, im, k); };
+    auto stored = [re, im](kn_size k) { return kn::is_nonzero(re, im, k); };
 
-    int nnz = 0;
-    for (int k = 0; k < n; k++) nnz += stored(k);
+    kn_size nnz = 0;
+    for (kn_size k = 0; k < n; k++) nnz += stored(k);
     Mm out(im != nullptr, 1, nnz, a.getndims(), a.getdims(), kn_double);
     if (kn::lacks(out, nnz)) return x_M;
     out.setlogical(a.islogical());
 
     double *x = out.addr(), *y = out.addi();
-    int *index = out.getindex();
-    for (int k = 0, e = 0; e < nnz; k++) {
+    kn_size *index = out.getindex();
+    for (kn_size k = 0, e = 0; e < nnz; k++) {
         if (!stored(k)) continue;
         x[e] = re[k];
         if (im) y[e] = im[k];
@@ -43,12 +43,12 @@ template <class Element> Mm nonzeros_of(const Mm &a) {
 
 template <class Element> Mm scattered(const Mm &a) {
     Mm out(a.isc(), 0, 0, a.getndims(), a.getdims(), a.gettype());
-    int n = static_cast<int>(element_count(a));
+    kn_size n = static_cast<kn_size>(element_count(a));
     if (kn::lacks(out, n)) return x_M;
     auto scatter = [&](Element *to, const Element *from) {
-        for (int k = 0; k < n; k++) to[k] = 0;
-        for (int e = 0; e < a.getnnz(); e++) {
-            int k = a.getindex()[e];
+        for (kn_size k = 0; k < n; k++) to[k] = 0;
+        for (kn_size e = 0; e < a.getnnz(); e++) {
+            kn_size k = a.getindex()[e];
             if (k >= 0 && k < n) to[k] = from[e];
         }
     };

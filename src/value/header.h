@@ -7,6 +7,8 @@
 #define QUORVEX_VALUE_HEADER_H
 
 #include <algorithm>
+#include <climits>
+#include <cstdint>
 
 #include "quorvex/values.h"
 
@@ -17,7 +19,7 @@ struct StaticBlock; // value/number_block.h
 struct Header {
     static void *&pr(const Mm &m) { return const_cast<Mm &>(m).pr; }
     static void *&pi(const Mm &m) { return const_cast<Mm &>(m).pi; }
-    static int *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
+    static kn_size *&index(const Mm &m) { return const_cast<Mm &>(m).index; }
     static unsigned *refcount(const Mm &m) { return m.refcount; }
     // Gives a value a name without telling the workspace.
     static void lend_name(Mm &m, const char *n) {
@@ -32,17 +34,17 @@ struct Header {
 
     // A row of n empty elements without spare ones, for the field values of a structure; empty without
     // memory.
-    static Mm values(int n);
+    static Mm values(kn_size n);
     // The elements of `from`, which is unshared, become the first of `to`, so far empty ones. `from` is
     // left without elements.
     static void move_values(Mm &to, Mm &from);
 
     // Makes room for more elements in the block of an unshared full real array, which may move; false where
     // a new block has to be made.
-    static bool extend(Mm &m, int room);
+    static bool extend(Mm &m, kn_size room);
 
     // A number, real or i times one, or an empty value on a block that lives as long as the library.
-    static Mm constant(StaticBlock &block, int nnz, bool complex);
+    static Mm constant(StaticBlock &block, kn_size nnz, bool complex);
 
     // Of numbers: value/number_block.h.
     static bool has_number_block(const Mm &m);
@@ -52,7 +54,7 @@ struct Header {
 };
 
 // Whether the value has no room for the n stored elements it was made for.
-inline bool lacks(const Mm &m, int n) { return m.getnnz() < n; }
+inline bool lacks(const Mm &m, kn_size n) { return m.getnnz() < n; }
 
 // The element type of a C++ type.
 template <class T> inline constexpr kn_matrix_types type_of = kn_double;
@@ -81,8 +83,12 @@ inline Mm fresh_like(const Mm &like, int complex, kn_matrix_types t) {
     return Mm(complex, 0, 0, like.getndims(), like.getdims(), t);
 }
 
-// Product of extents, or -1 when it does not fit an int.
-int product(int ndims, const int *dims);
+inline constexpr kn_size size_max = PTRDIFF_MAX;
+// The largest number that double_to_size gives.
+inline constexpr kn_size largest_index = sizeof(kn_size) == 8 ? kn_size(int64_t{1} << 53) : INT_MAX;
+
+// Product of extents, or -1 when it does not fit.
+kn_size product(kn_size ndims, const kn_size *dims);
 
 // Asserts what holds for every value between operations: extents against nnz, ascending index, count, field
 // list. Nothing in release builds.

@@ -11,7 +11,7 @@ namespace kn {
 
 // Whether x is the row of exactly these characters.
 inline bool is_word(const Mm &x, std::string_view word) {
-    if (!x.isstr() || x.issparse() || x.rows() != 1 || x.getnnz() != static_cast<int>(word.size()))
+    if (!x.isstr() || x.issparse() || x.rows() != 1 || x.getnnz() != static_cast<kn_size>(word.size()))
         return false;
     auto has = [&](const auto *codes) {
         return std::equal(word.begin(), word.end(), codes,

@@ -53,7 +53,7 @@ template <class T> class Path {
 };
 
 // Element k, from 0, of a value of values.
-inline const Mm &element_at(const Mm &m, int k) { return m.getpr(static_cast<Mm *>(nullptr))[k]; }
+inline const Mm &element_at(const Mm &m, kn_size k) { return m.getpr(static_cast<Mm *>(nullptr))[k]; }
 
 // Calls f(x) for each value inside nested cells that is no cell, in order, until it answers false, which is
 // then the result, as when memory is exhausted. Of what is no cell, for itself.
@@ -61,7 +61,7 @@ template <class F> bool each_leaf(const Mm &m, F f) {
     if (!is_cell(m)) return f(m);
     struct Step {
         const Mm *cell;
-        int next;
+        kn_size next;
     };
     const Mm held = m; // should an error handler assign to the variable
     Path<Step> path;
@@ -89,7 +89,7 @@ template <class F> Mm map_leaves(const Mm &m, F f) {
     struct Step {
         const Mm *from;
         Mm *to;
-        int next;
+        kn_size next;
     };
     const Mm held = m;
     Mm out;
@@ -107,7 +107,7 @@ template <class F> Mm map_leaves(const Mm &m, F f) {
             continue;
         }
         if (interrupted()) return x_M;
-        const int k = step.next++;
+        const kn_size k = step.next++;
         const Mm &x = element_at(*step.from, k);
         Mm &place = step.to->getpr(static_cast<Mm *>(nullptr))[k];
         if (is_cell(x))

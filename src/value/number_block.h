@@ -12,8 +12,8 @@
 
 namespace kn {
 
-inline constexpr int block_slack = 8; // spare elements of a numeric block
-inline constexpr int number_room = 1 + block_slack;
+inline constexpr kn_size block_slack = 8; // spare elements of a numeric block
+inline constexpr kn_size number_room = 1 + block_slack;
 inline constexpr size_t number_bytes = (number_room + 1) * sizeof(double); // of its block, the count included
 
 // The count of a block that is never counted, freed or written: of values without content and of constants.

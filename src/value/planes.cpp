@@ -3,9 +3,9 @@
 
 #include "value/fields.h"
 
-bool kn::make_like(Mm &out, const Mm &x, int ndims, const int *dims) {
+bool kn::make_like(Mm &out, const Mm &x, int ndims, const kn_size *dims) {
     kn_matrix_types t = x.gettype() == kn_none ? kn_double : x.gettype();
-    int n = product(ndims, dims);
+    kn_size n = product(ndims, dims);
     Mm made(x.isc(), 0, 0, ndims, dims, t);
     if (n < 0 || lacks(made, n) || made.gettype() != t) return false;
 

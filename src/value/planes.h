@@ -15,7 +15,7 @@ namespace kn {
 
 // Makes `out` a full value of x's kind (element type, imaginary plane, flags, field names, class) with other
 // extents; its elements are not cleared. False when there is no memory for it: `out` is then not to be used.
-bool make_like(Mm &out, const Mm &x, int ndims, const int *dims);
+bool make_like(Mm &out, const Mm &x, int ndims, const kn_size *dims);
 
 // Consecutive elements, few enough to be moved for less than a call would cost.
 template <class T> void copy_few(T *to, const T *from, ptrdiff_t n) {

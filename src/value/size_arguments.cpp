@@ -7,7 +7,7 @@
 #include "quorvex/messages.h"
 
 kn::Extents kn::extents_of(const char *name, std::initializer_list<const Mm *> sizes) {
-    auto extent = [](double x) { return x >= 1 ? double_to_int(x) : 0; };
+    auto extent = [](double x) { return x >= 1 ? double_to_size(x) : 0; };
     Extents e{2, {1, 1, 1, 1}};
     const Mm &first = **sizes.begin();
     if (sizes.size() > 1) {
@@ -18,7 +18,7 @@ kn::Extents kn::extents_of(const char *name, std::initializer_list<const Mm *> s
     } else {
         Mm vector = mdouble(first);
         if (vector.size() > 4) warning("%s: too many dimensions", name);
-        e.n = std::clamp(vector.size(), 2, 4);
+        e.n = std::clamp<kn_size>(vector.size(), 2, 4);
         for (int k = 0; k < e.n; k++) e.d[k] = extent(vector.r(k + 1) + 0.5);
     }
     return e;

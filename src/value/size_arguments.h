@@ -9,8 +9,8 @@
 namespace kn {
 
 struct Extents {
-    int n;    // dimensions, at least 2
-    int d[4]; // 1 beyond n
+    kn_size n;    // dimensions, at least 2
+    kn_size d[4]; // 1 beyond n
 };
 
 // Up to four sizes, each truncated; or one size vector, its elements rounded, more than four cut with the

@@ -11,44 +11,43 @@ namespace kn {
 // position before it, or in the next one, is found without a division.
 class ColumnWalk {
   public:
-    explicit ColumnWalk(int rows) : rows_(static_cast<unsigned>(rows)) {}
+    explicit ColumnWalk(kn_size rows) : rows_(static_cast<size_t>(rows)) {}
 
-    int row(int position) {
-        unsigned r = static_cast<unsigned>(position) - begin_;
-        if (r < rows_) return static_cast<int>(r);
+    kn_size row(kn_size position) {
+        const size_t r = static_cast<size_t>(position) - begin_;
+        if (r < rows_) return static_cast<kn_size>(r);
         if (r - rows_ < rows_) {
             ++column_;
             begin_ += rows_;
         } else {
-            column_ = static_cast<unsigned>(position) / rows_;
+            column_ = static_cast<size_t>(position) / rows_;
             begin_ = column_ * rows_;
         }
-        return static_cast<int>(static_cast<unsigned>(position) - begin_);
+        return static_cast<kn_size>(static_cast<size_t>(position) - begin_);
     }
-    int column() const { return static_cast<int>(column_); } // of the last one asked for
-    int begin() const { return static_cast<int>(begin_); }   // position of its first row
-    long long end() const { return static_cast<long long>(begin_) + rows_; }
+    kn_size column() const { return static_cast<kn_size>(column_); } // of the last one asked for
+    kn_size begin() const { return static_cast<kn_size>(begin_); }   // position of its first row
+    kn_size end() const { return static_cast<kn_size>(begin_ + rows_); }
 
   private:
-    unsigned rows_, begin_ = 0, column_ = 0;
+    size_t rows_, begin_ = 0, column_ = 0;
 };
 
 // The columns of all pages.
-inline ptrdiff_t column_count(const Mm &a) {
-    const int *d = a.getdims();
-    ptrdiff_t n = d[1];
+inline kn_size column_count(const Mm &a) {
+    const kn_size *d = a.getdims();
+    kn_size n = d[1];
     for (int k = 2; k < a.getndims(); ++k) n *= d[k];
     return n;
 }
 
 // f(slot, row, column) for the first n entries of a sparse value, column after column.
-template <class F> void for_entries(const Mm &a, int n, F f) {
-    const int *index = a.getindex();
+template <class F> void for_entries(const Mm &a, kn_size n, F f) {
+    const kn_size *index = a.getindex();
     ColumnWalk walk(a.rows());
-    for (int k = 0; k < n;) {
+    for (kn_size k = 0; k < n;) {
         walk.row(index[k]);
-        const int begin = walk.begin(), column = walk.column();
-        const long long end = walk.end();
+        const kn_size begin = walk.begin(), end = walk.end(), column = walk.column();
         for (; k < n && index[k] < end; ++k) f(k, index[k] - begin, column);
     }
 }

@@ -57,9 +57,9 @@ const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> v
     return shape;
 }
 
-Mm row_of_text(const double *codes, ptrdiff_t n) {
-    Mm out(0, 0, 0, 1, static_cast<int>(n), kn_double);
-    if (lacks(out, static_cast<int>(n))) return x_M;
+Mm row_of_text(const double *codes, kn_size n) {
+    Mm out(0, 0, 0, 1, n, kn_double);
+    if (lacks(out, n)) return x_M;
     std::copy_n(codes, n, out.addr());
     out.setstr(1);
     return out;
@@ -71,11 +71,7 @@ using namespace kn;
 
 Mm TM(const char *s) {
     size_t n = s ? std::strlen(s) : 0;
-    if (n > INT_MAX) {
-        out_of_memory();
-        return x_M;
-    }
-    int cols = static_cast<int>(n);
+    kn_size cols = static_cast<kn_size>(n);
     Mm out(0, 0, 0, 1, cols, kn_double);
     if (lacks(out, cols)) return x_M;
     std::transform(s, s + n, out.addr(), [](char c) { return static_cast<unsigned char>(c); });
@@ -83,34 +79,34 @@ Mm TM(const char *s) {
     return out;
 }
 
-void Mstr(const double *data, int rows, int cols, char *buf, int size) {
+void Mstr(const double *data, kn_size rows, kn_size cols, char *buf, kn_size size) {
     if (size > 0) *buf = '\0';
     if (rows < 1 || cols < 0) return;
-    if ((static_cast<long long>(cols) + 1) * rows > size) {
+    if (size <= cols || rows > size / (cols + 1)) {
         warning("Mstr: buffer too small - chopped");
         return;
     }
-    for (int r = 0; r < rows; ++r) {
+    for (kn_size r = 0; r < rows; ++r) {
         if (r > 0) *buf++ = '\n';
-        for (int c = 0; c < cols; ++c)
-            *buf++ = static_cast<char>(to_byte(data[r + static_cast<ptrdiff_t>(c) * rows]));
+        for (kn_size c = 0; c < cols; ++c)
+            *buf++ = static_cast<char>(to_byte(data[r + c * rows]));
     }
     *buf = '\0';
 }
 
-void Mstr(const Mm &m, char *buf, int size) {
+void Mstr(const Mm &m, char *buf, kn_size size) {
     Codes codes(m);
     Mstr(codes.data(), codes ? m.rows() : 0, m.cols(), buf, size);
 }
 
-void Mstr_row(const Mm &m, char *buf, int size) {
+void Mstr_row(const Mm &m, char *buf, kn_size size) {
     Codes codes(m);
-    Mstr(codes.data(), 1, static_cast<int>(codes.size()), buf, size);
+    Mstr(codes.data(), 1, static_cast<kn_size>(codes.size()), buf, size);
 }
 
-int Mstr_size(const Mm &m) {
+kn_size Mstr_size(const Mm &m) {
     if (m.size() == 0) return 1;
-    return static_cast<int>(std::min<long long>(static_cast<long long>(m.size()) + m.rows(), INT_MAX));
+    return m.size() + m.rows();
 }
 
 Mm setstr(const Mm &m) {

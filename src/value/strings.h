@@ -20,14 +20,14 @@ class Codes {
     explicit Codes(const Mm &m);
 
     explicit operator bool() const { return data_ != nullptr; }
-    int rows() const { return rows_; }
-    int cols() const { return cols_; }
+    kn_size rows() const { return rows_; }
+    kn_size cols() const { return cols_; }
     ptrdiff_t size() const { return static_cast<ptrdiff_t>(rows_) * cols_; }
     const double *data() const { return data_; }
 
   private:
     Mm copy_; // shares the block of the value, or holds the converted one
-    int rows_ = 0, cols_ = 0;
+    kn_size rows_ = 0, cols_ = 0;
     const double *data_ = nullptr;
 };
 
@@ -44,13 +44,13 @@ class CellItems {
     explicit CellItems(const Mm &m)
         : first_(is_cell(m) ? m.getpr(static_cast<Mm *>(nullptr)) : &m), count_(is_cell(m) ? m.getnnz() : 1) {
     }
-    int count() const { return count_; }
+    kn_size count() const { return count_; }
     // Element k, from 0; the only one counts for every k.
-    const Mm &operator[](int k) const { return first_[count_ == 1 ? 0 : k]; }
+    const Mm &operator[](kn_size k) const { return first_[count_ == 1 ? 0 : k]; }
 
   private:
     const Mm *first_;
-    int count_;
+    kn_size count_;
 };
 
 // Which of several values, some of them cells, gives the shape of an answer for each of their elements: the
@@ -61,9 +61,9 @@ const Mm *shape_of_cells(const char *caller, std::initializer_list<const Mm *> v
 // A cell of the extents of `like`, whose element k is f(k); x_M when memory is exhausted, or interrupted.
 template <class F> Mm cell_of_answers(const Mm &like, F f) {
     Mm out = fresh_like(like, 0, kn_Mm);
-    const int n = like.getnnz();
+    const kn_size n = like.getnnz();
     if (lacks(out, n)) return x_M;
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         if (interrupted()) return x_M;
         out.mr(k + 1) = f(k);
     }
@@ -71,7 +71,7 @@ template <class F> Mm cell_of_answers(const Mm &like, F f) {
 }
 
 // A row of text from n codes.
-Mm row_of_text(const double *codes, ptrdiff_t n);
+Mm row_of_text(const double *codes, kn_size n);
 
 // White space, and NUL, which ends texts as blanks do.
 inline bool is_blank(double c) { return c == 0 || is_white(c); }

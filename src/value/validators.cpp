@@ -21,7 +21,7 @@ int error_2d(const Mm &x, const char *name) {
 int error_square(const Mm &x, const char *name) {
     if (error_2d(x, name)) return 1;
     if (x.rows() == x.cols()) return 0;
-    error("%s: square matrix expected, but matrix %s has %d rows and %d columns", name, kn_display_name(x),
+    error("%s: square matrix expected, but matrix %s has %td rows and %td columns", name, kn_display_name(x),
           x.rows(), x.cols());
     return 1;
 }
@@ -69,12 +69,12 @@ bool text_of(const char *caller, const Mm &x, char *buf, int size) {
     if (error_numeric(x, caller)) return false;
     int n = 0;
     Mm text = mdouble(x);
-    int rows = text.rows(), cols = rows ? text.getnnz() / rows : 0;
-    for (int r = 0; r < rows; ++r)
-        for (int c = r ? -1 : 0; c < cols && n < size - 1; ++c)
+    kn_size rows = text.rows(), cols = rows ? text.getnnz() / rows : 0;
+    for (kn_size r = 0; r < rows; ++r)
+        for (kn_size c = r ? -1 : 0; c < cols && n < size - 1; ++c)
             buf[n++] =
                 c < 0 ? '\n'
-                      : static_cast<char>(double_to_int(text.addr()[r + static_cast<ptrdiff_t>(c) * rows]));
+                      : static_cast<char>(double_to_int(text.addr()[r + c * rows]));
     buf[n] = '\0';
     return true;
 }

@@ -32,19 +32,20 @@ constinit StaticBlock empty_block;
 
 namespace {
 
-constexpr int slack = block_slack;
-constexpr int value_slack = 5;        // of a block of values
+constexpr kn_size slack = block_slack;
+constexpr kn_size value_slack = 5; // of a block of values
+constexpr kn_size most_stored = size_max / 32; // whose bytes can be counted
 constexpr size_t many_numbers = 4096; // likely to free much memory together
 
 struct RowsAndColumns {
-    int d[2];
+    kn_size d[2];
 };
 
 size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 
 // An array of values. The number of its elements and the count of its holders precede it.
 struct alignas(double) ValueArray {
-    int n;
+    kn_size n;
     unsigned count;
     ValueArray *next; // while it is destroyed
 
@@ -53,14 +54,14 @@ struct alignas(double) ValueArray {
         return reinterpret_cast<ValueArray *>(reinterpret_cast<char *>(count) - offsetof(ValueArray, count));
     }
     // n default values and a count of 1, or null.
-    static ValueArray *make(int n) {
+    static ValueArray *make(kn_size n) {
         if (static_cast<size_t>(n) > (SIZE_MAX - sizeof(ValueArray)) / sizeof(Mm)) return nullptr;
         size_t bytes = sizeof(ValueArray) + static_cast<size_t>(n) * sizeof(Mm);
         auto *array = static_cast<ValueArray *>(kn_block_alloc(bytes));
         if (!array) return nullptr;
         array->n = n;
         array->count = 1;
-        for (int k = 0; k < n; ++k) new (array->values() + k) Mm();
+        for (kn_size k = 0; k < n; ++k) new (array->values() + k) Mm();
         return array;
     }
 };
@@ -73,18 +74,14 @@ struct Dying {
 
 } // namespace
 
-int product(int ndims, const int *dims) {
-    long long n = 1;
-    for (int k = 0; k < ndims; ++k) {
+kn_size product(kn_size ndims, const kn_size *dims) {
+    kn_size n = 1;
+    bool fits = true;
+    for (kn_size k = 0; k < ndims; ++k) {
         if (dims[k] <= 0) return 0;
-        n *= dims[k];
-        if (n > INT_MAX) {
-            for (int l = k + 1; l < ndims; ++l)
-                if (dims[l] <= 0) return 0;
-            return -1;
-        }
+        fits = fits && !__builtin_mul_overflow(n, dims[k], &n);
     }
-    return static_cast<int>(n);
+    return fits ? n : -1;
 }
 
 } // namespace kn
@@ -100,7 +97,7 @@ void Mm::allocate(int complex, int with_index) {
     pr = pi = nullptr;
     refcount = nullptr;
     index = nullptr;
-    bool fits = nnz >= 0 && nnz <= INT_MAX - slack;
+    bool fits = nnz >= 0 && nnz <= most_stored;
     if (nnz < 1) {
         nnz = 0;
         ndims = 2;
@@ -127,7 +124,7 @@ void Mm::allocate(int complex, int with_index) {
         }
     }
     if (refcount && with_index)
-        index = static_cast<int *>(kn_block_alloc(static_cast<size_t>(p) * sizeof(int)));
+        index = static_cast<kn_size *>(kn_block_alloc(static_cast<size_t>(p) * sizeof(kn_size)));
     if (refcount && (index || !with_index)) return;
 
     if (refcount && flags.type == kn_Mm)
@@ -142,7 +139,7 @@ void Mm::allocate(int complex, int with_index) {
 struct Mm::Block {
     unsigned *refcount;
     void *pr;
-    int *index;
+    kn_size *index;
     const char **fields;
     int nfields;
     kn_matrix_types type;
@@ -162,7 +159,7 @@ struct Mm::Block {
         free(dying);
         while (ValueArray *array = dying.arrays) {
             dying.arrays = array->next;
-            for (int k = array->n; k-- > 0;) end_element(array->values()[k], dying);
+            for (kn_size k = array->n; k-- > 0;) end_element(array->values()[k], dying);
             kn_block_free(array);
         }
         if (dying.numbers >= many_numbers) quick_freed(dying.numbers, number_bytes);
@@ -213,7 +210,7 @@ Mm Header::real_like(const Mm &like) {
     return out;
 }
 
-Mm Header::constant(StaticBlock &block, int nnz, bool complex) {
+Mm Header::constant(StaticBlock &block, kn_size nnz, bool complex) {
     Mm out;
     out.dims[0] = out.dims[1] = out.dims[2] = out.dims[3] = out.nnz = nnz;
     out.p = nnz + slack;
@@ -223,7 +220,7 @@ Mm Header::constant(StaticBlock &block, int nnz, bool complex) {
     return out;
 }
 
-Mm Header::values(int n) {
+Mm Header::values(kn_size n) {
     if (n < 1) return Mm(0, 0, 0, 0, 0, kn_Mm);
     Mm out;
     ValueArray *array = ValueArray::make(n);
@@ -239,7 +236,7 @@ Mm Header::values(int n) {
     return out;
 }
 
-bool Header::extend(Mm &m, int room) {
+bool Header::extend(Mm &m, kn_size room) {
     if (m.flags.type == kn_Mm || m.pi || m.index || *m.refcount != 1) return false;
     const size_t end =
         aligned(static_cast<size_t>(room + slack) * (m.flags.type == kn_uint8 ? 1 : sizeof(double)));
@@ -254,12 +251,12 @@ bool Header::extend(Mm &m, int room) {
 
 // Headers are moved as they are: no count changes. Names are not moved, as when elements are copied.
 void Header::move_values(Mm &to, Mm &from) {
-    const int n = from.nnz;
+    const kn_size n = from.nnz;
     Mm *elements = static_cast<Mm *>(from.pr);
-    for (int k = 0; k < n; ++k)
+    for (kn_size k = 0; k < n; ++k)
         if (elements[k].name) elements[k].setname(nullptr);
     std::memcpy(to.pr, from.pr, static_cast<size_t>(n) * sizeof(Mm));
-    for (int k = n; k < from.p; ++k) elements[k].~Mm();
+    for (kn_size k = n; k < from.p; ++k) elements[k].~Mm();
     ValueArray::of(from.refcount)->n = 0;
     from.nnz = 0;
 }
@@ -296,17 +293,16 @@ Mm::Mm() : flags{0, 0, 0, 0, 0, 0, kn_double}, name(nullptr), shadow(nullptr) { 
 
 Mm::Mm(double x) : Mm(Header::number(x, false, true)) {}
 
-Mm::Mm(int complex, int sparse, int stored, int rows, int cols, kn_matrix_types t)
+Mm::Mm(int complex, int sparse, kn_size stored, kn_size rows, kn_size cols, kn_matrix_types t)
     : Mm(complex, sparse, stored, 2, RowsAndColumns{{rows, cols}}.d, t) {}
 
-Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types t)
-    : ndims(n < 2   ? 2
-            : n > 4 ? 4
-                    : n),
+Mm::Mm(int complex, int sparse, kn_size stored, kn_size n, kn_extents extents, kn_matrix_types t)
+    : ndims(static_cast<int>(std::clamp<kn_size>(n, 2, 4))),
       dims{1, 1, 1, 1}, flags{0, sparse != 0, 0, 0, 0, 0, t}, name(nullptr), shadow(nullptr) {
+    const kn_size *d = extents.d;
     for (int k = 0; k < n && k < 4; ++k) dims[k] = d[k] > 0 ? d[k] : 0;
     while (ndims > 2 && dims[ndims - 1] == 1) --ndims;
-    int full = product(4, dims);
+    kn_size full = product(4, dims);
     if (!sparse || full < 0) {
         nnz = full;
         allocate(complex, sparse);
@@ -317,13 +313,14 @@ Mm::Mm(int complex, int sparse, int stored, int n, const int *d, kn_matrix_types
         ndims = 2;
         std::memset(dims, 0, sizeof dims);
     }
-    const int shape[] = {ndims, dims[0], dims[1], dims[2], dims[3]};
-    nnz = std::max(stored, 0);
+    const int n_dims = ndims;
+    const kn_size shape[] = {dims[0], dims[1], dims[2], dims[3]};
+    nnz = std::max<kn_size>(stored, 0);
     allocate(complex, 1);
     if (!index) return;
     nnz = std::min(nnz, full);
-    ndims = shape[0];
-    std::memcpy(dims, shape + 1, sizeof dims);
+    ndims = n_dims;
+    std::memcpy(dims, shape, sizeof dims);
 }
 
 Mm::Mm(i_o_t, const char *n, int global) : Mm() {
@@ -335,19 +332,19 @@ Mm::Mm(i_o_t, const char *n, int global) : Mm() {
     if (kn_interactive_flag && name && scope_hooks.add) scope_hooks.add(*this);
 }
 
-Mm::Mm(const char *n, int rows, int cols) : Mm(0, 0, 0, rows, cols, kn_double) {
+Mm::Mm(const char *n, kn_size rows, kn_size cols) : Mm(0, 0, 0, rows, cols, kn_double) {
     name = n;
     level = -1;
 }
 
-Mm::Mm(int rows, int cols, const double *re, const double *im)
+Mm::Mm(kn_size rows, kn_size cols, const double *re, const double *im)
     : Mm(im != nullptr, 0, 0, rows, cols, kn_double) {
     std::copy_n(re, nnz, addr());
     if (isc()) std::copy_n(im, nnz, addi());
 }
 
-Mm::Mm(int rows, int cols, const char *characters) : Mm(0, 0, 0, rows, cols, kn_double) {
-    for (int k = 0; k < nnz; ++k)
+Mm::Mm(kn_size rows, kn_size cols, const char *characters) : Mm(0, 0, 0, rows, cols, kn_double) {
+    for (kn_size k = 0; k < nnz; ++k)
         *addr(k / cols + 1, k % cols + 1) = static_cast<unsigned char>(characters[k]);
     flags.str = 1;
 }

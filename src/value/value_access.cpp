@@ -23,11 +23,14 @@ template <class T> bool has_type(const Mm &m) {
     return false;
 }
 
-bool inside(int k, int n) { return k >= 1 && k <= n; }
+kn_size subscript(double x) { return double_to_size(x); }
+kn_size subscript(kn_size k) { return k; }
+
+bool inside(kn_size k, kn_size n) { return k >= 1 && k <= n; }
 
 // Element `offset` (0-based) of a plane. A missing imaginary plane reads as zeros, and a sparse value has its
 // stored elements only.
-template <class T> T &element(const Mm &m, void *plane, ptrdiff_t offset) {
+template <class T> T &element(const Mm &m, void *plane, kn_size offset) {
     if (!plane || offset >= m.getnnz()) return scratch_element<T>();
     return static_cast<T *>(plane)[offset];
 }
@@ -42,7 +45,7 @@ template <class T> T &at(const Mm &m, void *plane) {
 
 template <class T, class I> T &at(const Mm &m, void *plane, I idx, const char *text) {
     if (!has_type<T>(m)) return scratch_element<T>();
-    int k = double_to_int(idx);
+    const kn_size k = subscript(idx);
     if (inside(k, m.size()) && k <= m.getnnz()) return element<T>(m, plane, k - 1);
     error(text, kn_display_name(m), idx);
     return scratch_element<T>();
@@ -50,20 +53,20 @@ template <class T, class I> T &at(const Mm &m, void *plane, I idx, const char *t
 
 template <class T, class I> T &at(const Mm &m, void *plane, I row, I col, const char *text) {
     if (!has_type<T>(m)) return scratch_element<T>();
-    int r = double_to_int(row), c = double_to_int(col);
-    const int *d = m.getdims();
+    const kn_size r = subscript(row), c = subscript(col);
+    const kn_size *d = m.getdims();
     if (inside(r, d[0]) && inside(c, d[1]))
-        return element<T>(m, plane, (r - 1) + static_cast<ptrdiff_t>(c - 1) * d[0]);
+        return element<T>(m, plane, (r - 1) + (c - 1) * d[0]);
     error(text, kn_display_name(m), row, col);
     return scratch_element<T>();
 }
 
 double &at(const Mm &m, void *plane, double row, double col, double depth) {
     if (!has_type<double>(m)) return scratch_element<double>();
-    int r = double_to_int(row), c = double_to_int(col), l = double_to_int(depth);
-    const int *d = m.getdims();
+    const kn_size r = subscript(row), c = subscript(col), l = subscript(depth);
+    const kn_size *d = m.getdims();
     if (inside(r, d[0]) && inside(c, d[1]) && inside(l, d[2]))
-        return element<double>(m, plane, (r - 1) + d[0] * ((c - 1) + static_cast<ptrdiff_t>(l - 1) * d[1]));
+        return element<double>(m, plane, (r - 1) + d[0] * ((c - 1) + (l - 1) * d[1]));
     error("%s.r(row,col,depth): row=%g, col=%g or depth=%g out of matrix", kn_display_name(m), row, col,
           depth);
     return scratch_element<double>();
@@ -86,18 +89,18 @@ double &Mm::i() const { return kn::at<double>(*this, pi); }
 double &Mm::i(double idx) const { return kn::at<double>(*this, pi, idx, r1); }
 double &Mm::i(double row, double col) const { return kn::at<double>(*this, pi, row, col, r2); }
 double &Mm::i(double row, double col, double depth) const { return kn::at(*this, pi, row, col, depth); }
-unsigned char &Mm::ur(int idx) const {
-    return kn::at<unsigned char>(*this, pr, idx, "%s.ur(idx): idx=%d out of matrix");
+unsigned char &Mm::ur(kn_size idx) const {
+    return kn::at<unsigned char>(*this, pr, idx, "%s.ur(idx): idx=%td out of matrix");
 }
-unsigned char &Mm::ur(int row, int col) const {
-    return kn::at<unsigned char>(*this, pr, row, col, "%s.ur(row,col): row=%d or col=%d out of matrix");
+unsigned char &Mm::ur(kn_size row, kn_size col) const {
+    return kn::at<unsigned char>(*this, pr, row, col, "%s.ur(row,col): row=%td or col=%td out of matrix");
 }
-Mm &Mm::mr(int idx) const { return kn::at<Mm>(*this, pr, idx, "%s.mr(idx): idx=%d out of matrix"); }
-Mm &Mm::mr(int row, int col) const {
-    return kn::at<Mm>(*this, pr, row, col, "%s.mr(row,col): row=%d or col=%d out of matrix");
+Mm &Mm::mr(kn_size idx) const { return kn::at<Mm>(*this, pr, idx, "%s.mr(idx): idx=%td out of matrix"); }
+Mm &Mm::mr(kn_size row, kn_size col) const {
+    return kn::at<Mm>(*this, pr, row, col, "%s.mr(row,col): row=%td or col=%td out of matrix");
 }
 
-Mm Mm::safebr(int k) const {
+Mm Mm::safebr(kn_size k) const {
     return flags.type == kn_Mm && inside(k, size()) && k <= nnz ? static_cast<Mm *>(pr)[k - 1] : nop_M;
 }
 
@@ -107,13 +110,13 @@ void Mm::warn_uninit() const {
 
 const char *kn_display_name(const Mm &x) {
     // One message can have several names.
-    static thread_local char texts[4][16];
+    static thread_local char texts[4][24];
     static thread_local int turn = 0;
     if (x.getname()) return x.getname();
     if (x.gettype() != kn_double || x.size() != 1) return "(temporary)";
     char *text = texts[turn];
     turn = (turn + 1) % 4;
-    std::snprintf(text, sizeof texts[0], "=%d", x.getnnz() > 0 ? double_to_int(*x.addr()) : 0);
+    std::snprintf(text, sizeof texts[0], "=%td", x.getnnz() > 0 ? double_to_size(*x.addr()) : 0);
     return text;
 }
 

@@ -7,8 +7,9 @@
 #include "value/header.h"
 
 void kn::check(const Mm &m) {
-    const int *d = m.getdims();
-    int size = product(4, d), nnz = m.getnnz(), ndims = m.getndims();
+    const kn_size *d = m.getdims();
+    const kn_size size = product(4, d), nnz = m.getnnz();
+    const int ndims = m.getndims();
     assert(ndims >= 2 && ndims <= 4);
     assert(nnz >= 0 && size >= 0);
     assert(*Header::refcount(m) >= 1);
@@ -16,8 +17,8 @@ void kn::check(const Mm &m) {
     for (int k = ndims; k < 4; ++k) assert(d[k] == (size > 0 ? 1 : 0));
     if (m.issparse()) {
         assert(m.gettype() == kn_double && nnz <= size);
-        const int *index = m.getindex();
-        for (int k = 0; k < nnz; ++k)
+        const kn_size *index = m.getindex();
+        for (kn_size k = 0; k < nnz; ++k)
             assert(index[k] >= 0 && index[k] < size && (k == 0 || index[k - 1] < index[k]));
     } else {
         assert(nnz == size);

@@ -16,17 +16,17 @@ template <class To, class From> To converted(From x) { return static_cast<To>(x)
 template <> unsigned char converted<unsigned char, double>(double x) { return to_byte(x); }
 
 // Element k of `from` becomes element at(k) of `to`.
-template <class To, class From> void copy_plane(void *to, const void *from, int n, const int *at) {
+template <class To, class From> void copy_plane(void *to, const void *from, kn_size n, const kn_size *at) {
     To *t = static_cast<To *>(to);
     const From *f = static_cast<const From *>(from);
     if (at) {
-        for (int k = 0; k < n; ++k) t[at[k]] = converted<To>(f[k]);
+        for (kn_size k = 0; k < n; ++k) t[at[k]] = converted<To>(f[k]);
     } else {
-        for (int k = 0; k < n; ++k) t[k] = converted<To>(f[k]);
+        for (kn_size k = 0; k < n; ++k) t[k] = converted<To>(f[k]);
     }
 }
 
-template <class To> void copy_plane(void *to, const Mm &src, const void *from, const int *at) {
+template <class To> void copy_plane(void *to, const Mm &src, const void *from, const kn_size *at) {
     switch (src.gettype()) {
     case kn_none:
     case kn_double: copy_plane<To, double>(to, from, src.getnnz(), at); break;
@@ -37,7 +37,7 @@ template <class To> void copy_plane(void *to, const Mm &src, const void *from, c
     }
 }
 
-void copy_plane(kn_matrix_types t, void *to, const Mm &src, const void *from, const int *at) {
+void copy_plane(kn_matrix_types t, void *to, const Mm &src, const void *from, const kn_size *at) {
     switch (t) {
     case kn_none:
     case kn_double: copy_plane<double>(to, src, from, at); break;
@@ -67,12 +67,12 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
     if (t == kn_Mm) complex = sparse = 0;
 
     Mm copy(complex, sparse, src.nnz, src.ndims, src.dims, t);
-    int n = sparse ? src.nnz : src.size();
+    kn_size n = sparse ? src.nnz : src.size();
     if (sparse ? !copy.index : lacks(copy, n) || copy.flags.type != t || (complex && !copy.pi)) return;
     if (sparse) copy.nnz = n; // which extend_nnz may have made more than the extents have
-    const int *scatter = src.index && !sparse ? src.index : nullptr;
+    const kn_size *scatter = src.index && !sparse ? src.index : nullptr;
     if (scatter && t == kn_Mm) {
-        for (int k = 0; k < n; ++k) static_cast<Mm *>(copy.pr)[k] = 0.0;
+        for (kn_size k = 0; k < n; ++k) static_cast<Mm *>(copy.pr)[k] = 0.0;
     } else if (scatter) {
         std::memset(copy.pr, 0, element_size(t) * static_cast<size_t>(n));
         if (complex) std::memset(copy.pi, 0, element_size(t) * static_cast<size_t>(n));
@@ -83,12 +83,12 @@ void Mm::deepcopy(int complex, int sparse, const Mm &src, kn_matrix_types t) {
     else if (complex)
         std::memset(copy.pi, 0, element_size(t) * static_cast<size_t>(n));
     if (sparse) {
-        for (int k = 0; k < src.nnz; ++k) copy.index[k] = src.index ? src.index[k] : k;
+        for (kn_size k = 0; k < src.nnz; ++k) copy.index[k] = src.index ? src.index[k] : k;
     }
     if (!copy_fields(copy, src)) return;
     copy.classid = src.classid;
     copy.flags = src.flags;
-    copy.flags.sparse = sparse;
+    copy.flags.sparse = sparse != 0;
     copy.flags.type = t;
     copy.flags.persistent = 0;
     copy.flags.global = 0;
@@ -100,7 +100,7 @@ int Mm::getreal(int force) const {
     if (!pi) return 0;
     if (!force && flags.type == kn_double) {
         const double *im = addi();
-        for (int k = 0; k < nnz; ++k)
+        for (kn_size k = 0; k < nnz; ++k)
             if (is_nonzero(im[k])) return 1;
     }
     const_cast<Mm *>(this)->pi = nullptr;

@@ -1,6 +1,7 @@
 // The entry list of a sparse value: search, sort, merge, grow.
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -13,32 +14,26 @@ using namespace kn;
 
 namespace {
 
-// An index in the upper half, its slot in the lower one: sorting is stable.
+// The number of an entry, above it where there is room its index: what sorts first is first.
 using Place = std::uint64_t;
 
-Place place(int position, int slot) {
-    return static_cast<Place>(static_cast<unsigned>(position) ^ 0x80000000u) << 32 |
-           static_cast<unsigned>(slot);
-}
-int position(Place p) { return static_cast<int>(static_cast<unsigned>(p >> 32) ^ 0x80000000u); }
-int slot(Place p) { return static_cast<int>(p); }
-
-// Sorts n places by their positions, digit by digit from the lowest; digits that are the same in all of them
-// are passed over. The result is in `places` or in `other`.
-Place *sort_by_digits(Place *places, Place *other, int n) {
+// Sorts n places by their bits from `first` on, digit by digit from the lowest; digits that are the same in all of
+// them are passed over. The result is in `places` or in `other`.
+Place *sort_by_digits(Place *places, Place *other, kn_size n, int first) {
     constexpr int bits = 11, bins = 1 << bits;
-    Scratch<int> counts(bins);
+    Scratch<kn_size> counts(bins);
     if (!counts) return nullptr;
     Place varying = 0;
-    for (int k = 1; k < n; ++k) varying |= places[k] ^ places[0];
-    for (int shift = 32; shift < 64; shift += bits) {
+    for (kn_size k = 1; k < n; ++k) varying |= places[k] ^ places[0];
+    for (int shift = first; shift < 64; shift += bits) {
         auto digit = [shift](Place p) { return p >> shift & (bins - 1); };
         if (digit(varying) == 0) continue;
-        int *at = counts.get();
-        std::fill_n(at, bins, 0);
-        for (int k = 0; k < n; ++k) ++at[digit(places[k])];
-        for (int d = 0, before = 0; d < bins; ++d) before += std::exchange(at[d], before);
-        for (int k = 0; k < n; ++k) other[at[digit(places[k])]++] = places[k];
+        kn_size *at = counts.get();
+        std::fill_n(at, bins, kn_size(0));
+        for (kn_size k = 0; k < n; ++k) ++at[digit(places[k])];
+        kn_size before = 0;
+        for (int d = 0; d < bins; ++d) before += std::exchange(at[d], before);
+        for (kn_size k = 0; k < n; ++k) other[at[digit(places[k])]++] = places[k];
         std::swap(places, other);
     }
     return places;
@@ -46,39 +41,46 @@ Place *sort_by_digits(Place *places, Place *other, int n) {
 
 } // namespace
 
-int Mm::search(int pos) const {
+kn_size Mm::search(kn_size pos) const {
     if (error_sparse(*this, "::search")) return -1;
-    const int *found = std::lower_bound(index, index + nnz, pos);
-    return found != index + nnz && *found == pos ? static_cast<int>(found - index) : -1;
+    const kn_size *found = std::lower_bound(index, index + nnz, pos);
+    return found != index + nnz && *found == pos ? found - index : -1;
 }
 
 void Mm::sort() {
     if (error_sparse(*this, "::sort") || std::is_sorted(index, index + nnz) || !unshared(*this)) return;
-    constexpr int few = 1000;
+    constexpr kn_size few = 1000;
     Scratch<Place> places(nnz), other(nnz);
-    Scratch<double> values(nnz);
-    if (!places || !other || !values) return;
-    for (int k = 0; k < nnz; ++k) places[k] = place(index[k], k);
+    if (!places || !other) return;
+    const int below = static_cast<int>(std::bit_width(static_cast<Place>(nnz))); // bits of a number of an entry
+    const bool fits = *std::max_element(index, index + nnz) >> (63 - below) == 0;
+    for (kn_size k = 0; k < nnz; ++k) places[k] = static_cast<Place>(k) | (fits ? Place(index[k]) << below : 0);
     const Place *sorted = places.get();
-    if (nnz <= few)
+    if (!fits)
+        std::sort(places.get(), places.get() + nnz,
+                  [at = index](Place a, Place b) { return at[a] != at[b] ? at[a] < at[b] : a < b; });
+    else if (nnz <= few)
         std::sort(places.get(), places.get() + nnz);
-    else if (!(sorted = sort_by_digits(places.get(), other.get(), nnz)))
+    else if (!(sorted = sort_by_digits(places.get(), other.get(), nnz, below)))
         return;
-    for (int k = 0; k < nnz; ++k) index[k] = position(sorted[k]);
-    for (double *plane : {addr(), addi()}) {
-        if (!plane) continue;
-        for (int k = 0; k < nnz; ++k) values[k] = plane[slot(sorted[k])];
-        std::copy_n(values.get(), nnz, plane);
-    }
+    const Place slot = (Place{1} << below) - 1;
+    auto arrange = [&](auto *plane) {
+        auto *arranged = reinterpret_cast<decltype(plane)>(sorted == other.get() ? places.get() : other.get());
+        for (kn_size k = 0; k < nnz; ++k) arranged[k] = plane[sorted[k] & slot];
+        std::copy_n(arranged, nnz, plane);
+    };
+    arrange(addr());
+    if (pi) arrange(addi());
+    arrange(index);
 }
 
 void Mm::resparse() {
     if (error_sparse(*this, "::resparse") || !unshared(*this)) return;
     double *re = addr(), *im = addi();
-    auto zero = [=](int k) { return !is_nonzero(re, im, k); };
-    int kept = 0; // most values keep all entries
+    auto zero = [=](kn_size k) { return !is_nonzero(re, im, k); };
+    kn_size kept = 0; // most values keep all entries
     while (kept < nnz && !zero(kept) && (kept == 0 || index[kept - 1] != index[kept])) ++kept;
-    for (int k = kept; k < nnz; ++k) {
+    for (kn_size k = kept; k < nnz; ++k) {
         if (zero(k)) continue;
         if (kept > 0 && index[kept - 1] == index[k]) {
             re[kept - 1] += re[k];
@@ -93,7 +95,7 @@ void Mm::resparse() {
     nnz = kept;
 }
 
-void Mm::extend_nnz(int n) {
+void Mm::extend_nnz(kn_size n) {
     if (error_sparse(*this, "::extend_nnz") || n <= nnz) return;
     Mm longer(isc(), 1, n, ndims, dims, kn_double);
     if (!longer.index) return;

@@ -5,7 +5,7 @@
 // where whole vectors would reach too far, elements move one by one, from one set bit to the next.
 
 #include <bit>
-#include <climits>
+#include <cstdint>
 #include <cstring>
 
 #include "kernels/loops/intrinsics.h"
@@ -58,76 +58,81 @@ void repeat(double *to, double x, ptrdiff_t n) {
 // ---- Positions ----
 
 // As kn::position.
-inline int position_of(double v) {
-    v = v > -2147483647.0 ? v : -2147483647.0;
-    v = v < 2147483648.0 ? v : 2147483648.0;
-    return static_cast<int>(v - 1.0);
+inline ptrdiff_t position_of(double v) {
+    constexpr double most = sizeof(ptrdiff_t) == 8 ? 0x1p53 : 0x1p31 - 1;
+    return v > most ? PTRDIFF_MAX : v > -most ? static_cast<ptrdiff_t>(v - 1.0) : PTRDIFF_MIN;
 }
+
+// Positions of a multiple of 8 values. False when one is no whole number, or too large: the list is then wrong.
+// Without a comparison or a conversion of each, which would cost more than the move: beside 2^52 the last bits of
+// a double count ones.
+#if defined(__AVX2__) && __SIZEOF_POINTER__ == 8
 
 #if defined(__AVX512F__)
-
-// Positions of a multiple of 8 values. False when one is no whole number, or no int: the list is then wrong.
-template <bool listed> bool whole_positions(int *list, const double *v, ptrdiff_t n, PositionRange &range) {
-    const __m512d one = _mm512_set1_pd(1);
-    __m256i least = _mm256_set1_epi32(range.least), largest = _mm256_set1_epi32(range.largest);
-    __mmask8 odd = 0;
-    for (ptrdiff_t k = 0; k < n; k += 8) {
-        __m512d x = _mm512_sub_pd(_mm512_loadu_pd(v + k), one);
-        __m256i at = _mm512_cvttpd_epi32(x);
-        odd = static_cast<__mmask8>(odd | _mm512_cmp_pd_mask(_mm512_cvtepi32_pd(at), x, _CMP_NEQ_UQ));
-        least = _mm256_min_epi32(least, at);
-        largest = _mm256_max_epi32(largest, at);
-        if (listed) _mm256_storeu_si256(reinterpret_cast<__m256i *>(list + k), at);
-    }
-    if (odd) return false;
-    alignas(32) int low[8], high[8];
-    _mm256_store_si256(reinterpret_cast<__m256i *>(low), least);
-    _mm256_store_si256(reinterpret_cast<__m256i *>(high), largest);
-    for (int k = 0; k < 8; ++k) {
-        if (low[k] < range.least) range.least = low[k];
-        if (high[k] > range.largest) range.largest = high[k];
-    }
-    return true;
+using Doubles = __m512d;
+inline Doubles repeat_in_all(double x) { return _mm512_set1_pd(x); }
+inline Doubles doubles(const double *x) { return _mm512_loadu_pd(x); }
+inline Doubles smaller(Doubles x, Doubles y) { return _mm512_min_pd(x, y); }
+inline Doubles larger(Doubles x, Doubles y) { return _mm512_max_pd(x, y); }
+template <class Bits> void put_bits(ptrdiff_t *to, Bits x) { _mm512_storeu_si512(to, __m512i(x)); }
+#else
+using Doubles = __m256d;
+inline Doubles repeat_in_all(double x) { return _mm256_set1_pd(x); }
+inline Doubles doubles(const double *x) { return _mm256_loadu_pd(x); }
+inline Doubles smaller(Doubles x, Doubles y) { return _mm256_min_pd(x, y); }
+inline Doubles larger(Doubles x, Doubles y) { return _mm256_max_pd(x, y); }
+template <class Bits> void put_bits(ptrdiff_t *to, Bits x) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(to), __m256i(x));
 }
+#endif
 
-#elif defined(__AVX2__)
-
-template <bool listed> bool whole_positions(int *list, const double *v, ptrdiff_t n, PositionRange &range) {
-    const __m256d one = _mm256_set1_pd(1);
-    __m128i least = _mm_set1_epi32(range.least), largest = _mm_set1_epi32(range.largest);
-    __m256d odd = _mm256_setzero_pd();
-    for (ptrdiff_t k = 0; k < n; k += 4) {
-        __m256d x = _mm256_sub_pd(_mm256_loadu_pd(v + k), one);
-        __m128i at = _mm256_cvttpd_epi32(x);
-        odd = _mm256_or_pd(odd, _mm256_cmp_pd(_mm256_cvtepi32_pd(at), x, _CMP_NEQ_UQ));
-        least = _mm_min_epi32(least, at);
-        largest = _mm_max_epi32(largest, at);
-        if (listed) _mm_storeu_si128(reinterpret_cast<__m128i *>(list + k), at);
-    }
-    if (_mm256_movemask_pd(odd)) return false;
-    alignas(16) int low[4], high[4];
-    _mm_store_si128(reinterpret_cast<__m128i *>(low), least);
-    _mm_store_si128(reinterpret_cast<__m128i *>(high), largest);
-    for (int k = 0; k < 4; ++k) {
-        if (low[k] < range.least) range.least = low[k];
-        if (high[k] > range.largest) range.largest = high[k];
-    }
+// The range of whole numbers is that of the values. What is cut off in any of them, NaN too, stays in `cut`.
+template <bool listed>
+bool whole_positions(ptrdiff_t *list, const double *v, ptrdiff_t n, PositionRange &range) {
+    if (n == 0) return true;
+    constexpr ptrdiff_t width = sizeof(Doubles) / sizeof(double), ways = 8 / width;
+    constexpr double shift = 0x1.8p52, most = 0x1p51;
+    using Bits = decltype(Doubles() != Doubles());
+    const Bits first = Bits(repeat_in_all(shift + 1));
+    Doubles least[ways], largest[ways];
+    Bits cut = {};
+    for (ptrdiff_t w = 0; w < ways; ++w) least[w] = repeat_in_all(most), largest[w] = -least[w];
+    for (ptrdiff_t k = 0; k < n; k += 8)
+        for (ptrdiff_t w = 0; w < ways; ++w) {
+            const Doubles x = doubles(v + k + w * width), shifted = x + shift;
+            cut |= shifted - shift != x;
+            least[w] = smaller(least[w], x);
+            largest[w] = larger(largest[w], x);
+            if (listed) put_bits(list + k + w * width, Bits(shifted) - first);
+        }
+    double low = most, high = -most;
+    bool whole = true;
+    for (ptrdiff_t w = 0; w < ways; ++w)
+        for (ptrdiff_t k = 0; k < width; ++k) {
+            whole = whole && !cut[k];
+            low = least[w][k] < low ? least[w][k] : low;
+            high = largest[w][k] > high ? largest[w][k] : high;
+        }
+    if (!whole || low <= -most || high >= most) return false;
+    if (low - 1 < static_cast<double>(range.least)) range.least = static_cast<ptrdiff_t>(low) - 1;
+    if (high - 1 > static_cast<double>(range.largest)) range.largest = static_cast<ptrdiff_t>(high) - 1;
     return true;
 }
 
 #else
 
-// Without a comparison or a conversion, which would cost more than the move: beside 2^52 the last bits of a
-// double count ones. A value below 1 has a place beyond every int.
-template <bool listed> bool whole_positions(int *list, const double *v, ptrdiff_t n, PositionRange &range) {
+// A value below 1 has a place beyond every other.
+template <bool listed>
+bool whole_positions(ptrdiff_t *list, const double *v, ptrdiff_t n, PositionRange &range) {
     constexpr double shift = 0x1p52;
+    constexpr int bits = sizeof(ptrdiff_t) == 8 ? 52 : 31;
     uint64_t fault = 0;
-    int largest = range.largest;
+    ptrdiff_t largest = range.largest;
     for (ptrdiff_t k = 0; k < n; ++k) {
         double x = v[k] - 1.0, shifted = x + shift;
         uint64_t at = std::bit_cast<uint64_t>(shifted) ^ std::bit_cast<uint64_t>(shift);
-        fault |= std::bit_cast<uint64_t>(shifted - shift - x) | (at + 1) >> 31;
-        int position = static_cast<int>(static_cast<uint32_t>(at));
+        fault |= std::bit_cast<uint64_t>(shifted - shift - x) | (at + 1) >> bits;
+        ptrdiff_t position = static_cast<ptrdiff_t>(at);
         largest = position > largest ? position : largest;
         if (listed) list[k] = position;
     }
@@ -139,64 +144,16 @@ template <bool listed> bool whole_positions(int *list, const double *v, ptrdiff_
 
 #endif
 
-#if defined(__AVX2__)
-
-#if defined(__AVX512F__)
-using Doubles = __m512d;
-inline Doubles repeat_in_all(double x) { return _mm512_set1_pd(x); }
-inline Doubles doubles(const double *x) { return _mm512_loadu_pd(x); }
-inline Doubles smaller(Doubles x, Doubles y) { return _mm512_min_pd(x, y); }
-inline Doubles larger(Doubles x, Doubles y) { return _mm512_max_pd(x, y); }
-#else
-using Doubles = __m256d;
-inline Doubles repeat_in_all(double x) { return _mm256_set1_pd(x); }
-inline Doubles doubles(const double *x) { return _mm256_loadu_pd(x); }
-inline Doubles smaller(Doubles x, Doubles y) { return _mm256_min_pd(x, y); }
-inline Doubles larger(Doubles x, Doubles y) { return _mm256_max_pd(x, y); }
-#endif
-
-// Without a list no value becomes a position: the range of whole numbers is that of the values. What is cut
-// off in any of them, NaN too, stays in `cut`.
-template <> bool whole_positions<false>(int *, const double *v, ptrdiff_t n, PositionRange &range) {
-    if (n == 0) return true;
-    constexpr ptrdiff_t width = sizeof(Doubles) / sizeof(double), ways = 8 / width;
-    constexpr double shift = 0x1.8p52, most = INT_MAX;
-    Doubles least[ways], largest[ways];
-    auto cut = repeat_in_all(0) != repeat_in_all(0);
-    for (ptrdiff_t w = 0; w < ways; ++w) least[w] = repeat_in_all(most), largest[w] = -least[w];
-    for (ptrdiff_t k = 0; k < n; k += 8)
-        for (ptrdiff_t w = 0; w < ways; ++w) {
-            const Doubles x = doubles(v + k + w * width);
-            cut |= (x + shift) - shift != x;
-            least[w] = smaller(least[w], x);
-            largest[w] = larger(largest[w], x);
-        }
-    double low = most, high = -most;
-    bool whole = true;
-    for (ptrdiff_t w = 0; w < ways; ++w)
-        for (ptrdiff_t k = 0; k < width; ++k) {
-            whole = whole && !cut[k];
-            low = least[w][k] < low ? least[w][k] : low;
-            high = largest[w][k] > high ? largest[w][k] : high;
-        }
-    if (!whole || low <= -most || high > most) return false;
-    if (low - 1 < range.least) range.least = static_cast<int>(low - 1);
-    if (high - 1 > range.largest) range.largest = static_cast<int>(high - 1);
-    return true;
-}
-
-#endif
-
-template <bool listed> PositionRange positions(int *list, const double *v, ptrdiff_t n) {
+template <bool listed> PositionRange positions(ptrdiff_t *list, const double *v, ptrdiff_t n) {
     constexpr ptrdiff_t block = 1024; // stays in the cache for a second try
-    PositionRange range = {INT_MAX, INT_MIN, true};
+    PositionRange range = {PTRDIFF_MAX, PTRDIFF_MIN, true};
     for (ptrdiff_t start = 0; start < n; start += block) {
         ptrdiff_t m = n - start < block ? n - start : block, whole = m & ~ptrdiff_t{7};
-        int *at = listed ? list + start : nullptr;
+        ptrdiff_t *at = listed ? list + start : nullptr;
         const double *x = v + start;
         if (!whole_positions<listed>(at, x, whole, range)) whole = 0;
         for (ptrdiff_t k = whole; k < m; ++k) {
-            int p = position_of(x[k]);
+            ptrdiff_t p = position_of(x[k]);
             range.counts = range.counts && p >= 0 && p == x[k] - 1.0;
             if (p < range.least) range.least = p;
             if (p > range.largest) range.largest = p;
@@ -207,7 +164,7 @@ template <bool listed> PositionRange positions(int *list, const double *v, ptrdi
     return range;
 }
 
-PositionRange positions(int *list, const double *v, ptrdiff_t n) {
+PositionRange positions(ptrdiff_t *list, const double *v, ptrdiff_t n) {
     return list ? positions<true>(list, v, n) : positions<false>(list, v, n);
 }
 
