@@ -29,7 +29,7 @@ struct Layout {
     int slot;
     std::FILE *stream;
     Precision precision;
-    int skip;
+    kn_size skip;
     bool swap;
 
     Layout(int s, const Mm &name, const Mm &skipped, const Mm &format)
@@ -37,7 +37,7 @@ struct Layout {
         const int code = machine_format_code(format);
         swap = (code == unknown_format ? fid_format(slot) : code) != native_format;
     }
-    long long stride() const { return static_cast<long long>(precision.size) + skip; }
+    long long stride() const { return precision.size + skip; }
 };
 
 // Gaps up to this size are read and written together with the elements around them, many elements a call.
@@ -129,8 +129,7 @@ ptrdiff_t read_items(double *to, ptrdiff_t n, const Layout &f) {
 // A matrix of this shape; empty for no shape, and when memory is exhausted.
 Mm matrix_of(const Shape &shape) {
     if (shape.rows < 1 || shape.cols < 1) return nop_M;
-    if (shape.rows * shape.cols > INT_MAX) return out_of_memory(), nop_M;
-    return Mm(0, 0, 0, static_cast<int>(shape.rows), static_cast<int>(shape.cols), kn_double);
+    return Mm(0, 0, 0, double_to_size(shape.rows), double_to_size(shape.cols), kn_double);
 }
 
 // From a file whose remaining size is known.
@@ -151,19 +150,18 @@ Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
     const ptrdiff_t per_element = f.precision.code < 9 ? 1 : 2;
     TextBuffer bytes;
     double block[4096];
-    long long stored = 0;
-    for (bool more = true; more && static_cast<double>(stored) < limit && stored <= INT_MAX;) {
-        const ptrdiff_t n = static_cast<ptrdiff_t>(std::min<double>(limit - stored, std::size(block))),
+    kn_size stored = 0;
+    for (bool more = true; more && static_cast<double>(stored) < limit;) {
+        const ptrdiff_t n = static_cast<kn_size>(std::min<double>(limit - static_cast<double>(stored), std::size(block))),
                         got = read_items(block, n, f);
         const size_t elements = static_cast<size_t>((got + per_element - 1) / per_element);
         bytes.append({reinterpret_cast<const char *>(block), elements * sizeof *block});
         if (!bytes) return nop_M;
-        stored += static_cast<long long>(elements);
+        stored += static_cast<kn_size>(elements);
         items += got;
         more = got == n * per_element;
     }
-    const Shape shape =
-        stored > INT_MAX ? Shape{INFINITY, 1, false} : shape_of(size, stored * f.stride() - f.skip, f);
+    const Shape shape = shape_of(size, stored * f.stride() - f.skip, f);
     if (shape.clamped && limit == 0) { // nothing was asked for, but the file may be at its end
         const int next = std::getc(f.stream);
         if (next != EOF) std::ungetc(next, f.stream);

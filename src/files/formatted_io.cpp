@@ -45,11 +45,11 @@ void print_to(int slot, const Mm &fmt, const Mm &list) {
 
 // A list with one value prepended.
 Mm with_first(const Mm &first, const Mm &list) {
-    const int n = list.size() == 0 ? 0 : values_of(list);
+    const kn_size n = list.size() == 0 ? 0 : values_of(list);
     Mm all(0, 0, 0, 1, n + 1, kn_Mm);
     if (lacks(all, n + 1)) return x_M;
     all.mr(1) = first;
-    for (int k = 1; k <= n; ++k) all.mr(k + 1) = value_of(list, k);
+    for (kn_size k = 1; k <= n; ++k) all.mr(k + 1) = value_of(list, k);
     return all;
 }
 

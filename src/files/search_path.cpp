@@ -173,7 +173,7 @@ Mm matlabpath() {
 Mm matlabpath(const Mm &m) {
     kn_path_record *record = path_record();
     if (!record) return x_M;
-    const int size = Mstr_size(m) + 1;
+    const kn_size size = Mstr_size(m) + 1;
     Scratch<char> text(size);
     if (!text) return x_M;
     Mstr(m, text.get(), size);
@@ -198,6 +198,6 @@ Mm path(const Mm &text, const Mm &front) {
 Mm addpath(const Mm &list) {
     if (!path_record()) return x_M;
     if (list.gettype() != kn_Mm) return add_front(list);
-    for (int k = list.size(); k >= 1; --k) add_front(list.safebr(k));
+    for (kn_size k = list.size(); k >= 1; --k) add_front(list.safebr(k));
     return x_M;
 }

@@ -2,6 +2,7 @@
 
 #include "graphics/engine.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "graphics/callback.h"
@@ -65,8 +66,10 @@ constinit SeloEngine *current = nullptr;
 
 void run_callback(miniM *text) {
     if (!text || text->count() < 1) return;
-    Mm statement(0, 0, 0, text->ndims(), text->dims(), kn_double);
-    int n = text->count();
+    kn_size dims[4];
+    std::copy_n(text->dims(), 4, dims);
+    Mm statement(0, 0, 0, text->ndims(), dims, kn_double);
+    const int n = text->count();
     if (statement.getnnz() < n) return;
     std::memcpy(statement.addr(), text->addr(), sizeof(double) * static_cast<size_t>(n));
     statement.setstr(1);

@@ -1,5 +1,6 @@
 // The small array that crosses the boundary to the graphics engine.
 
+#include <climits>
 #include <cstring>
 
 #include "base/scratch.h"
@@ -21,9 +22,10 @@ miniM::miniM() : ndims_(2), dims_{0, 0, 1, 1}, is_string_(0), data_(nullptr) {}
 miniM::miniM(const Dims &d, int is_string)
     : ndims_(d.ndims), dims_{1, 1, 1, 1}, is_string_(is_string), data_(nullptr) {
     for (int k = 0; k < ndims_; ++k) dims_[k] = d.dims[k] > 0 ? d.dims[k] : 0;
-    int n = kn::product(4, dims_);
+    kn_size n = 1;
+    for (int d : dims_) n = n > INT_MAX ? n : n * d;
     if (n == 0) return;
-    if (n > 0) data_ = static_cast<double *>(kn_block_alloc(sizeof(double) * static_cast<size_t>(n)));
+    if (n <= INT_MAX) data_ = static_cast<double *>(kn_block_alloc(sizeof(double) * static_cast<size_t>(n)));
     if (data_) {
         std::memset(data_, 0, sizeof(double) * static_cast<size_t>(n));
         return;

@@ -45,9 +45,9 @@ Mm whos_of(const Mm &columns) {
 
 // The `name` fields of a result of whos.
 Mm names_of(const Mm &list) {
-    const int n = list.isstruct() ? list.size() : 0;
+    const kn_size n = list.isstruct() ? list.size() : 0;
     Mm names = cell(n, 1.0);
-    for (int k = 1; k <= n && n == names.size(); ++k) names.mr(k) = Mm(list(k).member("name"));
+    for (kn_size k = 1; k <= n && n == names.size(); ++k) names.mr(k) = Mm(list(k).member("name"));
     return names;
 }
 
@@ -86,20 +86,20 @@ Mm clear(const kn_names &names) {
             if (k < Scopes::count(level) && matches(pattern, Scopes::value(k, level)->getname()))
                 Scopes::clear(*Scopes::value(k, level));
     };
-    const int n = names.texts.size();
+    const kn_size n = names.texts.size();
     char name[max_variable_name];
-    auto read_name = [&](int k) {
+    auto read_name = [&](kn_size k) {
         *name = '\0';
         Mstr_row(names.texts.safebr(k), name, sizeof name);
     };
-    for (int k = 1; k <= n; ++k) {
+    for (kn_size k = 1; k <= n; ++k) {
         read_name(k);
         if (is_variable_name(name) || std::strchr(name, '*')) continue;
         error("clear: %s is no name of a variable", name);
         return x_M;
     }
     if (n == 0) clear_level(Scopes::level());
-    for (int k = 1; k <= n; ++k) {
+    for (kn_size k = 1; k <= n; ++k) {
         read_name(k);
         const bool all = std::strcmp(name, "all") == 0;
         if (Mm *value = Scopes::lookup(name, Scopes::level())) {

@@ -27,7 +27,8 @@ constexpr Option options[] = {{"-append", saveappend}, {"-ascii", saveascii}, {"
 // Adds the variables of the current level that have a value and a name that matches the pattern. Returns
 // whether there are any.
 bool add_all(Mc &list, const char *pattern) {
-    const int level = Scopes::level(), before = list.count();
+    const int level = Scopes::level();
+    const kn_size before = list.count();
     for (int k = 0; k < Scopes::count(level); ++k)
         if (const Mm &value = *Scopes::value(k, level);
             value.gettype() != kn_none && matches(pattern, value.getname()))

@@ -19,7 +19,7 @@ namespace {
 // LAPACK's inverse leaves factors with a zero pivot unchanged. So does this one for real numbers; complex
 // ones are divided by the pivots nevertheless.
 template <class T> Mm inverse(const Mm &a) {
-    const int n = a.rows();
+    const kn_size n = a.rows();
     Matrix<T> x(a);
     if (!x) return x_M;
     Pivots p(n);
@@ -69,7 +69,7 @@ Mm sparse_determinant(const Mm &a) {
     Scratch<double> pivots(a.rows());
     if (!pivots || !sparse_pivots(a, pivots)) return x_M;
     double d = 1;
-    for (int k = 0; k < a.rows(); ++k) d *= pivots[k];
+    for (kn_size k = 0; k < a.rows(); ++k) d *= pivots[k];
     return d;
 }
 
@@ -89,7 +89,7 @@ Mm inv(const Mm &a) {
     if (a.size() == 0) return nop_M;
     Mm x;
     if (a.issparse() && a.size() == 1) return sparse(rdivide(1.0, a));
-    if (a.issparse()) return kn::sparse_doubles_of(a, x) ? kn::sparse_inverse(x) : x_M;
+    if (a.issparse()) return kn::sparse_doubles_of(a, "inv", x) ? kn::sparse_inverse(x) : x_M;
     if (!kn::doubles_of(a, "inv", x)) return x_M;
     if (x.size() == 1) return rdivide(1.0, x);
     return x.isc() ? kn::inverse<kn::complex>(x) : kn::inverse<double>(x);
@@ -102,7 +102,7 @@ Mm det(const Mm &a) {
     if (error_square(a, "det")) return x_M;
     Mm x, d;
     if (a.issparse())
-        d = kn::sparse_determinant(a);
+        d = kn::sparse_doubles_of(a, "det", x) ? kn::sparse_determinant(x) : x_M;
     else if (kn::doubles_of(a, "det", x))
         d = kn::full_determinant(x);
     return d.size() == 1 && kn::all_whole(a) ? round(d) : d;

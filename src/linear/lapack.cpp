@@ -1,32 +1,29 @@
 // Matrices between planes and the layout of LAPACK.
 #include "linear/lapack.h"
 
-#include <climits>
-
 #include "quorvex/startup.h"
 #include "value/planes.h"
 
 namespace kn {
 namespace {
 
-ptrdiff_t size_of(const Mm &x) { return static_cast<ptrdiff_t>(x.rows()) * x.cols(); }
+kn_size size_of(const Mm &x) { return x.rows() * x.cols(); }
 
 } // namespace
 
 template <> Matrix<double>::Matrix(int m, int n) : m_(m), n_(n), store_(0, 0, 0, m, n, kn_double) {}
 
 template <> Matrix<complex>::Matrix(int m, int n) : m_(m), n_(n) {
-    if (m > INT_MAX / 2)
-        out_of_memory();
-    else
-        store_ = Mm(0, 0, 0, 2 * m, n, kn_double);
+    store_ = Mm(0, 0, 0, 2 * ptrdiff_t{m}, n, kn_double);
 }
 
-template <> Matrix<double>::Matrix(const Mm &x) : Matrix(x.rows(), x.cols()) {
+template <> Matrix<double>::Matrix(const Mm &x)
+    : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
     if (*this) copy_run(data(), x.addr(), size_of(x));
 }
 
-template <> Matrix<complex>::Matrix(const Mm &x) : Matrix(x.rows(), x.cols()) {
+template <> Matrix<complex>::Matrix(const Mm &x)
+    : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
     if (!*this) return;
     const double *re = x.addr(), *im = x.addi();
     double *z = reinterpret_cast<double *>(data());

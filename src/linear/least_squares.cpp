@@ -20,7 +20,7 @@ namespace {
 template <class T> bool factor_qr(const Matrix<T> &a, int k, const Pivots &lead, const Scratch<T> &tau) {
     constexpr int widest = 32, unblocked = 128; // columns, as LAPACK has them
     const int m = a.rows(), n = a.cols();
-    const int block = at_once<T>(widest, 8.0 * m * n); // half of the work is limited by memory speed
+    const int block = static_cast<int>(at_once<T>(widest, 8.0 * m * n)); // half of the work is limited by memory speed
     const BlasWork kind = factorisation_of(m, n);
     Scratch<T> work(std::max(n, widest)), f(static_cast<ptrdiff_t>(n) * widest);
     Scratch<double> norm(n), exact(n);
@@ -46,10 +46,10 @@ template <class T> bool factor_qr(const Matrix<T> &a, int k, const Pivots &lead,
 template <class T> bool reflect(const Matrix<T> &a, int k, const Scratch<T> &tau, const Matrix<T> &b) {
     T wanted;
     lapack::unmqr(a, k, tau.get(), b.data(), b.cols(), &wanted, -1);
-    const int lwork = static_cast<int>(std::real(wanted));
+    const int lwork = double_to_int(std::real(wanted));
     Scratch<T> work(lwork);
     if (!work) return false;
-    const int width = at_once<T>(b.cols(), 2.0 * b.rows() * k);
+    const int width = static_cast<int>(at_once<T>(b.cols(), 2.0 * b.rows() * k));
     for (int j = 0; j < b.cols(); j += width) {
         if (interrupted()) return false;
         BlasCall call(factorisation_of(a.rows(), k));
@@ -73,7 +73,7 @@ void scatter_row(const Matrix<complex> &y, int i, const Mm &x, int to) {
 
 Mm solve_rectangular(const Mm &a, const Mm &b) {
     return by_number(a.isc() || b.isc(), [&]<class T>(T) {
-        const int n = a.cols(), k = std::min(a.rows(), n);
+        const int n = static_cast<int>(a.cols()), k = static_cast<int>(std::min(a.rows(), a.cols()));
         Matrix<T> factors(a), y(b);
         if (!factors || !y) return x_M;
         Pivots lead(n);

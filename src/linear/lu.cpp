@@ -34,14 +34,14 @@ struct Outputs {
 
 // l has the rows of a, or with `ordered` those of u.
 template <class T> bool split(const Mm &a, bool ordered, Outputs &out) {
-    const int n = a.rows();
+    const int n = static_cast<int>(a.rows());
     Matrix<T> f(a), l(n, n);
     if (!f || !l) return false;
     Pivots p(n), row(n);
     if (!p || !row || !factor(f, p)) return false;
     rows_of_pivots(p, n, row.get());
     out.p = zeros(n, n);
-    if (lacks(out.p, n * n)) return false;
+    if (lacks(out.p, kn_size{n} * n)) return false;
     for (int i = 0; i < n; ++i) *out.p.addr(i + 1, row[i] + 1) = 1;
     for (int j = 0; j < n; ++j) {
         T *from = f.column(j), *to = l.column(j);
@@ -58,13 +58,13 @@ bool factored(const Mm &a, bool ordered, Outputs &out) {
     a.warn_uninit();
     if (error_numeric(a, "lu") || error_square(a, "lu")) return out = {x_M, x_M, x_M}, false;
     if (a.size() == 0) return out = {nop_M, nop_M, nop_M}, false;
+    Mm x;
     bool done = false;
     if (a.issparse() && a.isc()) {
         error("lu: Complex sparse not supported.");
     } else if (a.issparse()) {
-        done = sparse_factors(a, ordered, out.l, out.u, out.p);
+        done = sparse_doubles_of(a, "lu", x) && sparse_factors(x, ordered, out.l, out.u, out.p);
     } else {
-        Mm x;
         done = doubles_of(a, "lu", x) &&
                by_number(a.isc(), [&]<class T>(T) { return split<T>(x, ordered, out); });
     }
@@ -89,8 +89,8 @@ template void pack_multipliers(const Matrix<complex> &f, const Pivots &p);
 bool sparse_pivots(const Mm &a, Scratch<double> &pivots) {
     Outputs out;
     if (!factored(a, true, out)) return false;
-    for (int k = 0, n = a.rows(); k < n; ++k) {
-        int slot = out.u.search(k * (n + 1));
+    for (kn_size k = 0, n = a.rows(); k < n; ++k) {
+        const kn_size slot = out.u.search(k * (n + 1));
         pivots[k] = slot < 0 ? 0 : out.u.addr()[slot];
     }
     return true;

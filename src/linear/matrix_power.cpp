@@ -23,7 +23,7 @@ double whole_number(const Mm &x) {
 }
 
 Mm whole_power(const Mm &a, double e) {
-    const int n = a.rows();
+    const kn_size n = a.rows();
     if (e == 0) return a.issparse() ? speye(n) : eye(n);
     Mm square = e < 0 ? inv(a) : +a, x;
     for (e = std::fabs(e);; square = square * square) {
@@ -56,7 +56,7 @@ Mm mpower(const Mm &a, const Mm &b) {
     Mm base;
     if (!a.issparse())
         base = mdouble(a);
-    else if (!kn::sparse_doubles_of(a, base))
+    else if (!kn::sparse_doubles_of(a, "mpower", base))
         return x_M;
     return base.size() == a.size() ? kn::whole_power(base, e) : x_M;
 }

@@ -1,5 +1,6 @@
 // Matrix division from the left: the choice of the method.
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 #include "linear/solvers.h"
@@ -26,15 +27,15 @@ struct Asymmetry {
 };
 
 bool full_hermitian(const Mm &a) {
-    const int n = a.rows();
+    const kn_size n = a.rows();
     const double *re = a.addr(), *im = a.addi();
-    constexpr int block = 32; // of rows whose transposed elements stay in the cache
+    constexpr kn_size block = 32; // of rows whose transposed elements stay in the cache
     Asymmetry d;
-    for (int j0 = 0; j0 < n; j0 += block)
-        for (int i0 = 0; i0 <= j0; i0 += block) {
-            for (int j = j0; j < std::min(j0 + block, n); ++j)
-                for (int i = i0; i <= std::min(i0 + block - 1, j); ++i) {
-                    ptrdiff_t k = i + static_cast<ptrdiff_t>(j) * n, t = j + static_cast<ptrdiff_t>(i) * n;
+    for (kn_size j0 = 0; j0 < n; j0 += block)
+        for (kn_size i0 = 0; i0 <= j0; i0 += block) {
+            for (kn_size j = j0; j < std::min(j0 + block, n); ++j)
+                for (kn_size i = i0; i <= std::min(i0 + block - 1, j); ++i) {
+                    const kn_size k = i + j * n, t = j + i * n;
                     if (im)
                         d.see(re[k] - re[t], im[k] + im[t]);
                     else
@@ -46,12 +47,12 @@ bool full_hermitian(const Mm &a) {
 }
 
 bool sparse_hermitian(const Mm &a) {
-    const int n = a.rows();
+    const kn_size n = a.rows();
     const double *re = a.addr(), *im = a.addi();
     Asymmetry d;
-    if (a.getnnz() < n * n) d.see(0); // an element that isn't stored, or whose transposed one isn't
-    for (int k = 0; k < a.getnnz(); ++k) {
-        int row = a.getindex()[k] % n, column = a.getindex()[k] / n, t = a.search(column + row * n);
+    if (a.getnnz() < a.size()) d.see(0); // an element that isn't stored, or whose transposed one isn't
+    for (kn_size k = 0; k < a.getnnz(); ++k) {
+        const kn_size row = a.getindex()[k] % n, column = a.getindex()[k] / n, t = a.search(column + row * n);
         double other = t < 0 ? 0 : re[t];
         if (im)
             d.see(re[k] - other, im[k] + (t < 0 ? 0 : im[t]));
@@ -65,12 +66,23 @@ bool sparse_hermitian(const Mm &a) {
 
 bool doubles_of(const Mm &x, const char *name, Mm &out) {
     if (error_numeric(x, name)) return false;
+    if (std::max(x.rows(), x.cols()) > INT_MAX) {
+        error("%s: matrix too large for LAPACK", name);
+        return false;
+    }
     out = full(x);
     if (out.gettype() == kn_uint8) out = mdouble(out);
     return x.size() == 0 || (out.gettype() == kn_double && out.getnnz() > 0);
 }
 
-bool sparse_doubles_of(const Mm &x, Mm &out) {
+bool sparse_doubles_of(const Mm &x, const char *name, Mm &out) {
+    const bool tall = x.rows() > x.cols();
+    const kn_size order = tall ? x.rows() + x.cols() : x.rows(), entries = tall ? x.rows() + 2 * x.getnnz() : x.getnnz(),
+                  parts = x.isc() ? 2 : 1;
+    if (parts * (order + parts * entries) >= INT_MAX) {
+        error("%s: matrix too large for SuperLU", name);
+        return false;
+    }
     out = x.gettype() == kn_uint8 ? sparse(mdouble(x)) : x;
     return out.issparse();
 }
@@ -102,7 +114,7 @@ Mm mldivide(const Mm &a, const Mm &b) {
     if (!kn::doubles_of(b, "mldivide", full_b) || error_numeric(a, "mldivide")) return x_M;
     Mm x;
     if (a.issparse()) {
-        if (!kn::sparse_doubles_of(a, full_a)) return x_M;
+        if (!kn::sparse_doubles_of(a, "mldivide", full_a)) return x_M;
         x = kn::solve_sparse(full_a, full_b);
     } else {
         if (!kn::doubles_of(a, "mldivide", full_a)) return x_M;

@@ -9,10 +9,12 @@
 
 namespace kn {
 
-// A full value of doubles, sparse and byte ones converted. Cells and structures: error_numeric, and false.
+// A full value of doubles, sparse and byte ones converted. False after error_numeric for cells and structures, and
+// after "%s: matrix too large for LAPACK", whose sizes are ints.
 bool doubles_of(const Mm &x, const char *name, Mm &out);
-// The same for a sparse value, which stays sparse.
-bool sparse_doubles_of(const Mm &x, Mm &out);
+// The same for a sparse value, which stays sparse: the system that SuperLU is given for it has no more rows and
+// entries than ints count.
+bool sparse_doubles_of(const Mm &x, const char *name, Mm &out);
 
 // a full and square; b full.
 Mm solve_square(const Mm &a, const Mm &b);

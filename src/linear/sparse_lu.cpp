@@ -145,17 +145,17 @@ bool SparseLu::factor(const CompressedColumns &a, const int *order, int way) {
     return rank != Rank::unknown;
 }
 
-bool SparseLu::solve(double *x, int q) {
+bool SparseLu::solve(double *x, kn_size q) {
     if (singular_) {
-        std::fill_n(x, static_cast<ptrdiff_t>(n_) * q, raw_nan);
+        std::fill_n(x, n_ * q, raw_nan);
         return true;
     }
     System &s = *system_.get();
     const int most = std::max(1, (1 << 20) / n_);
-    for (int j = 0; j < q; j += s.q) {
+    for (kn_size j = 0; j < q; j += s.q) {
         if (interrupted()) return false;
-        s.x = x + static_cast<ptrdiff_t>(j) * n_;
-        s.q = std::min(most, q - j);
+        s.x = x + j * n_;
+        s.q = static_cast<int>(std::min<kn_size>(most, q - j));
         BlasCall blas(BlasWork::alone);
         if (!blas || !call_.run(System::substitute, &s)) return false;
     }
@@ -226,7 +226,7 @@ class UnorderedEntries {
   public:
     explicit UnorderedEntries(int n) : list_(n) {}
     explicit operator bool() const { return static_cast<bool>(list_); }
-    void add(int position, double v) { list_[count_++] = {position, v}; }
+    void add(kn_size position, double v) { list_[count_++] = {position, v}; }
 
     // n by n; empty when memory is exhausted.
     Mm matrix(int n) {
@@ -244,7 +244,7 @@ class UnorderedEntries {
 
   private:
     struct Entry {
-        int position;
+        kn_size position;
         double value;
     };
     Scratch<Entry> list_;
@@ -254,10 +254,11 @@ class UnorderedEntries {
 } // namespace
 
 bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
-    const int n = a.rows();
+    const int n = static_cast<int>(a.rows());
+    const kn_size order = n;
     CompressedColumns entries(a, n);
     if (!entries) return false;
-    CompressedColumns all(n, n, static_cast<int64_t>(entries.entries()) + n, false);
+    CompressedColumns all(n, n, entries.entries() + n, false);
     Scratch<int> column_order(n), row_order(n), parent(n);
     if (!all || !column_order || !row_order || !parent || !complete(entries, all) || !fits_superlu(all))
         return false;
@@ -278,11 +279,11 @@ bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
     if (!of_l || !of_u || !of_p) return false;
     auto row_in_l = [&](int i) { return ordered ? i : row_from[i]; };
     for (int j = 0; j < n; ++j) {
-        of_l.add(j * n + row_in_l(j), 1);
-        of_p.add(j * n + row_order[j], 1);
+        of_l.add(j * order + row_in_l(j), 1);
+        of_p.add(j * order + row_order[j], 1);
     }
     each_entry(f.l, f.u, [&](bool lower, int i, int j, double v) {
-        lower ? of_l.add(j * n + row_in_l(i), v) : of_u.add(j * n + i, v);
+        lower ? of_l.add(j * order + row_in_l(i), v) : of_u.add(j * order + i, v);
     });
     l = of_l.matrix(n);
     u = of_u.matrix(n);

@@ -19,7 +19,7 @@ class SparseLu {
     SparseLu(const CompressedColumns &a, const int *order);
     explicit operator bool() const { return done_; }
     // x = a \ x, q columns of the order of a; NaN when a is singular. False after an error.
-    bool solve(double *x, int q);
+    bool solve(double *x, kn_size q);
 
   private:
     struct System;

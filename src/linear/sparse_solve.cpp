@@ -19,10 +19,10 @@
 namespace kn {
 namespace {
 
-constexpr int largest_inverse = 100000000; // entries: the largest number of elements of `full`
+constexpr kn_size largest_inverse = 100000000; // entries: the largest number of elements of `full`
 
 // Columns of n elements: m from `from`, beginning at `first`, and zeros.
-void copy_columns(double *to, int n, const double *from, int rows, int first, int m, int q) {
+void copy_columns(double *to, kn_size n, const double *from, kn_size rows, kn_size first, kn_size m, kn_size q) {
     for (ptrdiff_t j = 0; j < q; ++j) {
         double *end = std::copy_n(from + j * rows + first, m, to + j * n);
         std::fill(end, to + (j + 1) * n, 0.0);
@@ -30,7 +30,7 @@ void copy_columns(double *to, int n, const double *from, int rows, int first, in
 }
 
 // The m rows of b from `first` on, padded with zero rows to n rows.
-Mm padded(const Mm &b, int first, int m, int n) {
+Mm padded(const Mm &b, kn_size first, kn_size m, kn_size n) {
     Mm out(b.isc(), 0, 0, n, b.cols(), kn_double);
     if (out.getnnz() == 0) return out;
     copy_columns(out.addr(), n, b.addr(), b.rows(), first, m, b.cols());
@@ -41,8 +41,7 @@ Mm padded(const Mm &b, int first, int m, int n) {
 // A new value, of n rows, that holds both planes of b: one below the other if the matrix is complex, side by
 // side if it is real.
 Mm planes_of_b(const Mm &b, bool below) {
-    const int n = b.rows(), q = b.cols();
-    const ptrdiff_t size = static_cast<ptrdiff_t>(n) * q;
+    const kn_size n = b.rows(), q = b.cols(), size = n * q;
     if (below) {
         Mm out = padded(b, 0, n, 2 * n);
         out.getreal(1);
@@ -57,11 +56,10 @@ Mm planes_of_b(const Mm &b, bool below) {
     return out;
 }
 
-Mm complex_of_planes(const Mm &x, int n, int q, bool below) {
+Mm complex_of_planes(const Mm &x, kn_size n, kn_size q, bool below) {
     Mm out(1, 0, 0, n, q, kn_double);
     if (out.getnnz() == 0) return x_M;
-    const ptrdiff_t step = below ? 2 * static_cast<ptrdiff_t>(n) : n;
-    const ptrdiff_t imaginary = below ? n : static_cast<ptrdiff_t>(n) * q;
+    const kn_size step = below ? 2 * n : n, imaginary = below ? n : n * q;
     for (ptrdiff_t j = 0; j < q; ++j) {
         std::copy_n(x.addr() + j * step, n, out.addr() + j * n);
         std::copy_n(x.addr() + j * step + imaginary, n, out.addi() + j * n);
@@ -72,7 +70,7 @@ Mm complex_of_planes(const Mm &x, int n, int q, bool below) {
 // A thousandth of the largest modulus.
 double augmentation(const Mm &a) {
     double largest = 0;
-    for (int k = 0; k < a.getnnz(); ++k)
+    for (kn_size k = 0; k < a.getnnz(); ++k)
         largest = std::fmax(largest, a.isc() ? std::hypot(a.addr()[k], a.addi()[k]) : std::fabs(a.addr()[k]));
     return largest / 1000;
 }
@@ -82,9 +80,8 @@ double augmentation(const Mm &a) {
 class SparseSystem {
   public:
     SparseSystem(const CompressedColumns &a, const int *order)
-        : n_(a.cols()), embedded_(a.im() != nullptr), twice_(embedded_ ? 2 * static_cast<int64_t>(n_) : 0),
-          real_(twice_, twice_, 2 * (embedded_ ? 2 * static_cast<int64_t>(a.entries()) : 0), false),
-          in_order_(order ? static_cast<ptrdiff_t>(twice_) : 0) {
+        : n_(a.cols()), embedded_(a.im() != nullptr), twice_(embedded_ ? 2 * n_ : 0),
+          real_(twice_, twice_, embedded_ ? 4 * a.entries() : 0, false), in_order_(order ? twice_ : 0) {
         if (!real_ || !in_order_) return;
         if (!embedded_) {
             lu_.emplace(a, order);
@@ -106,7 +103,7 @@ class SparseSystem {
   private:
     const int n_;
     const bool embedded_;
-    const int64_t twice_;
+    const int twice_;
     CompressedColumns real_;
     Scratch<int> in_order_;
     std::optional<SparseLu> lu_;
@@ -118,11 +115,10 @@ Mm solve_columns(const CompressedColumns &a, const Mm &b, const int *order) {
 }
 
 Mm solve_overdetermined(const Mm &a, const Mm &b) {
-    const int m = a.rows(), n = a.cols();
+    const int m = static_cast<int>(a.rows()), n = static_cast<int>(a.cols()), order = m + n;
     CompressedColumns columns(a, n);
     if (!columns) return x_M;
-    const int64_t order = static_cast<int64_t>(m) + n;
-    CompressedColumns system(order, order, m + 2 * static_cast<int64_t>(columns.entries()), a.isc());
+    CompressedColumns system(order, order, m + 2 * columns.entries(), a.isc());
     if (!system || !augment(columns, augmentation(a), system)) return x_M;
     Mm x = padded(b, 0, m, m + n);
     if (x.getnnz() == 0) return x_M;
@@ -138,7 +134,7 @@ bool permutation_of(const Mm &p, int n, int *order) {
     bool fits = p.rows() == n && p.cols() == n && p.getnnz() == n;
     ColumnWalk walk(n);
     for (int k = 0; fits && k < n; ++k) {
-        order[k] = walk.row(p.getindex()[k]);
+        order[k] = static_cast<int>(walk.row(p.getindex()[k]));
         fits = walk.column() == k && !taken[order[k]];
         taken[order[k]] = 1;
     }
@@ -148,21 +144,21 @@ bool permutation_of(const Mm &p, int n, int *order) {
 
 // Appends the nonzero elements of x to the entries of a sparse value; x has as many rows, and its
 // first column is `column` of the value. False after an error.
-bool append(Mm &out, const Mm &x, int column) {
-    auto stored = [re = x.addr(), im = x.addi()](int k) { return is_nonzero(re, im, k); };
-    int e = out.getnnz(), count = e;
-    for (int k = 0; k < x.getnnz(); ++k) count += stored(k);
+bool append(Mm &out, const Mm &x, kn_size column) {
+    auto stored = [re = x.addr(), im = x.addi()](kn_size k) { return is_nonzero(re, im, k); };
+    kn_size e = out.getnnz(), count = e;
+    for (kn_size k = 0; k < x.getnnz(); ++k) count += stored(k);
     if (count > largest_inverse) {
         error("full: matrix too large");
         return false;
     }
     if (count > out.getp()) {
-        out.extend_nnz(std::max(count, 2 * out.getp()));
+        out.extend_nnz(std::max<kn_size>(count, 2 * out.getp()));
         if (lacks(out, count)) return false;
     }
     out.getnnz() = count;
-    const int first = column * x.rows();
-    for (int k = 0; k < x.getnnz(); ++k) {
+    const kn_size first = column * x.rows();
+    for (kn_size k = 0; k < x.getnnz(); ++k) {
         if (!stored(k)) continue;
         out.getindex()[e] = first + k;
         out.addr()[e] = x.addr()[k];
@@ -176,18 +172,18 @@ bool append(Mm &out, const Mm &x, int column) {
 
 // A few columns at a time, so that no full matrix of this order is made.
 Mm sparse_inverse(const Mm &a) {
-    const int n = a.rows(), most = std::max(1, (1 << 20) / n);
+    const kn_size n = a.rows(), most = std::max<kn_size>(1, (1 << 20) / n);
     CompressedColumns columns(a, n);
     if (!columns) return x_M;
     SparseSystem system(columns, nullptr);
     Mm out(a.isc(), 1, a.getnnz(), n, n, kn_double);
     if (!system || !out.issparse()) return x_M;
     out.getnnz() = 0;
-    for (int j = 0; j < n; j += most) {
-        const int q = std::min(most, n - j);
+    for (kn_size j = 0; j < n; j += most) {
+        const kn_size q = std::min(most, n - j);
         Mm b = zeros(n, q);
         if (lacks(b, n * q)) return x_M;
-        for (int k = 0; k < q; ++k) *b.addr(j + k + 1, k + 1) = 1;
+        for (kn_size k = 0; k < q; ++k) *b.addr(j + k + 1, k + 1) = 1;
         const Mm x = system.solve(b);
         if (x.getnnz() == 0 || !append(out, x, j)) return x_M;
     }
@@ -196,7 +192,7 @@ Mm sparse_inverse(const Mm &a) {
 }
 
 Mm solve_sparse(const Mm &a, const Mm &b) {
-    const int m = a.rows(), n = a.cols();
+    const kn_size m = a.rows(), n = a.cols();
     if (m > n) return solve_overdetermined(a, b);
     CompressedColumns leading(a, m);
     if (!leading) return x_M;
@@ -213,10 +209,10 @@ Mm lusolve(const Mm &a, const Mm &b, const Mm &p) {
     if (error_numeric(a, "lusolve") || error_sparse(a, "getIr") || error_square(a, "lusolve")) return x_M;
     if (error_numeric(p, "lusolve") || error_sparse(p, "getIr")) return x_M;
     Mm x, full_b;
-    if (!kn::sparse_doubles_of(a, x) || !kn::doubles_of(b, "lusolve", full_b)) return x_M;
+    if (!kn::sparse_doubles_of(a, "lusolve", x) || !kn::doubles_of(b, "lusolve", full_b)) return x_M;
     if (error_2d(full_b, "lusolve")) return x_M;
     if (a.size() == 0 || b.size() == 0) return nop_M;
-    const int n = a.rows();
+    const int n = static_cast<int>(a.rows());
     if (b.rows() != n) {
         error("%s: a,b does not have the same number of rows", "lusolve");
         return x_M;

@@ -2,8 +2,6 @@
 #ifndef QUORVEX_SPARSE_COMPRESSED_COLUMNS_H
 #define QUORVEX_SPARSE_COMPRESSED_COLUMNS_H
 
-#include <cstdint>
-
 #include "base/scratch.h"
 #include "quorvex/values.h"
 
@@ -11,25 +9,25 @@ namespace kn {
 
 // Entries starts[c] to starts[c + 1] - 1 of a sparse value are those of column c, for the first `cols`
 // columns of all pages: cols + 1 numbers.
-void column_starts(const Mm &a, ptrdiff_t cols, kn_size *starts);
+void column_starts(const Mm &a, kn_size cols, kn_size *starts);
 
 // The rows of the first n entries.
 void row_indices(const Mm &a, kn_size n, kn_size *rows);
 
-// A matrix of doubles. It may be larger than a sparse value can be, whose indices are ints. The imaginary
-// parts are null for a real matrix. False when memory was exhausted, which has been reported.
+// A matrix of doubles, counted in ints as SuperLU does. The imaginary parts are null for a real matrix. False
+// when memory was exhausted, which has been reported.
 class CompressedColumns {
   public:
-    CompressedColumns(int64_t rows, int64_t cols, int64_t room, bool is_complex);
-    // The first columns of a sparse value.
+    CompressedColumns(int rows, int cols, int room, bool is_complex);
+    // The first columns of a sparse value; what they hold fits ints.
     CompressedColumns(const Mm &a, kn_size cols);
     explicit operator bool() const { return start_ && row_ && re_ && im_; }
 
-    kn_size rows() const { return m_; }
-    kn_size cols() const { return n_; }
-    kn_size entries() const { return start_[n_]; }
-    kn_size *start() const { return start_.get(); }
-    kn_size *row() const { return row_.get(); }
+    int rows() const { return m_; }
+    int cols() const { return n_; }
+    int entries() const { return start_[n_]; }
+    int *start() const { return start_.get(); }
+    int *row() const { return row_.get(); }
     double *re() const { return re_.get(); }
     double *im() const { return is_complex_ ? im_.get() : nullptr; }
 
@@ -38,12 +36,12 @@ class CompressedColumns {
         ++filled_;
         start_[filled_] = start_[filled_ - 1];
     }
-    void add(kn_size row, double re, double im, bool kept = false);
+    void add(int row, double re, double im, bool kept = false);
 
   private:
-    kn_size m_, n_, filled_ = 0;
+    int m_, n_, filled_ = 0;
     bool is_complex_;
-    Scratch<kn_size> start_, row_;
+    Scratch<int> start_, row_;
     Scratch<double> re_, im_;
 };
 

@@ -17,7 +17,7 @@ struct Size {
 };
 
 kn_size truncated(double x) { return x >= 1 ? double_to_size(x) : 0; }
-kn_size rounded(double x) { return std::max(double_to_size(x + 0.5), 0); }
+kn_size rounded(double x) { return std::max<kn_size>(double_to_size(x + 0.5), 0); }
 
 // As of eye: two numbers, truncated, or one size vector, rounded; one number alone is both. 0 by 0 when
 // something is empty, or no number.
@@ -67,33 +67,33 @@ Mm random_values(Values values, const Mm &a) {
     return out;
 }
 
-// A row and a column, ordered by rows.
-using Place = std::uint64_t;
-Place place(double i, double j) {
-    auto word = [](double x) { return static_cast<std::uint32_t>(double_to_size(x)); };
-    return static_cast<Place>(word(i)) << 32 | word(j);
-}
+// Ordered by rows.
+struct Place {
+    kn_size row, column;
+    auto operator<=>(const Place &) const = default;
+};
 
 Mm random_matrix(Values values, const Mm &rows, const Mm &cols, const Mm &density) {
     Mm sizes[3] = {mdouble(rows), mdouble(cols), mdouble(density)};
     for (const Mm &x : sizes)
         if (x.size() == 0) return spzeros(nop_M);
     const double m = *sizes[0].addr(), n = *sizes[1].addr(), d = *sizes[2].addr();
-    Mm r = randM(round(Mm(d * n * m)).r(), 1), c = randM(std::max(r.getnnz(), 0), 1);
+    Mm r = randM(round(Mm(d * n * m)).r(), 1), c = randM(r.getnnz(), 1);
     kn_size k = r.getnnz();
     if (c.getnnz() != k) return x_M;
 
     kn::Scratch<Place> places(k);
     if (!places) return x_M;
-    for (kn_size e = 0; e < k; e++) places[e] = place(1 + m * r.addr()[e], 1 + n * c.addr()[e]);
+    for (kn_size e = 0; e < k; e++) 
+        places[e] = {double_to_size(1 + m * r.addr()[e]), double_to_size(1 + n * c.addr()[e])};
     std::sort(places.get(), places.get() + k);
-    k = static_cast<kn_size>(std::unique(places.get(), places.get() + k) - places.get());
+    k = std::unique(places.get(), places.get() + k) - places.get();
 
     Mm i(0, 0, 0, k, 1, kn_double), j(0, 0, 0, k, 1, kn_double), v = values(k, 1);
     if (kn::lacks(i, k) || kn::lacks(j, k) || kn::lacks(v, k)) return x_M;
     for (kn_size e = 0; e < k; e++) {
-        i.addr()[e] = static_cast<kn_size>(places[e] >> 32);
-        j.addr()[e] = static_cast<kn_size>(places[e]);
+        i.addr()[e] = static_cast<double>(places[e].row);
+        j.addr()[e] = static_cast<double>(places[e].column);
     }
     return sparse(i, j, v, m, n);
 }

@@ -27,9 +27,9 @@ using kn::Scratch;
 // The rows of one column after another.
 class Rows {
   public:
-    explicit Rows(kn_size rows) : column_of_(rows), list_(rows), bits_(rows / 64 + ptrdiff_t{1}) {
+    explicit Rows(kn_size rows) : column_of_(rows), list_(rows), bits_(rows / 64 + 1) {
         if (!*this) return;
-        std::fill_n(column_of_.get(), rows, -1);
+        std::fill_n(column_of_.get(), rows, kn_size(-1));
         std::fill_n(bits_.get(), rows / 64 + 1, Word{0});
     }
     explicit operator bool() const { return column_of_ && list_ && bits_; }
@@ -75,16 +75,17 @@ class Rows {
 
 // Entries to begin with: as many as products are formed, where these aren't many times the factors' entries.
 kn_size first_room(const Mm &a, const Mm &b, const kn_size *starts) {
-    long long products = 0, both = static_cast<long long>(a.getnnz()) + b.getnnz();
-    kn::for_entries(b, [&](int, kn_size r, int) { products += starts[r + 1] - starts[r]; });
-    return static_cast<kn_size>(std::min<long long>(products <= 4 * both ? products : both, size_max));
+    const kn_size both = a.getnnz() + b.getnnz();
+    kn_size products = 0;
+    kn::for_entries(b, [&](kn_size, kn_size r, kn_size) { products += starts[r + 1] - starts[r]; });
+    return products <= 4 * both ? products : both;
 }
 
 // Makes room for `more` entries after the first `count`.
 bool extend(Mm &out, kn_size count, kn_size more) {
     const kn_size room = out.getp();
     if (more <= room - count) return true;
-    const kn_size wanted = std::max(count + more, room < size_max / 2 ? 2 * room : size_max);
+    const kn_size wanted = std::max(count + more, 2 * room);
     out.getnnz() = count;
     out.extend_nnz(wanted);
     return !kn::lacks(out, wanted);
@@ -95,7 +96,7 @@ template <class A, class B> Mm product(const Mm &a, const Mm &b) {
     const kn_size m = a.rows(), nb = b.getnnz(), *ia = a.getindex(), *ib = b.getindex();
     const kn::PlanesOf<A> x(a);
     const kn::PlanesOf<B> y(b);
-    Scratch<kn_size> starts(a.cols() + ptrdiff_t{1});
+    Scratch<kn_size> starts(a.cols() + 1);
     Scratch<C> sums(m);
     Rows rows(m);
     if (!starts || !sums || !rows) return x_M;

@@ -15,10 +15,11 @@ namespace {
 struct Indices {
     const double *x;
     kn_size step;
-    // Rounded; what is below 1, and NaN, is 0, and what no int holds the largest one.
+    // Rounded; what is below 1, and NaN, is 0, and what no size reaches the largest one.
     kn_size operator[](kn_size k) const {
-        double v = x[static_cast<ptrdiff_t>(k) * step] + 0.5;
-        return v >= 1 ? v < 2147483647.0 ? static_cast<kn_size>(v) : 2147483647 : 0;
+        constexpr double most = static_cast<double>(kn::largest_index);
+        const double v = x[k * step] + 0.5;
+        return v >= 1 ? v < most ? static_cast<kn_size>(v) : kn::size_max : 0;
     }
 };
 
@@ -41,16 +42,16 @@ bool report(const Indices &i, const Indices &j, kn_size n, kn_size rows, kn_size
 
 // The positions of n triplets. False, after a report, when an index lies outside.
 bool positions(kn_size *index, const Indices &i, const Indices &j, kn_size n, kn_size rows, kn_size cols) {
-    unsigned outside = 0;
+    bool outside = false;
     for (kn_size k = 0; k < n; k++) {
-        unsigned row = static_cast<unsigned>(i[k]) - 1, col = static_cast<unsigned>(j[k]) - 1;
-        outside |= (row >= static_cast<unsigned>(rows)) | (col >= static_cast<unsigned>(cols));
-        index[k] = static_cast<kn_size>(col * static_cast<unsigned>(rows) + row);
+        const size_t row = static_cast<size_t>(i[k]) - 1, col = static_cast<size_t>(j[k]) - 1;
+        outside |= (row >= static_cast<size_t>(rows)) | (col >= static_cast<size_t>(cols));
+        index[k] = static_cast<kn_size>(col * static_cast<size_t>(rows) + row);
     }
     return !outside || report(i, j, n, rows, cols);
 }
 
-kn_size size_arg(const Mm &x) { return std::max(double_to_size(*x.addr() + 0.5), 0); }
+kn_size size_arg(const Mm &x) { return std::max<kn_size>(double_to_size(*x.addr() + 0.5), 0); }
 
 Mm of_triplets(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n) {
     const Mm *values[] = {&i, &j, &s, &m, &n};

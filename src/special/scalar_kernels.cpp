@@ -3,6 +3,7 @@
 #include "special/scalar_kernels.h"
 
 #include <bit>
+#include <climits>
 #include <limits>
 
 #include "base/number_tests.h"

@@ -15,7 +15,7 @@
 namespace kn {
 namespace {
 
-constexpr int longest_shown_text = 16;
+constexpr kn_size longest_shown_text = 16;
 constexpr double no_value_shown = 896;
 
 double scalar_shown(const Mm &m) {
@@ -30,19 +30,19 @@ double scalar_shown(const Mm &m) {
 
 void print_page(const Mm &m) {
     const Mm *elements = m.getpr(static_cast<Mm *>(nullptr));
-    int rows = m.rows(), cols = m.cols();
-    auto element = [&](int r, int c) -> const Mm & { return elements[r + static_cast<ptrdiff_t>(c) * rows]; };
+    kn_size rows = m.rows(), cols = m.cols();
+    auto element = [&](kn_size r, kn_size c) -> const Mm & { return elements[r + static_cast<ptrdiff_t>(c) * rows]; };
     TextBuffer line;
     size_t longest = 0;
-    for (int r = 0; r < rows; ++r)
-        for (int c = 0; c < cols && line.goes_on(); ++c) {
+    for (kn_size r = 0; r < rows; ++r)
+        for (kn_size c = 0; c < cols && line.goes_on(); ++c) {
             line.clear();
             append_summary(line, element(r, c));
             longest = std::max(longest, line.size());
         }
-    for (int r = 0; r < rows; ++r) {
+    for (kn_size r = 0; r < rows; ++r) {
         line.clear();
-        for (int c = 0; c < cols && line.goes_on(); ++c) {
+        for (kn_size c = 0; c < cols && line.goes_on(); ++c) {
             line.append('[');
             size_t start = line.size();
             append_summary(line, element(r, c));
@@ -86,7 +86,7 @@ void print_cell(const Mm &m) {
 
 using namespace kn;
 
-void value_summary(const Mm &m, char *buf, int size) {
+void value_summary(const Mm &m, char *buf, kn_size size) {
     TextBuffer text;
     append_summary(text, m);
     std::snprintf(buf, static_cast<size_t>(size), "%s", text.c_str());
@@ -99,7 +99,7 @@ Mm celldisp(const Mm &m) {
     }
     struct Step {
         const Mm *cell;
-        int next; // row by row
+        kn_size next; // row by row
     };
     const Mm held(m, m.getname()); // in case a handler assigns to the variable
     Path<Step> path;
@@ -107,13 +107,13 @@ Mm celldisp(const Mm &m) {
     while (!path.empty()) {
         Step &step = path.top();
         const Mm &cell = *step.cell;
-        const int cols = cell.cols(), at = step.next++;
+        const kn_size cols = cell.cols(), at = step.next++;
         if (at == cell.rows() * cols) {
             path.pop();
             continue;
         }
-        const int r = at / cols + 1, c = at % cols + 1;
-        kn_printf("%s{%d,%d}\n", cell.getname() ? cell.getname() : "ans", r, c);
+        const kn_size r = at / cols + 1, c = at % cols + 1;
+        kn_printf("%s{%td,%td}\n", cell.getname() ? cell.getname() : "ans", r, c);
         const Mm &element = cell.mr(r, c);
         if (!is_cell(element))
             disp(element);

@@ -11,8 +11,8 @@ namespace {
 
 using namespace kn;
 
-template <class T, class F> void replace_each(T *x, int n, F f) {
-    for (int k = 0; k < n; ++k) x[k] = f(x[k]);
+template <class T, class F> void replace_each(T *x, kn_size n, F f) {
+    for (kn_size k = 0; k < n; ++k) x[k] = f(x[k]);
 }
 
 template <class F> Mm mapped_text(const Mm &s, F f) {
@@ -34,14 +34,14 @@ template <class F> Mm mapped(const Mm &s, F f) {
 
 template <class F> Mm where(const Mm &s, F is) {
     s.warn_uninit();
-    const int n = s.size();
+    const kn_size n = s.size();
     Mm out = fresh_like(s, 0, kn_double);
     if (lacks(out, n)) return x_M;
     double *to = out.addr();
     if (s.isstr() && is_text(s)) {
         const Codes codes(s);
         if (!codes) return x_M;
-        for (int k = 0; k < n; ++k) to[k] = is(codes.data()[k]);
+        for (kn_size k = 0; k < n; ++k) to[k] = is(codes.data()[k]);
     } else {
         std::fill_n(to, n, 0.0);
     }

@@ -17,7 +17,7 @@ struct Comparison {
     const char *caller;
     bool fold;      // upper and lower case are the same
     bool beginning; // only the first n characters count
-    int n = 0;
+    kn_size n = 0;
 };
 
 bool equal_codes(const double *a, const double *b, ptrdiff_t n, bool fold) {
@@ -28,7 +28,7 @@ bool equal_codes(const double *a, const double *b, ptrdiff_t n, bool fold) {
 bool agree(const Mm &a, const Mm &b, const Comparison &rule) {
     if (!a.isstr() || !b.isstr() || !is_text(a) || !is_text(b)) return false;
     if (rule.beginning ? std::min(a.size(), b.size()) < rule.n : !same_size(a, b)) return false;
-    const int n = rule.beginning ? std::max(rule.n, 0) : a.size();
+    const kn_size n = rule.beginning ? std::max<kn_size>(rule.n, 0) : a.size();
     if (n == 0) return true;
     const Codes x(a), y(b);
     return x && y && equal_codes(x.data(), y.data(), n, rule.fold);
@@ -40,7 +40,7 @@ Mm beside_cell(const Mm &m, const Mm &other) {
     if (!is_cell(other) || !is_text(m) || m.rows() < 2) return m;
     Mm rows = cellstr(m);
     if (is_cell(rows) && rows.size() == other.size())
-        return cell_of_answers(other, [&](int k) { return rows.mr(k + 1); });
+        return cell_of_answers(other, [&](kn_size k) { return rows.mr(k + 1); });
     return rows;
 }
 
@@ -52,11 +52,11 @@ Mm compare(const Mm &a, const Mm &b, const Comparison &rule) {
     const Mm *shape = shape_of_cells(rule.caller, {&x, &y});
     if (!shape) return x_M;
     Mm out = Header::real_like(*shape);
-    const int n = shape->size();
+    const kn_size n = shape->size();
     if (lacks(out, n)) return x_M;
     const CellItems from_x(x), from_y(y);
     Poll poll(256);
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         if (poll.interrupted()) return x_M;
         out.addr()[k] = agree(from_x[k], from_y[k], rule);
     }
@@ -64,7 +64,7 @@ Mm compare(const Mm &a, const Mm &b, const Comparison &rule) {
     return out;
 }
 
-int characters(const Mm &n) { return double_to_int(mdouble(n).r()); }
+kn_size characters(const Mm &n) { return double_to_size(mdouble(n).r()); }
 
 } // namespace
 

@@ -29,7 +29,7 @@ const Mm &only_element(const Mm &m) {
 }
 
 Mm stack(std::initializer_list<const Mm *> inputs) {
-    if (inputs.size() > 1) return strvcat(cell_from_array(static_cast<int>(inputs.size()), inputs.begin()));
+    if (inputs.size() > 1) return strvcat(cell_from_array(static_cast<kn_size>(inputs.size()), inputs.begin()));
     (*inputs.begin())->warn_uninit();
     const Mm &c = only_element(**inputs.begin());
     if (is_cell(c)) return strvcat(c);
@@ -48,15 +48,15 @@ Mm mat2str(const Mm &m, const Mm &digits) {
     if (error_numeric(x, "mat2str")) return x_M;
     if (x.size() == 0) return TM("[]");
     const NumberFormat format{Digits(precision_of(digits)), 0, 1};
-    const int n = x.size(), rows = x.rows();
+    const kn_size n = x.size(), rows = x.rows();
     if (lacks(x, n)) return x_M;
     const double *re = x.addr(), *im = x.addi();
     TextRows out;
     TextBuffer &text = out.text;
     if (n > 1) text.append('[');
-    for (int r = 0; r < rows && text; ++r) {
+    for (kn_size r = 0; r < rows && text; ++r) {
         if (r > 0) text.append(';');
-        for (int k = r; k < n && text.goes_on(); k += rows) {
+        for (kn_size k = r; k < n && text.goes_on(); k += rows) {
             if (im)
                 append_field(text, re[k], im[k], format, format);
             else
@@ -74,15 +74,15 @@ Mm str2double(const Mm &s) {
         return x.size() == 0 ? Mm(raw_nan) : x;
     }
     Mm out = czeros(0, s.getndims(), s.getdims());
-    const int n = s.size();
+    const kn_size n = s.size();
     if (lacks(out, n)) return x_M;
-    for (int k = 0; k < n; ++k) {
+    for (kn_size k = 0; k < n; ++k) {
         const Mm &element = only_element(s.mr(k + 1));
         TextNumber number;
         if (!text_number(element, number)) {
             const Mm x = is_cell(element) ? x_M : str2double(element);
             if (x.size() != 1) {
-                error("str2double: element %d of %s is not one number", k + 1, kn_display_name(s));
+                error("str2double: element %td of %s is not one number", k + 1, kn_display_name(s));
                 return x_M;
             }
             number = {x.r(), x.isc() ? x.i() : 0, x.isc() != 0};

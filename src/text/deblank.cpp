@@ -19,7 +19,7 @@ Mm deblank_text(const Mm &s) {
     if (!codes) return x_M;
     const double *begin = codes.data(), *end = begin + codes.size();
     while (end > begin && is_blank(end[-1])) --end;
-    int m = s.rows(), n = static_cast<int>((end - begin + m - 1) / m);
+    kn_size m = s.rows(), n = static_cast<kn_size>((end - begin + m - 1) / m);
     if (n == s.cols()) return s;
     return setstr(s(c_p, colon(1.0, n)));
 }
@@ -31,9 +31,9 @@ Mm deblank(const Mm &s) { return map_leaves(s, deblank_text); }
 Mm cellstr(const Mm &x) {
     x.warn_uninit();
     if (is_cell(x)) return x;
-    int m = x.rows();
+    kn_size m = x.rows();
     Mm out(0, 0, 0, m, 1, kn_Mm);
     if (kn::lacks(out, m)) return x_M;
-    for (int k = 1; k <= m; k++) out.mr(k) = deblank(x(k, c_p));
+    for (kn_size k = 1; k <= m; k++) out.mr(k) = deblank(x(k, c_p));
     return out;
 }

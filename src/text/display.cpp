@@ -19,7 +19,7 @@
 namespace kn {
 namespace {
 
-constexpr int long_precision = 12, short_precision = 4;
+constexpr kn_size long_precision = 12, short_precision = 4;
 
 void print(TextBuffer &text) {
     if (text) kn_print_handler(text.c_str());
@@ -60,11 +60,11 @@ void print_text(const Mm &m) {
     Codes codes(m);
     if (!codes) return;
     TextRows rows;
-    for (int r = 0; r < codes.rows(); ++r) {
+    for (kn_size r = 0; r < codes.rows(); ++r) {
         size_t n = static_cast<size_t>(codes.cols());
         char *to = rows.text.room(n);
         if (!to) return;
-        for (int c = 0; c < codes.cols(); ++c)
+        for (kn_size c = 0; c < codes.cols(); ++c)
             to[c] = static_cast<char>(to_byte(codes.data()[r + static_cast<ptrdiff_t>(c) * codes.rows()]));
         rows.text.advance(n);
         rows.end_row();
@@ -85,42 +85,42 @@ void print_matrix(const Mm &m) {
 
 // " (2x2)=4 double elements real (32 bytes)"
 void append_description(TextBuffer &out, const Mm &m) {
-    static constexpr int element_bytes[] = {0, sizeof(double), 1, sizeof(Mm)};
-    long long bytes = element_bytes[m.gettype()] + (m.issparse() ? 4 : 0);
+    static constexpr size_t element_bytes[] = {0, sizeof(double), 1, sizeof(Mm)};
+    const size_t bytes = element_bytes[m.gettype()] + (m.issparse() ? sizeof(kn_size) : 0);
     char numbers[64];
     out.append(" (");
     append_extents(out, m);
-    std::snprintf(numbers, sizeof numbers, ")=%d ", m.size());
+    std::snprintf(numbers, sizeof numbers, ")=%td ", m.size());
     out.append(numbers);
     out.append(kn_class_word(m));
     out.append(" elements ");
     if (!m.isstr()) out.append(m.isc() ? "complex" : "real");
-    std::snprintf(numbers, sizeof numbers, " (%lld bytes)", bytes * m.getnnz());
+    std::snprintf(numbers, sizeof numbers, " (%zu bytes)", bytes * static_cast<size_t>(m.getnnz()));
     out.append(numbers);
 }
 
 } // namespace
 
 void append_extents(TextBuffer &out, const Mm &m) {
-    char number[16];
+    char number[24];
     for (int k = 0; k < m.getndims(); ++k) {
-        std::snprintf(number, sizeof number, k ? "x%d" : "%d", m.getdims()[k]);
+        std::snprintf(number, sizeof number, k ? "x%td" : "%td", m.getdims()[k]);
         out.append(number);
     }
 }
 
 void each_page(const Mm &m, void (*work)(const Mm &page)) {
-    const int *d = m.getdims();
+    const kn_size *d = m.getdims();
     if (m.getndims() == 3) {
-        for (int k = 1; k <= d[2]; ++k) {
-            kn_printf("(:,:,%d)\n", k);
+        for (kn_size k = 1; k <= d[2]; ++k) {
+            kn_printf("(:,:,%td)\n", k);
             work(page(m, k, 1));
         }
         return;
     }
-    for (int l = 1; l <= d[3]; ++l)
-        for (int k = 1; k <= d[2]; ++k) {
-            kn_printf("(:,:,%d,%d)\n", k, l);
+    for (kn_size l = 1; l <= d[3]; ++l)
+        for (kn_size k = 1; k <= d[2]; ++k) {
+            kn_printf("(:,:,%td,%td)\n", k, l);
             work(page(m, k, l));
         }
 }
@@ -188,11 +188,11 @@ Mm dump(const Mm &m) {
     const M_types &flags = m.getflags();
     kn_printf("**dump of %s this = %lx persistent = %d global = %d\n", kn_display_name(m), address(&m),
               flags.persistent, flags.global);
-    kn_printf("pr = %lx pi = %lx index = %lx nnz = %d type = %d classid = %d class = %s\n",
+    kn_printf("pr = %lx pi = %lx index = %lx nnz = %td type = %d classid = %d class = %s\n",
               address(Header::pr(m)), address(Header::pi(m)), address(m.getindex()), m.getnnz(), flags.type,
               m.getclassid(), kn_class_word(m));
-    const int *d = m.getdims();
-    kn_printf("ndims = %d  dims = %d %d %d %d \n", m.getndims(), d[0], d[1], d[2], d[3]);
+    const kn_size *d = m.getdims();
+    kn_printf("ndims = %d  dims = %td %td %td %td \n", m.getndims(), d[0], d[1], d[2], d[3]);
     kn_printf("str = %d sparse = %d logical = %d nfields = %d\n", flags.str, flags.sparse, flags.logical,
               m.getnfields());
     if (!m.isstruct()) return x_M;

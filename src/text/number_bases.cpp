@@ -98,11 +98,12 @@ Mm digits_of(const Mm &d, int base, int len) {
         error("dec2base: numbers must be finite");
         return x_M;
     }
-    const int m = d.size(), width = std::max(width_in(*std::max_element(x, end), base), len);
+    const kn_size m = d.size();
+    const int width = std::max(width_in(*std::max_element(x, end), base), len);
     Mm out(0, 0, 0, m, width, kn_double);
     if (out.getnnz() == 0) return x_M;
     double *const to = out.addr();
-    for (int r = 0; r < m; ++r) {
+    for (kn_size r = 0; r < m; ++r) {
         ptrdiff_t c = width - 1;
         if (is_whole(x[r])) {
             for (Whole rest(x[r]); c >= 0; --c) to[r + c * m] = digit_code(rest.take_digit(base));
@@ -123,10 +124,10 @@ Mm base2dec(const Mm &s, const Mm &b) {
     if (error_numeric(text, "base2dec")) return x_M;
     const Codes codes(text);
     const double base = mdouble(b).r();
-    const int m = codes.rows();
+    const kn_size m = codes.rows();
     Mm out(0, 0, 0, m, 1, kn_double);
     if (!codes || lacks(out, m)) return x_M;
-    for (int r = 0; r < m; ++r) {
+    for (kn_size r = 0; r < m; ++r) {
         double value = 0, weight = 1;
         for (ptrdiff_t c = codes.cols() - 1; c >= 0; --c, weight *= base)
             if (double digit = digit_value(codes.data()[r + c * m]); digit != 0) value += digit * weight;

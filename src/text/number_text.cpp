@@ -74,24 +74,24 @@ std::span<const Spelling> spellings_of(double x) {
     return {};
 }
 
-int decimal_digits(int n) {
+int decimal_digits(kn_size n) {
     int d = 1;
     while (n >= 10) n /= 10, ++d;
     return d;
 }
 
-void append_int(TextBuffer &out, int n, int width) {
-    char text[16];
+void append_int(TextBuffer &out, kn_size n, int width) {
+    char text[24];
     size_t length = static_cast<size_t>(std::to_chars(text, text + sizeof text, n).ptr - text);
     if (length < static_cast<size_t>(width)) out.append_blanks(static_cast<size_t>(width) - length);
     out.append({text, length});
 }
 
 // Stops when the text can't be completed.
-template <class T> size_t longest(const T *x, int n, const Digits &digits, TextBuffer &out) {
+template <class T> size_t longest(const T *x, kn_size n, const Digits &digits, TextBuffer &out) {
     char text[Digits::room];
     size_t w = 0;
-    for (int k = 0; k < n && out.goes_on(); ++k) w = std::max(w, digits.write(text, x[k]));
+    for (kn_size k = 0; k < n && out.goes_on(); ++k) w = std::max(w, digits.write(text, x[k]));
     return w;
 }
 
@@ -109,10 +109,10 @@ template <class T> struct Fields {
 };
 
 template <class T> void append_full(const Mm &m, const Fields<T> &fields, TextRows &out, size_t &width) {
-    int rows = m.rows(), cols = m.cols();
-    for (int r = 0; r < rows && out; ++r) {
-        for (int c = 0; c < cols && out.text.goes_on(); ++c) {
-            fields.append(out.text, r + static_cast<ptrdiff_t>(c) * rows);
+    const kn_size rows = m.rows(), cols = m.cols();
+    for (kn_size r = 0; r < rows && out; ++r) {
+        for (kn_size c = 0; c < cols && out.text.goes_on(); ++c) {
+            fields.append(out.text, r + c * rows);
             if (r == 0 && c == 0) width = out.text.size();
         }
         out.end_row();
@@ -122,9 +122,10 @@ template <class T> void append_full(const Mm &m, const Fields<T> &fields, TextRo
 // "(position) " of an entry in a vector, "(row,column) " in a matrix.
 template <class T> void append_sparse(const Mm &m, const Fields<T> &fields, TextRows &out, size_t &width) {
     bool vector = m.vectordim() != 0;
-    int rows = m.rows(), digits = decimal_digits(vector ? m.size() : std::max(rows, m.cols()));
-    for (int k = 0; k < m.getnnz() && out.text.goes_on(); ++k) {
-        int at = m.getindex()[k];
+    const kn_size rows = m.rows();
+    const int digits = decimal_digits(vector ? m.size() : std::max(rows, m.cols()));
+    for (kn_size k = 0; k < m.getnnz() && out.text.goes_on(); ++k) {
+        const kn_size at = m.getindex()[k];
         out.text.append('(');
         if (vector) {
             append_int(out.text, at + 1, digits);
@@ -152,7 +153,7 @@ template <class T> void append_rows(const Mm &m, const Fields<T> &fields, TextRo
 Mm deblank_leading(const Mm &text) {
     Codes codes(text);
     if (!codes) return x_M;
-    int m = codes.rows(), n = codes.cols(), first = 0;
+    kn_size m = codes.rows(), n = codes.cols(), first = 0;
     const double *code = codes.data(), *end = code + codes.size();
     while (first < n && std::all_of(code, code + m, [](double c) { return c == 32; })) {
         ++first;
@@ -160,7 +161,7 @@ Mm deblank_leading(const Mm &text) {
     }
     ptrdiff_t nulls = std::count(code, end, 0.0), kept = end - code - nulls;
     if (first == 0 && nulls == 0) return text;
-    int size = static_cast<int>(kept);
+    const kn_size size = kept;
     Mm out = nulls == 0       ? Mm(0, 0, 0, m, n - first, kn_double)
              : n - first == 1 ? Mm(0, 0, 0, size, 1, kn_double)
                               : Mm(0, 0, 0, 1, size, kn_double);

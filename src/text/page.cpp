@@ -9,7 +9,7 @@
 namespace kn {
 namespace {
 
-template <class T> void copy_part(const Mm &m, Mm &out, ptrdiff_t from, int n) {
+template <class T> void copy_part(const Mm &m, Mm &out, ptrdiff_t from, kn_size n) {
     T *type = nullptr;
     std::copy_n(m.getpr(type) + from, n, out.getpr(type));
     if (out.isc()) std::copy_n(m.getpi(type) + from, n, out.getpi(type));
@@ -17,15 +17,15 @@ template <class T> void copy_part(const Mm &m, Mm &out, ptrdiff_t from, int n) {
 
 } // namespace
 
-Mm page(const Mm &m, int k, int l) {
-    const int *d = m.getdims();
-    int size = d[0] * d[1], n = size;
-    int start = (k - 1 + (l - 1) * d[2]) * size;
+Mm page(const Mm &m, kn_size k, kn_size l) {
+    const kn_size *d = m.getdims();
+    kn_size size = d[0] * d[1], n = size;
+    kn_size start = (k - 1 + (l - 1) * d[2]) * size;
     ptrdiff_t from = start;
     if (m.issparse()) {
-        const int *index = m.getindex(), *end = index + m.getnnz();
-        const int *first = std::lower_bound(index, end, start);
-        n = static_cast<int>(std::lower_bound(first, end, start + size) - first);
+        const kn_size *index = m.getindex(), *end = index + m.getnnz();
+        const kn_size *first = std::lower_bound(index, end, start);
+        n = static_cast<kn_size>(std::lower_bound(first, end, start + size) - first);
         from = first - index;
     }
     Mm out(m.isc(), m.issparse(), n, d[0], d[1], m.gettype());
@@ -37,7 +37,7 @@ Mm page(const Mm &m, int k, int l) {
     case kn_Mm: copy_part<Mm>(m, out, from, n); break;
     }
     if (m.issparse())
-        for (int e = 0; e < n; ++e) out.getindex()[e] = m.getindex()[from + e] - start;
+        for (kn_size e = 0; e < n; ++e) out.getindex()[e] = m.getindex()[from + e] - start;
     out.setstr(m.isstr());
     out.setlogical(m.islogical());
     check(out);

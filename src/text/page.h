@@ -8,7 +8,7 @@ namespace kn {
 
 // A copy of m(:,:,k,l), with the flags of m; k and l count from 1 and must exist. An empty value when memory
 // is exhausted.
-Mm page(const Mm &m, int k, int l);
+Mm page(const Mm &m, kn_size k, kn_size l);
 
 } // namespace kn
 

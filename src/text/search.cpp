@@ -25,7 +25,7 @@ class Finder {
         if (!border_) return;
         // border_[k]: how long a proper prefix of the first k characters is also their suffix, at most
         border_[0] = -1;
-        for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = static_cast<int>(longer(border_[k], word_[k]));
+        for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = static_cast<kn_size>(longer(border_[k], word_[k]));
     }
     explicit operator bool() const { return static_cast<bool>(border_); }
 
@@ -58,7 +58,7 @@ class Finder {
 
     const double *word_;
     ptrdiff_t n_;
-    Scratch<int> border_;
+    Scratch<kn_size> border_;
 };
 
 Mm replace(const Mm &s, const Mm &old, const Mm &now) {
@@ -71,18 +71,18 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
 
     TextBuffer found; // positions, as ints
     finder.each(text, [&](ptrdiff_t at) {
-        const int place = static_cast<int>(at);
+        const kn_size place = static_cast<kn_size>(at);
         found.append({reinterpret_cast<const char *>(&place), sizeof place});
     });
     if (!found) return x_M;
-    const size_t count = found.size() / sizeof(int);
+    const size_t count = found.size() / sizeof(kn_size);
     if (count == 0) return s;
 
     // Calls part(from, size) for the unchanged parts and the replacements, in order.
     auto each_part = [&](auto part) {
         ptrdiff_t done = 0;
         for (size_t k = 0; k < count; ++k) {
-            int at;
+            kn_size at;
             std::memcpy(&at, found.data() + k * sizeof at, sizeof at);
             part(text.data() + done, std::max<ptrdiff_t>(at - done, 0));
             part(in_place.data(), in_place.size());
@@ -92,12 +92,12 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     };
     long long n = 0;
     each_part([&](const double *, ptrdiff_t size) { n += size; });
-    if (n > INT_MAX) {
+    if (n > size_max) {
         out_of_memory();
         return x_M;
     }
-    Mm out(0, 0, 0, 1, static_cast<int>(n), kn_double);
-    if (lacks(out, static_cast<int>(n))) return x_M;
+    Mm out(0, 0, 0, 1, static_cast<kn_size>(n), kn_double);
+    if (lacks(out, static_cast<kn_size>(n))) return x_M;
     double *to = out.addr();
     each_part([&](const double *from, ptrdiff_t size) { to = std::copy_n(from, size, to); });
     out.setstr(1);
@@ -133,23 +133,23 @@ bool begins(const double *row, ptrdiff_t n, ptrdiff_t step, const Codes &s, bool
 Mm match(const Mm &s, const Mm &rows, bool exact) {
     if (error_text(s, "strmatch") || (!is_cell(rows) && error_text(rows, "strmatch"))) return x_M;
     const Codes text(s);
-    const int n = is_cell(rows) ? rows.size() : rows.rows();
+    const kn_size n = is_cell(rows) ? rows.size() : rows.rows();
     Scratch<double> positions(n);
     if (!text || !positions) return x_M;
-    int found = 0;
-    auto look = [&](int k, const double *row, ptrdiff_t size, ptrdiff_t step) {
+    kn_size found = 0;
+    auto look = [&](kn_size k, const double *row, ptrdiff_t size, ptrdiff_t step) {
         if (begins(row, size, step, text, exact)) positions[found++] = k + 1;
     };
     if (is_cell(rows)) {
         const CellItems elements(rows);
-        for (int k = 0; k < n; ++k) {
+        for (kn_size k = 0; k < n; ++k) {
             if (!is_text(elements[k])) continue;
             const Codes element(elements[k]);
             if (element) look(k, element.data(), element.size(), 1);
         }
     } else {
         const Codes matrix(rows);
-        for (int k = 0; matrix && k < n; ++k) look(k, matrix.data() + k, matrix.cols(), n);
+        for (kn_size k = 0; matrix && k < n; ++k) look(k, matrix.data() + k, matrix.cols(), n);
     }
     Mm out(0, 0, 0, found, 1, kn_double);
     if (lacks(out, found)) return x_M;
@@ -166,7 +166,7 @@ Mm findstr(const Mm &a, const Mm &b) {
     if (!text || !word) return x_M;
     const Finder finder(word);
     if (!finder) return x_M;
-    int n = 0;
+    kn_size n = 0;
     finder.each(text, [&](ptrdiff_t) { ++n; });
     Mm out(0, 0, 0, n > 0, n, kn_double);
     if (lacks(out, n)) return x_M;
@@ -180,7 +180,7 @@ Mm strrep(const Mm &s, const Mm &old, const Mm &now) {
     const Mm *shape = shape_of_cells("strrep", {&s, &old, &now});
     if (!shape) return x_M;
     const CellItems texts(s), words(old), others(now);
-    return cell_of_answers(*shape, [&](int k) { return replace(texts[k], words[k], others[k]); });
+    return cell_of_answers(*shape, [&](kn_size k) { return replace(texts[k], words[k], others[k]); });
 }
 
 Mm strtok(const Mm &s, i_o_t, Mm &token, Mm &remainder) { return tokenise(s, is_blank, token, remainder); }

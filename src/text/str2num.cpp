@@ -136,11 +136,11 @@ ParsedNumber value_of(TextBuffer &word) {
 
 bool kn::text_number(const Mm &s, TextNumber &x) {
     constexpr int most = 63;
-    const int n = s.getnnz();
+    const kn_size n = s.getnnz();
     if (!s.isstr() || s.gettype() != kn_double || s.issparse() || s.rows() != 1 || n > most) return false;
     char text[most];
     const double *code = s.addr();
-    for (int k = 0; k < n; ++k) text[k] = static_cast<char>(to_byte(code[k]));
+    for (kn_size k = 0; k < n; ++k) text[k] = static_cast<char>(to_byte(code[k]));
     std::string_view word(text, static_cast<size_t>(n));
     auto parts = [](char c) { return c == ' ' || c == '\t'; };
     while (!word.empty() && parts(word.front())) word.remove_prefix(1);
@@ -158,7 +158,7 @@ Mm str2num(const Mm &s) {
     }
     if (s.size() == 0) return nop_M;
     if (TextNumber x; text_number(s, x) && !x.complex) return x.re;
-    int size = Mstr_size(s);
+    const kn_size size = Mstr_size(s);
     Scratch<char> text(size);
     if (!text) return x_M;
     Mstr(s, text.get(), size);

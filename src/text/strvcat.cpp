@@ -32,7 +32,7 @@ template <class F> bool each_text(const Mm &m, F work) {
 
 Mm stack(std::initializer_list<const Mm *> inputs) {
     long long rows = 0;
-    int cols = 0;
+    kn_size cols = 0;
     for (const Mm *m : inputs) {
         auto measure = [&](const Mm &text) {
             rows += text.rows();
@@ -40,11 +40,11 @@ Mm stack(std::initializer_list<const Mm *> inputs) {
         };
         if (!each_text(*m, measure)) return x_M;
     }
-    if (rows > INT_MAX) {
+    if (rows > size_max) {
         out_of_memory();
         return x_M;
     }
-    int m = static_cast<int>(rows);
+    kn_size m = static_cast<kn_size>(rows);
     Mm out(0, 0, 0, m, cols, kn_double);
     if (m > 0 && out.getnnz() == 0) return x_M;
 
@@ -54,8 +54,8 @@ Mm stack(std::initializer_list<const Mm *> inputs) {
         each_text(*input, [&](const Mm &text) {
             Codes codes(text);
             complete = complete && codes;
-            int r = complete ? codes.rows() : 0, n = complete ? codes.cols() : 0;
-            for (int c = 0; c < cols; ++c) {
+            kn_size r = complete ? codes.rows() : 0, n = complete ? codes.cols() : 0;
+            for (kn_size c = 0; c < cols; ++c) {
                 double *column = to + static_cast<ptrdiff_t>(c) * m;
                 if (c < n)
                     std::copy_n(codes.data() + static_cast<ptrdiff_t>(c) * r, r, column);

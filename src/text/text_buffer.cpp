@@ -71,7 +71,7 @@ bool TextRows::finish() {
     if (!text || even_) return static_cast<bool>(text);
     TextBuffer padded;
     const char *row = text.data();
-    for (int r = 0; r < rows_; ++r) {
+    for (kn_size r = 0; r < rows_; ++r) {
         const size_t left = static_cast<size_t>(text.data() + text.size() - row);
         size_t n = static_cast<size_t>(static_cast<const char *>(std::memchr(row, '\n', left)) - row);
         padded.append({row, n});
@@ -109,18 +109,18 @@ void TextRows::print(size_t from) {
 
 Mm TextRows::value(size_t from) {
     size_t n = width_ - from;
-    if (n > INT_MAX) {
+    if (n > size_max) {
         out_of_memory();
         return x_M;
     }
-    int m = rows_, cols = static_cast<int>(n);
+    kn_size m = rows_, cols = static_cast<kn_size>(n);
     Mm out(0, 0, 0, m, cols, kn_double);
     if (m > 0 && cols > 0 && out.getnnz() == 0) return x_M;
     out.setstr(1);
     double *to = out.addr();
     for (size_t c = from; c < from + n; ++c) {
         const char *at = text.data() + c;
-        for (int r = 0; r < m; ++r, at += width_ + 1) *to++ = static_cast<unsigned char>(*at);
+        for (kn_size r = 0; r < m; ++r, at += width_ + 1) *to++ = static_cast<unsigned char>(*at);
     }
     return out;
 }

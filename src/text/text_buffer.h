@@ -74,7 +74,7 @@ class TextRows {
     TextBuffer text;
 
     explicit operator bool() const { return static_cast<bool>(text); }
-    int rows() const { return rows_; }
+    kn_size rows() const { return rows_; }
     size_t width() const { return width_; }
     void end_row();
     bool finish();
@@ -87,7 +87,7 @@ class TextRows {
     Mm value(size_t from = 0);
 
   private:
-    int rows_ = 0;
+    kn_size rows_ = 0;
     size_t width_ = 0, start_ = 0;
     bool even_ = true;
 };

@@ -19,11 +19,11 @@ constexpr double blank = ' ';
 struct Part {
     const double *row;
     ptrdiff_t step; // from one character of the row to the next
-    int begin, end;
+    kn_size begin, end;
 
-    Part(const Codes &text, int r)
-        : row(text.data() + r), step(text.rows()), begin(0), end(static_cast<int>(text.cols())) {}
-    int size() const { return end - begin; }
+    Part(const Codes &text, kn_size r)
+        : row(text.data() + r), step(text.rows()), begin(0), end(static_cast<kn_size>(text.cols())) {}
+    kn_size size() const { return end - begin; }
     void trim_end() {
         while (end > begin && is_blank(row[(end - 1) * step])) --end;
     }
@@ -32,19 +32,19 @@ struct Part {
     }
     // Copies to the row of a matrix that begins at `to`, with this step between characters.
     void copy(double *to, ptrdiff_t to_step) const {
-        for (int k = begin; k < end; ++k, to += to_step) *to = row[k * step];
+        for (kn_size k = begin; k < end; ++k, to += to_step) *to = row[k * step];
     }
 };
 
 // ---- strcat ----
 
 // The texts, `count` of them, side by side; `trim`: without their trailing blanks.
-Mm side_by_side(const Mm *const *texts, int count, bool trim) {
-    int m = 0;
-    for (int k = 0; k < count; ++k) {
+Mm side_by_side(const Mm *const *texts, kn_size count, bool trim) {
+    kn_size m = 0;
+    for (kn_size k = 0; k < count; ++k) {
         texts[k]->warn_uninit();
         if (error_numeric(*texts[k], "strcat")) return x_M;
-        const int rows = texts[k]->rows();
+        const kn_size rows = texts[k]->rows();
         if (m > 1 && rows > 1 && rows != m) {
             error("strcat: # of rows different");
             return x_M;
@@ -57,11 +57,11 @@ Mm side_by_side(const Mm *const *texts, int count, bool trim) {
     double *to = nullptr; // set in the second pass
     auto walk = [&] {
         std::fill_n(ends.get(), m, 0LL);
-        for (int k = 0; k < count; ++k) {
+        for (kn_size k = 0; k < count; ++k) {
             if (texts[k]->size() == 0) continue;
             const Codes codes(*texts[k]);
             if (!codes) return false;
-            for (int r = 0; r < m; ++r) {
+            for (kn_size r = 0; r < m; ++r) {
                 Part part(codes, codes.rows() == 1 ? 0 : r);
                 if (trim) part.trim_end();
                 if (to) part.copy(to + r + ends[r] * m, m);
@@ -71,11 +71,11 @@ Mm side_by_side(const Mm *const *texts, int count, bool trim) {
         return true;
     };
     if (!walk()) return x_M;
-    if (width > INT_MAX) {
+    if (width > size_max) {
         out_of_memory();
         return x_M;
     }
-    Mm out(0, 0, 0, m, static_cast<int>(width), kn_double);
+    Mm out(0, 0, 0, m, static_cast<kn_size>(width), kn_double);
     if (m > 0 && width > 0 && out.getnnz() == 0) return x_M;
     to = out.addr();
     std::fill_n(to, out.getnnz(), blank);
@@ -84,22 +84,22 @@ Mm side_by_side(const Mm *const *texts, int count, bool trim) {
     return out;
 }
 
-constexpr int most = 6;
+constexpr kn_size most = 6;
 
 Mm join(std::initializer_list<const Mm *> inputs) {
-    const int count = static_cast<int>(inputs.size());
+    const kn_size count = static_cast<kn_size>(inputs.size());
     if (std::none_of(inputs.begin(), inputs.end(), [](const Mm *x) { return is_cell(*x); }))
         return side_by_side(inputs.begin(), count, true);
     const Mm *shape = shape_of_cells("strcat", inputs);
     if (!shape) return x_M;
     Mm trimmed[most]; // the inputs other than cells
-    for (int k = 0; k < count; ++k) {
+    for (kn_size k = 0; k < count; ++k) {
         const Mm *x = inputs.begin()[k];
         trimmed[k] = is_cell(*x) ? *x : side_by_side(&x, 1, true);
     }
-    return cell_of_answers(*shape, [&](int k) {
+    return cell_of_answers(*shape, [&](kn_size k) {
         const Mm *texts[most];
-        for (int t = 0; t < count; ++t) texts[t] = &CellItems(trimmed[t])[k];
+        for (kn_size t = 0; t < count; ++t) texts[t] = &CellItems(trimmed[t])[k];
         return side_by_side(texts, count, false);
     });
 }
@@ -109,7 +109,7 @@ Mm join(std::initializer_list<const Mm *> inputs) {
 KN_LISTS_OF_TEXTS(strcat, join)
 
 Mm blanks(const Mm &n) {
-    const int cols = std::max(double_to_int(mdouble(n).r()), 0);
+    const kn_size cols = std::max<kn_size>(double_to_size(mdouble(n).r()), 0);
     Mm out(0, 0, 0, 1, cols, kn_double);
     if (lacks(out, cols)) return x_M;
     std::fill_n(out.addr(), cols, blank);
@@ -129,14 +129,14 @@ Mm strjust(const Mm &s, const Mm &how) {
         return x_M;
     }
     Mm out = fresh_like(s, 0, kn_double);
-    const int n = s.size(), m = codes.rows();
+    const kn_size n = s.size(), m = codes.rows();
     if (lacks(out, n)) return x_M;
     std::fill_n(out.addr(), n, blank);
-    for (int r = 0; r < m; ++r) {
+    for (kn_size r = 0; r < m; ++r) {
         Part part(codes, r);
         part.trim_end();
         part.trim_begin();
-        const int room = codes.cols() - part.size(), before = side == 'l' ? 0 : side == 'c' ? room / 2 : room;
+        const kn_size room = codes.cols() - part.size(), before = side == 'l' ? 0 : side == 'c' ? room / 2 : room;
         part.copy(out.addr() + r + static_cast<ptrdiff_t>(before) * m, m);
     }
     out.setstr(1);

@@ -101,19 +101,19 @@ class Patterns {
     bool accept(const char *name) {
         bool wanted = false;
         char pattern[MatEntry::name_size];
-        for (int k = 0; k < count(); ++k)
+        for (kn_size k = 0; k < count(); ++k)
             if (matches(text(k, pattern), name)) wanted = met_[k] = true;
         return wanted;
     }
     void warn_unmet(const char *file) const {
         char pattern[MatEntry::name_size];
-        for (int k = 0; k < count(); ++k)
+        for (kn_size k = 0; k < count(); ++k)
             if (!met_[k]) warning("load: variable '%s' not found in '%s'", text(k, pattern), file);
     }
 
   private:
-    int count() const { return is_cell(names_) ? names_.getnnz() : 1; }
-    const char *text(int k, char (&to)[MatEntry::name_size]) const {
+    kn_size count() const { return is_cell(names_) ? names_.getnnz() : 1; }
+    const char *text(kn_size k, char (&to)[MatEntry::name_size]) const {
         *to = '\0';
         Mstr_row(is_cell(names_) ? names_.getpr(static_cast<Mm *>(nullptr))[k] : names_, to, sizeof to);
         return to;
@@ -158,7 +158,7 @@ void add(TextBuffer &entries, const MatEntry &e) {
 void add_text(const MatFile &file, TextBuffer &entries) {
     Mm value;
     if (!text_load(file, value)) return;
-    MatEntry e{"", value.getndims(), {value.rows(), value.cols(), 1, 1}, 8.0 * value.size()};
+    MatEntry e{"", value.getndims(), {value.rows(), value.cols(), 1, 1}, 8.0 * static_cast<double>(value.size())};
     const size_t n = std::strcspn(file.name, ".");
     std::snprintf(e.name, sizeof e.name, "%.*s", static_cast<int>(n), file.name);
     add(entries, e);

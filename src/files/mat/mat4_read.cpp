@@ -96,7 +96,7 @@ bool begin_alike(const char *a, const char *b) {
 }
 
 bool zeros_and_ones(const Mm &x) {
-    const int n = x.getnnz();
+    const kn_size n = x.getnnz();
     auto bit = [](double v) { return v == 0 || v == 1; };
     return n > 0 && std::all_of(x.addr(), x.addr() + n, bit) &&
            (!x.isc() || std::all_of(x.addi(), x.addi() + n, [](double v) { return v == 0; }));
@@ -117,9 +117,9 @@ bool read_data(const MatFile &file, const Header4 &h, Mm &out) {
     if (!h.has_extents() || h.plane() < 0 || h.plane() > left) return failed("real");
     if (h.complex() && 2 * h.plane() > left) return failed("imaginary");
     if (n == 0) return true;
-    out = Mm(h.complex(), 0, 0, static_cast<int>(h.rows), static_cast<int>(h.cols), kn_double);
-    if (out.getnnz() != n) return false;
-    const int count = out.getnnz();
+    out = Mm(h.complex(), 0, 0, static_cast<kn_size>(h.rows), static_cast<kn_size>(h.cols), kn_double);
+    if (static_cast<double>(out.getnnz()) != n) return false;
+    const kn_size count = out.getnnz();
     if (read_elements(out.addr(), count, file.get(), h.p, h.swap) != count) return failed("real");
     if (h.complex() && read_elements(out.addi(), count, file.get(), h.p, h.swap) != count)
         return failed("imaginary");
@@ -186,8 +186,8 @@ bool mat4_next(const MatFile &file, MatEntry &entry) {
     }
     std::snprintf(entry.name, sizeof entry.name, "%.*s", MatEntry::name_size - 1, name);
     entry.ndims = 2;
-    entry.dims[0] = static_cast<int>(h.rows);
-    entry.dims[1] = static_cast<int>(h.cols);
+    entry.dims[0] = static_cast<kn_size>(h.rows);
+    entry.dims[1] = static_cast<kn_size>(h.cols);
     entry.bytes = bytes;
     return true;
 }

@@ -21,14 +21,14 @@ constexpr int double_code = 0, int32_code = 2;
 
 // A row [i j value], or [i j re im], for each entry, and the row [rows columns 0] with the size.
 Mm triplets_of(const Mm &s) {
-    const int n = s.getnnz(), width = s.isc() ? 4 : 3;
+    const kn_size n = s.getnnz(), width = s.isc() ? 4 : 3;
     Mm out(0, 0, 0, n + 1, width, kn_double);
     if (lacks(out, (n + 1) * width)) return out;
-    auto put = [&](int k, double row, double column, double re, double im) {
-        const double fields[] = {row, column, re, im};
+    auto put = [&](kn_size k, kn_size row, kn_size column, double re, double im) {
+        const double fields[] = {double(row), double(column), re, im};
         for (int c = 0; c < width; ++c) *out.addr(k + 1, c + 1) = fields[c];
     };
-    for_entries(s, [&](int k, int row, int column) {
+    for_entries(s, [&](kn_size k, kn_size row, kn_size column) {
         put(k, row + 1, column + 1, s.addr()[k], s.isc() ? s.addi()[k] : 0);
     });
     put(n, s.rows(), s.cols(), 0, 0);
@@ -65,7 +65,7 @@ bool mat4_save(std::FILE *stream, const Mm &x) {
     const int kind = x.issparse() ? 2 : x.isstr() ? 1 : 0;
     const double header[] = {1000.0 * native_format + kind, double(m.rows()), double(m.cols()),
                              double(m.isc()), static_cast<double>(namlen)};
-    const int fields = static_cast<int>(std::size(header)), n = m.getnnz();
+    const kn_size fields = std::ssize(header), n = m.getnnz();
     if (write_elements(header, fields, stream, int32_code, false) != fields) return failed("header");
     if (io::write(name, 1, namlen, stream) != namlen) return failed("matrix name");
     if (write_elements(m.addr(), n, stream, double_code, false) != n) return failed("real part");

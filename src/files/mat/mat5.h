@@ -40,7 +40,7 @@ struct Mat5Entry {
     char name[name_size];
     const char *type; // class name: "double", "int16", "function_handle", ..., "object", "unknown"
     int ndims;        // as in the file; of more than 4 dimensions the first 4 are kept
-    int dims[4];
+    kn_size dims[4];
     bool complex, logical;
     double bytes; // of numbers and text: size of the elements in memory; else of the variable in the file
 };

@@ -48,7 +48,7 @@ double Mat5Decoder::bytes_of(const Head &h, uint64_t in_file) {
     double n = class_of(h.type()).bytes * (h.entry.complex ? 2 : 1);
     if (n == 0) return static_cast<double>(in_file);
     if (h.type() == sparse_class) return n * h.room;
-    for (int k = 0; k < std::min(h.entry.ndims, most_dims); ++k) n *= h.entry.dims[k];
+    for (int k = 0; k < std::min(h.entry.ndims, most_dims); ++k) n *= static_cast<double>(h.entry.dims[k]);
     return n;
 }
 
@@ -126,7 +126,7 @@ bool Mat5Decoder::dimensions(Mat5Entry &e, uint32_t bytes, uint64_t end) {
     if (after > end) return failed("loadv5: file '%s' ended prematurely.");
     for (uint64_t k = 0; k < std::min<uint64_t>(n, most_dims); ++k) {
         if (!words(dim, end)) return failed("loadv5: file '%s' ended prematurely.");
-        e.dims[k] = static_cast<int>(dim[0]);
+        e.dims[k] = static_cast<int32_t>(dim[0]);
         if (e.dims[k] < 0) return failed("load5: '%s' contained matrix with negative dimension");
     }
     if (!in_.seek(after)) return failed("loadv5: file '%s' ended prematurely.");
@@ -192,31 +192,30 @@ void decode_signed(const unsigned char *from, double *to, int n, bool swap) {
     }
 }
 
-// Truncates: to a byte, keeping the low bits; to an int, clamping, since a clamped index is out of range for
+// Truncates: to a byte, keeping the low bits; to a size, clamping, since a clamped index is out of range for
 // every matrix.
 unsigned char converted(double x, unsigned char) {
     constexpr double limit = 9223372036854775808.0;
     return x > -limit && x < limit ? static_cast<unsigned char>(static_cast<int64_t>(x)) : 0;
 }
-int converted(double x, int) { return double_to_int(x); }
+kn_size converted(double x, kn_size) { return double_to_size(x); }
 
 } // namespace
 
 // The first n numbers of an element.
-template <class T> bool Mat5Decoder::numbers(T *to, int n, const Tag &t, const Layout &l) {
+template <class T> bool Mat5Decoder::numbers(T *to, kn_size n, const Tag &t, const Layout &l) {
     if (uint64_t{t.bytes} / static_cast<uint64_t>(l.size) < static_cast<uint64_t>(n)) return unread();
-    const bool as_they_are = std::is_same_v<T, double> ? l.code == 0 && !swap_
-                             : std::is_same_v<T, unsigned char>
-                                 ? l.size == 1
-                                 : l.size == 4 && (l.code == 2 || l.code == 7) && !swap_;
+    const bool as_they_are = std::is_same_v<T, double>          ? l.code == 0 && !swap_
+                             : std::is_same_v<T, unsigned char> ? l.size == 1
+                                                                : false;
     if (as_they_are) {
         if (!in_.get(to, static_cast<size_t>(n) * sizeof(T))) return unread();
     } else {
         constexpr int room = 512;
         unsigned char block[8 * room];
         double decoded[room];
-        for (int done = 0; done < n; done += room) {
-            const int m = std::min(room, n - done);
+        for (kn_size done = 0; done < n; done += room) {
+            const int m = static_cast<int>(std::min<kn_size>(room, n - done));
             if (!in_.get(block, static_cast<size_t>(m * l.size))) return unread();
             double *x = decoded;
             if constexpr (std::is_same_v<T, double>) x = to + done;
@@ -231,15 +230,15 @@ template <class T> bool Mat5Decoder::numbers(T *to, int n, const Tag &t, const L
     return in_.seek(t.end) || unread();
 }
 
-template <class T> bool Mat5Decoder::plane(T *to, int n, Class type, uint64_t end) {
+template <class T> bool Mat5Decoder::plane(T *to, kn_size n, Class type, uint64_t end) {
     Tag t;
     Layout l;
     if (n == 0) return true;
     return (tag(t, end) || unread()) && layout(t, type, l) && numbers(to, n, t, l);
 }
 
-template bool Mat5Decoder::numbers(int *, int, const Tag &, const Layout &);
-template bool Mat5Decoder::plane(double *, int, Class, uint64_t);
-template bool Mat5Decoder::plane(unsigned char *, int, Class, uint64_t);
+template bool Mat5Decoder::numbers(kn_size *, kn_size, const Tag &, const Layout &);
+template bool Mat5Decoder::plane(double *, kn_size, Class, uint64_t);
+template bool Mat5Decoder::plane(unsigned char *, kn_size, Class, uint64_t);
 
 } // namespace kn

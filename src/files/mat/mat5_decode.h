@@ -73,14 +73,14 @@ class Mat5Decoder {
     bool dimensions(Mat5Entry &e, uint32_t bytes, uint64_t end);
     bool name(char (&to)[Mat5Entry::name_size], uint64_t end);
     bool layout(const Tag &t, mat5::Class type, Layout &l) const;
-    template <class T> bool numbers(T *to, int n, const Tag &t, const Layout &l);
-    template <class T> bool plane(T *to, int n, mat5::Class type, uint64_t end);
-    bool text(double *to, int n, uint64_t end);
+    template <class T> bool numbers(T *to, kn_size n, const Tag &t, const Layout &l);
+    template <class T> bool plane(T *to, kn_size n, mat5::Class type, uint64_t end);
+    bool text(double *to, kn_size n, uint64_t end);
 
     struct Level; // of a value that holds others
     class Levels;
 
-    bool countable(const Head &h, uint64_t bytes_each, int &n) const;
+    bool countable(const Head &h, uint64_t bytes_each, kn_size &n) const;
     bool array(const Head &h, Mm &out);
     bool sparse(const Head &h, Mm &out);
     bool open(const Head &h, Mm &out, Levels &levels);

@@ -29,9 +29,9 @@ constexpr uint64_t least_element = 8; // bytes of the smallest matrix element
 
 // The number of elements from the dimensions in the head, each of which must occupy some bytes of the file.
 // False, after a report, when memory does not suffice for them.
-bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, int &n) const {
+bool Mat5Decoder::countable(const Head &h, uint64_t bytes_each, kn_size &n) const {
     n = product(h.entry.ndims, h.entry.dims);
-    const uint64_t count = n < 0 ? uint64_t{INT32_MAX} + 1 : static_cast<uint64_t>(n);
+    const uint64_t count = n < 0 ? UINT64_MAX : static_cast<uint64_t>(n);
     if (bytes_each > 0 && count > left(h.end) / bytes_each) return unread();
     if (n < 0) out_of_memory();
     return n >= 0;
@@ -49,7 +49,7 @@ bool Mat5Decoder::array(const Head &h, Mm &out) {
         out = x;
         return !lacks(out, 1);
     }
-    int n;
+    kn_size n;
     if (!countable(h, 1, n)) return false;
     out = Mm(h.entry.complex && type != text_class, 0, 0, h.entry.ndims, h.entry.dims,
              bytes ? kn_uint8 : kn_double);
@@ -73,13 +73,13 @@ namespace {
 
 // Decodes n bytes of UTF-8 to characters, as 16-bit codes (pairs of them above 65535) or whole; a byte that
 // begins no character gives its own value. At most `room` are stored; returns how many there are.
-int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int room) {
-    int count = 0;
+kn_size decode_utf8(const unsigned char *from, kn_size n, bool pairs, double *to, kn_size room) {
+    kn_size count = 0;
     auto put = [&](uint32_t code) {
         if (count < room) to[count] = code;
         ++count;
     };
-    for (int k = 0; k < n;) {
+    for (kn_size k = 0; k < n;) {
         const unsigned char first = from[k];
         const int more = first < 0xc2 ? 0 : first < 0xe0 ? 1 : first < 0xf0 ? 2 : first < 0xf5 ? 3 : 0;
         uint32_t code = more == 0 ? first : first & (0x3f >> more);
@@ -102,7 +102,7 @@ int decode_utf8(const unsigned char *from, int n, bool pairs, double *to, int ro
 
 // UTF-8 is decoded in the way that gives n characters, as bytes if nothing else does. Text without bytes
 // whose dimensions are not zero is filled with blanks: some programs write missing text in this way.
-bool Mat5Decoder::text(double *to, int n, uint64_t end) {
+bool Mat5Decoder::text(double *to, kn_size n, uint64_t end) {
     Tag t;
     Layout l;
     if (n == 0) return true;
@@ -113,7 +113,7 @@ bool Mat5Decoder::text(double *to, int n, uint64_t end) {
         return in_.seek(t.end) || unread();
     }
     if (t.type != utf8) return layout(t, text_class, l) && numbers(to, n, t, l);
-    const int bytes = static_cast<int>(std::min<uint32_t>(t.bytes, INT32_MAX));
+    const kn_size bytes = t.bytes;
     Scratch<unsigned char> raw(bytes);
     if (!raw) return false;
     if (!in_.get(raw.get(), static_cast<size_t>(bytes)) || !in_.seek(t.end)) return unread();
@@ -129,28 +129,28 @@ bool Mat5Decoder::text(double *to, int n, uint64_t end) {
 // The file may have room for more entries than there are; the column starts give the count.
 bool Mat5Decoder::sparse(const Head &h, Mm &out) {
     const Mat5Entry &e = h.entry;
-    const int rows = e.dims[0], cols = product(e.ndims - 1, e.dims + 1), size = product(e.ndims, e.dims);
+    const kn_size rows = e.dims[0], cols = product(e.ndims - 1, e.dims + 1), size = product(e.ndims, e.dims);
     Tag t;
     Layout l;
     if (cols < 0 || size < 0) return failed("load5: '%s' contained sparse matrix that is too large");
     if (static_cast<uint64_t>(cols) + 1 > left(h.end)) return unread();
 
-    int there = 0;
+    kn_size there = 0;
     if (h.room != 0) {
         if (!tag(t, h.end)) return unread();
         if (!layout(t, sparse_class, l)) return false;
-        there = static_cast<int>(std::min<uint32_t>(t.bytes / static_cast<uint32_t>(l.size), INT32_MAX));
+        there = t.bytes / static_cast<uint32_t>(l.size);
     }
-    Scratch<int> ir(there), jc(static_cast<ptrdiff_t>(cols) + 1);
+    Scratch<kn_size> ir(there), jc(cols + 1);
     if (!ir || !jc || (h.room != 0 && !numbers(ir.get(), there, t, l))) return false;
     if (!tag(t, h.end)) return unread();
     if (!layout(t, sparse_class, l) || !numbers(jc.get(), cols + 1, t, l)) return false;
 
-    const int n = jc[cols];
+    const kn_size n = jc[cols];
     if (n < 0) return failed("load5: '%s' contained sparse matrix with negative nnz");
     bool sound = jc[0] == 0 && n <= there && n <= size;
-    for (int c = 0; c < cols; ++c) sound = sound && jc[c] <= jc[c + 1];
-    for (int k = 0; k < n && sound; ++k) sound = ir[k] >= 0 && ir[k] < rows;
+    for (kn_size c = 0; c < cols; ++c) sound = sound && jc[c] <= jc[c + 1];
+    for (kn_size k = 0; k < n && sound; ++k) sound = ir[k] >= 0 && ir[k] < rows;
     if (!sound) return failed("load5: '%s' contained sparse matrix with entries outside of it");
 
     Mm matrix(e.complex, 1, n, e.ndims, e.dims, kn_double);
@@ -159,7 +159,7 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
         setIrJc(matrix, ir.get(), jc.get());
         // Logical values are stored as bytes, but their type may be that of doubles.
         if (!tag(t, h.end)) return unread();
-        if (e.logical && t.type == float64 && t.bytes / sizeof(double) < static_cast<uint32_t>(n))
+        if (e.logical && t.type == float64 && t.bytes / sizeof(double) < static_cast<uint64_t>(n))
             t.type = uint8;
         if (!layout(t, sparse_class, l) || !numbers(matrix.addr(), n, t, l)) return false;
         if (matrix.isc() && !plane(matrix.addi(), n, sparse_class, h.end)) return false;
@@ -178,10 +178,11 @@ bool Mat5Decoder::sparse(const Head &h, Mm &out) {
 struct Mat5Decoder::Level {
     Level *below;
     Mm *to; // a row of the elements read so far, with spare capacity
-    int at, n;
+    kn_size at, n;
     int field, names; // of structures: index of the name whose value is next, and their count
     uint64_t end;
-    int ndims, dims[4];
+    int ndims;
+    kn_size dims[4];
 
     int *place() { return reinterpret_cast<int *>(this + 1); } // the field index of each name
 
@@ -189,8 +190,8 @@ struct Mat5Decoder::Level {
     // time. False when memory is exhausted.
     bool grow(uint64_t &credit) {
         if (at < to->getnnz()) return true;
-        const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, at);
-        const int room = more <= std::max(few, credit) ? n : at + static_cast<int>(few);
+        const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, static_cast<uint64_t>(at));
+        const kn_size room = more <= std::max(few, credit) ? n : at + static_cast<kn_size>(few);
         if (more > few && room == n) credit -= more;
         Mm larger(0, 0, 0, 1, room, kn_Mm);
         if (lacks(larger, room)) return false;
@@ -229,7 +230,7 @@ class Mat5Decoder::Levels {
 
     Level *top() const { return top_; }
     // A level for n elements with this many names; null when memory is exhausted.
-    Level *push(const Head &h, Mm &to, int n, int names) {
+    Level *push(const Head &h, Mm &to, kn_size n, int names) {
         void *const room = scratch_alloc(1, sizeof(Level) + sizeof(int) * static_cast<size_t>(names));
         if (!room) return nullptr;
         top_ = new (room) Level{top_, &to, 0, n, 0, names, h.end, h.entry.ndims, {}};
@@ -293,7 +294,7 @@ bool Mat5Decoder::open_structure(const Head &h, Mm &out, Levels &levels) {
     const int names = length == 0 ? 0 : static_cast<int>(std::min<uint32_t>(t.bytes / length, INT32_MAX));
     if (t.bytes > 0 && names == 0) return unreadable();
 
-    int n;
+    kn_size n;
     if (!countable(h, static_cast<uint64_t>(names) * least_element, n)) return false;
     if (names == 0 && n > most_without_bytes) return unread();
     out = Mm(0, 0, 0, 0, 0, kn_Mm);
@@ -314,7 +315,7 @@ bool Mat5Decoder::open_structure(const Head &h, Mm &out, Levels &levels) {
 
 bool Mat5Decoder::open(const Head &h, Mm &out, Levels &levels) {
     if (h.type() != cell_class) return open_structure(h, out, levels);
-    int n;
+    kn_size n;
     if (!countable(h, least_element, n)) return false;
     out = Mm(0, 0, 0, 0, 0, kn_Mm);
     return levels.push(h, out, n, 0) != nullptr;

@@ -33,18 +33,18 @@ Class class_of(const Mm &x) {
     return double_class;
 }
 
-void to_codes(const double *from, int n, uint16_t *to) {
+void to_codes(const double *from, kn_size n, uint16_t *to) {
     bool characters = true; // as in nearly all text: converted by vector instructions
-    for (int k = 0; k < n; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
-    for (int k = 0; k < n; ++k)
+    for (kn_size k = 0; k < n; ++k) characters &= (from[k] >= 0) & (from[k] < 65536);
+    for (kn_size k = 0; k < n; ++k)
         to[k] = characters ? static_cast<uint16_t>(static_cast<int>(from[k]))
                            : static_cast<uint16_t>(low_bits(from[k]));
 }
 
 // An array of getIr or getJc.
-struct Ints {
-    int *p;
-    ~Ints() { freeIrJc(p, nullptr); }
+struct Indices {
+    kn_size *p;
+    ~Indices() { freeIrJc(p, nullptr); }
 };
 
 } // namespace
@@ -57,7 +57,8 @@ struct Mat5Encoder {
     explicit Mat5Encoder(Mat5Writer &w) : writer(w), out(w.out_), file(w.file_) {}
     struct Level { // of a value whose elements are being written
         const Mm *x;
-        int at, field;
+        kn_size at;
+        int field;
         uint64_t start;
     };
     bool variable(const Mm &x, const char *name);
@@ -69,7 +70,9 @@ struct Mat5Encoder {
     bool text(const char *x) const;
     bool array(Type type, const void *data, uint64_t bytes) const;
     bool planes(Type type, const Mm &x, uint64_t bytes) const;
+    template <class T, class F> bool blocks(Type type, kn_size n, F put) const;
     bool codes(const Mm &x) const;
+    bool indices(const kn_size *x, kn_size n) const;
     bool sparse(const Mm &x) const;
     bool field_names(const Mm &x) const;
     bool data(const Mm &x, Class type) const;
@@ -103,28 +106,40 @@ bool Mat5Encoder::planes(Type type, const Mm &x, uint64_t bytes) const {
 
 // ---- Classes ----
 
-bool Mat5Encoder::codes(const Mm &x) const {
-    constexpr int room = 512;
-    uint16_t block[room];
-    const int n = x.getnnz();
-    if (!out.align() || !tag(uint16, uint64_t{2} * static_cast<uint64_t>(n))) return false;
-    for (int done = 0; done < n; done += room) {
-        const int m = std::min(room, n - done);
-        if (x.gettype() == kn_uint8)
-            std::copy_n(x.getpr(static_cast<unsigned char *>(nullptr)) + done, m, block);
-        else
-            to_codes(x.addr() + done, m, block);
+// n elements of type T, which put(to, first, m) makes a block at a time.
+template <class T, class F> bool Mat5Encoder::blocks(Type type, kn_size n, F put) const {
+    constexpr kn_size room = 512;
+    T block[room];
+    if (!out.align() || !tag(type, sizeof(T) * static_cast<uint64_t>(n))) return false;
+    for (kn_size done = 0; done < n; done += room) {
+        const kn_size m = std::min(room, n - done);
+        put(block, done, m);
         if (!out.put(block, sizeof *block * static_cast<size_t>(m))) return false;
     }
     return true;
 }
 
+bool Mat5Encoder::codes(const Mm &x) const {
+    return blocks<uint16_t>(uint16, x.getnnz(), [&x](uint16_t *to, kn_size first, kn_size m) {
+        if (x.gettype() == kn_uint8)
+            std::copy_n(x.getpr(static_cast<unsigned char *>(nullptr)) + first, m, to);
+        else
+            to_codes(x.addr() + first, m, to);
+    });
+}
+
+bool Mat5Encoder::indices(const kn_size *x, kn_size n) const {
+    return blocks<int32_t>(int32, n, [x](int32_t *to, kn_size first, kn_size m) {
+        std::transform(x + first, x + first + m, to, [](kn_size k) { return static_cast<int32_t>(k); });
+    });
+}
+
 bool Mat5Encoder::sparse(const Mm &x) const {
-    const uint64_t n = static_cast<uint64_t>(x.getnnz()), starts = static_cast<uint64_t>(column_count(x)) + 1;
-    if (4 * starts > UINT32_MAX) return too_large();
-    const Ints ir{getIr(x)}, jc{ir.p ? getJc(x) : nullptr};
+    const kn_size n = x.getnnz(), starts = column_count(x) + 1;
+    if (4 * static_cast<uint64_t>(starts) > UINT32_MAX) return too_large();
+    const Indices ir{getIr(x)}, jc{ir.p ? getJc(x) : nullptr};
     if (!jc.p) return false;
-    return (array(int32, ir.p, 4 * n) && array(int32, jc.p, 4 * starts) && planes(float64, x, 8 * n)) ||
+    return (indices(ir.p, n) && indices(jc.p, starts) && planes(float64, x, 8 * static_cast<uint64_t>(n))) ||
            not_written();
 }
 
@@ -144,7 +159,7 @@ bool Mat5Encoder::field_names(const Mm &x) const {
 // What precedes the elements of a cell or structure; the whole of any other value.
 bool Mat5Encoder::data(const Mm &x, Class type) const {
     const uint64_t n = static_cast<uint64_t>(x.getnnz());
-    if (x.gettype() == kn_double && 8 * n > UINT32_MAX) return too_large();
+    if (n * (x.gettype() == kn_double ? 8 : 1) > UINT32_MAX) return too_large();
     if (type == sparse_class) return sparse(x);
     if (type == text_class) return codes(x) || not_written();
     if (type == uint8_class) return planes(uint8, x, n) || not_written();
@@ -169,10 +184,15 @@ bool Mat5Encoder::begin(const Mm &x, Class type, const char *name) const {
     const uint32_t ndims = static_cast<uint32_t>(x.getndims()),
                    flags = type | (x.islogical() ? logical_flag : 0) |
                            (x.isc() && type != text_class ? complex_flag : 0),
-                   room = type == sparse_class ? static_cast<uint32_t>(std::max(x.getnnz(), 1)) : 0;
+                   room = type == sparse_class ? static_cast<uint32_t>(std::max<kn_size>(x.getnnz(), 1)) : 0;
     const uint32_t head[] = {matrix, 0, 6, 8, flags, room, int32, 4 * ndims};
     if (!out.put(head, sizeof head)) return failed("save5: '%s' could not write header");
-    if (!out.put(x.getdims(), 4 * ndims)) return failed("savev5: could not write file '%s'.");
+    int32_t dims[most_dims];
+    for (uint32_t k = 0; k < ndims; ++k) {
+        if (x.getdims()[k] > INT32_MAX) return too_large();
+        dims[k] = static_cast<int32_t>(x.getdims()[k]);
+    }
+    if (!out.put(dims, 4 * ndims)) return failed("savev5: could not write file '%s'.");
     return text(name) || failed("save5: could not save name to file '%s'");
 }
 

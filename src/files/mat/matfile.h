@@ -47,7 +47,8 @@ bool mat_recognise(MatFile &file);
 struct MatEntry {
     static constexpr int name_size = 256;
     char name[name_size];
-    int ndims, dims[4];
+    int ndims;
+    kn_size dims[4];
     double bytes;
 };
 

@@ -22,10 +22,10 @@ namespace {
 class Values {
   public:
     explicit Values(const Mc &list) : list_(&list), count_(list.count()) {}
-    explicit Values(const Mm &m, int first = 0)
-        : cell_(&m), first_(first), count_(is_cell(m) ? std::max(m.getnnz() - first, 0) : 1) {}
-    int count() const { return count_; }
-    const Mm &operator[](int k) const {
+    explicit Values(const Mm &m, kn_size first = 0)
+        : cell_(&m), first_(first), count_(is_cell(m) ? std::max<kn_size>(m.getnnz() - first, 0) : 1) {}
+    kn_size count() const { return count_; }
+    const Mm &operator[](kn_size k) const {
         if (list_) return list_->item(k);
         return is_cell(*cell_) ? cell_->getpr(static_cast<Mm *>(nullptr))[first_ + k] : *cell_;
     }
@@ -33,7 +33,7 @@ class Values {
   private:
     const Mc *list_ = nullptr;
     const Mm *cell_ = nullptr;
-    int first_ = 0, count_;
+    kn_size first_ = 0, count_;
 };
 
 // A kind of file: a writer for a stream and the file's name. `begin` and `put` return false, after a report,

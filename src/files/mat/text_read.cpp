@@ -98,18 +98,13 @@ class Table {
 
     // False, after a report, when memory is exhausted.
     bool value(Mm &out) const {
-        const ptrdiff_t n = rows_ * cols_;
-        if (n > INT_MAX) {
-            out_of_memory();
-            return false;
-        }
-        if (n == 0) return true;
-        const int rows = static_cast<int>(rows_), cols = static_cast<int>(cols_), count = static_cast<int>(n);
-        out = Mm(0, 0, 0, cols, rows, kn_double);
+        const kn_size count = rows_ * cols_;
+        if (count == 0) return true;
+        out = Mm(0, 0, 0, cols_, rows_, kn_double);
         if (lacks(out, count)) return false;
         std::memcpy(out.addr(), bytes_.view().data(), bytes_.size());
-        if (rows == 1 || cols == 1)
-            out.reshape(rows, cols);
+        if (rows_ == 1 || cols_ == 1)
+            out.reshape(rows_, cols_);
         else
             out = transpose(out);
         return !lacks(out, count);
@@ -117,7 +112,7 @@ class Table {
 
   private:
     TextBuffer bytes_;
-    ptrdiff_t rows_ = 0, cols_ = 0;
+    kn_size rows_ = 0, cols_ = 0;
 };
 
 bool load(const MatFile &file, Mm &out) {

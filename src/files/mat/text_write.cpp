@@ -17,7 +17,7 @@ bool text_save(std::FILE *stream, const char *name, const Mm &x) {
     if (error_numeric(x, "saveascii")) return true;
     const Mm m = full(mdouble(x));
     if (lacks(m, x.size())) return false;
-    const int rows = m.rows(), cols = rows > 0 ? m.size() / rows : 0, width = m.cols();
+    const kn_size rows = m.rows(), cols = rows > 0 ? m.size() / rows : 0, width = m.cols();
     TextBuffer out;
     auto flush = [&] {
         const size_t n = out.size();
@@ -26,10 +26,10 @@ bool text_save(std::FILE *stream, const char *name, const Mm &x) {
         out.clear();
         return written;
     };
-    for (int page = 0; page < cols; page += width)
-        for (int r = 0; r < rows; ++r) {
-            for (int c = page; c < page + width; ++c)
-                append_number(out, m.addr()[r + static_cast<ptrdiff_t>(c) * rows], format);
+    for (kn_size page = 0; page < cols; page += width)
+        for (kn_size r = 0; r < rows; ++r) {
+            for (kn_size c = page; c < page + width; ++c)
+                append_number(out, m.addr()[r + c * rows], format);
             out.append('\n');
             if (out.size() >= block_bytes && !flush()) return false;
         }

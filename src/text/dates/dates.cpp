@@ -33,7 +33,7 @@ DateParts local_now() {
     return {double(t.year), double(t.month), double(t.day), double(t.hour), double(t.minute), t.second};
 }
 
-DateParts parts_at(const double *const *x, const int *step, int k) {
+DateParts parts_at(const double *const *x, const int *step, kn_size k) {
     auto part = [&](int p) { return x[p] ? x[p][static_cast<ptrdiff_t>(k) * step[p]] : 0; };
     return {part(0), part(1), part(2), part(3), part(4), part(5)};
 }
@@ -56,11 +56,11 @@ bool text_dates(const char *caller, const Mm &m, const DateParts &today, double 
     return true;
 }
 
-Mm column(int n) { return Mm(0, 0, 0, n, 1, kn_double); }
+Mm column(kn_size n) { return Mm(0, 0, 0, n, 1, kn_double); }
 
 // Whether the rows are date vectors: by the number of columns alone, or also by a valid month and day.
 bool are_vectors(const Mm &x, bool any) {
-    const int n = x.rows();
+    const kn_size n = x.rows();
     if (x.getndims() > 2 || (x.cols() != 3 && x.cols() != n_parts)) return false;
     auto within = [&](int col, double most) {
         const double *v = x.addr(1, col);
@@ -73,14 +73,14 @@ bool are_vectors(const Mm &x, bool any) {
 Mm dates_of(const char *caller, const Mm &m, bool any_vector = false) {
     m.warn_uninit();
     if (is_cell(m)) {
-        const int n = m.size();
+        const kn_size n = m.size();
         Mm out = column(n);
         if (lacks(out, n)) return x_M;
         const CellItems elements(m);
-        for (int k = 0; k < n; ++k) {
+        for (kn_size k = 0; k < n; ++k) {
             const Mm one = is_cell(elements[k]) ? x_M : dates_of(caller, elements[k], any_vector);
             if (one.size() != 1) {
-                error("%s: element %d of %s is not one date", caller, k + 1, kn_display_name(m));
+                error("%s: element %td of %s is not one date", caller, k + 1, kn_display_name(m));
                 return x_M;
             }
             out.addr()[k] = one.addr()[0];
@@ -88,21 +88,21 @@ Mm dates_of(const char *caller, const Mm &m, bool any_vector = false) {
         return out;
     }
     if (m.isstr() && is_text(m)) {
-        const int n = m.rows();
+        const kn_size n = m.rows();
         Mm out = column(n);
         return lacks(out, n) || !text_dates(caller, m, local_now(), out.addr()) ? x_M : out;
     }
     if (error_numeric(m, caller)) return x_M;
     const Mm x = real(mdouble(m));
     if (x.size() == 0 || !are_vectors(x, any_vector)) return x;
-    const int n = x.rows();
+    const kn_size n = x.rows();
     const double *parts[n_parts] = {};
     int step[n_parts];
     std::fill_n(step, n_parts, 1);
     for (int p = 0; p < x.cols(); ++p) parts[p] = x.addr(1, p + 1);
     Mm out = column(n);
     if (lacks(out, n)) return x_M;
-    for (int k = 0; k < n; ++k) out.addr()[k] = date_number(parts_at(parts, step, k));
+    for (kn_size k = 0; k < n; ++k) out.addr()[k] = date_number(parts_at(parts, step, k));
     return out;
 }
 
@@ -129,9 +129,9 @@ Mm date_numbers(const char *caller, std::initializer_list<const Mm *> inputs) {
         }
     }
     Mm out = fresh_like(*shape, 0, kn_double);
-    const int n = shape->size();
+    const kn_size n = shape->size();
     if (lacks(out, n)) return x_M;
-    for (int e = 0; e < n; ++e) out.addr()[e] = date_number(parts_at(parts, step, e));
+    for (kn_size e = 0; e < n; ++e) out.addr()[e] = date_number(parts_at(parts, step, e));
     return out;
 }
 
@@ -199,7 +199,7 @@ Mm toc() {
 Mm etime(const Mm &b, const Mm &a) {
     if (error_numeric(b, "etime") || error_numeric(a, "etime")) return x_M;
     const Mm end = real(mdouble(b)), start = real(mdouble(a));
-    const int n = end.rows();
+    const kn_size n = end.rows();
     if (end.size() != n * n_parts || end.cols() != n_parts || start.rows() != n ||
         start.size() != end.size() || start.cols() != n_parts) {
         error("etime: date vectors of %d columns expected", n_parts);
@@ -207,7 +207,7 @@ Mm etime(const Mm &b, const Mm &a) {
     }
     Mm out = column(n);
     if (lacks(out, n)) return x_M;
-    for (int k = 1; k <= n; ++k) {
+    for (kn_size k = 1; k <= n; ++k) {
         auto day = [&](const Mm &v) { return day_number(*v.addr(k, 1), *v.addr(k, 2), *v.addr(k, 3)); };
         auto later = [&](int part) { return *end.addr(k, part) - *start.addr(k, part); };
         *out.addr(k) = 86400 * (day(end) - day(start)) + 3600 * later(4) + 60 * later(5) + later(6);
@@ -225,10 +225,10 @@ Mm datenum(const Mm &y, const Mm &m, const Mm &d, const Mm &h, const Mm &mi, con
 
 Mm datevec(const Mm &date) {
     const Mm dates = dates_of("datevec", date);
-    const int n = dates.size();
+    const kn_size n = dates.size();
     Mm out(0, 0, 0, n, n_parts, kn_double);
     if (n > 0 && out.getnnz() == 0) return x_M;
-    for (int k = 1; k <= n; ++k) {
+    for (kn_size k = 1; k <= n; ++k) {
         const DateParts p = parts_of(*dates.addr(k));
         const double parts[] = {p.year, p.month, p.day, p.hour, p.minute, p.second};
         for (int c = 0; c < n_parts; ++c) *out.addr(k, c + 1) = parts[c];
@@ -238,7 +238,7 @@ Mm datevec(const Mm &date) {
 
 Mm datevec(const Mm &date, i_o_t, Mm &y, Mm &m, Mm &d, Mm &h, Mm &mi, Mm &s) {
     const Mm all = datevec(date);
-    const int n = all.rows();
+    const kn_size n = all.rows();
     Mm parts[n_parts];
     for (int c = 0; c < n_parts; ++c) {
         parts[c] = column(n);
@@ -274,10 +274,10 @@ Mm datestr(const Mm &date, const Mm &form) {
 
 Mm weekday(const Mm &date, i_o_t, Mm &number, Mm &name) {
     const Mm dates = dates_of("weekday", date);
-    const int n = dates.size();
+    const kn_size n = dates.size();
     Mm numbers = fresh_like(dates, 0, kn_double), names(0, 0, 0, n, name_length, kn_double);
     if (lacks(numbers, n) || (n > 0 && names.getnnz() == 0)) return x_M;
-    for (int k = 1; k <= n; ++k) {
+    for (kn_size k = 1; k <= n; ++k) {
         const double x = *dates.addr(k);
         const bool known = is_finite(x);
         *numbers.addr(k) = known ? day_of_week(x) + 1 : raw_nan;

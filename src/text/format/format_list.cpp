@@ -125,9 +125,9 @@ bool format_unescape(const Mm &fmt, TextBuffer &out) {
     return true;
 }
 
-int values_of(const Mm &list) { return is_cell(list) ? list.size() : 1; }
+kn_size values_of(const Mm &list) { return is_cell(list) ? list.size() : 1; }
 
-const Mm &value_of(const Mm &list, int k) { return is_cell(list) ? list.mr(k) : list; }
+const Mm &value_of(const Mm &list, kn_size k) { return is_cell(list) ? list.mr(k) : list; }
 
 FormatList::FormatList(const Mm &fmt) {
     TextBuffer format;

@@ -73,8 +73,8 @@ bool flatten(const Mm &m, TextBuffer &out);
 bool format_unescape(const Mm &fmt, TextBuffer &out);
 
 // The values of a list: the elements of a cell, or the value itself.
-int values_of(const Mm &list);
-const Mm &value_of(const Mm &list, int k); // from 1
+kn_size values_of(const Mm &list);
+const Mm &value_of(const Mm &list, kn_size k); // from 1
 
 // Appends one value, starting at the current piece. False after a report.
 bool format_print(FormatList &list, const Mm &value, TextBuffer &out);

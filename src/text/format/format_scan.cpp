@@ -91,14 +91,11 @@ class ScannedNumbers {
   public:
     void append(double x) {
         bytes_.append(std::string_view(reinterpret_cast<const char *>(&x), sizeof x));
-        if (bytes_.size() / sizeof x <= INT_MAX) return;
-        error("scanf: Matrix too large");
-        os::end_process(1);
     }
     explicit operator bool() const { return static_cast<bool>(bytes_); }
-    int count() const { return static_cast<int>(bytes_.size() / sizeof(double)); }
+    kn_size count() const { return static_cast<kn_size>(bytes_.size() / sizeof(double)); }
     // The first n, or as many as there are.
-    void copy(double *to, int n) const {
+    void copy(double *to, kn_size n) const {
         const size_t bytes = sizeof *to * static_cast<size_t>(std::min(n, count()));
         if (bytes > 0) std::memcpy(to, bytes_.view().data(), bytes);
         std::fill(to + bytes / sizeof *to, to + n, 0.0);
@@ -278,10 +275,10 @@ template <class In> class Scanner {
 };
 
 // False after a report.
-template <class In> bool scan(FormatList &list, In in, int limit, ScannedNumbers &out) {
+template <class In> bool scan(FormatList &list, In in, kn_size limit, ScannedNumbers &out) {
     Scanner<In> scanner(in);
     ptrdiff_t moved = -1;
-    int nread = 0, nread_before = 0;
+    kn_size nread = 0, nread_before = 0;
     for (; nread < limit; list.advance()) {
         if (list.at_start()) {
             if (in.moved() == moved && nread == nread_before) break;
@@ -292,7 +289,7 @@ template <class In> bool scan(FormatList &list, In in, int limit, ScannedNumbers
         in.begin_piece();
         if (piece.conversion == 'n') {
             if (scanner.at_end()) break;
-            if (!piece.skip) out.append(nread);
+            if (!piece.skip) out.append(static_cast<double>(nread));
         } else {
             Answer answer = scanner.read(piece);
             if (answer == ended) break;
@@ -331,17 +328,17 @@ bool format_scan(std::FILE *stream, std::string_view text, const Mm &fmt, const 
         return false;
     }
     const bool matrix = size.size() == 2;
-    const int m = std::max(double_to_int(extents.data()[0]), 0),
-              n = matrix ? std::max(double_to_int(extents.data()[1]), 0) : 1;
-    const int limit = static_cast<int>(std::min<long long>(static_cast<long long>(m) * n, INT_MAX));
+    auto extent = [&](int k) { return std::max<kn_size>(double_to_size(extents.data()[k]), 0); };
+    const kn_size m = extent(0), wanted[] = {m, matrix ? extent(1) : 1}, all = product(2, wanted),
+                  limit = all < 0 ? size_max : all;
 
     ScannedNumbers numbers;
     if (!(stream ? scan(list, StreamInput(stream), limit, numbers)
                  : scan(list, TextInput(text), limit, numbers)))
         return false;
 
-    const int stored = numbers.count();
-    int rows = m, cols = 1;
+    const kn_size stored = numbers.count();
+    kn_size rows = m, cols = 1;
     if (matrix)
         cols = m > 0 ? stored / m + (stored % m != 0) : 0;
     else if (list.chars_only())

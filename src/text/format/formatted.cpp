@@ -19,7 +19,7 @@ Mm sprintf(const Mm &fmt, const Mm &list) {
     FormatList format(fmt);
     if (!format || !format.printable()) return x_M;
     TextBuffer out;
-    for (int k = 1; k <= values_of(list); ++k)
+    for (kn_size k = 1; k <= values_of(list); ++k)
         if (!format_print(format, value_of(list, k), out)) return x_M;
     return out ? TM(out.c_str()) : x_M;
 }
