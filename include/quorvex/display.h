@@ -62,7 +62,7 @@ QUORVEX_API Mm TM(const char *s); // a character value, 1 by strlen(s); null giv
 QUORVEX_API void Mstr(const double *data, kn_size rows, kn_size cols, char *buf, kn_size size);
 QUORVEX_API void Mstr(const Mm &m, char *buf, kn_size size);
 QUORVEX_API void Mstr_row(const Mm &m, char *buf, kn_size size); // all elements in storage order, as one row
-QUORVEX_API kn_size Mstr_size(const Mm &m);                  // bytes that Mstr needs
+QUORVEX_API kn_size Mstr_size(const Mm &m);                      // bytes that Mstr needs
 
 // -- Console.
 

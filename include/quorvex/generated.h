@@ -79,7 +79,9 @@ class Try {
 
 // A rows by cols matrix with its elements in column order: matrix(2, 2, {1, 3, 2, 4}). Longer ones are static
 // tables, Mm(rows, cols, table), and so are character matrices, Mm(2, 3, "abc" "def").
-template <size_t n> Mm matrix(kn_size rows, kn_size cols, const double (&re)[n]) { return Mm(rows, cols, re + 0); }
+template <size_t n> Mm matrix(kn_size rows, kn_size cols, const double (&re)[n]) {
+    return Mm(rows, cols, re + 0);
+}
 // A rows by cols cell of texts, in column order.
 QUORVEX_API Mm texts(kn_size rows, kn_size cols, const char *const *list);
 

@@ -90,8 +90,8 @@ QUORVEX_API void freeIrJc(kn_size *ir, kn_size *jc); // null is accepted
 // Sets the indices of the entries of a from such arrays; a already has its size and number of entries. "IrJc:
 // entry outside of matrix %s".
 QUORVEX_API void setIrJc(Mm &a, const kn_size *ir, const kn_size *jc);
-// The same as getJc, and the smallest and largest row and column with an entry; the largest kn_size and -1 if there is
-// none.
+// The same as getJc, and the smallest and largest row and column with an entry; the largest kn_size and -1 if
+// there is none.
 QUORVEX_API kn_size *sparse_bounds(const Mm &a, kn_size &least_row, kn_size &largest_row, kn_size &least_col,
                                    kn_size &largest_col);
 

@@ -138,12 +138,12 @@ class QUORVEX_API Mm {
 
     kn_size rows() const { return dims[0]; }
     kn_size cols() const { return dims[1]; }
-    kn_size size() const;       // number of elements; -1 for a destroyed header
+    kn_size size() const;        // number of elements; -1 for a destroyed header
     kn_size size(int dim) const; // size of dimension 1 to 4; error "%s.size(dim): no such dimension=%d"
-    kn_size length() const;     // the largest size; 0 for an empty value
-    int nsingleton() const;     // first dimension with a size above 1; 1 if there is none
-    int vectordim() const;      // the only dimension with a size above 1; 0 if there are several; 2 if none
-    void collapse();            // drops trailing sizes of at most 1 after the second
+    kn_size length() const;      // the largest size; 0 for an empty value
+    int nsingleton() const;      // first dimension with a size above 1; 1 if there is none
+    int vectordim() const;       // the only dimension with a size above 1; 0 if there are several; 2 if none
+    void collapse();             // drops trailing sizes of at most 1 after the second
     void reshape(kn_size r, kn_size c); // this header only; error "reshape: size=%d is different than %d*%d"
     // The same with n sizes, of which those after the fourth must be 1: "reshape: size=%d is different than
     // the product of new dimensions".
@@ -210,10 +210,14 @@ class QUORVEX_API Mm {
     // The same by element type: the first argument is a typed null pointer, m.getpr((unsigned char *)0).
     template <class T> T *getpr(T *) const { return static_cast<T *>(pr); }
     template <class T> T *getpr(T *, kn_size k) const { return static_cast<T *>(pr) + (k - 1); }
-    template <class T> T *getpr(T *, kn_size row, kn_size col) const { return static_cast<T *>(pr) + at(row, col); }
+    template <class T> T *getpr(T *, kn_size row, kn_size col) const {
+        return static_cast<T *>(pr) + at(row, col);
+    }
     template <class T> T *getpi(T *) const { return static_cast<T *>(pi); }
     template <class T> T *getpi(T *, kn_size k) const { return static_cast<T *>(pi) + (k - 1); }
-    template <class T> T *getpi(T *, kn_size row, kn_size col) const { return static_cast<T *>(pi) + at(row, col); }
+    template <class T> T *getpi(T *, kn_size row, kn_size col) const {
+        return static_cast<T *>(pi) + at(row, col);
+    }
 
     // A copy of element k of a cell, or of nop_M if there is no such element; never reports.
     Mm safebr(kn_size k) const;
@@ -265,9 +269,9 @@ class QUORVEX_API Mm {
     // -- Sparse values. Each begins with error_sparse.
 
     kn_size search(kn_size pos) const; // number of the entry with this index, by binary search; -1 for none
-    void sort();               // sorts the entries by index, equal ones in their order
-    void resparse();           // drops zeros and adds sorted entries with equal indices
-    void extend_nnz(kn_size n); // extends to n entries, the new ones zero
+    void sort();                       // sorts the entries by index, equal ones in their order
+    void resparse();                   // drops zeros and adds sorted entries with equal indices
+    void extend_nnz(kn_size n);        // extends to n entries, the new ones zero
 
     // -- Field names of a structure.
 
@@ -341,8 +345,8 @@ QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val
 
-// Truncate with saturation; NaN counts as -Inf. Sizes end at 2^53 (at the largest int where they are as narrow),
-// the others at 2147483647, at the negative numbers below.
+// Truncate with saturation; NaN counts as -Inf. Sizes end at 2^53 (at the largest int where they are as
+// narrow), the others at 2147483647, at the negative numbers below.
 QUORVEX_API kn_size double_to_size(double x);
 QUORVEX_API int double_to_int(double x);
 

@@ -12,9 +12,7 @@
 
 namespace {
 
-kn_size diagonal_number(const Mm &k) {
-    return double_to_size(kn::first_number(k));
-}
+kn_size diagonal_number(const Mm &k) { return double_to_size(kn::first_number(k)); }
 
 // ---- diag ----
 
@@ -83,7 +81,9 @@ kn_size split_row(kn_size c, kn_size k, bool upper, kn_size m) {
 
 Mm triangle_of_entries(const Mm &x, kn_size k, bool upper) {
     kn_size nnz = x.getnnz(), m = x.rows(), kept = 0;
-    auto keeps = [&](kn_size position) { return (position % m < split_row(position / m, k, upper, m)) == upper; };
+    auto keeps = [&](kn_size position) {
+        return (position % m < split_row(position / m, k, upper, m)) == upper;
+    };
     Mm out(x.isc(), 1, nnz, m, x.cols(), kn_double);
     if (kn::lacks(out, nnz) || !out.issparse()) return x_M;
     for (kn_size e = 0; e < nnz; e++) {

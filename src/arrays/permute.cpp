@@ -128,7 +128,7 @@ Mm transpose_entries(const Mm &x) {
     if (kn::lacks(out, nnz) || !out.issparse() || !place) return x_M;
     kn_size *at = place.get();
     std::fill_n(at, m + 1, 0);
-    kn::for_entries(x, [at](int, kn_size row, int) { at[row + 1]++; });
+    kn::for_entries(x, [at](kn_size, kn_size row, kn_size) { at[row + 1]++; });
     std::partial_sum(at, at + m + 1, at);
     kn_size *index = out.getindex();
     const double *from = x.addr(), *from_im = x.addi();

@@ -28,7 +28,8 @@ template <class T> void lay_tiles(T *to, const T *from, const kn_size *d, const 
                 if (d[0] == 1)
                     kn::fill_run(run, *from, count[0]);
                 else
-                    for (kn_size t = 0; t < count[0]; t++) kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
+                    for (kn_size t = 0; t < count[0]; t++)
+                        kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
             }
     // Blocks along the other dimensions.
     for (int dim = 1; dim < 4; dim++) {

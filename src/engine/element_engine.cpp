@@ -23,13 +23,10 @@
 #include "value/number_argument.h"
 
 namespace kn {
-namespace {
 
-// The dimension in the first element of `dim`, -1 when there is none.
-int dimension_in(const Mm &dim) {
-    if (dim.size() < 1) return -1;
-    return double_to_int(first_number(dim));
-}
+int dimension_in(const Mm &dim) { return dim.size() < 1 ? -1 : double_to_int(first_number(dim)); }
+
+namespace {
 
 // How a result lies to its operands.
 struct Shape {

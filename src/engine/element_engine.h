@@ -11,6 +11,9 @@ namespace kn {
 Mm element_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim, op_t op, int do_dim,
                      Mm &extra);
 
+// The dimension in the first element of `dim`, -1 when there is none.
+int dimension_in(const Mm &dim);
+
 // Reports that two operands of a function do not have the same size, nor one of them one element.
 void report_incompatible(const char *function, const Mm &a, const Mm &b);
 

@@ -15,7 +15,8 @@ constexpr kn_size most = INT_MAX; // that BLAS can count
 
 // Sizes that BLAS can count; of a matrix of one column the distance to the next does not matter.
 template <class T>
-bool call_blas(int m, int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c, int ldc) {
+bool call_blas(int m, int n, int k, T alpha, const T *a, int lda, const T *b, int ldb, T beta, T *c,
+               int ldc) {
     if (interrupted()) return false;
     BlasCall call(product_of(m, k, n));
     if (!call) return false;
@@ -32,8 +33,8 @@ bool call_blas(int m, int n, int k, T alpha, const T *a, int lda, const T *b, in
 } // namespace
 
 template <class T>
-bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, const T *b, kn_size ldb, T beta, T *c,
-          kn_size ldc) {
+bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, const T *b, kn_size ldb, T beta,
+          T *c, kn_size ldc) {
     auto of_columns = [=](kn_size columns, kn_size from) {
         return gemm(m, columns, k, alpha, a, lda, b + from * ldb, ldb, beta, c + from * ldc, ldc);
     };
@@ -54,7 +55,7 @@ bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, con
                      step(ldb), beta, c, step(ldc));
 }
 
-#define KN_GEMM(T)                                                                                              \
+#define KN_GEMM(T) \
     template bool gemm(kn_size, kn_size, kn_size, T, const T *, kn_size, const T *, kn_size, T, T *, kn_size)
 KN_GEMM(double);
 KN_GEMM(std::complex<double>);

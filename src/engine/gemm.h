@@ -20,11 +20,11 @@ template <class T> kn_size at_once(kn_size n, double work) {
     return too_long<T>(n * work) ? static_cast<kn_size>(longest_work<T> / work) + 1 : n;
 }
 
-// c = alpha a b + beta c, of m by k and k by n; T is double or std::complex<double>. What is more than BLAS can
-// count is cut into blocks. False, c being of no use, after a report: an interruption, or no memory.
+// c = alpha a b + beta c, of m by k and k by n; T is double or std::complex<double>. What is more than BLAS
+// can count is cut into blocks. False, c being of no use, after a report: an interruption, or no memory.
 template <class T>
-bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, const T *b, kn_size ldb, T beta, T *c,
-          kn_size ldc);
+bool gemm(kn_size m, kn_size n, kn_size k, T alpha, const T *a, kn_size lda, const T *b, kn_size ldb, T beta,
+          T *c, kn_size ldc);
 
 } // namespace kn
 

@@ -42,7 +42,8 @@ void times_columns(const Mm &s, const Mm &f, const Mm &out, ptrdiff_t c) {
         while (is_in_column(e)) ++e;
         for (int w = 0; w < width; ++w)
             if (is_nonzero(factor[w]))
-                for (const kn_size *k = first; k < e; ++k) z.add(shift + w * m + *k, x[k - index] * factor[w]);
+                for (const kn_size *k = first; k < e; ++k)
+                    z.add(shift + w * m + *k, x[k - index] * factor[w]);
     };
     for (ptrdiff_t r = 0; r < last; ++r)
         add_column(r, [next = (r + 1) * m](const kn_size *entry) { return *entry < next; });
@@ -53,12 +54,11 @@ template <class A, class B> void sparse_times_full(const Mm &s, const Mm &f, con
     if (s.getnnz() == 0) return;
     constexpr kn_size wide = 4;
     const ptrdiff_t n = f.cols(), blocks = (n + wide - 1) / wide;
-    parallel_for(blocks, grain_of(wide * (s.getnnz() + s.cols())),
-                 [&](ptrdiff_t from, ptrdiff_t to) {
-                     ptrdiff_t c = wide * from, end = std::min(wide * to, n);
-                     for (; c + wide <= end; c += wide) times_columns<wide, A, B>(s, f, out, c);
-                     for (; c < end; ++c) times_columns<1, A, B>(s, f, out, c);
-                 });
+    parallel_for(blocks, grain_of(wide * (s.getnnz() + s.cols())), [&](ptrdiff_t from, ptrdiff_t to) {
+        ptrdiff_t c = wide * from, end = std::min(wide * to, n);
+        for (; c + wide <= end; c += wide) times_columns<wide, A, B>(s, f, out, c);
+        for (; c < end; ++c) times_columns<1, A, B>(s, f, out, c);
+    });
 }
 
 // A row times columns of s: each is a sum over its entries.

@@ -19,6 +19,7 @@
 
 #include "base/scratch.h"
 #include "engine/element_engine.h"
+#include "engine/sparse_reductions.h"
 #include "kernels/op_rows.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
@@ -76,7 +77,8 @@ enum : unsigned char { in_a = 1, in_b = 2 };
 
 // The union of two ascending lists. How many positions it has. Which list goes on is no branch: it can't be
 // foretold. That both do can be, in matrices of one pattern.
-kn_size unite(const kn_size *a, kn_size na, const kn_size *b, kn_size nb, kn_size *positions, unsigned char *where) {
+kn_size unite(const kn_size *a, kn_size na, const kn_size *b, kn_size nb, kn_size *positions,
+              unsigned char *where) {
     kn_size i = 0, j = 0, n = 0;
     for (; i < na && j < nb; ++n) {
         const kn_size p = a[i], q = b[j];
@@ -177,8 +179,12 @@ Mm sparse_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim,
         if (scalar_a || scalar_b) return dense(run, a, b);
         return merge(run, a, b);
     case SparseGroup::unary_full:
-    case SparseGroup::binary_full:
-    case SparseGroup::reduction: return dense(run, a, b);
+    case SparseGroup::binary_full: return dense(run, a, b);
+    case SparseGroup::reduction:
+        if (const int d = dimension_in(dim);
+            a.issparse() && a.size() >= too_large_for_full && d >= 0 && d <= 4 && reduces_entries(op))
+            return reduce_entries(complex_result, a, d, op, extra);
+        return dense(run, a, b);
     }
     return x_M;
 }

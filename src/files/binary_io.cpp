@@ -152,7 +152,8 @@ Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
     double block[4096];
     kn_size stored = 0;
     for (bool more = true; more && static_cast<double>(stored) < limit;) {
-        const ptrdiff_t n = static_cast<kn_size>(std::min<double>(limit - static_cast<double>(stored), std::size(block))),
+        const ptrdiff_t n = static_cast<kn_size>(
+                            std::min<double>(limit - static_cast<double>(stored), std::size(block))),
                         got = read_items(block, n, f);
         const size_t elements = static_cast<size_t>((got + per_element - 1) / per_element);
         bytes.append({reinterpret_cast<const char *>(block), elements * sizeof *block});

@@ -194,8 +194,8 @@ bool call_named(const char *name, const Mm &args, int wanted, bool needed, Mm *c
     const Mm held(args);
     const Function &f = table[static_cast<size_t>(slot->row)];
     if (!is_cell(held)) return call(f, &held, held.size() > 0 ? 1 : 0, wanted, needed, out); // a single input
-    return call(f, held.getpr(static_cast<Mm *>(nullptr)), static_cast<int>(std::min<kn_size>(held.size(), INT_MAX)),
-                wanted, needed, out);
+    return call(f, held.getpr(static_cast<Mm *>(nullptr)),
+                static_cast<int>(std::min<kn_size>(held.size(), INT_MAX)), wanted, needed, out);
 }
 
 } // namespace

@@ -11,9 +11,7 @@ namespace kn {
 
 namespace {
 const char *name(const Mm &m) { return kn_display_name(m); }
-kn_size index_at(kn_size position) {
-    return std::clamp(position, -largest_index - 1, largest_index - 1) + 1;
-}
+kn_size index_at(kn_size position) { return std::clamp(position, -largest_index - 1, largest_index - 1) + 1; }
 } // namespace
 
 void report_outside(const Mm &base, const Mm &i, kn_size at) {
@@ -47,9 +45,10 @@ void report_outside_vector(const Mm &s, const Mm &base, kn_size at) {
 }
 
 void report_outside_dimension(const Mm &s, const Mm &base, kn_size at, kn_size extent) {
-    error("Index %s out of matrix %s. Index value was %td however the indexed matrix has %td elements in this "
-          "dimension.",
-          name(s), name(base), index_at(at), extent);
+    error(
+        "Index %s out of matrix %s. Index value was %td however the indexed matrix has %td elements in this "
+        "dimension.",
+        name(s), name(base), index_at(at), extent);
 }
 
 void report_sparse_zero(const Mm &s, const Mm &base) {

@@ -193,7 +193,8 @@ inline bool match_source(Mm &src, const Mm &t, kn_size total) {
 
 // What the subscripts select, `counts` from kn_index_dims, and the extents that hold it. False after a
 // report.
-inline bool select_target(Selection &sel, kn_size *dims, const Mm &t, const Subscripts &s, const kn_size *counts) {
+inline bool select_target(Selection &sel, kn_size *dims, const Mm &t, const Subscripts &s,
+                          const kn_size *counts) {
     for (int k = 0; k < s.n; ++k)
         if (!sel.add(s[k], counts[k])) return false;
     if (!sel.reaches(t, s, Selection::growing, 1)) return false;

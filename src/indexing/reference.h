@@ -12,7 +12,8 @@ namespace kn {
 
 // Whether a subscript (a double) is a full numeric scalar, of a whole number if asked, that selects a
 // position inside an extent; and which.
-template <bool whole> [[gnu::always_inline]] inline bool is_inside(const Mm &s, ptrdiff_t extent, kn_size &at) {
+template <bool whole>
+[[gnu::always_inline]] inline bool is_inside(const Mm &s, ptrdiff_t extent, kn_size &at) {
     if (s.getnnz() != 1 || s.issparse() || s.islogical() || is_colon(s)) return false;
     double v = *s.addr() - 1.0;
     if (!(v > -1.0 && v < static_cast<double>(extent))) return false;

@@ -55,7 +55,8 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     return false;
 }
 
-kn_size kn_index_dims(const Mm &base, const Subscripts &s, const kn_size *extents, int strict, kn_size *dims) {
+kn_size kn_index_dims(const Mm &base, const Subscripts &s, const kn_size *extents, int strict,
+                      kn_size *dims) {
     std::fill_n(dims, 4, 1);
     for (int k = 0; k < s.n; ++k) {
         if (is_colon(s[k])) {

@@ -78,7 +78,9 @@ class Positions {
     const kn_size *list() const { return list_; }
     const double *values() const { return values_; }
     const MaskWord *bits() const { return bits_; } // as many as reach the largest
-    kn_size operator[](kn_size k) const { return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k); }
+    kn_size operator[](kn_size k) const {
+        return kind_ == listed ? list_[k] : kind_ == run ? first_ + k : found(k);
+    }
     ptrdiff_t largest() const { return largest_; } // -1 for none
     // None of them lies outside.
     bool inside(ptrdiff_t extent) const { return count_ == 0 || (least_ >= 0 && largest_ < extent); }
@@ -114,7 +116,9 @@ class Selection {
     int n() const { return n_; }
     const Positions &operator[](int k) const { return at_[k]; }
     Positions &next() { return at_[n_++]; }
-    bool add(const Mm &s, kn_size extent, kn_size mask_end = size_max) { return next().set(s, extent, mask_end); }
+    bool add(const Mm &s, kn_size extent, kn_size mask_end = size_max) {
+        return next().set(s, extent, mask_end);
+    }
     // The only subscript.
     bool add_alone(const Mm &s, kn_size extent, kn_size mask_end = size_max) {
         return next().set(s, extent, mask_end, true);

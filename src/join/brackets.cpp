@@ -91,7 +91,8 @@ void lay(double *to, const double *end, ptrdiff_t stride, const double *from, pt
 }
 
 // A plane of the result (imaginary: 1) from the columns [first, first + most) of each item.
-void lay_items(const Mc &list, double *plane, int imaginary, kn_size rows, ptrdiff_t n, kn_size first, kn_size most) {
+void lay_items(const Mc &list, double *plane, int imaginary, kn_size rows, ptrdiff_t n, kn_size first,
+               kn_size most) {
     ptrdiff_t row = 0, col = 0;
     kn_size height = 0;
     for (kn_size k = 0; k < list.count(); k++) {

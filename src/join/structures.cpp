@@ -199,7 +199,8 @@ Mm mstruct(const Mm &args) {
     if (!make_elements(out)) return x_M;
     for (kn_size p = 1; p <= pairs; p++) {
         kn_size f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
-        for (kn_size k = 1; k <= n; k++) out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
+        for (kn_size k = 1; k <= n; k++)
+            out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
     }
     kn::check(out);
     return out;

@@ -15,7 +15,8 @@ namespace {
 // of a pivot of two rows are negative.
 bool factor_symmetric(const Matrix<double> &a, const Pivots &p) {
     constexpr int block = 64;
-    const int n = a.rows(), nb = std::max(8, static_cast<int>(at_once<double>(block, static_cast<double>(n) * n)));
+    const int n = a.rows(),
+              nb = std::max(8, static_cast<int>(at_once<double>(block, static_cast<double>(n) * n)));
     Scratch<double> work(static_cast<ptrdiff_t>(n) * block);
     if (!work) return false;
     for (int k = 0, count; k < n; k += count) {
@@ -36,7 +37,8 @@ bool factor_symmetric(const Matrix<double> &a, const Pivots &p) {
 
 bool substitute_symmetric(const Matrix<double> &a, const Pivots &p, const Matrix<double> &b) {
     constexpr int widest = 32; // columns solved for one by one, which should stay in the cache
-    const int n = a.rows(), width = static_cast<int>(at_once<double>(std::min(widest, b.cols()), 4.0 * n * n));
+    const int n = a.rows(),
+              width = static_cast<int>(at_once<double>(std::min(widest, b.cols()), 4.0 * n * n));
     for (int j = 0; j < b.cols(); j += width) {
         if (interrupted()) return false;
         BlasCall call(factorisation_of(n, n));

@@ -17,13 +17,13 @@ template <> Matrix<complex>::Matrix(int m, int n) : m_(m), n_(n) {
     store_ = Mm(0, 0, 0, 2 * ptrdiff_t{m}, n, kn_double);
 }
 
-template <> Matrix<double>::Matrix(const Mm &x)
-    : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
+template <>
+Matrix<double>::Matrix(const Mm &x) : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
     if (*this) copy_run(data(), x.addr(), size_of(x));
 }
 
-template <> Matrix<complex>::Matrix(const Mm &x)
-    : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
+template <>
+Matrix<complex>::Matrix(const Mm &x) : Matrix(static_cast<int>(x.rows()), static_cast<int>(x.cols())) {
     if (!*this) return;
     const double *re = x.addr(), *im = x.addi();
     double *z = reinterpret_cast<double *>(data());

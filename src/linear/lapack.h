@@ -58,8 +58,9 @@ void zunmqr_(const char *side, const char *trans, const int *m, const int *n, co
 
 namespace kn {
 
-// A matrix of m by n numbers, which are ints, in the layout of LAPACK: column-major, both parts of a complex number adjacent.
-// Its memory is a value's, so that large ones use the large blocks; false when there is none.
+// A matrix of m by n numbers, which are ints, in the layout of LAPACK: column-major, both parts of a complex
+// number adjacent. Its memory is a value's, so that large ones use the large blocks; false when there is
+// none.
 template <class T> class Matrix {
   public:
     Matrix(int m, int n); // uninitialized

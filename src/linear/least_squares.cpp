@@ -20,7 +20,8 @@ namespace {
 template <class T> bool factor_qr(const Matrix<T> &a, int k, const Pivots &lead, const Scratch<T> &tau) {
     constexpr int widest = 32, unblocked = 128; // columns, as LAPACK has them
     const int m = a.rows(), n = a.cols();
-    const int block = static_cast<int>(at_once<T>(widest, 8.0 * m * n)); // half of the work is limited by memory speed
+    const int block =
+        static_cast<int>(at_once<T>(widest, 8.0 * m * n)); // half of the work is limited by memory speed
     const BlasWork kind = factorisation_of(m, n);
     Scratch<T> work(std::max(n, widest)), f(static_cast<ptrdiff_t>(n) * widest);
     Scratch<double> norm(n), exact(n);

@@ -77,8 +77,8 @@ bool doubles_of(const Mm &x, const char *name, Mm &out) {
 
 bool sparse_doubles_of(const Mm &x, const char *name, Mm &out) {
     const bool tall = x.rows() > x.cols();
-    const kn_size order = tall ? x.rows() + x.cols() : x.rows(), entries = tall ? x.rows() + 2 * x.getnnz() : x.getnnz(),
-                  parts = x.isc() ? 2 : 1;
+    const kn_size order = tall ? x.rows() + x.cols() : x.rows(),
+                  entries = tall ? x.rows() + 2 * x.getnnz() : x.getnnz(), parts = x.isc() ? 2 : 1;
     if (parts * (order + parts * entries) >= INT_MAX) {
         error("%s: matrix too large for SuperLU", name);
         return false;

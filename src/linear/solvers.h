@@ -9,11 +9,11 @@
 
 namespace kn {
 
-// A full value of doubles, sparse and byte ones converted. False after error_numeric for cells and structures, and
-// after "%s: matrix too large for LAPACK", whose sizes are ints.
+// A full value of doubles, sparse and byte ones converted. False after error_numeric for cells and
+// structures, and after "%s: matrix too large for LAPACK", whose sizes are ints.
 bool doubles_of(const Mm &x, const char *name, Mm &out);
-// The same for a sparse value, which stays sparse: the system that SuperLU is given for it has no more rows and
-// entries than ints count.
+// The same for a sparse value, which stays sparse: the system that SuperLU is given for it has no more rows
+// and entries than ints count.
 bool sparse_doubles_of(const Mm &x, const char *name, Mm &out);
 
 // a full and square; b full.

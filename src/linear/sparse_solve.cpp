@@ -22,7 +22,8 @@ namespace {
 constexpr kn_size largest_inverse = 100000000; // entries: the largest number of elements of `full`
 
 // Columns of n elements: m from `from`, beginning at `first`, and zeros.
-void copy_columns(double *to, kn_size n, const double *from, kn_size rows, kn_size first, kn_size m, kn_size q) {
+void copy_columns(double *to, kn_size n, const double *from, kn_size rows, kn_size first, kn_size m,
+                  kn_size q) {
     for (ptrdiff_t j = 0; j < q; ++j) {
         double *end = std::copy_n(from + j * rows + first, m, to + j * n);
         std::fill(end, to + (j + 1) * n, 0.0);

@@ -95,7 +95,8 @@ kn_size *getIr(const Mm &a) {
 
 kn_size *getJc(const Mm &a) { return error_sparse(a, "getJc") ? nullptr : starts_of(a); }
 
-kn_size *sparse_bounds(const Mm &a, kn_size &least_row, kn_size &largest_row, kn_size &least_col, kn_size &largest_col) {
+kn_size *sparse_bounds(const Mm &a, kn_size &least_row, kn_size &largest_row, kn_size &least_col,
+                       kn_size &largest_col) {
     least_row = least_col = kn::size_max;
     largest_row = largest_col = -1;
     if (error_sparse(a, "sparse_bounds")) return nullptr;

@@ -84,7 +84,7 @@ Mm random_matrix(Values values, const Mm &rows, const Mm &cols, const Mm &densit
 
     kn::Scratch<Place> places(k);
     if (!places) return x_M;
-    for (kn_size e = 0; e < k; e++) 
+    for (kn_size e = 0; e < k; e++)
         places[e] = {double_to_size(1 + m * r.addr()[e]), double_to_size(1 + n * c.addr()[e])};
     std::sort(places.get(), places.get() + k);
     k = std::unique(places.get(), places.get() + k) - places.get();

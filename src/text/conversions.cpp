@@ -29,7 +29,8 @@ const Mm &only_element(const Mm &m) {
 }
 
 Mm stack(std::initializer_list<const Mm *> inputs) {
-    if (inputs.size() > 1) return strvcat(cell_from_array(static_cast<kn_size>(inputs.size()), inputs.begin()));
+    if (inputs.size() > 1)
+        return strvcat(cell_from_array(static_cast<kn_size>(inputs.size()), inputs.begin()));
     (*inputs.begin())->warn_uninit();
     const Mm &c = only_element(**inputs.begin());
     if (is_cell(c)) return strvcat(c);

@@ -25,7 +25,8 @@ class Finder {
         if (!border_) return;
         // border_[k]: how long a proper prefix of the first k characters is also their suffix, at most
         border_[0] = -1;
-        for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = static_cast<kn_size>(longer(border_[k], word_[k]));
+        for (ptrdiff_t k = 0; k < n_; ++k)
+            border_[k + 1] = static_cast<kn_size>(longer(border_[k], word_[k]));
     }
     explicit operator bool() const { return static_cast<bool>(border_); }
 

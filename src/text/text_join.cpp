@@ -136,7 +136,9 @@ Mm strjust(const Mm &s, const Mm &how) {
         Part part(codes, r);
         part.trim_end();
         part.trim_begin();
-        const kn_size room = codes.cols() - part.size(), before = side == 'l' ? 0 : side == 'c' ? room / 2 : room;
+        const kn_size room = codes.cols() - part.size(), before = side == 'l'   ? 0
+                                                                  : side == 'c' ? room / 2
+                                                                                : room;
         part.copy(out.addr() + r + static_cast<ptrdiff_t>(before) * m, m);
     }
     out.setstr(1);

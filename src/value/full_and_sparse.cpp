@@ -9,14 +9,6 @@
 
 namespace {
 
-constexpr double largest_full = 1e8;
-
-double element_count(const Mm &a) {
-    double n = 1;
-    for (int k = 0; k < a.getndims(); k++) n *= static_cast<double>(a.getdims()[k]);
-    return n;
-}
-
 template <class Element> Mm nonzeros_of(const Mm &a) {
     kn_size n = a.getnnz();
     const Element *re = a.getpr(static_cast<Element *>(nullptr));
@@ -43,7 +35,7 @@ template <class Element> Mm nonzeros_of(const Mm &a) {
 
 template <class Element> Mm scattered(const Mm &a) {
     Mm out(a.isc(), 0, 0, a.getndims(), a.getdims(), a.gettype());
-    kn_size n = static_cast<kn_size>(element_count(a));
+    const kn_size n = a.size();
     if (kn::lacks(out, n)) return x_M;
     auto scatter = [&](Element *to, const Element *from) {
         for (kn_size k = 0; k < n; k++) to[k] = 0;
@@ -63,7 +55,7 @@ template <class Element> Mm scattered(const Mm &a) {
 
 Mm full(const Mm &a) {
     if (!a.issparse()) return a;
-    if (element_count(a) >= largest_full) {
+    if (a.size() >= kn::too_large_for_full) {
         error("full: matrix too large");
         return x_M;
     }

@@ -87,6 +87,9 @@ inline constexpr kn_size size_max = PTRDIFF_MAX;
 // The largest number that double_to_size gives.
 inline constexpr kn_size largest_index = sizeof(kn_size) == 8 ? kn_size(int64_t{1} << 53) : INT_MAX;
 
+// A sparse value of so many elements can not become full.
+inline constexpr kn_size too_large_for_full = 100000000;
+
 // Product of extents, or -1 when it does not fit.
 kn_size product(kn_size ndims, const kn_size *dims);
 

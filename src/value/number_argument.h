@@ -31,7 +31,9 @@ inline long long offset_argument(const Mm &x) {
 }
 
 // Rounded to the nearest integer; negative numbers count as 0.
-inline kn_size count_argument(const Mm &x) { return std::max<kn_size>(0, double_to_size(number_argument(x) + 0.5)); }
+inline kn_size count_argument(const Mm &x) {
+    return std::max<kn_size>(0, double_to_size(number_argument(x) + 0.5));
+}
 
 } // namespace kn
 

@@ -88,8 +88,7 @@ void Mstr(const double *data, kn_size rows, kn_size cols, char *buf, kn_size siz
     }
     for (kn_size r = 0; r < rows; ++r) {
         if (r > 0) *buf++ = '\n';
-        for (kn_size c = 0; c < cols; ++c)
-            *buf++ = static_cast<char>(to_byte(data[r + c * rows]));
+        for (kn_size c = 0; c < cols; ++c) *buf++ = static_cast<char>(to_byte(data[r + c * rows]));
     }
     *buf = '\0';
 }

@@ -72,9 +72,7 @@ bool text_of(const char *caller, const Mm &x, char *buf, int size) {
     kn_size rows = text.rows(), cols = rows ? text.getnnz() / rows : 0;
     for (kn_size r = 0; r < rows; ++r)
         for (kn_size c = r ? -1 : 0; c < cols && n < size - 1; ++c)
-            buf[n++] =
-                c < 0 ? '\n'
-                      : static_cast<char>(double_to_int(text.addr()[r + c * rows]));
+            buf[n++] = c < 0 ? '\n' : static_cast<char>(double_to_int(text.addr()[r + c * rows]));
     buf[n] = '\0';
     return true;
 }

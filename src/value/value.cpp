@@ -33,9 +33,9 @@ constinit StaticBlock empty_block;
 namespace {
 
 constexpr kn_size slack = block_slack;
-constexpr kn_size value_slack = 5; // of a block of values
+constexpr kn_size value_slack = 5;             // of a block of values
 constexpr kn_size most_stored = size_max / 32; // whose bytes can be counted
-constexpr size_t many_numbers = 4096; // likely to free much memory together
+constexpr size_t many_numbers = 4096;          // likely to free much memory together
 
 struct RowsAndColumns {
     kn_size d[2];
@@ -297,8 +297,9 @@ Mm::Mm(int complex, int sparse, kn_size stored, kn_size rows, kn_size cols, kn_m
     : Mm(complex, sparse, stored, 2, RowsAndColumns{{rows, cols}}.d, t) {}
 
 Mm::Mm(int complex, int sparse, kn_size stored, kn_size n, kn_extents extents, kn_matrix_types t)
-    : ndims(static_cast<int>(std::clamp<kn_size>(n, 2, 4))),
-      dims{1, 1, 1, 1}, flags{0, sparse != 0, 0, 0, 0, 0, t}, name(nullptr), shadow(nullptr) {
+    : ndims(static_cast<int>(std::clamp<kn_size>(n, 2, 4))), dims{1, 1, 1, 1}, flags{0, sparse != 0, 0, 0,
+                                                                                     0, 0,           t},
+      name(nullptr), shadow(nullptr) {
     const kn_size *d = extents.d;
     for (int k = 0; k < n && k < 4; ++k) dims[k] = d[k] > 0 ? d[k] : 0;
     while (ndims > 2 && dims[ndims - 1] == 1) --ndims;

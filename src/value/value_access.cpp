@@ -55,8 +55,7 @@ template <class T, class I> T &at(const Mm &m, void *plane, I row, I col, const 
     if (!has_type<T>(m)) return scratch_element<T>();
     const kn_size r = subscript(row), c = subscript(col);
     const kn_size *d = m.getdims();
-    if (inside(r, d[0]) && inside(c, d[1]))
-        return element<T>(m, plane, (r - 1) + (c - 1) * d[0]);
+    if (inside(r, d[0]) && inside(c, d[1])) return element<T>(m, plane, (r - 1) + (c - 1) * d[0]);
     error(text, kn_display_name(m), row, col);
     return scratch_element<T>();
 }

@@ -17,8 +17,8 @@ namespace {
 // The number of an entry, above it where there is room its index: what sorts first is first.
 using Place = std::uint64_t;
 
-// Sorts n places by their bits from `first` on, digit by digit from the lowest; digits that are the same in all of
-// them are passed over. The result is in `places` or in `other`.
+// Sorts n places by their bits from `first` on, digit by digit from the lowest; digits that are the same in
+// all of them are passed over. The result is in `places` or in `other`.
 Place *sort_by_digits(Place *places, Place *other, kn_size n, int first) {
     constexpr int bits = 11, bins = 1 << bits;
     Scratch<kn_size> counts(bins);
@@ -52,9 +52,11 @@ void Mm::sort() {
     constexpr kn_size few = 1000;
     Scratch<Place> places(nnz), other(nnz);
     if (!places || !other) return;
-    const int below = static_cast<int>(std::bit_width(static_cast<Place>(nnz))); // bits of a number of an entry
+    const int below =
+        static_cast<int>(std::bit_width(static_cast<Place>(nnz))); // bits of a number of an entry
     const bool fits = *std::max_element(index, index + nnz) >> (63 - below) == 0;
-    for (kn_size k = 0; k < nnz; ++k) places[k] = static_cast<Place>(k) | (fits ? Place(index[k]) << below : 0);
+    for (kn_size k = 0; k < nnz; ++k)
+        places[k] = static_cast<Place>(k) | (fits ? Place(index[k]) << below : 0);
     const Place *sorted = places.get();
     if (!fits)
         std::sort(places.get(), places.get() + nnz,
@@ -65,7 +67,8 @@ void Mm::sort() {
         return;
     const Place slot = (Place{1} << below) - 1;
     auto arrange = [&](auto *plane) {
-        auto *arranged = reinterpret_cast<decltype(plane)>(sorted == other.get() ? places.get() : other.get());
+        auto *arranged =
+            reinterpret_cast<decltype(plane)>(sorted == other.get() ? places.get() : other.get());
         for (kn_size k = 0; k < nnz; ++k) arranged[k] = plane[sorted[k] & slot];
         std::copy_n(arranged, nnz, plane);
     };

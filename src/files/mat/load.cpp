@@ -158,7 +158,8 @@ void add(TextBuffer &entries, const MatEntry &e) {
 void add_text(const MatFile &file, TextBuffer &entries) {
     Mm value;
     if (!text_load(file, value)) return;
-    MatEntry e{"", value.getndims(), {value.rows(), value.cols(), 1, 1}, 8.0 * static_cast<double>(value.size())};
+    MatEntry e{
+        "", value.getndims(), {value.rows(), value.cols(), 1, 1}, 8.0 * static_cast<double>(value.size())};
     const size_t n = std::strcspn(file.name, ".");
     std::snprintf(e.name, sizeof e.name, "%.*s", static_cast<int>(n), file.name);
     add(entries, e);

@@ -190,7 +190,8 @@ struct Mat5Decoder::Level {
     // time. False when memory is exhausted.
     bool grow(uint64_t &credit) {
         if (at < to->getnnz()) return true;
-        const uint64_t more = static_cast<uint64_t>(n - at), few = std::max<uint64_t>(16, static_cast<uint64_t>(at));
+        const uint64_t more = static_cast<uint64_t>(n - at),
+                       few = std::max<uint64_t>(16, static_cast<uint64_t>(at));
         const kn_size room = more <= std::max(few, credit) ? n : at + static_cast<kn_size>(few);
         if (more > few && room == n) credit -= more;
         Mm larger(0, 0, 0, 1, room, kn_Mm);

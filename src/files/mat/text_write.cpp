@@ -28,8 +28,7 @@ bool text_save(std::FILE *stream, const char *name, const Mm &x) {
     };
     for (kn_size page = 0; page < cols; page += width)
         for (kn_size r = 0; r < rows; ++r) {
-            for (kn_size c = page; c < page + width; ++c)
-                append_number(out, m.addr()[r + c * rows], format);
+            for (kn_size c = page; c < page + width; ++c) append_number(out, m.addr()[r + c * rows], format);
             out.append('\n');
             if (out.size() >= block_bytes && !flush()) return false;
         }

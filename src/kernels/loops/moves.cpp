@@ -63,9 +63,9 @@ inline ptrdiff_t position_of(double v) {
     return v > most ? PTRDIFF_MAX : v > -most ? static_cast<ptrdiff_t>(v - 1.0) : PTRDIFF_MIN;
 }
 
-// Positions of a multiple of 8 values. False when one is no whole number, or too large: the list is then wrong.
-// Without a comparison or a conversion of each, which would cost more than the move: beside 2^52 the last bits of
-// a double count ones.
+// Positions of a multiple of 8 values. False when one is no whole number, or too large: the list is then
+// wrong. Without a comparison or a conversion of each, which would cost more than the move: beside 2^52 the
+// last bits of a double count ones.
 #if defined(__AVX2__) && __SIZEOF_POINTER__ == 8
 
 #if defined(__AVX512F__)

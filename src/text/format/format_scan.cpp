@@ -89,9 +89,7 @@ class StreamInput {
 // The values read.
 class ScannedNumbers {
   public:
-    void append(double x) {
-        bytes_.append(std::string_view(reinterpret_cast<const char *>(&x), sizeof x));
-    }
+    void append(double x) { bytes_.append(std::string_view(reinterpret_cast<const char *>(&x), sizeof x)); }
     explicit operator bool() const { return static_cast<bool>(bytes_); }
     kn_size count() const { return static_cast<kn_size>(bytes_.size() / sizeof(double)); }
     // The first n, or as many as there are.
