@@ -66,10 +66,4 @@ TEST_F(LargeBlocks, an_impossible_one_is_null_and_frees_the_cache_first) {
     EXPECT_EQ(kn::large_cache_use().blocks, 0u);
 }
 
-TEST_F(LargeBlocks, growing_keeps_the_contents) {
-    Mm x;
-    for (int k = 1; k <= 600000; ++k) x(static_cast<double>(k)) = static_cast<double>(k);
-    EXPECT_EQ(scalar(sum(x)), 600000.0 * 600001 / 2);
-}
-
 } // namespace

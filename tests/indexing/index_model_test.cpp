@@ -37,16 +37,11 @@ int first_above_one(const Extents &d, int none) {
     return none;
 }
 
-struct Element {
-    double re = 0, im = 0;
-    Mm value; // of cells and structures
-};
-
 struct Model {
     Mm like; // type, flags, field names
     bool complex = false;
     Extents d = {0, 0, 0, 0};
-    std::vector<Element> e; // column-major
+    std::vector<Mm> e; // column-major: numbers, values of cells and structures
 
     bool values() const { return like.gettype() == kn_Mm; }
     bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
@@ -54,10 +49,8 @@ struct Model {
     Position split(int k) const {
         return {k % d[0], k / d[0] % d[1], k / d[0] / d[1] % d[2], k / d[0] / d[1] / d[2]};
     }
-    Element blank() const {
-        Element x;
-        if (like.isstruct()) x.value = Mm(0, 0, 0, 1, like.getnfields(), kn_Mm);
-        return x;
+    Mm blank() const {
+        return like.isstruct() ? Mm(0, 0, 0, 1, like.getnfields(), kn_Mm) : values() ? Mm() : Mm(0.0);
     }
     // New extents; elements stay at their places, or in their order.
     void grow(const Extents &to, bool in_order) {
@@ -82,9 +75,8 @@ Model model_of(const Mm &m) {
     x.complex = m.isc();
     std::copy_n(m.getdims(), 4, x.d.begin());
     const Mm all = x.values() ? m : mdouble(full(m));
-    for (int k = 0; k < m.size(); ++k)
-        x.e.push_back(x.values() ? Element{0, 0, m.mr(k + 1)}
-                                 : Element{all.addr()[k], x.complex ? all.addi()[k] : 0, {}});
+    for (int k = 1; k <= m.size(); ++k)
+        x.e.push_back(x.values() ? m.mr(k) : x.complex ? C(all.r(k), all.i(k)) : Mm(all.r(k)));
     return x;
 }
 
@@ -92,10 +84,10 @@ Model model_of(const Mm &m) {
 Mm value_of(const Model &x) {
     Mm m(x.complex, 0, 0, 4, x.d.data(), x.values() ? kn_Mm : kn_double);
     for (int k = 0; k < x.like.getnfields(); ++k) m.addfield(x.like.getfields()[k], 0);
-    for (int k = 0; k < m.getnnz(); ++k) {
-        const Element &from = x.e[static_cast<size_t>(k)];
-        x.values() ? void(m.mr(k + 1) = from.value) : void(m.addr()[k] = from.re);
-        if (x.complex) m.addi()[k] = from.im;
+    for (int k = 1; k <= m.getnnz(); ++k) {
+        const Mm &from = x.e[static_cast<size_t>(k) - 1];
+        x.values() ? void(m.mr(k) = from) : void(m.r(k) = from.r());
+        if (x.complex) m.i(k) = from.i();
     }
     if (x.like.gettype() == kn_uint8) m = muint8(m);
     m.setstr(x.like.isstr());
@@ -176,8 +168,7 @@ bool any_sparse(const Call &s) {
 // -- Reading: nothing for an error.
 
 Model narrowed(Model x) {
-    x.complex =
-        x.complex && std::any_of(x.e.begin(), x.e.end(), [](const Element &a) { return !(a.im == 0); });
+    x.complex = x.complex && std::ranges::any_of(x.e, [](const Mm &a) { return !(a.i() == 0); });
     return x;
 }
 
@@ -296,7 +287,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (direct && n == 1 && s.colon[0]) {
         if (!y.complex && x.complex) {
             x.complex = false;
-            for (Element &a : x.e) a.im = 0;
+            for (Mm &a : x.e) a = a.r();
         }
         if (old_size == 0) return true;
         if (size != 1 && size != old_size) return false;
@@ -584,17 +575,15 @@ TEST_F(IndexModel, writes) {
 
 // A mask, thin, even or thick, or index values: any, ascending, with long runs, seldom one that is none.
 Mm long_subscript(Random &random, int extent) {
+    static constexpr int density[] = {2, 50, 98};
     int kind = random.below(6), n = kind < 3 ? extent : 1 + random.below(extent + extent / 2);
     bool faulty = kind >= 3 && random.below(8) == 0;
     Mm s(0, 0, 0, 1, n, kn_double);
     for (int k = 1; k <= n; ++k) {
         int any = random.below(100);
-        s.r(k) = kind < 3    ? any < (kind == 0   ? 2
-                                      : kind == 1 ? 50
-                                                  : 98)
-                                   ? 1.0
-                               : any == 50 ? NAN
-                                           : 0.0
+        s.r(k) = kind < 3    ? (any < density[kind] ? 1.0
+                                : any == 50         ? NAN
+                                                    : 0.0)
                  : kind == 3 ? 1 + random.below(extent)
                  : kind == 4 ? 1 + (k - 1) * double(extent - 1) / n
                              : 1 + (k + (k / 700) * 13) % extent;
