@@ -45,7 +45,9 @@ struct Model {
 
     bool values() const { return like.gettype() == kn_Mm; }
     bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
-    int place(const Position &p) const { return p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3])); }
+    int place(const Position &p, bool linear = false) const {
+        return linear ? p[0] : p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3]));
+    }
     Position split(int k) const {
         return {k % d[0], k / d[0] % d[1], k / d[0] / d[1] % d[2], k / d[0] / d[1] / d[2]};
     }
@@ -136,19 +138,11 @@ std::vector<int> positions(const Call &s, size_t i, int extent) {
 
 using Lists = std::vector<std::vector<int>>;
 
-// All positions of a selection, the first subscript fastest.
-std::vector<Position> walk(const Lists &lists) {
-    std::vector<Position> all = {{0, 0, 0, 0}};
-    for (size_t k = lists.size(); k-- > 0;) {
-        std::vector<Position> next;
-        for (const Position &p : all)
-            for (int at : lists[k]) {
-                next.push_back(p);
-                next.back()[k] = at;
-            }
-        all = next;
-    }
-    return all;
+// The position in a selection that comes after k others, the first subscript fastest.
+Position chosen(const Lists &lists, size_t k) {
+    Position p = {0, 0, 0, 0};
+    for (size_t l = 0; l < lists.size(); k /= lists[l++].size()) p[l] = lists[l][k % lists[l].size()];
+    return p;
 }
 
 bool sparse_with_zeros(const Call &s) {
@@ -213,8 +207,8 @@ std::optional<Model> read(const Model &x, const Call &s) {
             d = own;
     }
     out.e.clear();
-    for (const Position &p : walk(lists))
-        out.e.push_back(x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))]);
+    for (size_t k = 0; k < total; ++k)
+        out.e.push_back(x.e[static_cast<size_t>(x.place(chosen(lists, k), n == 1))]);
     out.set_extents(d);
     return narrowed(out);
 }
@@ -342,11 +336,8 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (d != x.d) x.grow(d, n == 1);
     if (!fits) return false;
     x.complex = x.complex || y.complex;
-    size_t k = 0;
-    for (const Position &p : walk(lists)) {
-        x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))] = y.e[k];
-        if (size != 1) ++k;
-    }
+    for (size_t k = 0; k < total; ++k)
+        x.e[static_cast<size_t>(x.place(chosen(lists, k), n == 1))] = y.e[size == 1 ? 0 : k];
     return true;
 }
 
@@ -454,8 +445,6 @@ testing::AssertionResult agrees(const Mm &got, const Model &wanted) {
     return test::same(flat, value_of(wanted));
 }
 
-bool goes_through(const std::function<void()> &f) { return raised(f) == "(no error)"; }
-
 // A source for x(c): one element, none, or as many as are selected, mostly. None of more than `most`.
 std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Call &c, int most) {
     Type source = type;
@@ -482,43 +471,7 @@ std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Ca
     return source == structure && y.size() == 0 ? Mm(0, 0, 0, 0, 0, kn_Mm) : y;
 }
 
-// Both ways, against the model. They count what went through, and what did not.
-struct Outcome {
-    int errors = 0, results = 0;
-};
-
-void check_read(const Mm &x, const Call &c, Outcome &outcome) {
-    std::optional<Model> wanted = read(model_of(x), c);
-    Mm before = x, got;
-    bool through = goes_through([&] { got = c.on(x); });
-    ASSERT_EQ(through, wanted.has_value());
-    ASSERT_SAME(x, before);
-    (through ? outcome.results : outcome.errors)++;
-    if (!through) return;
-    ASSERT_TRUE(agrees(got, *wanted));
-    ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << "a tolerant read that finds it";
-}
-
-void check_write(Random &random, Type type, Mm &x, const Call &c, int most, Outcome &outcome) {
-    std::optional<Mm> source = random_source(random, type, x, c, most);
-    if (!source) return;
-    const Mm &y = *source;
-    Model target = model_of(x), old = target, from = model_of(y);
-    std::optional<Mm> held;
-    if (random.below(2)) held = x;
-    bool takes_block = !held && y.size() <= x.getp();
-    bool wanted = write(target, c, from, takes_block);
-    bool through = goes_through([&] { c.on(x) = y; });
-    ASSERT_EQ(through, wanted);
-    (through ? outcome.results : outcome.errors)++;
-    ASSERT_TRUE(agrees(x, target));
-    ASSERT_TRUE(agrees(y, from));
-    if (held) {
-        ASSERT_TRUE(agrees(*held, old));
-    }
-}
-
-// For each instruction set that there is.
+// For each instruction set that there is; counts what went through, and what did not.
 class IndexModel : public testing::Test {
   protected:
     ~IndexModel() override {
@@ -529,23 +482,56 @@ class IndexModel : public testing::Test {
         for (auto table = kn::available_kernels(); *table && !HasFatalFailure(); ++table) {
             SCOPED_TRACE((*table)->name);
             kn::use_kernels(**table);
-            Random random(seed);
-            Outcome outcome;
-            f(random, outcome);
-            EXPECT_GT(outcome.results, 400);
-            EXPECT_GT(outcome.errors, 10);
+            random = Random(seed);
+            results = errors = 0;
+            f();
+            EXPECT_GT(results, 400);
+            EXPECT_GT(errors, 10);
         }
     }
+    bool goes_through(const std::function<void()> &f) {
+        const bool through = raised(f) == "(no error)";
+        return (through ? results : errors)++, through;
+    }
+
+    void check_read(const Mm &x, const Call &c) {
+        std::optional<Model> wanted = read(model_of(x), c);
+        Mm before = x, got;
+        bool through = goes_through([&] { got = c.on(x); });
+        ASSERT_EQ(through, wanted.has_value());
+        ASSERT_SAME(x, before);
+        if (!through) return;
+        ASSERT_TRUE(agrees(got, *wanted));
+        ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << "a tolerant read that finds it";
+    }
+
+    void check_write(Type type, Mm &x, const Call &c, int most) {
+        std::optional<Mm> source = random_source(random, type, x, c, most);
+        if (!source) return;
+        const Mm &y = *source;
+        Model target = model_of(x), old = target, from = model_of(y);
+        std::optional<Mm> held;
+        if (random.below(2)) held = x;
+        bool takes_block = !held && y.size() <= x.getp();
+        bool wanted = write(target, c, from, takes_block);
+        ASSERT_EQ(goes_through([&] { c.on(x) = y; }), wanted);
+        ASSERT_TRUE(agrees(x, target));
+        ASSERT_TRUE(agrees(y, from));
+        ASSERT_TRUE(!held || agrees(*held, old));
+    }
+
+    Random random{0};
+    int results, errors;
 
   private:
     const kn::KernelTable &last_ = kn::kernels();
 };
 
 TEST_F(IndexModel, reads) {
-    in_all_sets(41, [](Random &random, Outcome &outcome) {
+    in_all_sets(41, [this] {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
-            check_read(x, random_call(random, x, random.below(8) == 0), outcome);
+            check_read(x, random_call(random, x, random.below(8) == 0));
         }
     });
 }
@@ -560,13 +546,13 @@ TEST_F(IndexModel, lines_of_a_large_array_are_shared_among_threads) {
 }
 
 TEST_F(IndexModel, writes) {
-    in_all_sets(43, [](Random &random, Outcome &outcome) {
+    in_all_sets(43, [this] {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Type type = static_cast<Type>(random.below(types));
             Mm x = random_value(random, type, random_extents(random));
             for (int step = 0; step < 3 && !HasFatalFailure(); ++step) {
                 if (type == structure && !x.isstruct()) break; // x(:) = [] left a cell
-                check_write(random, type, x, random_call(random, x, true), 500, outcome);
+                check_write(type, x, random_call(random, x, true), 500);
                 if (x.size() > 2000) break;
             }
         }
@@ -596,7 +582,7 @@ Mm long_subscript(Random &random, int extent) {
 
 // Where vectors, blocks and threads come in.
 TEST_F(IndexModel, long_selections) {
-    in_all_sets(47, [](Random &random, Outcome &outcome) {
+    in_all_sets(47, [this] {
         const Type all[] = {real, complex, bytes, cell, logical};
         for (int n : {63, 64, 65, 127, 700, 1500, 40000, 280000})
             for (int k = 0; k < (n < 10000 ? 60 : n < 100000 ? 12 : 4) && !HasFatalFailure(); ++k) {
@@ -612,8 +598,8 @@ TEST_F(IndexModel, long_selections) {
                     c.colon.push_back(random.below(2));
                     c.s.push_back(c.colon[1] ? Mm() : test::row({3, 1}));
                 }
-                check_read(x, c, outcome);
-                if (!HasFatalFailure()) check_write(random, type, x, c, 4 * n, outcome);
+                check_read(x, c);
+                if (!HasFatalFailure()) check_write(type, x, c, 4 * n);
             }
     });
 }
