@@ -220,23 +220,7 @@ TEST_F(Messages, position_of_the_innermost_entry) {
 
 // -- Validators.
 
-TEST(Validators, pass_or_name_caller_and_fault) {
-    Mm cube = named("c", nd({1, 2, 2}, {1, 2, 3, 4})), wide = named("w", M({{1, 2}})),
-       sparse_one = named("s", test::sparse_of(1, 1, {{0, 1}})),
-       structure = named("st", test::struct_of({{"a", 1.0}})), square = M({{1}});
-    const std::tuple<int (*)(const Mm &, const char *), const Mm &, const Mm &, const char *> table[] = {
-        {error_2d, wide, cube, "f: 2-d matrix expected, but matrix c has 3 dimensions"},
-        {error_square, square, wide, "f: square matrix expected, but matrix w has 1 rows and 2 columns"},
-        {error_sparse, sparse_one, square, "f: sparse matrix expected, but matrix =1 is full"},
-        {error_struct, structure, wide, "f: structure expected, but matrix w is not"},
-        {error_numeric, wide, structure, "f: numeric data expected, but matrix st is not"},
-    };
-    for (const auto &[check, good, bad, text] : table) {
-        EXPECT_EQ(check(good, "f"), 0) << text;
-        test::Returning errors;
-        EXPECT_EQ(check(bad, "f"), 1);
-        EXPECT_EQ(errors.errors(), std::vector<std::string>{text});
-    }
+TEST(Validators, of_counts) {
     const std::tuple<int, int, const char *> counts[] = {
         {0, 9, "Too few (0<1) outputs for f"}, // counted first
         {3, 9, "Too many (3>2) outputs for f"},
