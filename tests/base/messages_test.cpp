@@ -23,14 +23,12 @@ void record_print(const char *text) { shown += text; }
 // Standard handlers, with recorded dialogs and prints; the state of the funnel is put back.
 class Messages : public testing::Test {
   protected:
-    void SetUp() override {
-        old_error = kn_set_error_handler(nullptr);
+    Messages() {
         kn_set_warning_handler(nullptr);
         kn_set_print_handler(record_print);
-        old_box = kn_set_message_box_handler(record_box);
         shown.clear();
     }
-    void TearDown() override {
+    ~Messages() override {
         kn_default_error_flags = 7;
         kn_default_warning_flags = 0;
         warning(0, "forget the line");
@@ -61,11 +59,9 @@ class Messages : public testing::Test {
     }
 
   private:
-    kn_text_handler old_error = nullptr;
-    kn_box_handler old_box = nullptr;
+    const kn_text_handler old_error = kn_set_error_handler(nullptr);
+    const kn_box_handler old_box = kn_set_message_box_handler(record_box);
 };
-
-std::string text_of(const Mm &m) { return std::string(m.addr(), m.addr() + m.getnnz()); }
 
 // -- Handlers and flags.
 
@@ -165,7 +161,7 @@ TEST_F(Messages, line_forms_quote_the_source_line) {
         kn_set_error_source("prog.m", text);
         const std::string wanted = "Error prog.m " + std::to_string(line) + ": '" + quoted + "'\nbad 7\n\n";
         thrown([at = line] { error(at, "bad %d", 7); });
-        EXPECT_EQ(text_of(lasterr()), wanted);
+        EXPECT_SAME(lasterr(), TM(wanted.c_str()));
         shown.clear();
         warning(line, "bad %d", 7);
         EXPECT_EQ(shown, wanted);

@@ -133,10 +133,7 @@ class Path : public testing::Test {
 
     static std::string text() {
         const Mm m = path();
-        std::string out(static_cast<size_t>(Mstr_size(m)), ' ');
-        Mstr(m, out.data(), static_cast<int>(out.size()));
-        out.pop_back();
-        return out;
+        return {m.addr(), m.addr() + m.getnnz()};
     }
 };
 
@@ -152,9 +149,7 @@ TEST_F(Path, directories_in_order) {
     kn::path_add(*mpath_pointer, "/last;", true);
     EXPECT_EQ(text(), "/g/;/last/;");
     kn_delete_path_record(mpath_pointer);
-    Mm y, *out = &y;
-    EXPECT_RAISES(kn_call_function("addpath", CL(TM("a")), 0, &out),
-                  "path is not available in compiled programs.");
+    EXPECT_RAISES(addpath(TM("a")), "path is not available in compiled programs.");
 }
 
 TEST_F(Path, full) {

@@ -152,14 +152,12 @@ TEST_F(Workspace, random_sequences_follow_the_model) {
                 case 8:
                     if (model.level() > 1) model.end();
                     break;
-                case 9: {
-                    const Mm *m =
-                        Scopes::find(name, model.level()) < 0 ? nullptr : Scopes::lookup(name, model.level());
+                case 9:
                     model.forget(model.level(), name);
-                    if (m) Scopes::remove(const_cast<Mm &>(*m));
+                    if (Scopes::find(name, model.level()) >= 0)
+                        Scopes::remove(*Scopes::lookup(name, model.level()));
                     break;
-                }
-                case 10: {
+                case 10:
                     EXPECT_RAISES(fail_inside(random, random.below(4)), "fails");
                     while (model.level() > 1) {
                         model.forget_all(model.level());
@@ -167,7 +165,6 @@ TEST_F(Workspace, random_sequences_follow_the_model) {
                     }
                     variables_scope.reset();
                     break;
-                }
                 }
                 model.check();
                 if (HasFatalFailure()) return;

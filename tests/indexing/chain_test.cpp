@@ -134,13 +134,9 @@ std::vector<Mm> elements() {
 
 // The first error of the work, "" if none, with a handler that returns or throws.
 std::string first_error(bool returning, const std::function<void()> &work) {
-    if (!returning) {
-        std::string text = raised(work);
-        return text == "(no error)" ? "" : text;
-    }
     Returning errors;
-    work();
-    return errors.errors().empty() ? "" : errors.errors()[0];
+    const std::string text = returning ? (work(), "(no error)") : raised(work);
+    return !errors.errors().empty() ? errors.errors()[0] : text == "(no error)" ? "" : text;
 }
 
 // What the change makes of the root, as the law says, and the error it reports.

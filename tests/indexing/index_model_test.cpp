@@ -41,7 +41,7 @@ struct Model {
     Mm like; // type, flags, field names
     bool complex = false;
     Extents d = {0, 0, 0, 0};
-    std::vector<Mm> e; // column-major: numbers, values of cells and structures
+    std::vector<Mm> e = {}; // column-major: numbers, values of cells and structures
 
     bool values() const { return like.gettype() == kn_Mm; }
     bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
@@ -68,11 +68,16 @@ struct Model {
     }
 };
 
+Mm kind_of(const Mm &m) { // type and flags, without a holder of the block
+    Mm x(0, m.issparse(), 0, 0, 0, m.gettype());
+    x.setstr(m.isstr());
+    x.setlogical(m.islogical());
+    return x;
+}
+
 Model model_of(const Mm &m) {
     Model x;
-    x.like = Mm(0, m.issparse(), 0, 0, 0, m.gettype()); // no holder of the block
-    x.like.setstr(m.isstr());
-    x.like.setlogical(m.islogical());
+    x.like = kind_of(m);
     for (int k = 0; k < m.getnfields(); ++k) x.like.addfield(m.getfields()[k], 0);
     x.complex = m.isc();
     std::copy_n(m.getdims(), 4, x.d.begin());
@@ -222,11 +227,7 @@ bool remove(Model &x, const Call &s, bool direct) {
     if (!direct && others > 1) return false;
     if (others == 0) {
         if (n == 2 && direct) return true;
-        Model none;
-        none.like = Mm(0, x.like.issparse(), 0, 0, 0, x.like.gettype());
-        none.like.setstr(x.like.isstr());
-        none.like.setlogical(x.like.islogical());
-        x = none;
+        x = {kind_of(x.like)};
         return true;
     }
     if (!direct && sparse_with_zeros(s)) return false;
@@ -279,10 +280,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (!direct && sparse_with_zeros(s)) return false;
 
     if (direct && n == 1 && s.colon[0]) {
-        if (!y.complex && x.complex) {
-            x.complex = false;
-            for (Mm &a : x.e) a = a.r();
-        }
+        x.complex = x.complex && y.complex;
         if (old_size == 0) return true;
         if (size != 1 && size != old_size) return false;
         x.complex = y.complex;
@@ -386,15 +384,6 @@ Mm random_subscript(Random &random, int extent, bool beyond) {
         double v = limit > 0 ? 1 + random.below(limit) : 1;
         return random.below(20) == 0 ? v + 0.25 * random.below(4) : v;
     };
-    auto shape = [&]() -> std::vector<int> {
-        int m = 1 + random.below(4);
-        switch (random.below(6)) {
-        case 0: return {m, 1};
-        case 1: return {2, m};
-        case 2: return {1, random.below(2) + 1, 1 + random.below(2)};
-        default: return {1, m};
-        }
-    };
     switch (random.below(10)) {
     case 0: return Mm();
     case 1:
@@ -416,8 +405,11 @@ Mm random_subscript(Random &random, int extent, bool beyond) {
         return colon(double(first), double(first + n - 1));
     }
     default: {
-        std::vector<int> d = shape();
-        Mm m(0, 0, 0, static_cast<int>(d.size()), d.data(), kn_double);
+        const int kind = random.below(6), n = 1 + random.below(4);
+        Mm m = kind == 0   ? zeros(n, 1)
+               : kind == 1 ? zeros(2, n)
+               : kind == 2 ? zeros(1, 1 + random.below(2), 1 + random.below(2))
+                           : zeros(1, n);
         for (int k = 1; k <= m.getnnz(); ++k) m.r(k) = index();
         return random.below(12) == 0 ? sparse(m) : m;
     }
@@ -510,8 +502,7 @@ class IndexModel : public testing::Test {
         if (!source) return;
         const Mm &y = *source;
         Model target = model_of(x), old = target, from = model_of(y);
-        std::optional<Mm> held;
-        if (random.below(2)) held = x;
+        const std::optional<Mm> held = random.below(2) ? std::optional(x) : std::nullopt;
         bool takes_block = !held && y.size() <= x.getp();
         bool wanted = write(target, c, from, takes_block);
         ASSERT_EQ(goes_through([&] { c.on(x) = y; }), wanted);
