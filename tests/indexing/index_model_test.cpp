@@ -365,15 +365,11 @@ Mm random_value(Random &random, Type type, std::vector<int> d) {
 }
 
 std::vector<int> random_extents(Random &random) {
-    switch (random.below(8)) {
-    case 0: return {0, 0};
-    case 1: return {1, 1};
-    case 2: return {1, 1 + random.below(6)};
-    case 3: return {1 + random.below(6), 1};
-    case 4: return {1 + random.below(3), 1 + random.below(3), 1 + random.below(3)};
-    case 5: return {1, 1, 1 + random.below(4), 1 + random.below(2)};
-    default: return {1 + random.below(4), 1 + random.below(4)};
-    }
+    auto n = [&](int most) { return 1 + random.below(most); };
+    const std::vector<int> kinds[] = {
+        {0, 0},       {1, 1},      {1, n(6)}, {n(6), 1}, {n(3), n(3), n(3)}, {1, 1, n(4), n(2)},
+        {n(4), n(4)}, {n(4), n(4)}};
+    return kinds[random.below(8)];
 }
 
 // A subscript for an extent, at times beyond it, seldom not positive.
