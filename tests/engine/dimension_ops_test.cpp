@@ -29,33 +29,23 @@ bool is_true(Cx z) { return !(z.real() == 0) || !(z.imag() == 0); }
 Cx product(Cx a, Cx b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
-double at(const Mm &m, ptrdiff_t k) {
-    return m.gettype() == kn_uint8 ? m.getpr(static_cast<unsigned char *>(nullptr))[k] : m.addr()[k];
-}
-Cx element(const Mm &m, ptrdiff_t k) { return {at(m, k), m.isc() ? m.addi()[k] : 0}; }
 
-// Applies the model to every slice along d. The real results of complex slices are wrapped by the caller.
+// The model of every slice along d.
 Mm by_slices(const Mm &a, int d, Model model, bool complex) {
-    const int *dims = a.getdims();
-    int out_dims[4] = {dims[0], dims[1], dims[2], dims[3]};
-    ptrdiff_t stride = 1, len = dims[d - 1];
-    for (int k = 0; k < d - 1; ++k) stride *= dims[k];
-    ptrdiff_t slices = a.getnnz() / len;
-    out_dims[d - 1] = static_cast<int>(model(Line(static_cast<size_t>(len))).size());
-    ptrdiff_t out_len = out_dims[d - 1];
-    Mm out(complex, 0, 0, 4, out_dims, kn_double);
-    for (ptrdiff_t s = 0; s < slices; ++s) {
-        ptrdiff_t o = s / stride, i = s % stride;
+    Mm order = row({1, 2, 3, 4});
+    order(1) = d, order(d) = 1; // which undoes itself
+    const Mm turned = permute(mdouble(a), order);
+    const int len = turned.rows(), slices = turned.size() / len;
+    std::vector<double> re, im;
+    for (int s = 0; s < slices; ++s) {
         Line line;
-        for (ptrdiff_t k = 0; k < len; ++k) line.push_back(element(a, (o * len + k) * stride + i));
-        Line result = model(line);
-        for (ptrdiff_t k = 0; k < out_len; ++k) {
-            ptrdiff_t to = (o * out_len + k) * stride + i;
-            out.addr()[to] = result[static_cast<size_t>(k)].real();
-            if (complex) out.addi()[to] = result[static_cast<size_t>(k)].imag();
-        }
+        for (int k = s * len; k < s * len + len; ++k)
+            line.push_back({turned.addr()[k], turned.isc() ? turned.addi()[k] : 0});
+        for (Cx z : model(line)) re.push_back(z.real()), im.push_back(z.imag());
     }
-    return out;
+    Mm dims = size(turned);
+    dims(1) = static_cast<int>(re.size()) / slices;
+    return permute(reshape(complex ? complex_of(row(re), row(im)) : row(re), dims), order);
 }
 
 template <class Step> Line running(const Line &x, Cx v, Step step) {
@@ -161,33 +151,21 @@ TEST(DimensionOps, products_and_medians_of_bytes_wrap) {
 
 struct Best {
     Mm y, i;
+    Best(bool most, const Mm &a, const Mm &dim = zero_M) {
+        most ? max(a, Mm(), dim, i_o, y, i) : min(a, Mm(), dim, i_o, y, i);
+    }
 };
-Best max_of(const Mm &a, const Mm &dim = zero_M) {
-    Best b;
-    max(a, Mm(), dim, i_o, b.y, b.i);
-    return b;
-}
-Best min_of(const Mm &a, const Mm &dim = zero_M) {
-    Best b;
-    min(a, Mm(), dim, i_o, b.y, b.i);
-    return b;
-}
+Best max_of(const Mm &a, const Mm &dim = zero_M) { return {true, a, dim}; }
+Best min_of(const Mm &a, const Mm &dim = zero_M) { return {false, a, dim}; }
 
 TEST(DimensionOps, positions_of_the_first_best) {
-    struct {
-        Mm a;
-        double max, at_max, min, at_min;
-    } cases[] = {{row({nan, nan}), -inf, 1, inf, 1},
-                 {row({-inf, nan}), -inf, 1, -inf, 1},
-                 {row({nan, -inf, inf}), inf, 3, -inf, 2},
-                 {Mm(nan), nan, 1, nan, 1}};
-    for (auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.a));
-        Best most = max_of(c.a), least = min_of(c.a);
-        EXPECT_SAME(most.y, Mm(c.max));
-        EXPECT_SAME(most.i, Mm(c.at_max));
-        EXPECT_SAME(least.y, Mm(c.min));
-        EXPECT_SAME(least.i, Mm(c.at_min));
+    const std::pair<Mm, Mm> cases[] = {{row({nan, nan}), row({-inf, 1, inf, 1})},
+                                       {row({-inf, nan}), row({-inf, 1, -inf, 1})},
+                                       {row({nan, -inf, inf}), row({inf, 3, -inf, 2})},
+                                       {Mm(nan), row({nan, 1, nan, 1})}};
+    for (const auto &[a, wanted] : cases) {
+        const Best most = max_of(a), least = min_of(a);
+        EXPECT_SAME(Mm((BR(most.y), most.i, least.y, least.i)), wanted) << testing::PrintToString(a);
     }
 }
 
@@ -307,14 +285,9 @@ std::vector<double> all_of_them(const Mm &a, const Mm &d) {
             for (int k = 0; plane && k < m.getnnz(); ++k)
                 bits.push_back(std::isnan(plane[k]) ? 0.5 : plane[k]);
     };
-    using Along = Mm (*)(const Mm &, const Mm &);
-    for (Along f : std::initializer_list<Along>{sum, prod, cumsum, cumprod, any, all}) take(f(a, d));
-    for (auto f : {max_of, min_of}) {
-        Best b = f(a, d);
-        take(b.y);
-        take(b.i);
-        take(f == max_of ? max(a, Mm(), d) : min(a, Mm(), d));
-    }
+    for (const Reduction &r : reductions)
+        if (r.model != model_median) take(r.f(a, d));
+    for (const Best &b : {max_of(a, d), min_of(a, d)}) take(b.y), take(b.i);
     return bits;
 }
 

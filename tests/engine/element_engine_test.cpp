@@ -5,6 +5,7 @@
 #include <cmath>
 #include <complex>
 #include <cstring>
+#include <map>
 #include <utility>
 
 #include "kernels/kernel_table.h"
@@ -242,6 +243,10 @@ TEST(ElementEngine, kernels_at_their_edges) {
         EXPECT_SAME(got, wanted);
     }
     EXPECT_TRUE(std::signbit(minus(1.0, C(1, 0)).i()));
+    Mm many = ones(1, 100000); // shared among threads
+    EXPECT_SAME(sqrt(many), many);
+    many(many.size()) = -1;
+    EXPECT_SAME(sqrt(many), complex_of(max(many, 0.0), max(-many, 0.0)));
 }
 
 TEST(ElementEngine, comparisons_of_complex_and_nan) {
@@ -280,7 +285,11 @@ bool keeps_complex(int op) {
 }
 
 // The operation that a function of the language with so many inputs is, or -1.
-int op_of(const std::string &word, int inputs) {
+int op_of(std::string word, int inputs) {
+    static const std::map<std::string, std::string> others = {
+        {"dot_mul", "times"}, {"dot_div", "rdivide"}, {"dot_invdiv", "ldivide"}, {"dot_pow", "power"},
+        {"arg", "angle"},     {"finite", "isfinite"}, {"kn_isnan", "isnan"},     {"msqrt", "sqrt"}};
+    if (others.contains(word)) word = others.at(word);
     for (int op = first_elementwise; op < op_count_; ++op)
         if (is_among(word + " " + word + "_" + std::to_string(inputs), op) && is_binary(op) == (inputs == 2))
             return op;
@@ -332,7 +341,7 @@ TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_rea
             expect(U8({{7, 200}}), 3.0, false);
         }
     }
-    EXPECT_TRUE(unary >= 45 && binary >= 30) << unary << " " << binary;
+    EXPECT_TRUE(unary >= 49 && binary >= 34) << unary << " " << binary;
     EXPECT_TRUE(power(row({-1, 4}), row({2, 2})).isc()); // only the scalar 2 keeps a power real
     EXPECT_FALSE(power(2.0, row({-1, 4})).isc() || power(row({-1, 4}), muint8(2.0)).isc());
     using Two = Mm (*)(const Mm &, const Mm &);
@@ -342,26 +351,6 @@ TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_rea
                                              {operator!=, ne},     {operator&&, mand}, {operator||, mor}};
     for (auto [f, g] : operators)
         for (double x : {0.0, 1.0, 2.0}) EXPECT_SAME(f(x, 1.0), g(x, 1.0));
-}
-
-TEST(ElementEntries, of_other_names) {
-    const Mm a = row({5, 2, 0}), b = row({3, 4, 1});
-    const std::pair<Mm, Mm> pairs[] = {{dot_mul(a, b), times(a, b)},
-                                       {dot_div(a, b), rdivide(a, b)},
-                                       {dot_invdiv(a, b), ldivide(a, b)},
-                                       {dot_pow(a, b), power(a, b)},
-                                       {mand(a, b), a && b},
-                                       {mor(a, b), a || b},
-                                       {mxor(a, b), logical_of(row({0, 0, 1}))},
-                                       {mbitand(a, b), row({1, 0, 0})},
-                                       {mbitor(a, b), row({7, 6, 1})},
-                                       {mnot(a), !a},
-                                       {msqrt(a), sqrt(a)},
-                                       {arg(-a), angle(-a)},
-                                       {finite(a / 0.0), isfinite(a / 0.0)},
-                                       {kn_isnan(a / 0.0), isnan(a / 0.0)}};
-    for (const auto &[given, wanted] : pairs)
-        EXPECT_SAME(mdouble(given), mdouble(wanted)) << &given - &pairs[0].first;
 }
 
 TEST(ElementEntries, that_change_nothing_share_the_block) {
@@ -413,24 +402,19 @@ TEST(ElementEngine, bytes_compute_in_bytes) {
 
 TEST(ElementEngine, sparse_operands_give_what_full_ones_give) {
     test::Random random(9);
-    auto some = [&](int m, int n, bool complex) {
-        Mm a(complex, 0, 0, m, n, kn_double);
-        for (int k = 0; k < a.getnnz(); ++k) {
-            bool stored = random.below(3) == 0;
-            a.addr()[k] = stored ? random.below(9) - 3 : 0;
-            if (complex) a.addi()[k] = stored && random.below(2) ? random.below(5) - 2 : 0;
-        }
-        return a;
+    auto some = [](bool complex) {
+        auto plane = [] { return full(fix(3 * sprandn(3.0, 4.0, 0.4))); };
+        return complex ? plane() + i * plane() : plane();
     };
     for (int op = 0; op < op_count_; ++op)
         for (int round = 0; round < 24; ++round) {
             SCOPED_TRACE(kn::op_name(op) + std::string(" round ") + std::to_string(round));
             bool along = op < first_elementwise, two = !along && is_binary(op);
             int form = two ? round % 4 : 0;
-            Mm a = form == 2 ? Mm(random.below(4) - 1.0) : some(3, 4, round & 4);
+            Mm a = form == 2 ? Mm(random.below(4) - 1.0) : some(round & 4);
             Mm b = !two        ? (op == op_del2 || op == op_gradient ? row({0, 1, 2, 3}) : zero_M)
                    : form == 1 ? Mm(random.below(4) - 1.0)
-                               : some(3, 4, round & 8);
+                               : some(round & 8);
             // In the union of positions both zeros stay out, whatever the function makes of them.
             if (op == op_gammainc) continue;
             int complex = a.isc() || b.isc();
