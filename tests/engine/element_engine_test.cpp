@@ -402,28 +402,35 @@ TEST(ElementEngine, bytes_compute_in_bytes) {
 
 TEST(ElementEngine, sparse_operands_give_what_full_ones_give) {
     test::Random random(9);
-    auto some = [](bool complex) {
-        auto plane = [] { return full(fix(3 * sprandn(3.0, 4.0, 0.4))); };
-        return complex ? plane() + i * plane() : plane();
+    // Whole numbers, some of them stored zeros.
+    auto some = [&](int m, int n, bool complex) {
+        Mm s = sprandn(m, n, 0.5);
+        if (complex) s.getcomplex();
+        for (int k = 0; k < s.getnnz(); ++k) {
+            s.addr()[k] = random.below(7) - 3;
+            if (s.isc()) s.addi()[k] = random.below(5) - 2;
+        }
+        return s;
     };
     for (int op = 0; op < op_count_; ++op)
-        for (int round = 0; round < 24; ++round) {
+        for (int round = 0; round < 48; ++round) {
             SCOPED_TRACE(kn::op_name(op) + std::string(" round ") + std::to_string(round));
-            bool along = op < first_elementwise, two = !along && is_binary(op);
-            int form = two ? round % 4 : 0;
-            Mm a = form == 2 ? Mm(random.below(4) - 1.0) : some(round & 4);
-            Mm b = !two        ? (op == op_del2 || op == op_gradient ? row({0, 1, 2, 3}) : zero_M)
-                   : form == 1 ? Mm(random.below(4) - 1.0)
-                               : some(round & 8);
             // In the union of positions both zeros stay out, whatever the function makes of them.
             if (op == op_gammainc) continue;
-            int complex = a.isc() || b.isc();
-            Mm sa = form == 3 ? a : sparse(a), sb = two ? sparse(b) : b;
+            const bool along = op < first_elementwise, two = !along && is_binary(op);
+            const int form = two ? round % 4 : 0, m = along ? 3 : 1 + random.below(5),
+                      n = along ? 4 : 2 + random.below(5);
+            Mm sa = form == 2 ? sparse(random.below(4) - 1.0) : some(m, n, round & 4), a = full(sa);
+            Mm sb = form == 1 ? sparse(random.below(4) - 1.0) : some(m, n, round & 8), b = full(sb);
+            if (!two) sb = b = op == op_del2 || op == op_gradient ? row({0, 1, 2, 3}) : zero_M;
+            if (form == 3) sa = a;
             if (form == 1 && round & 16) sb = b;
+            const int complex = a.isc() || b.isc();
             Mm wanted = Mm(complex, a, b, zero_M, static_cast<op_t>(op), along, l_M);
             Mm got = Mm(complex, sa, sb, zero_M, static_cast<op_t>(op), along, l_M);
             bool mixed = sa.issparse() != sb.issparse() && (op == op_plus || op == op_minus);
             ASSERT_EQ(got.issparse() != 0, !mixed);
+            kn::check(got);
             if (got.getnnz() == 0 && !got.isc()) wanted.getreal(0); // nothing was computed
             ASSERT_SAME(mixed ? got : full(got), wanted.getnnz() ? wanted : Mm());
             for (int k = 0; k < got.getnnz() && !mixed; ++k)
