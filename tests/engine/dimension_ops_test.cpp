@@ -1,12 +1,11 @@
 // Operations along a dimension, against slices picked out one by one.
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <complex>
 #include <cstring>
-#include <functional>
-#include <random>
-#include <vector>
+#include <numeric>
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
@@ -121,8 +120,7 @@ TEST(DimensionOps, every_dimension_is_worked_slice_by_slice) {
             Mm bytes = muint8(a);
             for (int d = 1; d <= 4; ++d)
                 for (const Reduction &r : reductions) {
-                    SCOPED_TRACE(r.name + std::string(" along ") + std::to_string(d) + " of " +
-                                 std::to_string(a.rows()) + "x" + std::to_string(a.cols()));
+                    SCOPED_TRACE(r.name + (" along " + std::to_string(d)) + testing::PrintToString(shape));
                     bool logical = r.model == model_all || r.model == model_any;
                     bool gone = r.model == model_diff && a.size(d) == 1;
                     Mm wanted = gone ? Mm() : by_slices(a, d, r.model, complex && r.complex);
@@ -226,12 +224,12 @@ double pairwise(const double *x, size_t n) {
 }
 
 TEST(DimensionOps, sums_are_at_least_as_accurate_as_pairwise_ones) {
+    static_assert(LDBL_MANT_DIG >= 64);
     std::mt19937_64 random(5);
-    std::uniform_real_distribution<double> unit(0, 1);
     std::vector<double> x(1000000);
     for (size_t k = 0; k < x.size(); k += 2) { // what is left where large numbers cancel
-        x[k] = 1e6 * unit(random);
-        x[k + 1] = 1e-6 * unit(random) - x[k];
+        x[k] = std::ldexp(random() >> 14, -30);
+        x[k + 1] = std::ldexp(random() >> 54, -30) - x[k];
     }
     std::ranges::shuffle(x, random);
     for (int rows : {100, 20000, 250000, 1000000}) {
@@ -241,15 +239,9 @@ TEST(DimensionOps, sums_are_at_least_as_accurate_as_pairwise_ones) {
         double errors[3] = {}; // sums of squares
         for (int k = 0; k < slices.cols(); ++k) {
             const double *from = slices.addr() + static_cast<size_t>(k) * n;
-            long double exact = 0, rest = 0; // twice the precision of long double
-            for (size_t l = 0; l < n; ++l) {
-                long double t = exact + from[l], v = t - exact;
-                rest += (exact - (t - v)) + (from[l] - v);
-                exact = t;
-            }
+            const long double exact = std::accumulate(from, from + n, 0.0L); // multiples of 2^-30 below 2^33
             const double sums[] = {down.addr()[k], across.addr()[k], pairwise(from, n)};
-            for (int s = 0; s < 3; ++s)
-                errors[s] += static_cast<double>((sums[s] - exact - rest) * (sums[s] - exact - rest));
+            for (int s = 0; s < 3; ++s) errors[s] += std::pow(static_cast<double>(sums[s] - exact), 2);
         }
         EXPECT_LE(std::max(errors[0], errors[1]), errors[2]) << rows;
     }
@@ -266,7 +258,7 @@ TEST(DimensionOps, sums_that_are_not_finite) {
                     a.addr()[k] = k < stride ? first : k / stride % 2 ? odd : even;
                 const Mm s = sum(a, 2.0);
                 return std::all_of(s.addr(), s.addr() + stride,
-                                   [=](double x) { return std::memcmp(&x, &wanted, sizeof x) == 0; });
+                                   [=](double x) { return same_bits(x, wanted); });
             };
             EXPECT_TRUE(sum_is(-0.0, -0.0, -0.0, 0.0));
             EXPECT_TRUE(
@@ -319,8 +311,7 @@ TEST(DimensionOps, same_bits_in_all_instruction_sets_and_for_any_threads) {
                             if (wanted.empty()) wanted = got;
                             ASSERT_EQ(got.size(), wanted.size());
                             ASSERT_EQ(std::memcmp(got.data(), wanted.data(), sizeof(double) * got.size()), 0)
-                                << (*table)->name << ", " << threads << " threads, " << shape[0] << " by "
-                                << shape[1] << " along " << d;
+                                << (*table)->name << threads << testing::PrintToString(shape) << d;
                         }
                 }
             }

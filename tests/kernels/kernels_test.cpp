@@ -7,9 +7,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
@@ -42,10 +39,6 @@ std::vector<const KernelTable *> tables() {
 }
 const KernelTable &baseline() { return *tables().back(); }
 
-bool same_number(double x, double y) {
-    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
-}
-
 const double special[] = {0.0,      -0.0,      1,      -1,    0.5,    -0.5,    2,       3,
                           -3,       1e-10,     inf,    -inf,  nan,    DBL_MIN, DBL_MAX, -DBL_MAX,
                           4.9e-324, -4.9e-324, 1e-310, 1e300, -1e300, 700,     709.782, 709.7828,
@@ -76,13 +69,6 @@ template <class T> struct Values {
     kn::Operand<T> operand() const { return {re.data() + 1, complex ? im.data() + 1 : nullptr, step}; }
 };
 
-template <class T> const kn::Loops<T> *loops(const KernelTable &table) {
-    if constexpr (sizeof(T) == 1)
-        return table.bytes;
-    else
-        return table.doubles;
-}
-
 enum InPlace { apart, in_a, in_b };
 
 // Both planes of the result; what stands in front of it and behind it must stay.
@@ -102,14 +88,18 @@ std::vector<T> result(const KernelTable &table, int op, ptrdiff_t n, bool comple
             o.im = im;
         }
     }
-    loops<T>(table)[op].elements({re, complex ? im : nullptr, n, x, y});
+    const kn::Elements<T> work = {re, complex ? im : nullptr, n, x, y};
+    if constexpr (sizeof(T) == 1)
+        table.bytes[op].elements(work);
+    else
+        table.doubles[op].elements(work);
     EXPECT_TRUE(re[-1] == guard && re[n] == guard && im[-1] == guard && im[n] == guard) << kn::op_name(op);
     return out;
 }
 
 template <class T> bool same_results(const std::vector<T> &x, const std::vector<T> &y) {
     return std::equal(x.begin(), x.end(), y.begin(), y.end(),
-                      [](T u, T v) { return sizeof(T) == 1 ? u == v : same_number(u, v); });
+                      [](T u, T v) { return sizeof(T) == 1 ? u == v : test::same_bits(u, v); });
 }
 
 // Runs f(op, n, complex result, a, b) over operands of all forms.
@@ -351,7 +341,7 @@ TEST(Kernels, sines_beside_their_zeros) {
 
 // Where it matters what a function answers exactly: at zeros, infinities, the ends of the domain.
 TEST(Kernels, special_values_are_those_of_the_baseline) {
-    auto close = [](double x, double y) { return same_number(x, y) || (x != 0 && ulps(x, y) <= 3); };
+    auto close = [](double x, double y) { return test::same_bits(x, y) || (x != 0 && ulps(x, y) <= 3); };
     for (const KernelTable *table : tables())
         for (int op = 0; op < op_count_; ++op) {
             if (!by_set[op].real) continue;

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <cmath>
 #include <fstream>
-#include <functional>
 #include <thread>
 
 #include <sys/resource.h>

@@ -2,7 +2,6 @@
 // zeros, real and complex.
 #include <cmath>
 #include <map>
-#include <vector>
 
 #include "support/support.h"
 #include "value/header.h"

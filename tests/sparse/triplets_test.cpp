@@ -1,9 +1,6 @@
 // Sparse values from triplets, sizes and patterns, and what can be read of them.
 #include <climits>
 #include <cmath>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "support/support.h"
 

@@ -4,21 +4,17 @@
 // that special_functions.h promises; the laws allow a few roundings more, for the arithmetic of the law
 // itself.
 
-#include "special/special_functions.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cfenv>
 #include <cmath>
 #include <fstream>
 #include <limits>
 #include <map>
-#include <random>
 #include <span>
 #include <sstream>
-#include <string>
-#include <vector>
+
+#include "special/special_functions.h"
+#include "support/support.h"
 
 using namespace kn;
 

@@ -177,6 +177,10 @@ Mm Random::any() {
     return m;
 }
 
+bool same_bits(double x, double y) {
+    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
+}
+
 testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
     if (alike(got, wanted, ulps)) return testing::AssertionSuccess();
     return testing::AssertionFailure()

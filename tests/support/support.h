@@ -58,6 +58,9 @@ class Random {
 
 // -- Comparisons.
 
+// Bit for bit, but that any NaN equals any other.
+bool same_bits(double x, double y);
+
 // Same class, flags of kind, extents and elements; NaN equals NaN, 0 equals -0.
 testing::AssertionResult same(const Mm &got, const Mm &wanted);
 // The same with elements that differ by at most `ulps` units in the last place of the wanted one.
