@@ -25,6 +25,7 @@ using Line = std::vector<Cx>;
 using Model = Line (*)(const Line &);
 
 bool is_true(Cx z) { return !(z.real() == 0) || !(z.imag() == 0); }
+// By the formula, whatever is infinite.
 Cx product(Cx a, Cx b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
@@ -98,25 +99,23 @@ const Reduction reductions[] = {
     {"median", median, model_median, true, true},
 };
 
-Mm random_array(test::Random &random, const std::vector<int> &dims, bool complex) {
-    Mm a(complex, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
-    for (int k = 0; k < a.getnnz(); ++k) {
-        // Distinct sizes, so that the order of complex numbers is by modulus alone.
-        a.addr()[k] = random.below(3) ? random.below(2001) / 256.0 - 4 : random.below(5) - 2;
-        if (complex) a.addi()[k] = random.below(2001) / 256.0 - 4 + k * 0x1p-12;
-    }
-    return a;
+Mm random_array(const std::vector<int> &shape, bool complex) {
+    const Mm dims = row({shape.begin(), shape.end()}), n = prod(dims);
+    auto numbers = [&] { return floor(2001 * randM(1, n)) / 256 - 4; };
+    Mm a = times(numbers(), randM(1, n) > 0.1);
+    // Distinct sizes, so that the order of complex numbers is by modulus alone.
+    if (complex) a = a + i * (numbers() + 0x1p-12 * colon(1, n));
+    return reshape(a, dims);
 }
 
 TEST(DimensionOps, every_dimension_is_worked_slice_by_slice) {
-    test::Random random(3);
     // Widths beyond the pieces that rows are worked in, and counts that leave groups of four incomplete.
     const std::vector<std::vector<int>> shapes = {
         {1, 1},    {1, 7},       {6, 1},       {4, 4},    {5, 9},    {9, 2},       {3, 4, 2},
         {2, 1, 5}, {2, 3, 2, 3}, {1, 1, 1, 4}, {1030, 3}, {3, 1030}, {1025, 2, 2}, {2050, 1, 3}};
     for (const auto &shape : shapes)
         for (bool complex : {false, true}) {
-            Mm a = random_array(random, shape, complex);
+            Mm a = random_array(shape, complex);
             Mm bytes = muint8(a);
             for (int d = 1; d <= 4; ++d)
                 for (const Reduction &r : reductions) {
@@ -350,12 +349,8 @@ TEST(DimensionOps, nan_and_signed_zeros) {
 
 TEST(DimensionOps, unwrap_turns_jumps_back) {
     const double turn = 2 * kn::raw_pi;
-    std::vector<double> smooth, wrapped;
-    for (int k = 0; k < 40; ++k) {
-        smooth.push_back(0.7 * k);
-        wrapped.push_back(std::remainder(0.7 * k, turn));
-    }
-    EXPECT_NEAR_ULP(unwrap(row(wrapped)) + 1.0, row(smooth) + 1.0, 64);
+    const Mm smooth = 0.7 * colon(0, 39);
+    EXPECT_NEAR_ULP(unwrap(smooth - turn * round(smooth / turn)) + 1.0, smooth + 1.0, 64);
     EXPECT_SAME(unwrap(Mm(7.0)), Mm(7.0 - turn)) << "the first element is reduced too";
     EXPECT_SAME(unwrap(test::complex_of(row({0, 4}), row({0, 4})), C(5, 3)),
                 test::complex_of(row({0, 4}), row({0, 4 - turn})))

@@ -36,21 +36,6 @@ Mm element(const Mm &a, int k) {
     return a.isc() ? C(a.addr()[k], a.addi()[k]) : Mm(a.addr()[k]);
 }
 
-std::vector<int> random_shape(test::Random &random) {
-    std::vector<int> dims;
-    for (int k = 0, n = 2 + random.below(3); k < n; ++k) dims.push_back(1 + random.below(4));
-    return dims;
-}
-
-Mm random_numbers(test::Random &random, const std::vector<int> &dims, bool complex) {
-    Mm m(complex, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
-    for (int k = 0; k < m.getnnz(); ++k) {
-        m.addr()[k] = random.number();
-        if (complex) m.addi()[k] = random.below(3) ? random.number() : 0;
-    }
-    return m;
-}
-
 // -- One element at a time.
 
 TEST(ElementEngine, arrays_are_what_their_elements_are) {
@@ -61,10 +46,13 @@ TEST(ElementEngine, arrays_are_what_their_elements_are) {
             // Array and array, array and scalar, scalar and array; long ones leave a rest of vectors.
             const int planes = round % 4, form = round / 4 % 3;
             const bool is_long = round >= 44 - 8 * !planes, bytes = !planes && round % 8;
-            auto dims = is_long ? std::vector<int>{1, 1003} : random_shape(random);
-            const std::vector<int> one_by_one = {1, 1};
-            Mm a = random_numbers(random, form == 2 ? one_by_one : dims, planes & 1);
-            Mm b = random_numbers(random, form == 1 ? one_by_one : dims, planes & 2);
+            auto extent = [&] { return 1.0 + random.below(5); };
+            const Mm dims = is_long ? row({1, 1003}) : row({extent(), extent(), extent()});
+            auto some = [&](bool scalar, bool complex) {
+                if (scalar) return random.matrix(1, 1, complex);
+                return reshape(random.matrix(1, prod(dims).r(), complex), dims);
+            };
+            Mm a = some(form == 2, planes & 1), b = some(form == 1, planes & 2);
             if (bytes) a = muint8(a), b = muint8(b);
             if (!is_binary(op)) b = zero_M;
             int complex = a.isc() || b.isc() || (!bytes && round % 5 == 0);
@@ -286,15 +274,6 @@ int op_of(std::string word, int inputs) {
     return -1;
 }
 
-// What the fast path of a scalar gives, and what the engine gives with the same request.
-void expect_as_engine(const Mm &got, Mm wanted, bool is_logical) {
-    wanted.setlogical(is_logical);
-    EXPECT_SAME(got, wanted);
-    EXPECT_EQ(std::memcmp(&got.getflags(), &wanted.getflags(), sizeof(M_types)), 0);
-    for (int k = 0; k < got.getnnz() && got.gettype() == kn_double; ++k)
-        EXPECT_PRED2(same_bits, got.addr()[k], wanted.addr()[k]);
-}
-
 TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_reals_end) {
     const double probes[] = {-inf, -3, -1, -0.5, -0.0, 0, 0.5, 1, 2, 3.5, inf, nan};
     int unary = 0, binary = 0;
@@ -305,7 +284,12 @@ TEST(ElementEntries, agree_with_the_engine_and_ask_for_complex_results_where_rea
         auto expect = [&](const Mm &a, const Mm &b, bool complex) {
             SCOPED_TRACE(f.title() + testing::PrintToString(a) + testing::PrintToString(b));
             const Mm inputs[] = {a, b};
-            expect_as_engine(f.call(inputs), engine(complex, a, b, op), is_logical(op));
+            Mm got = f.call(inputs), wanted = engine(complex, a, b, op);
+            wanted.setlogical(is_logical(op));
+            EXPECT_SAME(got, wanted);
+            EXPECT_EQ(std::memcmp(&got.getflags(), &wanted.getflags(), sizeof(M_types)), 0);
+            for (int k = 0; k < got.getnnz() && got.gettype() == kn_double; ++k)
+                EXPECT_PRED2(same_bits, got.addr()[k], wanted.addr()[k]);
         };
         if (f.count == 1) {
             ++unary;
@@ -392,16 +376,6 @@ TEST(ElementEngine, bytes_compute_in_bytes) {
 
 TEST(ElementEngine, sparse_operands_give_what_full_ones_give) {
     test::Random random(9);
-    // Whole numbers, some of them stored zeros.
-    auto some = [&](int m, int n, bool complex) {
-        Mm s = sprandn(m, n, 0.5);
-        if (complex) s.getcomplex();
-        for (int k = 0; k < s.getnnz(); ++k) {
-            s.addr()[k] = random.below(7) - 3;
-            if (s.isc()) s.addi()[k] = random.below(5) - 2;
-        }
-        return s;
-    };
     for (int op = 0; op < op_count_; ++op)
         for (int round = 0; round < 48; ++round) {
             SCOPED_TRACE(kn::op_name(op) + std::string(" round ") + std::to_string(round));
@@ -410,8 +384,10 @@ TEST(ElementEngine, sparse_operands_give_what_full_ones_give) {
             const bool along = op < first_elementwise, two = !along && is_binary(op);
             const int form = two ? round % 4 : 0, m = along ? 3 : 1 + random.below(5),
                       n = along ? 4 : 2 + random.below(5);
-            Mm sa = form == 2 ? sparse(random.below(4) - 1.0) : some(m, n, round & 4), a = full(sa);
-            Mm sb = form == 1 ? sparse(random.below(4) - 1.0) : some(m, n, round & 8), b = full(sb);
+            Mm sa = form == 2 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 0.5, round & 4),
+               a = full(sa);
+            Mm sb = form == 1 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 0.5, round & 8),
+               b = full(sb);
             if (!two) sb = b = op == op_del2 || op == op_gradient ? row({0, 1, 2, 3}) : zero_M;
             if (form == 3) sa = a;
             if (form == 1 && round & 16) sb = b;

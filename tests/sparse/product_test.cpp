@@ -10,26 +10,12 @@ using namespace test;
 
 namespace {
 
-// Whole numbers, of which products and sums are exact; about one in `thin` is stored, some as zeros.
-Mm pattern(Random &random, int m, int n, int thin, bool complex) {
-    std::vector<std::pair<int, double>> entries;
-    for (int k = 0; k < m * n; ++k)
-        if (random.below(thin) == 0) entries.push_back({k, random.below(7) - 2.0});
-    Mm s = sparse_of(m, n, entries);
-    if (!complex || s.getnnz() == 0) return s;
-    Mm z;
-    z.deepcopy(1, s, kn_double);
-    for (int k = 0; k < z.getnnz(); ++k) z.addi()[k] = random.below(3) - 1.0;
-    z.addi()[0] = 1; // a plane of zeros may go at any time
-    return z;
-}
-
 TEST(SparseProduct, is_that_of_full_values) {
     Random random(61);
     for (int round = 0; round < 400; ++round) {
         int m = 1 + random.below(7), n = 2 + random.below(7), l = 1 + random.below(5);
-        const Mm a = pattern(random, m, n, 1 + random.below(6), random.below(3) == 0),
-                 b = pattern(random, n, l, 1 + random.below(6), random.below(3) == 0),
+        const Mm a = random.thin(m, n, 1.0 / (1 + random.below(6)), random.below(3) == 0),
+                 b = random.thin(n, l, 1.0 / (1 + random.below(6)), random.below(3) == 0),
                  wanted = full(a) * full(b);
         wanted.getreal(0);
         for (const Mm &got : {a * b, full(a) * b, a * full(b), ctranspose(ctranspose(b) * ctranspose(a))}) {
@@ -57,8 +43,8 @@ TEST(SparseProduct, forms_the_products_of_stored_entries_only) {
     Random random(62);
     for (int round = 0; round < 300; ++round) {
         int m = 1 + random.below(200), n = 2 + random.below(9), l = 1 + random.below(5);
-        Mm a = pattern(random, m, n, 1 + random.below(60), false),
-           b = pattern(random, n, l, 1 + random.below(5), false);
+        Mm a = random.thin(m, n, 1.0 / (1 + random.below(60))),
+           b = random.thin(n, l, 1.0 / (1 + random.below(5)));
         for (Mm *x : {&a, &b})
             if (x->getnnz() > 0 && random.below(2))
                 x->addr()[random.below(x->getnnz())] = random.below(2) ? inf : NAN;

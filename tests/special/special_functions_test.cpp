@@ -136,11 +136,11 @@ TEST(SpecialFunctions, extremes_are_quiet) {
                 for (double z : others(3)) {
                     const double got = of.f(x, y, z);
                     const bool of_nan = std::isnan(x) || std::isnan(y) || std::isnan(z);
-                    EXPECT_TRUE(std::isnan(got) || (!of_nan && (!fraction || (got >= 0 && got <= 1))))
-                        << name << " " << x << " " << y << " " << z << ": " << got;
-                    EXPECT_EQ(std::fetestexcept(FE_INVALID | FE_DIVBYZERO), 0)
-                        << name << " " << x << " " << y << " " << z;
+                    const bool quiet = std::fetestexcept(FE_INVALID | FE_DIVBYZERO) == 0;
                     std::feclearexcept(FE_ALL_EXCEPT);
+                    EXPECT_TRUE(quiet &&
+                                (std::isnan(got) || (!of_nan && (!fraction || (got >= 0 && got <= 1)))))
+                        << name << " " << x << " " << y << " " << z << ": " << got;
                 }
     }
 }

@@ -177,6 +177,16 @@ Mm Random::any() {
     return m;
 }
 
+Mm Random::thin(int rows, int cols, double density, bool complex) {
+    Mm s = sprandn(rows, cols, density);
+    if (complex) s.getcomplex();
+    for (int k = 0; k < s.getnnz(); ++k) {
+        s.addr()[k] = below(7) - 2;
+        if (complex) s.addi()[k] = below(5) - 2;
+    }
+    return s;
+}
+
 bool same_bits(double x, double y) {
     return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
 }

@@ -51,6 +51,8 @@ class Random {
     double number(); // mostly small integers and fractions, at times NaN, Inf, huge, tiny, signed zero
     Mm matrix(int rows, int cols, bool complex = false);
     Mm any(); // any kind of value
+    Mm thin(int rows, int cols, double density,
+            bool complex = false); // sparse: whole numbers, also stored zeros
 
   private:
     std::mt19937 engine_;
