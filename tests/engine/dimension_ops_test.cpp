@@ -25,7 +25,7 @@ using Line = std::vector<Cx>;
 using Model = Line (*)(const Line &);
 
 bool is_true(Cx z) { return !(z.real() == 0) || !(z.imag() == 0); }
-// By the formula, whatever is infinite.
+// By the formula, also where parts are infinite.
 Cx product(Cx a, Cx b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }

@@ -384,9 +384,9 @@ TEST(ElementEngine, sparse_operands_give_what_full_ones_give) {
             const bool along = op < first_elementwise, two = !along && is_binary(op);
             const int form = two ? round % 4 : 0, m = along ? 3 : 1 + random.below(5),
                       n = along ? 4 : 2 + random.below(5);
-            Mm sa = form == 2 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 0.5, round & 4),
+            Mm sa = form == 2 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 1 + round % 5, round & 4),
                a = full(sa);
-            Mm sb = form == 1 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 0.5, round & 8),
+            Mm sb = form == 1 ? sparse(random.below(4) - 1.0) : random.thin(m, n, 1 + round % 5, round & 8),
                b = full(sb);
             if (!two) sb = b = op == op_del2 || op == op_gradient ? row({0, 1, 2, 3}) : zero_M;
             if (form == 3) sa = a;

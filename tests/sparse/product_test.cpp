@@ -14,9 +14,8 @@ TEST(SparseProduct, is_that_of_full_values) {
     Random random(61);
     for (int round = 0; round < 400; ++round) {
         int m = 1 + random.below(7), n = 2 + random.below(7), l = 1 + random.below(5);
-        const Mm a = random.thin(m, n, 1.0 / (1 + random.below(6)), random.below(3) == 0),
-                 b = random.thin(n, l, 1.0 / (1 + random.below(6)), random.below(3) == 0),
-                 wanted = full(a) * full(b);
+        const Mm a = random.thin(m, n, 1 + random.below(6), random.below(3) == 0),
+                 b = random.thin(n, l, 1 + random.below(6), random.below(3) == 0), wanted = full(a) * full(b);
         wanted.getreal(0);
         for (const Mm &got : {a * b, full(a) * b, a * full(b), ctranspose(ctranspose(b) * ctranspose(a))}) {
             kn::check(got);
@@ -43,8 +42,7 @@ TEST(SparseProduct, forms_the_products_of_stored_entries_only) {
     Random random(62);
     for (int round = 0; round < 300; ++round) {
         int m = 1 + random.below(200), n = 2 + random.below(9), l = 1 + random.below(5);
-        Mm a = random.thin(m, n, 1.0 / (1 + random.below(60))),
-           b = random.thin(n, l, 1.0 / (1 + random.below(5)));
+        Mm a = random.thin(m, n, 1 + random.below(60)), b = random.thin(n, l, 1 + random.below(5));
         for (Mm *x : {&a, &b})
             if (x->getnnz() > 0 && random.below(2))
                 x->addr()[random.below(x->getnnz())] = random.below(2) ? inf : NAN;

@@ -177,13 +177,13 @@ Mm Random::any() {
     return m;
 }
 
-Mm Random::thin(int rows, int cols, double density, bool complex) {
-    Mm s = sprandn(rows, cols, density);
+Mm Random::thin(int rows, int cols, int every, bool complex) {
+    std::vector<std::pair<int, double>> entries;
+    for (int k = 0; k < rows * cols; ++k)
+        if (below(every) == 0) entries.push_back({k, below(7) - 2.0});
+    Mm s = sparse_of(rows, cols, entries);
     if (complex) s.getcomplex();
-    for (int k = 0; k < s.getnnz(); ++k) {
-        s.addr()[k] = below(7) - 2;
-        if (complex) s.addi()[k] = below(5) - 2;
-    }
+    for (int k = 0; complex && k < s.getnnz(); ++k) s.addi()[k] = below(5) - 2;
     return s;
 }
 

@@ -51,8 +51,8 @@ class Random {
     double number(); // mostly small integers and fractions, at times NaN, Inf, huge, tiny, signed zero
     Mm matrix(int rows, int cols, bool complex = false);
     Mm any(); // any kind of value
-    Mm thin(int rows, int cols, double density,
-            bool complex = false); // sparse: whole numbers, also stored zeros
+    // Sparse: whole numbers, some of them stored zeros, for about one element in `every`.
+    Mm thin(int rows, int cols, int every, bool complex = false);
 
   private:
     std::mt19937 engine_;
