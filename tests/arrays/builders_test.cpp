@@ -64,15 +64,13 @@ TEST(Ranges, random_steps) {
     std::uniform_real_distribution<double> draw(-100, 100);
     for (int round = 0; round < 2000; round++) {
         double a = draw(engine), s = draw(engine) / 20, b = a + std::abs(draw(engine)) * (s > 0 ? 1 : -1);
-        bool whole = round % 2 == 0;
-        int steps = static_cast<int>(std::floor((b - a) / s));
-        if (whole) b = steps * s + a;
-
+        const int steps = static_cast<int>(std::floor((b - a) / s));
+        const double last = steps * s + a;
+        if (round % 2 == 0) b = last;
         Mm x = colon(a, s, b);
         int n = x.size();
         ASSERT_EQ(n, steps + 1) << a << " " << s << " " << b;
         const double *v = x.addr();
-        double last = whole ? b : (n - 1) * s + a;
         EXPECT_NEAR(v[n - 1], last, 1e-13);
         EXPECT_TRUE(s > 0 ? v[n - 1] <= last && last <= b : v[n - 1] >= last && last >= b);
         for (int k = 0; k < n; k++) EXPECT_NEAR(v[k], a + k * s, k ? 1e-12 : 0);
