@@ -177,6 +177,20 @@ Mm Random::any() {
     return m;
 }
 
+Mm Random::thin(int rows, int cols, int every, bool complex) {
+    std::vector<std::pair<int, double>> entries;
+    for (int k = 0; k < rows * cols; ++k)
+        if (below(every) == 0) entries.push_back({k, below(7) - 2.0});
+    Mm s = sparse_of(rows, cols, entries);
+    if (complex) s.getcomplex();
+    for (int k = 0; complex && k < s.getnnz(); ++k) s.addi()[k] = below(5) - 2;
+    return s;
+}
+
+bool same_bits(double x, double y) {
+    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
+}
+
 testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
     if (alike(got, wanted, ulps)) return testing::AssertionSuccess();
     return testing::AssertionFailure()

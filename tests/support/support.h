@@ -51,12 +51,17 @@ class Random {
     double number(); // mostly small integers and fractions, at times NaN, Inf, huge, tiny, signed zero
     Mm matrix(int rows, int cols, bool complex = false);
     Mm any(); // any kind of value
+    // Sparse: whole numbers, some of them stored zeros, for about one element in `every`.
+    Mm thin(int rows, int cols, int every, bool complex = false);
 
   private:
     std::mt19937 engine_;
 };
 
 // -- Comparisons.
+
+// Bit for bit, but that any NaN equals any other.
+bool same_bits(double x, double y);
 
 // Same class, flags of kind, extents and elements; NaN equals NaN, 0 equals -0.
 testing::AssertionResult same(const Mm &got, const Mm &wanted);
