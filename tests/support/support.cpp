@@ -18,13 +18,7 @@ std::string new_directory() {
 }
 namespace {
 
-std::vector<std::string> recorded_errors, recorded_warnings;
-std::string captured;
-
 void throw_raised(const char *text) { throw Raised{text}; }
-void record_error(const char *text) { recorded_errors.push_back(text); }
-void record_warning(const char *text) { recorded_warnings.push_back(text); }
-void capture(const char *text) { captured += text ? text : ""; }
 
 class Handlers : public testing::Environment {
     void SetUp() override { kn_set_error_handler(throw_raised); }
@@ -185,14 +179,11 @@ testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
 testing::AssertionResult same(const Mm &got, const Mm &wanted) { return near(got, wanted, 0); }
 
 std::string printed(const std::function<void()> &work) {
-    struct Capture {
-        kn_text_handler old = kn_set_print_handler(capture);
-        ~Capture() { kn_set_print_handler(old); }
-    };
-    captured.clear();
-    Capture now;
+    const Prints prints;
     work();
-    return captured;
+    std::string all;
+    for (const std::string &text : prints.texts()) all += text;
+    return all;
 }
 
 std::string raised(const std::function<void()> &work) {
@@ -206,14 +197,6 @@ std::string raised(const std::function<void()> &work) {
     kn_set_error_handler(old);
     return text;
 }
-
-Returning::Returning() : old_(kn_set_error_handler(record_error)) { recorded_errors.clear(); }
-Returning::~Returning() { kn_set_error_handler(old_); }
-const std::vector<std::string> &Returning::errors() const { return recorded_errors; }
-
-Warnings::Warnings() : old_(kn_set_warning_handler(record_warning)) { recorded_warnings.clear(); }
-Warnings::~Warnings() { kn_set_warning_handler(old_); }
-const std::vector<std::string> &Warnings::texts() const { return recorded_warnings; }
 
 } // namespace test
 

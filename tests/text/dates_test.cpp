@@ -10,12 +10,12 @@ using namespace test;
 namespace {
 
 TEST(Dates, numbers_of_dates) {
-    struct {
-        std::vector<double> parts;
-        double number;
-    } const cases[] = {{{2000, 1, 1}, 730486}, {{1900, 2, 29}, 694021}, {{2000, 14, 1}, 730883},
-                       {{2000, 0, 1}, 730486}, {{2000, 3, 0}, 730545},  {{2000, 1, 1, 12, 0, 43200}, 730487}};
-    for (const auto &c : cases) EXPECT_SAME(datenum(row(c.parts)), Mm(c.number));
+    for (const auto &[parts, number] : {std::pair<Mm, double>{row({1900, 2, 29}), 694021},
+                                        {row({2000, 14, 1}), 730883},
+                                        {row({2000, 0, 1}), 730486},
+                                        {row({2000, 3, 0}), 730545},
+                                        {row({2000, 1, 1, 12, 0, 43200}), 730487}})
+        EXPECT_SAME(datenum(parts), Mm(number));
     EXPECT_SAME(datenum(2000.0, row({1, 2}), 1.0), row({730486, 730517}));
     EXPECT_SAME(datenum(NAN, 1.0, 1.0), Mm(NAN));
     EXPECT_RAISES(datenum(row({1, 2}), col({1, 2}), 1.0), "datenum: inputs must be of same size");
@@ -56,16 +56,13 @@ TEST(Dates, text) {
         EXPECT_RAISES(datestr(bad), "datestr: not a date");
 
     const double day = std::floor(t);
-    struct {
-        const char *text;
-        double number;
-    } const good[] = {{"01-Mar-2000", day},
-                      {"Wed, March 1, 2000", day},
-                      {"2000/3/1 3:45:17.25 pm", t},
-                      {"2000-03-01T15:45:17.25", t},
-                      {"03/01", scalar(datenum(clockM().r(1), 3.0, 1.0))},
-                      {"12:00 AM", std::floor(scalar(now()))}};
-    for (const auto &c : good) EXPECT_SAME(datenum(TM(c.text)), Mm(c.number)) << c.text;
+    for (auto [text, number] : {std::pair{"01-Mar-2000", day},
+                                {"Wed, March 1, 2000", day},
+                                {"2000/3/1 3:45:17.25 pm", t},
+                                {"2000-03-01T15:45:17.25", t},
+                                {"03/01", scalar(datenum(clockM().r(1), 3.0, 1.0))},
+                                {"12:00 AM", std::floor(scalar(now()))}})
+        EXPECT_SAME(datenum(TM(text)), Mm(number)) << text;
     for (const char *bad : {"x", "2000-13-01", "30-Feb-2000", "1:2:3:4", "12:", "25:00", "13:00 PM", "5",
                             "1 2 3 4", "Mar Mar 1", "1;2;3", "99999999999999999999999999/1/1"})
         EXPECT_RAISES(datenum(TM(bad)), "datenum: '" + std::string(bad) + "' is not a date");
