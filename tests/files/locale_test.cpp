@@ -3,7 +3,6 @@
 #include <clocale>
 #include <cstdlib>
 #include <string>
-#include <vector>
 
 #include "files/folder.h"
 
@@ -18,26 +17,16 @@ class Locale : public test::Folder {
         const Mm x = row({1.5, -2.25e-30, 1e300, 123456.789});
         put("text.txt", "+1.5 0x1.8p1 Inf\n2 3.5 4");
         saveascii(TM("ascii"), (CL(x)));
-        std::vector<Mm> told = {num2str(x),
-                                mat2str(x),
-                                version(),
-                                datestr(730000.75, 0),
-                                datenum(TM("12-FRI-JAN-2001 10:30:12.5")),
-                                datenum(TM("1.7.2001")),
-                                upper(TM("i\xe9")),
-                                lower(TM("I")),
-                                isletter(TM("\xe9")),
-                                isspace(TM("\xa0")),
-                                vbload(TM("text.txt")),
-                                TM(bytes("ascii").c_str()),
-                                fscanf(fopen(TM("text.txt")), TM("%f"))};
-        fclose(TM("all"));
+        Mm told = (CL(num2str(x)), mat2str(x), version(), datestr(730000.75, 0), datenum(TM("1.7.2001")),
+                   datenum(TM("12-FRI-JAN-2001 10:30:12.5")), upper(TM("i\xe9")), lower(TM("I")),
+                   isletter(TM("\xe9")), isspace(TM("\xa0")), vbload(TM("text.txt")),
+                   TM(bytes("ascii").c_str()), fscanf(fopen(TM("text.txt")), TM("%f")));
         for (const char *format : {"%6.2f", "%g ", "%010.3e", "%+G", "%#g"})
-            told.push_back(sprintf(TM(format), x));
+            told = (CL(told), sprintf(TM(format), x));
         for (const char *text : {"1.5", "0x1.8p1", "1.5 + 2.5i", "+INFINITY"})
-            for (const Mm &m : {str2num(TM(text)), str2double(TM(text)), sscanf(TM(text), TM("%f"))})
-                told.push_back(m);
-        return test::cell_of(1, static_cast<int>(told.size()), told);
+            told = (CL(told), str2num(TM(text)), str2double(TM(text)), sscanf(TM(text), TM("%f")));
+        fclose(TM("all"));
+        return told;
     }
 };
 

@@ -106,11 +106,11 @@ TEST_F(Streams, the_126th_file) {
         testing::ExitedWithCode(1), "");
 }
 
-// Every function of a fid, with fids that are none; what they give when the handler returns.
+// Every function of a fid, by its number of inputs, with fids that are none; what they give when the handler
+// returns.
 TEST_F(Streams, bad_fids) {
     const Mm out = test::named("out", 1);
-    const std::tuple<const char *, int, Mm> calls[] = {// how many inputs, and the result
-                                                       {"fgets", 1, -1},
+    const std::tuple<const char *, int, Mm> calls[] = {{"fgets", 1, -1},
                                                        {"fgetl", 1, -1},
                                                        {"feof", 1, 1},
                                                        {"fflush", 1, 1},
