@@ -8,26 +8,23 @@
 #include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
+#include "text/text_of.h"
 
 namespace {
 
 using std::string;
 using test::col;
 using test::row;
+using test::text_of;
 
 using Streams = test::Folder;
-
-string text(const Mm &m) {
-    string s;
-    for (int k = 0; k < m.size(); ++k) s += static_cast<char>(m.addr()[k]);
-    return s;
-}
 
 TEST_F(Streams, fids_names_modes_and_formats) {
     put("a", "a");
     Mm fid, message, name, mode, format;
     auto opened = [&](const Mm &f) {
-        return fopen(f, i_o, name, mode, format), text(name) + "|" + text(mode) + "|" + text(format);
+        fopen(f, i_o, name, mode, format);
+        return text_of(name) + "|" + text_of(mode) + "|" + text_of(format);
     };
     EXPECT_SAME(fopen(TM("all")), nop_M);
     EXPECT_SAME(fopen(TM("a")), 3);
@@ -247,9 +244,9 @@ TEST_F(Streams, directories_and_names) {
     EXPECT_SAME(fullfile((CL(TM("/a/")), TM("/b\\"), TM("c//"), TM(""), TM("d"))), TM("/a\\b\\c/\\\\d"));
 
     const Mm name = tempname();
-    EXPECT_FALSE(std::filesystem::exists(text(name)));
+    EXPECT_FALSE(std::filesystem::exists(text_of(name)));
     EXPECT_FALSE(test::same(name, tempname()));
-    EXPECT_TRUE(text(name).starts_with(text(tempdir())));
+    EXPECT_TRUE(text_of(name).starts_with(text_of(tempdir())));
     kn::os::set_environment("KN_TEST", "set to \xe9");
     EXPECT_SAME(getenv(TM("KN_TEST")), TM("set to \xe9"));
     kn::os::set_environment("KN_TEST", nullptr);

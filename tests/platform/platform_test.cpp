@@ -46,10 +46,6 @@ TEST(Memory, readable_to_the_byte) {
 
 class Files : public test::Folder {
   protected:
-    static bool write(const char *name, const std::string &text) {
-        std::FILE *f = os::open_file(name, "wb");
-        return f && std::fwrite(text.data(), 1, text.size(), f) == text.size() && std::fclose(f) == 0;
-    }
     static std::string absolute(const char *name) {
         char out[4096];
         return os::absolute_path(name, out, sizeof out) ? out : "(none)";
@@ -57,13 +53,14 @@ class Files : public test::Folder {
 };
 
 TEST_F(Files, backslashes_separate_directories) {
+    put("one", "one");
     ASSERT_TRUE(os::make_directory("a") && os::make_directory("a\\b"));
-    ASSERT_TRUE(write("a\\b\\new.txt", "one"));
+    EXPECT_EQ(os::copy_file("one", "a\\b\\new.txt"), os::Copied::all);
     EXPECT_EQ(os::copy_file("a\\b/new.txt", "a\\copy"), os::Copied::all);
     EXPECT_TRUE(os::rename_file("a\\copy", "a\\b\\moved"));
     EXPECT_EQ(bytes("a/b/moved"), "one");
     EXPECT_TRUE(os::is_directory("a\\b") && !os::is_directory("a\\b\\moved"));
-    EXPECT_FALSE(write("missing\\x", "")) << "no file with a backslash in its name is made instead";
+    EXPECT_FALSE(os::open_file("missing\\x", "wb")) << "no file with a backslash in its name is made instead";
     ASSERT_TRUE(os::change_directory("a\\b"));
     EXPECT_EQ(absolute("..\\x\\.\\y/../z"), std::filesystem::canonical("..").string() + "/x/z");
     ASSERT_TRUE(os::change_directory("..\\.."));
@@ -73,10 +70,10 @@ TEST_F(Files, backslashes_separate_directories) {
 
 #ifndef _WIN32
 TEST_F(Files, names_as_given_come_first) {
-    ASSERT_TRUE(os::make_directory("a") && write("a/b", "slash"));
-    std::FILE *f = std::fopen("a\\b", "w");
-    ASSERT_TRUE(f && std::fputs("backslash", f) >= 0 && std::fclose(f) == 0);
-    EXPECT_EQ(bytes("a\\b"), "backslash");
+    std::filesystem::create_directory("a");
+    put("a/b", "slash"), put("a\\b", "backslash");
+    EXPECT_EQ(os::copy_file("a\\b", "copy"), os::Copied::all);
+    EXPECT_EQ(bytes("copy"), "backslash");
     EXPECT_TRUE(os::remove_file("a\\b"));
     EXPECT_TRUE(os::file_exists("a\\b"));
 
@@ -126,7 +123,7 @@ TEST(Locks, a_child_finds_them_free) {
 #endif
 
 TEST_F(Files, failures_leave_files_whole) {
-    ASSERT_TRUE(write("x", "text") && write("longer", "a longer text"));
+    put("x", "text"), put("longer", "a longer text");
     std::filesystem::create_hard_link("x", "hard");
     std::filesystem::create_symlink("x", "soft");
     for (const char *itself : {"x", "./x", "hard", "soft"})
@@ -240,7 +237,7 @@ TEST(Crash, sent_sigfpe_is_ignored_and_removal_restores) {
 // ---- Console and time ----
 
 TEST_F(Files, read_line_takes_only_the_newline) {
-    ASSERT_TRUE(write("in.txt", "ab\r\n\n12345678\nlast"));
+    put("in.txt", "ab\r\n\n12345678\nlast");
     auto run = [] {
         char line[6];
         if (!std::freopen("in.txt", "r", stdin) || os::key_waiting()) std::abort();

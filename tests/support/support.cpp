@@ -58,12 +58,9 @@ bool alike(const Mm &a, const Mm &b, double ulps) {
 Mm M(std::initializer_list<Row> rows) {
     const int m = static_cast<int>(rows.size()), n = m ? static_cast<int>(rows.begin()->size()) : 0;
     Mm x(0, 0, 0, m, n, kn_double);
-    int r = 0;
-    for (const Row &row : rows) {
-        int c = 0;
-        for (double v : row) x.addr()[r + m * c++] = v;
-        ++r;
-    }
+    int k = 0;
+    for (const Row &row : rows)
+        for (double v : row) x.addr()[k / n + m * (k % n)] = v, ++k;
     return x;
 }
 Mm U8(std::initializer_list<Row> rows) { return muint8(M(rows)); }
@@ -109,10 +106,9 @@ Mm cell_of(int rows, int cols, const std::vector<Mm> &elements) {
 }
 
 Mm struct_of(const std::vector<std::pair<const char *, Mm>> &fields) {
-    Mm s(0, 0, 0, 1, 1, kn_Mm);
-    std::vector<Mm> values;
-    for (const auto &[name, value] : fields) s.addfield(name, 0), values.push_back(value);
-    s.mr(1) = cell_of(1, static_cast<int>(values.size()), values);
+    Mm s(0, 0, 0, 1, 1, kn_Mm), values(0, 0, 0, 1, static_cast<int>(fields.size()), kn_Mm);
+    for (const auto &[name, value] : fields) s.addfield(name, 0), values.mr(s.getnfields()) = value;
+    s.mr(1) = values;
     return s;
 }
 

@@ -76,7 +76,7 @@ template <kn_text_handler (*set_handler)(kn_text_handler)> class Recorded {
     const std::vector<std::string> &texts() const { return texts_; }
 
   private:
-    static void record(const char *text) { texts_.push_back(text); }
+    static void record(const char *text) { texts_.push_back(text ? text : ""); }
     static inline std::vector<std::string> texts_;
     kn_text_handler old_;
 };
