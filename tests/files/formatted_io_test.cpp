@@ -1,8 +1,6 @@
 // Formatted text to files and the console and back; what fscanf takes from a stream, beside C's fscanf.
 #include <cstdio>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "files/file_table.h"
 #include "files/folder.h"

@@ -1,9 +1,5 @@
 // Which file is found and what it is taken for; text; files that are replaced whole or not at all.
 #include <cmath>
-#include <filesystem>
-#include <functional>
-#include <string>
-#include <vector>
 
 #ifndef _WIN32
 #include <sys/file.h>
@@ -12,7 +8,6 @@
 #include <unistd.h>
 #endif
 
-#include "base/scratch.h"
 #include "files/atomic_write.h"
 #include "files/folder.h"
 
@@ -20,7 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using std::string;
-using test::col;
 using test::M;
 using test::named;
 using test::row;

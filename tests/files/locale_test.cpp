@@ -2,7 +2,6 @@
 // the small letter of I is none of ASCII.
 #include <clocale>
 #include <cstdlib>
-#include <string>
 
 #include "files/folder.h"
 

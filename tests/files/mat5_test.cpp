@@ -1,12 +1,8 @@
 // MAT-files of level 5: bytes written by hand in both orders, round trips, damage, compressed variables.
-#include <algorithm>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include <zlib.h>
 
-#include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
 #include "files/mat/mat5.h"
@@ -15,7 +11,6 @@
 namespace {
 
 using namespace std::string_literals;
-using test::M;
 using test::row;
 
 // Elements of a file, in one byte order.

@@ -3,14 +3,10 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <random>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include "files/file_table.h"
 #include "files/folder.h"
-#include "files/precision.h"
 
 namespace {
 

@@ -1,11 +1,7 @@
 // Opening, closing, lines and positions; directories and names; files that are damaged or fail.
 #include <cmath>
-#include <string>
 #include <tuple>
-#include <utility>
-#include <vector>
 
-#include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
 #include "text/text_of.h"
@@ -13,7 +9,6 @@
 namespace {
 
 using std::string;
-using test::col;
 using test::row;
 using test::text_of;
 

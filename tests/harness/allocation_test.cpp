@@ -4,12 +4,9 @@
 //
 // All functions of the language take part by themselves; what is no such function has a line in `steps`.
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <new>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "base/scratch.h"
 #include "support/functions.h"

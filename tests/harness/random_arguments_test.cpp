@@ -1,11 +1,7 @@
 // Every function with random values of every kind in every place: what comes back is a valid value or a
 // reported error, the inputs stay as they were, and nothing leaks, whether the error handler throws or
 // returns.
-#include <cstdio>
-#include <cstring>
 #include <exception>
-#include <string>
-#include <vector>
 
 #include "base/scratch.h"
 #include "support/functions.h"

@@ -9,11 +9,8 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <string>
 #include <thread>
 #include <tuple>
-#include <vector>
 
 #include "base/block_alloc.h"
 #include "files/folder.h"

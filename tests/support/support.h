@@ -3,6 +3,8 @@
 //
 // All tests run with an error handler that throws `Raised`; Returning switches, for a scope, to one that
 // records and returns.
+//
+// The standard headers of this vocabulary, such as <string> and <vector>, come with it.
 #ifndef QUORVEX_TESTS_SUPPORT_H
 #define QUORVEX_TESTS_SUPPORT_H
 

@@ -1,7 +1,6 @@
 // Formatted output, input and waiting, with hooks in place of a user.
 #include <cstdio>
 #include <cstring>
-#include <string>
 
 #include "support/support.h"
 

@@ -1,8 +1,6 @@
 // Numbers from text and text from numbers: words, shapes, bases, and the way there and back.
 #include <bit>
 #include <cmath>
-#include <random>
-#include <string>
 
 #include "support/support.h"
 #include "text/text_of.h"

@@ -1,7 +1,6 @@
 // Date numbers, vectors and text, and the clocks.
 #include <chrono>
 #include <cmath>
-#include <string>
 
 #include "support/support.h"
 #include "text/text_of.h"

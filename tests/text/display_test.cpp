@@ -1,8 +1,6 @@
 // What disp, display and their relatives print, and in how many calls of the print handler.
 #include <cmath>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "quorvex/classes.h"
 #include "support/support.h"

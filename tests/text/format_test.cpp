@@ -4,9 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "support/support.h"
 #include "text/format/format_list.h"

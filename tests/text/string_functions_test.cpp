@@ -1,8 +1,5 @@
 // The string family: comparisons, searches, parts, joins and letters, of rows, matrices and cells.
 #include <array>
-#include <random>
-#include <string>
-#include <utility>
 
 #include "support/support.h"
 #include "text/text_of.h"
