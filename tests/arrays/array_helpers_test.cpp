@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
@@ -14,27 +13,17 @@ using namespace test;
 namespace {
 
 // An array of one of the element types, whose elements tell their position.
-Mm numbered(test::Random &random, int ndims, kn_matrix_types type) {
-    int dims[4];
-    for (int k = 0; k < ndims; k++) dims[k] = 1 + random.below(4);
-    Mm m(type == kn_double, 0, 0, ndims, dims, type);
-    for (int k = 1; k <= m.getnnz(); k++) {
-        if (type == kn_Mm) m.mr(k) = k;
-        if (type == kn_uint8) m.ur(k) = static_cast<unsigned char>(k);
-        if (type == kn_double) *m.addr(k) = k, *m.addi(k) = -k;
-    }
-    return m;
+Mm numbered(test::Random &random, int round) {
+    auto extent = [&] { return 1.0 + random.below(4); };
+    const double pages = random.below(3) ? extent() : 1, last = random.below(3) ? 1 : extent();
+    const Mm d = row({extent(), extent(), pages, last}), x = reshape(colon(1, prod(d)), d);
+    return round % 3 == 0 ? complex_of(x, -x) : round % 3 == 1 ? muint8(x) : num2cell(x);
 }
 
 Mm extents(const Mm &m) { return row({1.0 * m.size(1), 1.0 * m.size(2), 1.0 * m.size(3), 1.0 * m.size(4)}); }
 
 Mm some_sparse(test::Random &random, int m, int n) {
-    Mm x = random.matrix(m, n, random.below(2));
-    for (int k = 1; k <= x.getnnz(); k++) {
-        if (std::isnan(*x.addr(k)) || random.below(2)) *x.addr(k) = 0;
-        if (x.isc()) *x.addi(k) = 1;
-    }
-    return x;
+    return full(sprandn(m, n, 0.5)) + (random.below(2) ? C(0, 1) : zero_M);
 }
 
 // ---- Questions and sizes ----
@@ -97,9 +86,8 @@ TEST(ArrayHelpers, reshape) {
 TEST(ArrayHelpers, permute_moves_every_element) {
     test::Random random(21);
     for (int round = 0; round < 1500; round++) {
-        int ndims = 2 + random.below(3);
-        Mm x = numbered(random, ndims, std::array{kn_double, kn_uint8, kn_Mm}[round % 3]);
-        Mm order = randperm(std::max(ndims, 2 + random.below(3))), y = permute(x, order);
+        Mm x = numbered(random, round);
+        Mm order = randperm(std::max(x.getndims(), 2 + random.below(3))), y = permute(x, order);
         kn::check(y);
         Mm s[] = {1, 1, 1, 1}, at[] = {1, 1, 1, 1};
         ind2sub(extents(y), colon(1, y.size()), i_o, s[0], s[1], s[2], s[3]);
@@ -165,7 +153,7 @@ TEST(ArrayHelpers, turns_and_flips) {
 TEST(ArrayHelpers, repmat_repeats_every_element) {
     test::Random random(23);
     for (int round = 0; round < 1000; round++) {
-        Mm x = numbered(random, 2 + random.below(3), std::array{kn_double, kn_uint8, kn_Mm}[round % 3]);
+        Mm x = numbered(random, round);
         double n[4];
         for (double &count : n) count = 1 + random.below(3);
         Mm y = round % 2 ? repmat(x, n[0], n[1], n[2], n[3]) : repmat(x, row({n[0], n[1], n[2], n[3]}));

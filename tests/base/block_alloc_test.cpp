@@ -1,4 +1,5 @@
-// The block allocator: which layer serves a request, alignment, reuse, and blocks from several threads.
+// The block allocator: alignment, reuse, blocks from several threads, and what
+// the cache of large blocks keeps and gives again.
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "base/block_alloc.h"
+#include "base/large_blocks.h"
 #include "platform/platform.h"
 #include "support/support.h"
 
@@ -14,25 +16,12 @@ namespace {
 
 using byte = unsigned char;
 
+constexpr size_t KB = 1024, MB = 1024 * KB;
+
 byte *take(size_t n) {
     byte *p = static_cast<byte *>(kn_block_alloc(n));
     EXPECT_TRUE(p && reinterpret_cast<uintptr_t>(p) % 8 == 0) << n;
     return p;
-}
-
-bool is_small(const byte *p) { return p[-1] == 0; }
-
-TEST(BlockAlloc, the_byte_before_a_block_tells_its_layer) {
-    constexpr size_t limit = 0x20000 - 8;
-    for (size_t n : {size_t(0), size_t(5), limit, limit + 1, size_t(1) << 22}) {
-        byte *p = take(n);
-        EXPECT_EQ(is_small(p), n <= limit) << n;
-        EXPECT_LE(p[-1], 9) << n;
-        std::memset(p, 1, n);
-        kn_block_free(p);
-    }
-    kn_block_free(nullptr);
-    EXPECT_EQ(kn_block_alloc(SIZE_MAX), nullptr);
 }
 
 TEST(BlockAlloc, a_freed_block_comes_back_first_to_its_size) {
@@ -118,5 +107,55 @@ TEST(BlockAlloc, threads_share_blocks_under_the_lock) {
     kn_set_MT(0);
 }
 #endif
+
+// ---- Large blocks ----
+
+class LargeBlocks : public testing::Test {
+  protected:
+    void SetUp() override { kn::release_large_blocks(); }
+    const kn::LargeCacheUse bound = kn::large_cache_bound();
+    const bool cached = bound.blocks > 0; // not under the address sanitizer
+};
+
+TEST_F(LargeBlocks, a_request_gets_the_smallest_kept_block_that_suffices_or_the_beginning_of_a_larger_one) {
+    if (!cached) GTEST_SKIP() << "nothing is kept";
+    byte *live = take(600 * MB); // allows as much to be kept; its pages are never touched
+    byte *small = take(24 * MB - KB), *big = take(40 * MB - KB);
+    kn_block_free(big);
+    kn_block_free(small);
+    byte *first = take(23 * MB), *second = take(38 * MB);
+    EXPECT_EQ(first, small);
+    EXPECT_EQ(second, big);
+    kn_block_free(live); // live blocks are few now, and with new ones must not exceed what was alive
+    for (byte *p : {first, second}) kn_block_free(p);
+    EXPECT_LE(kn::large_cache_use().bytes, 24 * MB);
+}
+
+TEST_F(LargeBlocks, what_is_kept_stays_within_its_bounds) {
+    if (!cached) GTEST_SKIP() << "nothing is kept";
+    for (size_t size : {200 * KB, bound.bytes / 6}) {
+        std::vector<byte *> live;
+        for (int l = 0; l < 50; ++l) live.push_back(take(size));
+        size_t alive = 50 * (size + 2 * MB);
+        for (byte *p : live) {
+            ASSERT_NE(p, nullptr);
+            kn_block_free(p);
+            alive -= size + 2 * MB;
+            const kn::LargeCacheUse use = kn::large_cache_use();
+            ASSERT_LE(use.blocks, bound.blocks);
+            ASSERT_LE(use.bytes, std::min(bound.bytes, alive + 24 * MB + 2 * MB));
+        }
+        if (size > 24 * MB) continue;
+        byte *last = take(size);
+        EXPECT_NE(std::find(live.end() - bound.blocks, live.end(), last), live.end()) << "the latest stay";
+        kn_block_free(last);
+    }
+}
+
+TEST_F(LargeBlocks, an_impossible_one_is_null_and_frees_the_cache_first) {
+    kn_block_free(take(3 * MB));
+    for (size_t n : {SIZE_MAX / 4, SIZE_MAX}) EXPECT_EQ(kn_block_alloc(n), nullptr);
+    EXPECT_EQ(kn::large_cache_use().blocks, 0u);
+}
 
 } // namespace

@@ -1,12 +1,11 @@
 // Operations along a dimension, against slices picked out one by one.
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <complex>
 #include <cstring>
-#include <functional>
-#include <random>
-#include <vector>
+#include <numeric>
 
 #include "base/parallel.h"
 #include "kernels/kernel_table.h"
@@ -26,36 +25,27 @@ using Line = std::vector<Cx>;
 using Model = Line (*)(const Line &);
 
 bool is_true(Cx z) { return !(z.real() == 0) || !(z.imag() == 0); }
+// By the formula, also where parts are infinite.
 Cx product(Cx a, Cx b) {
     return {a.real() * b.real() - a.imag() * b.imag(), a.real() * b.imag() + a.imag() * b.real()};
 }
-double at(const Mm &m, ptrdiff_t k) {
-    return m.gettype() == kn_uint8 ? m.getpr(static_cast<unsigned char *>(nullptr))[k] : m.addr()[k];
-}
-Cx element(const Mm &m, ptrdiff_t k) { return {at(m, k), m.isc() ? m.addi()[k] : 0}; }
 
-// Applies the model to every slice along d. The real results of complex slices are wrapped by the caller.
+// The model of every slice along d.
 Mm by_slices(const Mm &a, int d, Model model, bool complex) {
-    const int *dims = a.getdims();
-    int out_dims[4] = {dims[0], dims[1], dims[2], dims[3]};
-    ptrdiff_t stride = 1, len = dims[d - 1];
-    for (int k = 0; k < d - 1; ++k) stride *= dims[k];
-    ptrdiff_t slices = a.getnnz() / len;
-    out_dims[d - 1] = static_cast<int>(model(Line(static_cast<size_t>(len))).size());
-    ptrdiff_t out_len = out_dims[d - 1];
-    Mm out(complex, 0, 0, 4, out_dims, kn_double);
-    for (ptrdiff_t s = 0; s < slices; ++s) {
-        ptrdiff_t o = s / stride, i = s % stride;
+    Mm order = row({1, 2, 3, 4});
+    order(1) = d, order(d) = 1; // which undoes itself
+    const Mm turned = permute(mdouble(a), order);
+    const int len = turned.rows(), slices = turned.size() / len;
+    std::vector<double> re, im;
+    for (int s = 0; s < slices; ++s) {
         Line line;
-        for (ptrdiff_t k = 0; k < len; ++k) line.push_back(element(a, (o * len + k) * stride + i));
-        Line result = model(line);
-        for (ptrdiff_t k = 0; k < out_len; ++k) {
-            ptrdiff_t to = (o * out_len + k) * stride + i;
-            out.addr()[to] = result[static_cast<size_t>(k)].real();
-            if (complex) out.addi()[to] = result[static_cast<size_t>(k)].imag();
-        }
+        for (int k = s * len; k < s * len + len; ++k)
+            line.push_back({turned.addr()[k], turned.isc() ? turned.addi()[k] : 0});
+        for (Cx z : model(line)) re.push_back(z.real()), im.push_back(z.imag());
     }
-    return out;
+    Mm dims = size(turned);
+    dims(1) = static_cast<int>(re.size()) / slices;
+    return permute(reshape(complex ? complex_of(row(re), row(im)) : row(re), dims), order);
 }
 
 template <class Step> Line running(const Line &x, Cx v, Step step) {
@@ -109,30 +99,27 @@ const Reduction reductions[] = {
     {"median", median, model_median, true, true},
 };
 
-Mm random_array(test::Random &random, const std::vector<int> &dims, bool complex) {
-    Mm a(complex, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
-    for (int k = 0; k < a.getnnz(); ++k) {
-        // Distinct sizes, so that the order of complex numbers is by modulus alone.
-        a.addr()[k] = random.below(3) ? random.below(2001) / 256.0 - 4 : random.below(5) - 2;
-        if (complex) a.addi()[k] = random.below(2001) / 256.0 - 4 + k * 0x1p-12;
-    }
-    return a;
+Mm random_array(const std::vector<int> &shape, bool complex) {
+    const Mm dims = row({shape.begin(), shape.end()}), n = prod(dims);
+    auto numbers = [&] { return floor(2001 * randM(1, n)) / 256 - 4; };
+    Mm a = times(numbers(), randM(1, n) > 0.1);
+    // Distinct sizes, so that the order of complex numbers is by modulus alone.
+    if (complex) a = a + i * (numbers() + 0x1p-12 * colon(1, n));
+    return reshape(a, dims);
 }
 
 TEST(DimensionOps, every_dimension_is_worked_slice_by_slice) {
-    test::Random random(3);
     // Widths beyond the pieces that rows are worked in, and counts that leave groups of four incomplete.
     const std::vector<std::vector<int>> shapes = {
         {1, 1},    {1, 7},       {6, 1},       {4, 4},    {5, 9},    {9, 2},       {3, 4, 2},
         {2, 1, 5}, {2, 3, 2, 3}, {1, 1, 1, 4}, {1030, 3}, {3, 1030}, {1025, 2, 2}, {2050, 1, 3}};
     for (const auto &shape : shapes)
         for (bool complex : {false, true}) {
-            Mm a = random_array(random, shape, complex);
+            Mm a = random_array(shape, complex);
             Mm bytes = muint8(a);
             for (int d = 1; d <= 4; ++d)
                 for (const Reduction &r : reductions) {
-                    SCOPED_TRACE(r.name + std::string(" along ") + std::to_string(d) + " of " +
-                                 std::to_string(a.rows()) + "x" + std::to_string(a.cols()));
+                    SCOPED_TRACE(r.name + (" along " + std::to_string(d)) + testing::PrintToString(shape));
                     bool logical = r.model == model_all || r.model == model_any;
                     bool gone = r.model == model_diff && a.size(d) == 1;
                     Mm wanted = gone ? Mm() : by_slices(a, d, r.model, complex && r.complex);
@@ -161,33 +148,21 @@ TEST(DimensionOps, products_and_medians_of_bytes_wrap) {
 
 struct Best {
     Mm y, i;
+    Best(bool most, const Mm &a, const Mm &dim = zero_M) {
+        most ? max(a, Mm(), dim, i_o, y, i) : min(a, Mm(), dim, i_o, y, i);
+    }
 };
-Best max_of(const Mm &a, const Mm &dim = zero_M) {
-    Best b;
-    max(a, Mm(), dim, i_o, b.y, b.i);
-    return b;
-}
-Best min_of(const Mm &a, const Mm &dim = zero_M) {
-    Best b;
-    min(a, Mm(), dim, i_o, b.y, b.i);
-    return b;
-}
+Best max_of(const Mm &a, const Mm &dim = zero_M) { return {true, a, dim}; }
+Best min_of(const Mm &a, const Mm &dim = zero_M) { return {false, a, dim}; }
 
 TEST(DimensionOps, positions_of_the_first_best) {
-    struct {
-        Mm a;
-        double max, at_max, min, at_min;
-    } cases[] = {{row({nan, nan}), -inf, 1, inf, 1},
-                 {row({-inf, nan}), -inf, 1, -inf, 1},
-                 {row({nan, -inf, inf}), inf, 3, -inf, 2},
-                 {Mm(nan), nan, 1, nan, 1}};
-    for (auto &c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.a));
-        Best most = max_of(c.a), least = min_of(c.a);
-        EXPECT_SAME(most.y, Mm(c.max));
-        EXPECT_SAME(most.i, Mm(c.at_max));
-        EXPECT_SAME(least.y, Mm(c.min));
-        EXPECT_SAME(least.i, Mm(c.at_min));
+    const std::pair<Mm, Mm> cases[] = {{row({nan, nan}), row({-inf, 1, inf, 1})},
+                                       {row({-inf, nan}), row({-inf, 1, -inf, 1})},
+                                       {row({nan, -inf, inf}), row({inf, 3, -inf, 2})},
+                                       {Mm(nan), row({nan, 1, nan, 1})}};
+    for (const auto &[a, wanted] : cases) {
+        const Best most = max_of(a), least = min_of(a);
+        EXPECT_SAME(Mm((BR(most.y), most.i, least.y, least.i)), wanted) << testing::PrintToString(a);
     }
 }
 
@@ -248,12 +223,12 @@ double pairwise(const double *x, size_t n) {
 }
 
 TEST(DimensionOps, sums_are_at_least_as_accurate_as_pairwise_ones) {
+    static_assert(LDBL_MANT_DIG >= 64);
     std::mt19937_64 random(5);
-    std::uniform_real_distribution<double> unit(0, 1);
     std::vector<double> x(1000000);
     for (size_t k = 0; k < x.size(); k += 2) { // what is left where large numbers cancel
-        x[k] = 1e6 * unit(random);
-        x[k + 1] = 1e-6 * unit(random) - x[k];
+        x[k] = std::ldexp(random() >> 14, -30);
+        x[k + 1] = std::ldexp(random() >> 54, -30) - x[k];
     }
     std::ranges::shuffle(x, random);
     for (int rows : {100, 20000, 250000, 1000000}) {
@@ -263,15 +238,9 @@ TEST(DimensionOps, sums_are_at_least_as_accurate_as_pairwise_ones) {
         double errors[3] = {}; // sums of squares
         for (int k = 0; k < slices.cols(); ++k) {
             const double *from = slices.addr() + static_cast<size_t>(k) * n;
-            long double exact = 0, rest = 0; // twice the precision of long double
-            for (size_t l = 0; l < n; ++l) {
-                long double t = exact + from[l], v = t - exact;
-                rest += (exact - (t - v)) + (from[l] - v);
-                exact = t;
-            }
+            const long double exact = std::accumulate(from, from + n, 0.0L); // multiples of 2^-30 below 2^33
             const double sums[] = {down.addr()[k], across.addr()[k], pairwise(from, n)};
-            for (int s = 0; s < 3; ++s)
-                errors[s] += static_cast<double>((sums[s] - exact - rest) * (sums[s] - exact - rest));
+            for (int s = 0; s < 3; ++s) errors[s] += std::pow(static_cast<double>(sums[s] - exact), 2);
         }
         EXPECT_LE(std::max(errors[0], errors[1]), errors[2]) << rows;
     }
@@ -288,7 +257,7 @@ TEST(DimensionOps, sums_that_are_not_finite) {
                     a.addr()[k] = k < stride ? first : k / stride % 2 ? odd : even;
                 const Mm s = sum(a, 2.0);
                 return std::all_of(s.addr(), s.addr() + stride,
-                                   [=](double x) { return std::memcmp(&x, &wanted, sizeof x) == 0; });
+                                   [=](double x) { return same_bits(x, wanted); });
             };
             EXPECT_TRUE(sum_is(-0.0, -0.0, -0.0, 0.0));
             EXPECT_TRUE(
@@ -307,14 +276,9 @@ std::vector<double> all_of_them(const Mm &a, const Mm &d) {
             for (int k = 0; plane && k < m.getnnz(); ++k)
                 bits.push_back(std::isnan(plane[k]) ? 0.5 : plane[k]);
     };
-    using Along = Mm (*)(const Mm &, const Mm &);
-    for (Along f : std::initializer_list<Along>{sum, prod, cumsum, cumprod, any, all}) take(f(a, d));
-    for (auto f : {max_of, min_of}) {
-        Best b = f(a, d);
-        take(b.y);
-        take(b.i);
-        take(f == max_of ? max(a, Mm(), d) : min(a, Mm(), d));
-    }
+    for (const Reduction &r : reductions)
+        if (r.model != model_median) take(r.f(a, d));
+    for (const Best &b : {max_of(a, d), min_of(a, d)}) take(b.y), take(b.i);
     return bits;
 }
 
@@ -346,8 +310,7 @@ TEST(DimensionOps, same_bits_in_all_instruction_sets_and_for_any_threads) {
                             if (wanted.empty()) wanted = got;
                             ASSERT_EQ(got.size(), wanted.size());
                             ASSERT_EQ(std::memcmp(got.data(), wanted.data(), sizeof(double) * got.size()), 0)
-                                << (*table)->name << ", " << threads << " threads, " << shape[0] << " by "
-                                << shape[1] << " along " << d;
+                                << (*table)->name << threads << testing::PrintToString(shape) << d;
                         }
                 }
             }
@@ -386,12 +349,8 @@ TEST(DimensionOps, nan_and_signed_zeros) {
 
 TEST(DimensionOps, unwrap_turns_jumps_back) {
     const double turn = 2 * kn::raw_pi;
-    std::vector<double> smooth, wrapped;
-    for (int k = 0; k < 40; ++k) {
-        smooth.push_back(0.7 * k);
-        wrapped.push_back(std::remainder(0.7 * k, turn));
-    }
-    EXPECT_NEAR_ULP(unwrap(row(wrapped)) + 1.0, row(smooth) + 1.0, 64);
+    const Mm smooth = 0.7 * colon(0, 39);
+    EXPECT_NEAR_ULP(unwrap(smooth - turn * round(smooth / turn)) + 1.0, smooth + 1.0, 64);
     EXPECT_SAME(unwrap(Mm(7.0)), Mm(7.0 - turn)) << "the first element is reduced too";
     EXPECT_SAME(unwrap(test::complex_of(row({0, 4}), row({0, 4})), C(5, 3)),
                 test::complex_of(row({0, 4}), row({0, 4 - turn})))

@@ -5,9 +5,7 @@
 #include <bit>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
-#include <string>
 
 #include "base/scratch.h"
 #include "files/stream_calls.h"

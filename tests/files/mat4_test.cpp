@@ -1,8 +1,5 @@
 // MAT-files of level 4: what the bytes mean, in both orders, and what damaged ones give.
-#include <cmath>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "files/file_table.h"
 #include "files/folder.h"
@@ -87,7 +84,7 @@ TEST_F(Level4, names_and_the_end) {
 }
 
 TEST_F(Level4, damage_is_told) {
-    const string x = header(0, 1, 2, 0, "x", false), data = doubles({3, 4});
+    const string data = doubles({3, 4});
     auto file = [](double type, double rows, double cols, double imagf, double namlen, const string &rest) {
         return all_of<int32_t>({type, rows, cols, imagf, namlen}, false) + rest;
     };

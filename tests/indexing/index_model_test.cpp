@@ -37,27 +37,22 @@ int first_above_one(const Extents &d, int none) {
     return none;
 }
 
-struct Element {
-    double re = 0, im = 0;
-    Mm value; // of cells and structures
-};
-
 struct Model {
     Mm like; // type, flags, field names
     bool complex = false;
     Extents d = {0, 0, 0, 0};
-    std::vector<Element> e; // column-major
+    std::vector<Mm> e = {}; // column-major: numbers, values of cells and structures
 
     bool values() const { return like.gettype() == kn_Mm; }
     bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
-    int place(const Position &p) const { return p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3])); }
+    int place(const Position &p, bool linear = false) const {
+        return linear ? p[0] : p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3]));
+    }
     Position split(int k) const {
         return {k % d[0], k / d[0] % d[1], k / d[0] / d[1] % d[2], k / d[0] / d[1] / d[2]};
     }
-    Element blank() const {
-        Element x;
-        if (like.isstruct()) x.value = Mm(0, 0, 0, 1, like.getnfields(), kn_Mm);
-        return x;
+    Mm blank() const {
+        return like.isstruct() ? Mm(0, 0, 0, 1, like.getnfields(), kn_Mm) : values() ? Mm() : Mm(0.0);
     }
     // New extents; elements stay at their places, or in their order.
     void grow(const Extents &to, bool in_order) {
@@ -73,18 +68,22 @@ struct Model {
     }
 };
 
+Mm kind_of(const Mm &m) { // type and flags, without a holder of the block
+    Mm x(0, m.issparse(), 0, 0, 0, m.gettype());
+    x.setstr(m.isstr());
+    x.setlogical(m.islogical());
+    return x;
+}
+
 Model model_of(const Mm &m) {
     Model x;
-    x.like = Mm(0, m.issparse(), 0, 0, 0, m.gettype()); // no holder of the block
-    x.like.setstr(m.isstr());
-    x.like.setlogical(m.islogical());
+    x.like = kind_of(m);
     for (int k = 0; k < m.getnfields(); ++k) x.like.addfield(m.getfields()[k], 0);
     x.complex = m.isc();
     std::copy_n(m.getdims(), 4, x.d.begin());
     const Mm all = x.values() ? m : mdouble(full(m));
-    for (int k = 0; k < m.size(); ++k)
-        x.e.push_back(x.values() ? Element{0, 0, m.mr(k + 1)}
-                                 : Element{all.addr()[k], x.complex ? all.addi()[k] : 0, {}});
+    for (int k = 1; k <= m.size(); ++k)
+        x.e.push_back(x.values() ? m.mr(k) : x.complex ? C(all.r(k), all.i(k)) : Mm(all.r(k)));
     return x;
 }
 
@@ -92,10 +91,10 @@ Model model_of(const Mm &m) {
 Mm value_of(const Model &x) {
     Mm m(x.complex, 0, 0, 4, x.d.data(), x.values() ? kn_Mm : kn_double);
     for (int k = 0; k < x.like.getnfields(); ++k) m.addfield(x.like.getfields()[k], 0);
-    for (int k = 0; k < m.getnnz(); ++k) {
-        const Element &from = x.e[static_cast<size_t>(k)];
-        x.values() ? void(m.mr(k + 1) = from.value) : void(m.addr()[k] = from.re);
-        if (x.complex) m.addi()[k] = from.im;
+    for (int k = 1; k <= m.getnnz(); ++k) {
+        const Mm &from = x.e[static_cast<size_t>(k) - 1];
+        x.values() ? void(m.mr(k) = from) : void(m.r(k) = from.r());
+        if (x.complex) m.i(k) = from.i();
     }
     if (x.like.gettype() == kn_uint8) m = muint8(m);
     m.setstr(x.like.isstr());
@@ -144,19 +143,11 @@ std::vector<int> positions(const Call &s, size_t i, int extent) {
 
 using Lists = std::vector<std::vector<int>>;
 
-// All positions of a selection, the first subscript fastest.
-std::vector<Position> walk(const Lists &lists) {
-    std::vector<Position> all = {{0, 0, 0, 0}};
-    for (size_t k = lists.size(); k-- > 0;) {
-        std::vector<Position> next;
-        for (const Position &p : all)
-            for (int at : lists[k]) {
-                next.push_back(p);
-                next.back()[k] = at;
-            }
-        all = next;
-    }
-    return all;
+// The position in a selection that comes after k others, the first subscript fastest.
+Position chosen(const Lists &lists, size_t k) {
+    Position p = {0, 0, 0, 0};
+    for (size_t l = 0; l < lists.size(); k /= lists[l++].size()) p[l] = lists[l][k % lists[l].size()];
+    return p;
 }
 
 bool sparse_with_zeros(const Call &s) {
@@ -176,8 +167,7 @@ bool any_sparse(const Call &s) {
 // -- Reading: nothing for an error.
 
 Model narrowed(Model x) {
-    x.complex =
-        x.complex && std::any_of(x.e.begin(), x.e.end(), [](const Element &a) { return !(a.im == 0); });
+    x.complex = x.complex && std::ranges::any_of(x.e, [](const Mm &a) { return !(a.i() == 0); });
     return x;
 }
 
@@ -222,8 +212,8 @@ std::optional<Model> read(const Model &x, const Call &s) {
             d = own;
     }
     out.e.clear();
-    for (const Position &p : walk(lists))
-        out.e.push_back(x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))]);
+    for (size_t k = 0; k < total; ++k)
+        out.e.push_back(x.e[static_cast<size_t>(x.place(chosen(lists, k), n == 1))]);
     out.set_extents(d);
     return narrowed(out);
 }
@@ -237,11 +227,7 @@ bool remove(Model &x, const Call &s, bool direct) {
     if (!direct && others > 1) return false;
     if (others == 0) {
         if (n == 2 && direct) return true;
-        Model none;
-        none.like = Mm(0, x.like.issparse(), 0, 0, 0, x.like.gettype());
-        none.like.setstr(x.like.isstr());
-        none.like.setlogical(x.like.islogical());
-        x = none;
+        x = {kind_of(x.like)};
         return true;
     }
     if (!direct && sparse_with_zeros(s)) return false;
@@ -294,10 +280,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (!direct && sparse_with_zeros(s)) return false;
 
     if (direct && n == 1 && s.colon[0]) {
-        if (!y.complex && x.complex) {
-            x.complex = false;
-            for (Element &a : x.e) a.im = 0;
-        }
+        x.complex = x.complex && y.complex;
         if (old_size == 0) return true;
         if (size != 1 && size != old_size) return false;
         x.complex = y.complex;
@@ -351,11 +334,8 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (d != x.d) x.grow(d, n == 1);
     if (!fits) return false;
     x.complex = x.complex || y.complex;
-    size_t k = 0;
-    for (const Position &p : walk(lists)) {
-        x.e[static_cast<size_t>(n == 1 ? p[0] : x.place(p))] = y.e[k];
-        if (size != 1) ++k;
-    }
+    for (size_t k = 0; k < total; ++k)
+        x.e[static_cast<size_t>(x.place(chosen(lists, k), n == 1))] = y.e[size == 1 ? 0 : k];
     return true;
 }
 
@@ -385,15 +365,11 @@ Mm random_value(Random &random, Type type, std::vector<int> d) {
 }
 
 std::vector<int> random_extents(Random &random) {
-    switch (random.below(8)) {
-    case 0: return {0, 0};
-    case 1: return {1, 1};
-    case 2: return {1, 1 + random.below(6)};
-    case 3: return {1 + random.below(6), 1};
-    case 4: return {1 + random.below(3), 1 + random.below(3), 1 + random.below(3)};
-    case 5: return {1, 1, 1 + random.below(4), 1 + random.below(2)};
-    default: return {1 + random.below(4), 1 + random.below(4)};
-    }
+    auto n = [&](int most) { return 1 + random.below(most); };
+    const std::vector<int> kinds[] = {
+        {0, 0},       {1, 1},      {1, n(6)}, {n(6), 1}, {n(3), n(3), n(3)}, {1, 1, n(4), n(2)},
+        {n(4), n(4)}, {n(4), n(4)}};
+    return kinds[random.below(8)];
 }
 
 // A subscript for an extent, at times beyond it, seldom not positive.
@@ -403,15 +379,6 @@ Mm random_subscript(Random &random, int extent, bool beyond) {
         int limit = extent + (beyond && random.below(4) == 0 ? 3 : 0);
         double v = limit > 0 ? 1 + random.below(limit) : 1;
         return random.below(20) == 0 ? v + 0.25 * random.below(4) : v;
-    };
-    auto shape = [&]() -> std::vector<int> {
-        int m = 1 + random.below(4);
-        switch (random.below(6)) {
-        case 0: return {m, 1};
-        case 1: return {2, m};
-        case 2: return {1, random.below(2) + 1, 1 + random.below(2)};
-        default: return {1, m};
-        }
     };
     switch (random.below(10)) {
     case 0: return Mm();
@@ -434,8 +401,11 @@ Mm random_subscript(Random &random, int extent, bool beyond) {
         return colon(double(first), double(first + n - 1));
     }
     default: {
-        std::vector<int> d = shape();
-        Mm m(0, 0, 0, static_cast<int>(d.size()), d.data(), kn_double);
+        const int kind = random.below(6), n = 1 + random.below(4);
+        Mm m = kind == 0   ? zeros(n, 1)
+               : kind == 1 ? zeros(2, n)
+               : kind == 2 ? zeros(1, 1 + random.below(2), 1 + random.below(2))
+                           : zeros(1, n);
         for (int k = 1; k <= m.getnnz(); ++k) m.r(k) = index();
         return random.below(12) == 0 ? sparse(m) : m;
     }
@@ -463,8 +433,6 @@ testing::AssertionResult agrees(const Mm &got, const Model &wanted) {
     return test::same(flat, value_of(wanted));
 }
 
-bool goes_through(const std::function<void()> &f) { return raised(f) == "(no error)"; }
-
 // A source for x(c): one element, none, or as many as are selected, mostly. None of more than `most`.
 std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Call &c, int most) {
     Type source = type;
@@ -491,43 +459,7 @@ std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Ca
     return source == structure && y.size() == 0 ? Mm(0, 0, 0, 0, 0, kn_Mm) : y;
 }
 
-// Both ways, against the model. They count what went through, and what did not.
-struct Outcome {
-    int errors = 0, results = 0;
-};
-
-void check_read(const Mm &x, const Call &c, Outcome &outcome) {
-    std::optional<Model> wanted = read(model_of(x), c);
-    Mm before = x, got;
-    bool through = goes_through([&] { got = c.on(x); });
-    ASSERT_EQ(through, wanted.has_value());
-    ASSERT_SAME(x, before);
-    (through ? outcome.results : outcome.errors)++;
-    if (!through) return;
-    ASSERT_TRUE(agrees(got, *wanted));
-    ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << "a tolerant read that finds it";
-}
-
-void check_write(Random &random, Type type, Mm &x, const Call &c, int most, Outcome &outcome) {
-    std::optional<Mm> source = random_source(random, type, x, c, most);
-    if (!source) return;
-    const Mm &y = *source;
-    Model target = model_of(x), old = target, from = model_of(y);
-    std::optional<Mm> held;
-    if (random.below(2)) held = x;
-    bool takes_block = !held && y.size() <= x.getp();
-    bool wanted = write(target, c, from, takes_block);
-    bool through = goes_through([&] { c.on(x) = y; });
-    ASSERT_EQ(through, wanted);
-    (through ? outcome.results : outcome.errors)++;
-    ASSERT_TRUE(agrees(x, target));
-    ASSERT_TRUE(agrees(y, from));
-    if (held) {
-        ASSERT_TRUE(agrees(*held, old));
-    }
-}
-
-// For each instruction set that there is.
+// For each instruction set that there is; counts what went through, and what did not.
 class IndexModel : public testing::Test {
   protected:
     ~IndexModel() override {
@@ -538,23 +470,55 @@ class IndexModel : public testing::Test {
         for (auto table = kn::available_kernels(); *table && !HasFatalFailure(); ++table) {
             SCOPED_TRACE((*table)->name);
             kn::use_kernels(**table);
-            Random random(seed);
-            Outcome outcome;
-            f(random, outcome);
-            EXPECT_GT(outcome.results, 400);
-            EXPECT_GT(outcome.errors, 10);
+            random = Random(seed);
+            results = errors = 0;
+            f();
+            EXPECT_GT(results, 400);
+            EXPECT_GT(errors, 10);
         }
     }
+    bool goes_through(const std::function<void()> &f) {
+        const bool through = raised(f) == "(no error)";
+        return (through ? results : errors)++, through;
+    }
+
+    void check_read(const Mm &x, const Call &c) {
+        std::optional<Model> wanted = read(model_of(x), c);
+        Mm before = x, got;
+        bool through = goes_through([&] { got = c.on(x); });
+        ASSERT_EQ(through, wanted.has_value());
+        ASSERT_SAME(x, before);
+        if (!through) return;
+        ASSERT_TRUE(agrees(got, *wanted));
+        ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << "a tolerant read that finds it";
+    }
+
+    void check_write(Type type, Mm &x, const Call &c, int most) {
+        std::optional<Mm> source = random_source(random, type, x, c, most);
+        if (!source) return;
+        const Mm &y = *source;
+        Model target = model_of(x), old = target, from = model_of(y);
+        const std::optional<Mm> held = random.below(2) ? std::optional(x) : std::nullopt;
+        bool takes_block = !held && y.size() <= x.getp();
+        bool wanted = write(target, c, from, takes_block);
+        ASSERT_EQ(goes_through([&] { c.on(x) = y; }), wanted);
+        ASSERT_TRUE(agrees(x, target));
+        ASSERT_TRUE(agrees(y, from));
+        ASSERT_TRUE(!held || agrees(*held, old));
+    }
+
+    Random random{0};
+    int results, errors;
 
   private:
     const kn::KernelTable &last_ = kn::kernels();
 };
 
 TEST_F(IndexModel, reads) {
-    in_all_sets(41, [](Random &random, Outcome &outcome) {
+    in_all_sets(41, [this] {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
-            check_read(x, random_call(random, x, random.below(8) == 0), outcome);
+            check_read(x, random_call(random, x, random.below(8) == 0));
         }
     });
 }
@@ -569,13 +533,13 @@ TEST_F(IndexModel, lines_of_a_large_array_are_shared_among_threads) {
 }
 
 TEST_F(IndexModel, writes) {
-    in_all_sets(43, [](Random &random, Outcome &outcome) {
+    in_all_sets(43, [this] {
         for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Type type = static_cast<Type>(random.below(types));
             Mm x = random_value(random, type, random_extents(random));
             for (int step = 0; step < 3 && !HasFatalFailure(); ++step) {
                 if (type == structure && !x.isstruct()) break; // x(:) = [] left a cell
-                check_write(random, type, x, random_call(random, x, true), 500, outcome);
+                check_write(type, x, random_call(random, x, true), 500);
                 if (x.size() > 2000) break;
             }
         }
@@ -584,17 +548,15 @@ TEST_F(IndexModel, writes) {
 
 // A mask, thin, even or thick, or index values: any, ascending, with long runs, seldom one that is none.
 Mm long_subscript(Random &random, int extent) {
+    static constexpr int density[] = {2, 50, 98};
     int kind = random.below(6), n = kind < 3 ? extent : 1 + random.below(extent + extent / 2);
     bool faulty = kind >= 3 && random.below(8) == 0;
     Mm s(0, 0, 0, 1, n, kn_double);
     for (int k = 1; k <= n; ++k) {
         int any = random.below(100);
-        s.r(k) = kind < 3    ? any < (kind == 0   ? 2
-                                      : kind == 1 ? 50
-                                                  : 98)
-                                   ? 1.0
-                               : any == 50 ? NAN
-                                           : 0.0
+        s.r(k) = kind < 3    ? (any < density[kind] ? 1.0
+                                : any == 50         ? NAN
+                                                    : 0.0)
                  : kind == 3 ? 1 + random.below(extent)
                  : kind == 4 ? 1 + (k - 1) * double(extent - 1) / n
                              : 1 + (k + (k / 700) * 13) % extent;
@@ -607,7 +569,7 @@ Mm long_subscript(Random &random, int extent) {
 
 // Where vectors, blocks and threads come in.
 TEST_F(IndexModel, long_selections) {
-    in_all_sets(47, [](Random &random, Outcome &outcome) {
+    in_all_sets(47, [this] {
         const Type all[] = {real, complex, bytes, cell, logical};
         for (int n : {63, 64, 65, 127, 700, 1500, 40000, 280000})
             for (int k = 0; k < (n < 10000 ? 60 : n < 100000 ? 12 : 4) && !HasFatalFailure(); ++k) {
@@ -623,8 +585,8 @@ TEST_F(IndexModel, long_selections) {
                     c.colon.push_back(random.below(2));
                     c.s.push_back(c.colon[1] ? Mm() : test::row({3, 1}));
                 }
-                check_read(x, c, outcome);
-                if (!HasFatalFailure()) check_write(random, type, x, c, 4 * n, outcome);
+                check_read(x, c);
+                if (!HasFatalFailure()) check_write(type, x, c, 4 * n);
             }
     });
 }

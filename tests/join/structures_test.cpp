@@ -1,6 +1,5 @@
 // The functions of the language on structures and cells.
 #include <string>
-#include <vector>
 
 #include "support/support.h"
 #include "value/header.h"
@@ -8,12 +7,6 @@
 using namespace test;
 
 namespace {
-
-Mm texts(int rows, int cols, const std::vector<const char *> &words) {
-    std::vector<Mm> values;
-    for (const char *w : words) values.push_back(TM(w));
-    return cell_of(rows, cols, values);
-}
 
 // 1 by 3, fields a (1, 2, 3) and b ("x" in all).
 Mm three() { return mstruct(cell_of(1, 4, {TM("a"), cell_of(1, 3, {1.0, 2.0, 3.0}), TM("b"), TM("x")})); }
@@ -30,14 +23,14 @@ TEST(Cells, sizes) {
 }
 
 TEST(Cells, text) {
-    EXPECT_SAME(num2cell(TM("ab")), texts(1, 2, {"a", "b"}));
-    EXPECT_SAME(cellstr(strvcat(TM("ab "), TM("c"))), texts(2, 1, {"ab", "c"}));
-    EXPECT_SAME(iscellstr(texts(1, 2, {"a ", "b"})), test::logical_of(1.0));
+    EXPECT_SAME(num2cell(TM("ab")), Mm((CL("a"), "b")));
+    EXPECT_SAME(cellstr(strvcat(TM("ab "), TM("c"))), Mm((CL("ab"), semi, "c")));
+    EXPECT_SAME(iscellstr(Mm((CL("a "), "b"))), test::logical_of(1.0));
     for (const Mm &m : {cell_of(1, 2, {TM("a"), 1.0}), TM("a")})
         EXPECT_SAME(iscellstr(m), test::logical_of(0.0));
     EXPECT_SAME(deblank(TM("a b \t\n")), TM("a b"));
     EXPECT_SAME(deblank(strvcat(TM("a   "), TM("bc"))), strvcat(TM("a"), TM("bc")));
-    EXPECT_SAME(deblank(cell_of(1, 2, {TM("a "), TM("   ")})), texts(1, 2, {"a", ""}));
+    EXPECT_SAME(deblank(cell_of(1, 2, {TM("a "), TM("   ")})), Mm((CL("a"), "")));
     EXPECT_RAISES(deblank(1.0), "deblank: input is not a string");
 }
 
@@ -69,11 +62,11 @@ TEST(Structures, names) {
 
 TEST(Structures, rmfield_takes_the_values_too) {
     Mm s = three(), rest = rmfield(s, TM("a"));
-    EXPECT_SAME(Mm(rest.member("b")), texts(1, 3, {"x", "x", "x"})) << "still readable";
+    EXPECT_SAME(Mm(rest.member("b")), Mm((CL("x"), "x", "x"))) << "still readable";
     EXPECT_SAME(s, three()) << "a copy is changed";
-    EXPECT_EQ(rmfield(s, texts(1, 2, {"b", "a"})).getnfields(), 0);
+    EXPECT_EQ(rmfield(s, Mm((CL("b"), "a"))).getnfields(), 0);
     EXPECT_RAISES(rmfield(s, TM("c")), "rmfield: structure has no field named 'c'");
-    EXPECT_SAME(fieldnames(setfield(rest, TM("c"), 1.0)), texts(2, 1, {"b", "c"}));
+    EXPECT_SAME(fieldnames(setfield(rest, TM("c"), 1.0)), Mm((CL("b"), semi, "c")));
 }
 
 TEST(Structures, fields_by_steps) {
@@ -94,12 +87,12 @@ TEST(Structures, to_cells_and_back) {
     Mm grid = repmat(s, 2.0, 1.0, 2.0);
     EXPECT_SAME(cell2struct(struct2cell(grid), fieldnames(s), 1.0), grid);
 
-    Mm table = cell_of(3, 2, {1.0, 2.0, 3.0, TM("x"), TM("x"), TM("x")}), names = texts(1, 2, {"a", "b"});
+    Mm table = cell_of(3, 2, {1.0, 2.0, 3.0, TM("x"), TM("x"), TM("x")}), names = Mm((CL("a"), "b"));
     EXPECT_SAME(cell2struct(table, names, 2.0), reshape(s, 3.0, 1.0));
     EXPECT_RAISES(cell2struct(1.0, names, 1.0), "cell2struct: first argument is not a cell");
     EXPECT_RAISES(cell2struct(table, TM("a"), 1.0), "cell2struct: second argument is not a cell");
     EXPECT_RAISES(cell2struct(table, names, 1.0), "cell2struct: length(fields)!=size(x,dim)");
-    EXPECT_RAISES(cell2struct(table, texts(1, 2, {"a", "a"}), 2.0), "cell2struct: duplicate field 'a'");
+    EXPECT_RAISES(cell2struct(table, Mm((CL("a"), "a")), 2.0), "cell2struct: duplicate field 'a'");
 }
 
 TEST(Structures, badly_built) {

@@ -7,12 +7,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <string>
-#include <vector>
 
 #include "base/parallel.h"
-#include "engine/element_engine.h"
+#include "kernels/kernel_table.h"
 #include "kernels/loops/dimension_ops.h"
 #include "kernels/loops/element_kernels.h"
 #include "kernels/op_rows.h"
@@ -23,19 +20,17 @@ namespace {
 using kn::KernelTable;
 constexpr double inf = HUGE_VAL, nan = NAN;
 
-struct Kind {
-    bool along, unary, by_set_real, by_set_complex;
-};
-template <class K> constexpr Kind kind_of() { return {requires(const kn::Slices<double> &s){K::along(s); }
-, requires { K::r(0.0); }
-, kn::kernel::real_vectors<K>, kn::kernel::complex_vectors<K>
-}; // namespace
-}
-constexpr Kind kinds[] = {
-#define ROW(name, group, rule, K) kind_of<kn::kernel::K>(),
+// Whether the sets have functions of their own for an operation, which differ from those of the baseline.
+constexpr struct {
+    bool real, complex;
+} by_set[] = {
+#define ROW(name, group, rule, K) \
+    {kn::kernel::real_vectors<kn::kernel::K>, kn::kernel::complex_vectors<kn::kernel::K>},
     KN_OPERATIONS(ROW)
 #undef ROW
 };
+constexpr int first_elementwise = op_abs;
+bool is_unary(int op) { return kn::kernels().numbers[op].unary; }
 
 std::vector<const KernelTable *> tables() {
     std::vector<const KernelTable *> all;
@@ -43,10 +38,6 @@ std::vector<const KernelTable *> tables() {
     return all;
 }
 const KernelTable &baseline() { return *tables().back(); }
-
-bool same_number(double x, double y) {
-    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
-}
 
 const double special[] = {0.0,      -0.0,      1,      -1,    0.5,    -0.5,    2,       3,
                           -3,       1e-10,     inf,    -inf,  nan,    DBL_MIN, DBL_MAX, -DBL_MAX,
@@ -78,13 +69,6 @@ template <class T> struct Values {
     kn::Operand<T> operand() const { return {re.data() + 1, complex ? im.data() + 1 : nullptr, step}; }
 };
 
-template <class T> const kn::Loops<T> *loops(const KernelTable &table) {
-    if constexpr (sizeof(T) == 1)
-        return table.bytes;
-    else
-        return table.doubles;
-}
-
 enum InPlace { apart, in_a, in_b };
 
 // Both planes of the result; what stands in front of it and behind it must stay.
@@ -104,55 +88,41 @@ std::vector<T> result(const KernelTable &table, int op, ptrdiff_t n, bool comple
             o.im = im;
         }
     }
-    loops<T>(table)[op].elements({re, complex ? im : nullptr, n, x, y});
+    const kn::Elements<T> work = {re, complex ? im : nullptr, n, x, y};
+    if constexpr (sizeof(T) == 1)
+        table.bytes[op].elements(work);
+    else
+        table.doubles[op].elements(work);
     EXPECT_TRUE(re[-1] == guard && re[n] == guard && im[-1] == guard && im[n] == guard) << kn::op_name(op);
     return out;
 }
 
-template <class T> bool same_results(const std::vector<T> &x, const std::vector<T> &y) {
-    return std::equal(x.begin(), x.end(), y.begin(), y.end(),
-                      [](T u, T v) { return sizeof(T) == 1 ? u == v : same_number(u, v); });
-}
-
-// Runs f(op, n, complex result, a, b) over operands of all forms.
-template <class T, class F> void for_forms(F f) {
+template <class T> void expect_same_in_all_sets_and_in_place() {
     test::Random random(5);
-    const ptrdiff_t lengths[] = {0, 1, 2, 3, 5, 7, 8, 9, 13, 16, 17, 31, 40};
-    for (int op = 0; op < op_count_; ++op) {
-        if (kinds[op].along) continue;
-        for (ptrdiff_t n : lengths)
+    for (int op = first_elementwise; op < op_count_; ++op) {
+        // The baseline has its own elementary functions, which nobody sees in bytes.
+        const bool differs = sizeof(T) > 1 && (by_set[op].real || by_set[op].complex);
+        for (ptrdiff_t n : {0, 1, 2, 3, 5, 7, 8, 9, 13, 16, 17, 31, 40})
             for (int form = 0; form < 24; ++form) {
                 int steps = form % 3, planes = form / 3 % 4;
                 bool complex = form / 12 || (planes && form % 5);
-                if (kinds[op].unary && steps == 2) steps = 0;
+                if (is_unary(op) && steps == 2) steps = 0;
                 Values<T> a(random, n, planes & 1, steps != 1), b(random, n, planes & 2, steps != 2);
-                SCOPED_TRACE(kn::op_name(op) + std::string(" of ") + std::to_string(n) + " form " +
-                             std::to_string(form));
-                f(op, n, complex, a, b);
-                if (testing::Test::HasFailure()) return;
+                auto same = [](const auto &x, const auto &y) {
+                    return std::ranges::equal(x, y, test::same_bits);
+                };
+                const auto wanted = result(*tables()[0], op, n, complex, a, b);
+                for (const KernelTable *table : tables()) {
+                    SCOPED_TRACE(table->name + std::string(" ") + kn::op_name(op) + " of " +
+                                 std::to_string(n) + " form " + std::to_string(form));
+                    const auto got = result(*table, op, n, complex, a, b);
+                    ASSERT_TRUE((differs && table == &baseline()) || same(got, wanted));
+                    ASSERT_TRUE(!(a.step || n == 1) || same(result(*table, op, n, complex, a, b, in_a), got));
+                    ASSERT_TRUE(!(b.step || n == 1) || is_unary(op) ||
+                                same(result(*table, op, n, complex, a, b, in_b), got));
+                }
             }
     }
-}
-
-template <class T> void expect_same_in_all_sets_and_in_place() {
-    auto all = tables();
-    for_forms<T>([&](int op, ptrdiff_t n, bool complex, const Values<T> &a, const Values<T> &b) {
-        // The baseline has its own elementary functions, which nobody sees in bytes.
-        bool differs = sizeof(T) > 1 && (kinds[op].by_set_real || kinds[op].by_set_complex);
-        auto wanted = result(*all[0], op, n, complex, a, b);
-        for (const KernelTable *table : all) {
-            auto got = result(*table, op, n, complex, a, b);
-            if (!differs || table != &baseline()) {
-                EXPECT_TRUE(same_results(got, wanted)) << table->name;
-            }
-            if (a.step || n == 1) {
-                EXPECT_TRUE(same_results(result(*table, op, n, complex, a, b, in_a), got)) << table->name;
-            }
-            if ((b.step || n == 1) && !kinds[op].unary) {
-                EXPECT_TRUE(same_results(result(*table, op, n, complex, a, b, in_b), got)) << table->name;
-            }
-        }
-    });
 }
 
 TEST(Kernels, results_are_the_same_in_all_sets_and_in_place) {
@@ -171,8 +141,7 @@ TEST(Kernels, NaN_is_the_same_in_all_sets) {
         a.re[k + 1] = parts[k % m], a.im[k + 1] = parts[k / m % m];
         b.re[k + 1] = parts[k / m / m % m], b.im[k + 1] = parts[k / m / m / m];
     }
-    for (int op = 0; op < op_count_; ++op) {
-        if (kinds[op].along) continue;
+    for (int op = first_elementwise; op < op_count_; ++op) {
         const bool one_sign = op != op_plus && op != op_times && op != op_mtimes;
         auto same = [=](double x, double y) {
             return std::isnan(x) == std::isnan(y) &&
@@ -180,7 +149,7 @@ TEST(Kernels, NaN_is_the_same_in_all_sets) {
         };
         for (int form = 0; form < 4; ++form) {
             a.complex = form & 1, b.complex = form & 2;
-            const ptrdiff_t count = kinds[op].unary ? m * m : n;
+            const ptrdiff_t count = is_unary(op) ? m * m : n;
             const auto wanted = result(baseline(), op, count, form != 0, a, b);
             for (const KernelTable *table : tables()) {
                 const auto got = result(*table, op, count, form != 0, a, b);
@@ -209,18 +178,6 @@ TEST(Kernels, large_results_do_not_depend_on_threads) {
                               static_cast<op_t>(op), 0, l_M);
                 ASSERT_SAME(Mm(results[1](c_p, few)), Mm(part(c_p, c_p))) << kn::op_name(op);
             }
-}
-
-TEST(Kernels, real_elements_stop_where_reals_end) {
-    for (int n : {1, 1000, 100000}) {
-        std::vector<double> x(static_cast<size_t>(n), 2.0), out(x);
-        ASSERT_EQ(kn::real_elements(op_sqrt, out.data(), x.data(), n), kn::Realness::real);
-        EXPECT_EQ(out, std::vector<double>(x.size(), std::sqrt(2.0)));
-        x[x.size() / 2] = nan;
-        EXPECT_EQ(kn::real_elements(op_log, out.data(), x.data(), n), kn::Realness::real);
-        x[x.size() - 1] = -1;
-        EXPECT_EQ(kn::real_elements(op_log, out.data(), x.data(), n), kn::Realness::left);
-    }
 }
 
 // -- Accuracy.
@@ -367,10 +324,10 @@ TEST(Kernels, sines_beside_their_zeros) {
 
 // Where it matters what a function answers exactly: at zeros, infinities, the ends of the domain.
 TEST(Kernels, special_values_are_those_of_the_baseline) {
-    auto close = [](double x, double y) { return same_number(x, y) || (x != 0 && ulps(x, y) <= 3); };
+    auto close = [](double x, double y) { return test::same_bits(x, y) || (x != 0 && ulps(x, y) <= 3); };
     for (const KernelTable *table : tables())
         for (int op = 0; op < op_count_; ++op) {
-            if (!kinds[op].by_set_real) continue;
+            if (!by_set[op].real) continue;
             SCOPED_TRACE(table->name + std::string(" ") + kn::op_name(op));
             const kn::NumberFunctions &got = table->numbers[op], &wanted = baseline().numbers[op];
             for (double x : special) {

@@ -2,8 +2,6 @@
 // calendar. What faults or ends its process does so in a child.
 #include "platform/platform.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <cerrno>
 #include <cfenv>
@@ -11,14 +9,10 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <memory>
-#include <string>
 #include <thread>
 #include <tuple>
-#include <vector>
 
+#include "base/block_alloc.h"
 #include "files/folder.h"
 
 #ifndef _WIN32
@@ -26,33 +20,11 @@
 #include <unistd.h>
 #endif
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool address_sanitizer = true;
-#elif defined(__has_feature)
-constexpr bool address_sanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool address_sanitizer = false;
-#endif
-
 using namespace kn;
 
 namespace {
 
 // ---- Memory ----
-
-TEST(Memory, reserved_committed_and_discarded) {
-    const std::size_t chunk = std::size_t{32} << 20, page = os::page_size();
-    EXPECT_EQ(os::reserve(~std::size_t{0} / 2, page), nullptr) << "no room";
-    char *base = static_cast<char *>(os::reserve(chunk, chunk));
-    ASSERT_NE(base, nullptr);
-    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(base) % chunk, 0u);
-    EXPECT_FALSE(os::readable(base, 1));
-    ASSERT_TRUE(os::commit(base + chunk - 2 * page, 2 * page));
-    std::memset(base + chunk - 2 * page, 'x', 2 * page);
-    os::discard(base + chunk - 2 * page, page);
-    base[chunk - 2 * page] = 'y';
-    EXPECT_EQ(base[chunk - 1], 'x');
-}
 
 TEST(Memory, readable_to_the_byte) {
     const std::size_t page = os::page_size();
@@ -67,9 +39,64 @@ TEST(Memory, readable_to_the_byte) {
     EXPECT_EQ(errno, 0);
 }
 
-// ---- Locks ----
+// ---- Names and files ----
+
+class Files : public test::Folder {
+  protected:
+    static std::string absolute(const char *name) {
+        char out[4096];
+        return os::absolute_path(name, out, sizeof out) ? out : "(none)";
+    }
+};
+
+TEST_F(Files, backslashes_separate_directories) {
+    put("one", "one");
+    ASSERT_TRUE(os::make_directory("a") && os::make_directory("a\\b"));
+    EXPECT_EQ(os::copy_file("one", "a\\b\\new.txt"), os::Copied::all);
+    EXPECT_EQ(os::copy_file("a\\b/new.txt", "a\\copy"), os::Copied::all);
+    EXPECT_TRUE(os::rename_file("a\\copy", "a\\b\\moved"));
+    EXPECT_EQ(bytes("a/b/moved"), "one");
+    EXPECT_TRUE(os::is_directory("a\\b") && !os::is_directory("a\\b\\moved"));
+    EXPECT_FALSE(os::open_file("missing\\x", "wb")) << "no file with a backslash in its name is made instead";
+    ASSERT_TRUE(os::change_directory("a\\b"));
+    EXPECT_EQ(absolute("..\\x\\.\\y/../z"), std::filesystem::canonical("..").string() + "/x/z");
+    ASSERT_TRUE(os::change_directory("..\\.."));
+    EXPECT_TRUE(os::remove_file("a\\b\\moved") && os::remove_file("a\\b\\new.txt") &&
+                os::remove_directory("a\\b") && !os::file_exists("a/b"));
+}
 
 #ifndef _WIN32
+TEST_F(Files, names_as_given_come_first) {
+    std::filesystem::create_directory("a");
+    put("a/b", "slash"), put("a\\b", "backslash");
+    EXPECT_EQ(os::copy_file("a\\b", "copy"), os::Copied::all);
+    EXPECT_EQ(bytes("copy"), "backslash");
+    EXPECT_TRUE(os::remove_file("a\\b"));
+    EXPECT_TRUE(os::file_exists("a\\b"));
+
+    EXPECT_EQ(absolute("//usr/./lib/../../../x//"), "/x");
+    char little[4] = "?";
+    EXPECT_TRUE(os::absolute_path("/ab", little, 4));
+    EXPECT_FALSE(os::absolute_path("/abc", little, 4) || os::current_directory(little, 4));
+}
+
+// ---- Processes and locks ----
+
+TEST_F(Files, detached_process_runs_and_leaves_no_zombie) {
+    auto start = [](std::vector<const char *> words) {
+        words.push_back(nullptr);
+        return os::start_detached(words.data());
+    };
+    EXPECT_FALSE(start({}) || start({""}) || start({"no such program", "x"}));
+    ASSERT_TRUE(start({"sh", "-c", "echo \"$1\" > part && mv part out.txt", "sh", "a \"b\" $c"}));
+    EXPECT_TRUE(start({"\\bin\\mkdir", "done"})) << "with the other separators";
+    for (int k = 0; k < 500 && !(os::file_exists("out.txt") && os::file_exists("done")); ++k)
+        os::pause_milliseconds(20);
+    EXPECT_EQ(bytes("out.txt"), "a \"b\" $c\n");
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
 TEST(Locks, a_child_finds_them_free) {
     std::atomic<bool> done = false;
     std::thread other([&] {
@@ -92,53 +119,8 @@ TEST(Locks, a_child_finds_them_free) {
 }
 #endif
 
-// ---- Names and files ----
-
-class Files : public test::Folder {
-  protected:
-    static bool write(const char *name, const std::string &text) {
-        std::FILE *f = os::open_file(name, "wb");
-        return f && std::fwrite(text.data(), 1, text.size(), f) == text.size() && std::fclose(f) == 0;
-    }
-    static std::string absolute(const char *name) {
-        char out[4096];
-        return os::absolute_path(name, out, sizeof out) ? out : "(none)";
-    }
-};
-
-TEST_F(Files, backslashes_separate_directories) {
-    ASSERT_TRUE(os::make_directory("a") && os::make_directory("a\\b"));
-    ASSERT_TRUE(write("a\\b\\new.txt", "one"));
-    EXPECT_EQ(os::copy_file("a\\b/new.txt", "a\\copy"), os::Copied::all);
-    EXPECT_TRUE(os::rename_file("a\\copy", "a\\b\\moved"));
-    EXPECT_EQ(bytes("a/b/moved"), "one");
-    EXPECT_TRUE(os::is_directory("a\\b") && !os::is_directory("a\\b\\moved"));
-    EXPECT_FALSE(write("missing\\x", "")) << "no file with a backslash in its name is made instead";
-    ASSERT_TRUE(os::change_directory("a\\b"));
-    EXPECT_EQ(absolute("..\\x\\.\\y/../z"), std::filesystem::canonical("..").string() + "/x/z");
-    ASSERT_TRUE(os::change_directory("..\\.."));
-    EXPECT_TRUE(os::remove_file("a\\b\\moved") && os::remove_file("a\\b\\new.txt") &&
-                os::remove_directory("a\\b") && !os::file_exists("a/b"));
-}
-
-#ifndef _WIN32
-TEST_F(Files, names_as_given_come_first) {
-    ASSERT_TRUE(os::make_directory("a") && write("a/b", "slash"));
-    std::FILE *f = std::fopen("a\\b", "w");
-    ASSERT_TRUE(f && std::fputs("backslash", f) >= 0 && std::fclose(f) == 0);
-    EXPECT_EQ(bytes("a\\b"), "backslash");
-    EXPECT_TRUE(os::remove_file("a\\b"));
-    EXPECT_TRUE(os::file_exists("a\\b"));
-
-    EXPECT_EQ(absolute("//usr/./lib/../../../x//"), "/x");
-    char little[4] = "?";
-    EXPECT_TRUE(os::absolute_path("/ab", little, 4));
-    EXPECT_FALSE(os::absolute_path("/abc", little, 4) || os::current_directory(little, 4));
-}
-#endif
-
 TEST_F(Files, failures_leave_files_whole) {
-    ASSERT_TRUE(write("x", "text") && write("longer", "a longer text"));
+    put("x", "text"), put("longer", "a longer text");
     std::filesystem::create_hard_link("x", "hard");
     std::filesystem::create_symlink("x", "soft");
     for (const char *itself : {"x", "./x", "hard", "soft"})
@@ -155,25 +137,6 @@ TEST_F(Files, failures_leave_files_whole) {
     EXPECT_EQ(os::copy_file("x", "new"), os::Copied::all);
     EXPECT_EQ(std::filesystem::status("new").permissions(), perms::owner_all);
 }
-
-// ---- Processes ----
-
-#ifndef _WIN32
-TEST_F(Files, detached_process_runs_and_leaves_no_zombie) {
-    auto start = [](std::vector<const char *> words) {
-        words.push_back(nullptr);
-        return os::start_detached(words.data());
-    };
-    EXPECT_FALSE(start({}) || start({""}) || start({"no such program", "x"}));
-    ASSERT_TRUE(start({"sh", "-c", "echo \"$1\" > part && mv part out.txt", "sh", "a \"b\" $c"}));
-    EXPECT_TRUE(start({"\\bin\\mkdir", "done"})) << "with the other separators";
-    for (int k = 0; k < 500 && !(os::file_exists("out.txt") && os::file_exists("done")); ++k)
-        os::pause_milliseconds(20);
-    EXPECT_EQ(bytes("out.txt"), "a \"b\" $c\n");
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    EXPECT_EQ(errno, ECHILD);
-}
-#endif
 
 TEST_F(Files, end_process_writes_out_standard_output) {
     auto leave = [] {
@@ -227,10 +190,12 @@ TEST_F(Files, hook_learns_the_code_and_ends_the_process_or_lets_the_search_go_on
                 if (end) os::install_crash_hook(tell<os::CrashAction::end_process>); // replaces the first
                 fault();
             };
-            // The sanitizer's own handler may come next in the search and end the process in its way.
             auto died = [signal = signal, end](int status) {
                 if (end) return WIFEXITED(status) && WEXITSTATUS(status) == 1;
-                return address_sanitizer ? status != 0 : WIFSIGNALED(status) && WTERMSIG(status) == signal;
+#ifdef KN_ASAN // whose handler may come next in the search and end the process in its way
+                return status != 0;
+#endif
+                return WIFSIGNALED(status) && WTERMSIG(status) == signal;
             };
             EXPECT_EXIT(crash(), died, expected);
             EXPECT_TRUE(!end || bytes("out.txt") == "told") << "standard output is written out";
@@ -269,7 +234,7 @@ TEST(Crash, sent_sigfpe_is_ignored_and_removal_restores) {
 // ---- Console and time ----
 
 TEST_F(Files, read_line_takes_only_the_newline) {
-    ASSERT_TRUE(write("in.txt", "ab\r\n\n12345678\nlast"));
+    put("in.txt", "ab\r\n\n12345678\nlast");
     auto run = [] {
         char line[6];
         if (!std::freopen("in.txt", "r", stdin) || os::key_waiting()) std::abort();

@@ -1,9 +1,6 @@
 // Sparse values from triplets, sizes and patterns, and what can be read of them.
 #include <climits>
 #include <cmath>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "support/support.h"
 
@@ -14,13 +11,9 @@ namespace {
 const Mm none = sparse_of(0, 0, {});
 
 TEST(SparseTriplets, duplicates_and_zeros) {
-    Random random(63);
-    const int n = 5000;
-    Mm i = zeros(n, 1), j = i, s = i, sums = zeros(40, 60);
-    for (int k = 1; k <= n; ++k) {
-        i.r(k) = 1 + random.below(40), j.r(k) = 1 + random.below(60), s.r(k) = 1 + random.below(9);
-        sums.r(i.r(k), j.r(k)) += s.r(k);
-    }
+    auto numbers = [](int most) { return fix(1 + most * randM(5000, 1)); };
+    Mm i = numbers(40), j = numbers(60), s = numbers(9), sums = zeros(40, 60);
+    for (int k = 1; k <= i.size(); ++k) sums.r(i.r(k), j.r(k)) += s.r(k);
     EXPECT_SAME(sparse(i, j, s, 40.0, 60.0), sparse(sums));
     Mm cancelled = sparse(row({1, 1}), row({1, 1}), row({1, -1}));
     EXPECT_SAME(cancelled, sparse_of(1, 1, {{0, 0}}));

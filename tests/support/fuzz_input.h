@@ -1,14 +1,17 @@
-// What the fuzz targets share: values out of bytes, and calls whose errors are caught or returned from.
+// What the fuzz targets share: values out of bytes, and calls whose errors are caught or returned from. A
+// target defines `fuzz::run`.
 #ifndef QUORVEX_TESTS_SUPPORT_FUZZ_INPUT_H
 #define QUORVEX_TESTS_SUPPORT_FUZZ_INPUT_H
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "files/stream_calls.h"
 #include "quorvex.h"
 #include "value/header.h"
 
@@ -26,6 +29,7 @@ class Input {
         for (; n > 0 && more(); --n) s += static_cast<char>(byte());
         return s;
     }
+    std::string rest() { return text(static_cast<size_t>(end_ - at_)); }
     std::string line() { // up to a newline, which is dropped
         std::string s;
         for (char c; more() && (c = static_cast<char>(byte())) != '\n';) s += c;
@@ -67,6 +71,7 @@ struct Raised {};
 template <class F> void guarded(bool throwing, F work) {
     kn_set_error_handler(throwing ? [](const char *) { throw Raised(); } : [](const char *) {});
     kn_set_warning_handler([](const char *) {});
+    kn_set_print_handler([](const char *) {});
     try {
         work();
     } catch (const Raised &) {
@@ -82,6 +87,24 @@ inline void expect_valid(const Mm &m) {
     expect(m.issparse() || m.getnnz() == m.size());
 }
 
+// A temporary file of these bytes.
+inline std::FILE *file_with(const std::string &bytes) {
+    std::FILE *file = kn::io::opened(std::tmpfile());
+    expect(file && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size());
+    std::rewind(file);
+    return file;
+}
+
+// A target, given the bytes behind the first one, `kind`, whose lowest bit tells whether errors are thrown.
+void run(Input &in, uint8_t kind);
+
 } // namespace fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    fuzz::Input in(data, size);
+    const uint8_t kind = in.byte();
+    fuzz::guarded(kind & 1, [&] { fuzz::run(in, kind); });
+    return 0;
+}
 
 #endif

@@ -18,13 +18,7 @@ std::string new_directory() {
 }
 namespace {
 
-std::vector<std::string> recorded_errors, recorded_warnings;
-std::string captured;
-
 void throw_raised(const char *text) { throw Raised{text}; }
-void record_error(const char *text) { recorded_errors.push_back(text); }
-void record_warning(const char *text) { recorded_warnings.push_back(text); }
-void capture(const char *text) { captured += text ? text : ""; }
 
 class Handlers : public testing::Environment {
     void SetUp() override { kn_set_error_handler(throw_raised); }
@@ -64,12 +58,9 @@ bool alike(const Mm &a, const Mm &b, double ulps) {
 Mm M(std::initializer_list<Row> rows) {
     const int m = static_cast<int>(rows.size()), n = m ? static_cast<int>(rows.begin()->size()) : 0;
     Mm x(0, 0, 0, m, n, kn_double);
-    int r = 0;
-    for (const Row &row : rows) {
-        int c = 0;
-        for (double v : row) x.addr()[r + m * c++] = v;
-        ++r;
-    }
+    int k = 0;
+    for (const Row &row : rows)
+        for (double v : row) x.addr()[k / n + m * (k % n)] = v, ++k;
     return x;
 }
 Mm U8(std::initializer_list<Row> rows) { return muint8(M(rows)); }
@@ -115,10 +106,9 @@ Mm cell_of(int rows, int cols, const std::vector<Mm> &elements) {
 }
 
 Mm struct_of(const std::vector<std::pair<const char *, Mm>> &fields) {
-    Mm s(0, 0, 0, 1, 1, kn_Mm);
-    std::vector<Mm> values;
-    for (const auto &[name, value] : fields) s.addfield(name, 0), values.push_back(value);
-    s.mr(1) = cell_of(1, static_cast<int>(values.size()), values);
+    Mm s(0, 0, 0, 1, 1, kn_Mm), values(0, 0, 0, 1, static_cast<int>(fields.size()), kn_Mm);
+    for (const auto &[name, value] : fields) s.addfield(name, 0), values.mr(s.getnfields()) = value;
+    s.mr(1) = values;
     return s;
 }
 
@@ -177,6 +167,20 @@ Mm Random::any() {
     return m;
 }
 
+Mm Random::thin(int rows, int cols, int every, bool complex) {
+    std::vector<std::pair<int, double>> entries;
+    for (int k = 0; k < rows * cols; ++k)
+        if (below(every) == 0) entries.push_back({k, below(7) - 2.0});
+    Mm s = sparse_of(rows, cols, entries);
+    if (complex) s.getcomplex();
+    for (int k = 0; complex && k < s.getnnz(); ++k) s.addi()[k] = below(5) - 2;
+    return s;
+}
+
+bool same_bits(double x, double y) {
+    return (std::isnan(x) && std::isnan(y)) || std::memcmp(&x, &y, sizeof x) == 0;
+}
+
 testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
     if (alike(got, wanted, ulps)) return testing::AssertionSuccess();
     return testing::AssertionFailure()
@@ -185,14 +189,11 @@ testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps) {
 testing::AssertionResult same(const Mm &got, const Mm &wanted) { return near(got, wanted, 0); }
 
 std::string printed(const std::function<void()> &work) {
-    struct Capture {
-        kn_text_handler old = kn_set_print_handler(capture);
-        ~Capture() { kn_set_print_handler(old); }
-    };
-    captured.clear();
-    Capture now;
+    const Prints prints;
     work();
-    return captured;
+    std::string all;
+    for (const std::string &text : prints.texts()) all += text;
+    return all;
 }
 
 std::string raised(const std::function<void()> &work) {
@@ -206,14 +207,6 @@ std::string raised(const std::function<void()> &work) {
     kn_set_error_handler(old);
     return text;
 }
-
-Returning::Returning() : old_(kn_set_error_handler(record_error)) { recorded_errors.clear(); }
-Returning::~Returning() { kn_set_error_handler(old_); }
-const std::vector<std::string> &Returning::errors() const { return recorded_errors; }
-
-Warnings::Warnings() : old_(kn_set_warning_handler(record_warning)) { recorded_warnings.clear(); }
-Warnings::~Warnings() { kn_set_warning_handler(old_); }
-const std::vector<std::string> &Warnings::texts() const { return recorded_warnings; }
 
 } // namespace test
 

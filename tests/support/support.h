@@ -3,6 +3,8 @@
 //
 // All tests run with an error handler that throws `Raised`; Returning switches, for a scope, to one that
 // records and returns.
+//
+// The standard headers of this vocabulary, such as <string> and <vector>, come with it.
 #ifndef QUORVEX_TESTS_SUPPORT_H
 #define QUORVEX_TESTS_SUPPORT_H
 
@@ -51,12 +53,17 @@ class Random {
     double number(); // mostly small integers and fractions, at times NaN, Inf, huge, tiny, signed zero
     Mm matrix(int rows, int cols, bool complex = false);
     Mm any(); // any kind of value
+    // Sparse: whole numbers, some of them stored zeros, for about one element in `every`.
+    Mm thin(int rows, int cols, int every, bool complex = false);
 
   private:
     std::mt19937 engine_;
 };
 
 // -- Comparisons.
+
+// Bit for bit, but that any NaN equals any other.
+bool same_bits(double x, double y);
 
 // Same class, flags of kind, extents and elements; NaN equals NaN, 0 equals -0.
 testing::AssertionResult same(const Mm &got, const Mm &wanted);
@@ -68,6 +75,24 @@ testing::AssertionResult near(const Mm &got, const Mm &wanted, double ulps);
 
 // -- Output and errors.
 
+// For a scope, the handler records the texts that it is handed, and returns.
+template <kn_text_handler (*set_handler)(kn_text_handler)> class Recorded {
+  public:
+    Recorded() : old_(set_handler(record)) { texts_.clear(); }
+    ~Recorded() { set_handler(old_); }
+    const std::vector<std::string> &texts() const { return texts_; }
+
+  private:
+    static void record(const char *text) { texts_.push_back(text ? text : ""); }
+    static inline std::vector<std::string> texts_;
+    kn_text_handler old_;
+};
+using Prints = Recorded<kn_set_print_handler>;
+using Warnings = Recorded<kn_set_warning_handler>;
+struct Returning : Recorded<kn_set_error_handler> {
+    const std::vector<std::string> &errors() const { return texts(); }
+};
+
 // What the print handler was handed.
 std::string printed(const std::function<void()> &work);
 #define EXPECT_PRINTS(expression, text) EXPECT_EQ(test::printed([&] { (void)(expression); }), text)
@@ -78,28 +103,6 @@ struct Raised {
 // The text of the error that the work raises; "(no error)" if none.
 std::string raised(const std::function<void()> &work);
 #define EXPECT_RAISES(expression, message) EXPECT_EQ(test::raised([&] { (void)(expression); }), message)
-
-// Errors are recorded, and the handler returns.
-class Returning {
-  public:
-    Returning();
-    ~Returning();
-    const std::vector<std::string> &errors() const;
-
-  private:
-    kn_text_handler old_;
-};
-
-// Warnings are recorded instead of printed.
-class Warnings {
-  public:
-    Warnings();
-    ~Warnings();
-    const std::vector<std::string> &texts() const;
-
-  private:
-    kn_text_handler old_;
-};
 
 } // namespace test
 

@@ -1,7 +1,6 @@
 // Formatted output, input and waiting, with hooks in place of a user.
 #include <cstdio>
 #include <cstring>
-#include <string>
 
 #include "support/support.h"
 
@@ -10,7 +9,7 @@ using test::M;
 namespace {
 
 std::string reply;
-int asked_size, polls, cleared;
+int asked_size, polls;
 
 void answer(char *buf, int size) {
     asked_size = size;
@@ -23,7 +22,6 @@ class Console : public testing::Test {
     void TearDown() override {
         kn_set_input_handler(nullptr);
         kn_set_kbhit_handler(nullptr);
-        kn_set_clc_handler(nullptr);
     }
     test::Warnings warnings;
     Mm x;
@@ -46,16 +44,11 @@ TEST_F(Console, input_shows_the_prompt_and_reads_numbers) {
 }
 
 TEST_F(Console, hooks_are_called_until_null_restores_the_default) {
-    kn_clc_hook standard = kn_clc_handler, mine = [] { ++cleared; };
-    EXPECT_EQ(kn_set_clc_handler(mine), standard);
-    clc();
-    EXPECT_EQ(cleared, 1);
-    EXPECT_EQ(kn_set_clc_handler(nullptr), mine);
-    EXPECT_EQ(kn_clc_handler, standard);
-    kn_set_kbhit_handler([] { return static_cast<int>(++polls == 3); });
+    kn_kbhit_hook standard = kn_kbhit_handler, mine = [] { return static_cast<int>(++polls == 3); };
+    EXPECT_EQ(kn_set_kbhit_handler(mine), standard);
     EXPECT_PRINTS(pauseM(), "\n");
     EXPECT_EQ(polls, 3);
-    kn_set_kbhit_handler(nullptr);
+    EXPECT_EQ(kn_set_kbhit_handler(nullptr), mine);
     ASSERT_TRUE(std::freopen("/dev/null", "r", stdin));
     EXPECT_PRINTS(pauseM(), "pause: standard input is no terminal, so there is no key to wait for\n");
 }

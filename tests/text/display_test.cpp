@@ -1,8 +1,6 @@
 // What disp, display and their relatives print, and in how many calls of the print handler.
 #include <cmath>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "quorvex/classes.h"
 #include "support/support.h"
@@ -12,19 +10,6 @@
 using namespace test;
 
 namespace {
-
-std::vector<std::string> calls;
-
-// The texts handed to the print handler, one by one.
-template <class F> std::vector<std::string> calls_of(F work) {
-    calls.clear();
-    kn_text_handler old = kn_set_print_handler([](const char *text) { calls.push_back(text); });
-    work();
-    kn_set_print_handler(old);
-    return calls;
-}
-
-using Calls = std::vector<std::string>;
 
 struct LongFormat {
     LongFormat() { format(TM("LONG E"), 1.0); }
@@ -86,11 +71,15 @@ TEST(Disp, cells_are_padded_to_the_longest_summary) {
         "[1x2 cell]         [1234567890123456] [1x17 char]        \n");
 }
 
-TEST(Display, header_comes_in_three_pieces) {
-    EXPECT_EQ(calls_of([&] {
-                  display(named("x", M({{1, 2}})));
-              }),
-              (Calls{"x", " (1x2)=2 double elements real (16 bytes)", " = \n", "1  2\n"}));
+TEST(Display, header_comes_in_three_pieces_and_a_line_of_whos_in_one) {
+    const Prints prints;
+    display(named("x", M({{1, 2}})));
+    whos_line(named("x_with_a_name_of_its_own", 3.0));
+    whos_line(Mm(Mm(3.0), reinterpret_cast<const char *>(uintptr_t{64})));
+    EXPECT_EQ(prints.texts(),
+              (std::vector<std::string>{"x", " (1x2)=2 double elements real (16 bytes)", " = \n", "1  2\n",
+                                        "x_with_a_name_of_its_own (1x1)=1 double elements real (8 bytes)\n",
+                                        "whos: bad name pointer 00000040"}));
 }
 
 TEST(Display, description_of_each_kind) {
@@ -101,14 +90,6 @@ TEST(Display, description_of_each_kind) {
         {cell_of(1, 2, {1.0, 2.0}),
          " (1x2)=2 cell elements real (" + std::to_string(2 * sizeof(Mm)) + " bytes)"}};
     for (const auto &[m, text] : table) EXPECT_EQ(test::text_of(get_whos_line(m)), text);
-}
-
-TEST(Display, whos_line_is_one_call) {
-    Mm x = named("x_with_a_name_of_its_own", Mm(3.0));
-    EXPECT_EQ(calls_of([&] { whos_line(x); }),
-              Calls{"x_with_a_name_of_its_own (1x1)=1 double elements real (8 bytes)\n"});
-    Mm bad(Mm(3.0), reinterpret_cast<const char *>(uintptr_t{64}));
-    EXPECT_PRINTS(whos_line(bad), "whos: bad name pointer 00000040");
 }
 
 TEST(Display, celldisp_names_each_element) {

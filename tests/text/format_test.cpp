@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
-#include <string>
-#include <vector>
+#include <tuple>
 
 #include "support/support.h"
 #include "text/format/format_list.h"
@@ -26,11 +25,7 @@ std::string print(const std::string &format, const std::vector<Mm> &values) {
 
 TEST(Sprintf, rules) {
     const Mm abc = row({1, 2, 3}), empty;
-    const struct {
-        const char *format;
-        std::vector<Mm> values;
-        const char *wanted;
-    } cases[] = {
+    const std::tuple<const char *, std::vector<Mm>, const char *> cases[] = {
         // The format is used again and again; text at its end is written, in front of a conversion it is not.
         {"%d and %d", {1, 2, 3}, "1 and 23"},
         {"x", {1, 2, empty}, "xxx"},
@@ -61,7 +56,7 @@ TEST(Sprintf, rules) {
         // Escapes.
         {"a\\tb\\\\n\\r\\q\\%d\\", {5}, "a\tb\\n\rq5"},
     };
-    for (const auto &c : cases) EXPECT_EQ(print(c.format, c.values), c.wanted) << c.format;
+    for (const auto &[format, values, wanted] : cases) EXPECT_EQ(print(format, values), wanted) << format;
 
     EXPECT_EQ(text_of(sprintf(T("%d 5%%\\n"))), "%d 5%%\n");
     EXPECT_EQ(text_of(sprintf(T("%d"), 5)), "5") << "no cell";
@@ -130,28 +125,24 @@ TEST(Sprintf, errors) {
 
 TEST(Sscanf, rules) {
     const Mm all = inf;
-    const struct {
-        const char *text, *format;
-        Mm size, wanted;
-        int count = -1; // the size of what is wanted
-    } cases[] = {
-        {"ab cd", "%s", all, T("abcd")},
-        {"ab cd", "%5c", 3, T("ab ")},
-        {"1 2 3 4", "%d", row({2, 2}), M({{1, 3}, {2, 4}})},
+    const std::tuple<const char *, const char *, Mm, Mm, int> cases[] = {
+        {"ab cd", "%s", all, T("abcd"), 4},
+        {"ab cd", "%5c", 3, T("ab "), 3},
+        {"1 2 3 4", "%d", row({2, 2}), M({{1, 3}, {2, 4}}), 4},
         {"1 2 3", "%d", row({2, inf}), M({{1, 3}, {2, 0}}), 3},
-        {"x=1.5 x=2", "x=%g", all, col({1.5, 2})},
-        {"1 a 2 b", "%d %*s", all, col({1, 2})},
+        {"x=1.5 x=2", "x=%g", all, col({1.5, 2}), 2},
+        {"1 a 2 b", "%d %*s", all, col({1, 2}), 2},
         {"ab 1", "%s %d", 2, col({97, 98}), 3},
-        {"0x1F 1f 077", "%x %x %i", all, col({31, 31, 63})},
-        {"5% 6%", "%d%%", all, col({5, 6})},
-        {"%ld 8", "%%d", all, M({})},
-        {"1 2", "%d", row({-1, -1}), M({})},
+        {"0x1F 1f 077", "%x %x %i", all, col({31, 31, 63}), 3},
+        {"5% 6%", "%d%%", all, col({5, 6}), 2},
+        {"%ld 8", "%%d", all, M({}), 0},
+        {"1 2", "%d", row({-1, -1}), M({}), 0},
     };
-    for (const auto &c : cases) {
+    for (const auto &[text, format, size, wanted, n] : cases) {
         Mm a, count, msg, next;
-        sscanf(T(c.text), T(c.format), c.size, i_o, a, count, msg, next);
-        EXPECT_SAME(a, c.wanted) << c.text << " by " << c.format;
-        EXPECT_SAME(count, Mm(c.count < 0 ? c.wanted.size() : c.count)) << c.text << " by " << c.format;
+        sscanf(T(text), T(format), size, i_o, a, count, msg, next);
+        EXPECT_SAME(a, wanted) << text << " by " << format;
+        EXPECT_SAME(count, Mm(double(n))) << text << " by " << format;
         EXPECT_TRUE(msg.isstr() && msg.size() == 0);
         EXPECT_SAME(next, Mm(0.0));
     }

@@ -1,7 +1,5 @@
 // The numeric text engine: fields, widths, spellings, and the shapes of num2str.
 #include <cmath>
-#include <string>
-#include <vector>
 
 #include "support/support.h"
 #include "text/number_text.h"

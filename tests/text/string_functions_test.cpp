@@ -1,9 +1,5 @@
 // The string family: comparisons, searches, parts, joins and letters, of rows, matrices and cells.
-#include <cctype>
-#include <cmath>
-#include <random>
-#include <string>
-#include <utility>
+#include <array>
 
 #include "support/support.h"
 #include "text/text_of.h"
@@ -22,9 +18,8 @@ Mm bits(const std::vector<double> &x) { return logical_of(row(x)); }
 
 TEST(StringFunctions, comparisons) {
     const Mm two = strvcat(T("ab"), T("c"));
-    struct {
-        Mm a, b, whole, folded, beginning; // by 2 characters, folded
-    } const cases[] = {
+    const std::array<Mm, 5> cases[] = {
+        // two; whether all is the same; folded; 2 characters folded
         {T("abc"), T("ABd"), bits({0}), bits({0}), bits({1})},
         {T("a"), row({97}), bits({0}), bits({0}), bits({0})},
         {setstr(U8({{97, 98}})), T("ab"), bits({1}), bits({1}), bits({1})},
@@ -33,11 +28,11 @@ TEST(StringFunctions, comparisons) {
         {two, texts({"ab", "c"}), bits({1, 1}), bits({1, 1}), bits({1, 0})},
         {texts({"a", "b"}), texts({"a", "B"}), bits({1, 0}), bits({1, 1}), bits({0, 0})},
     };
-    for (const auto &c : cases) {
-        EXPECT_SAME(strcmp(c.a, c.b), c.whole);
-        EXPECT_SAME(strcmp(c.b, c.a), c.whole);
-        EXPECT_SAME(strcmpi(c.a, c.b), c.folded);
-        EXPECT_SAME(strncmpi(c.a, c.b, 2.0), c.beginning);
+    for (const auto &[a, b, whole, folded, beginning] : cases) {
+        EXPECT_SAME(strcmp(a, b), whole);
+        EXPECT_SAME(strcmp(b, a), whole);
+        EXPECT_SAME(strcmpi(a, b), folded);
+        EXPECT_SAME(strncmpi(a, b, 2.0), beginning);
     }
     EXPECT_RAISES(strcmp(texts({"a", "b"}), texts({"a", "b", "c"})),
                   "strcmp: cell arrays must be of same size");
@@ -55,7 +50,7 @@ TEST(StringFunctions, searches) {
 
 TEST(StringFunctions, replacement) {
     EXPECT_SAME(strrep(texts({"this is", "that"}), T("th"), texts({"T"})), texts({"Tis is", "Tat"}));
-    // Against marking what each occurrence covers, one by one.
+    // Against a search for occurrences one by one, which may overlap.
     std::mt19937 random(5);
     auto word = [&](unsigned longest) {
         std::string s(random() % (longest + 1), 'a');
@@ -64,17 +59,14 @@ TEST(StringFunctions, replacement) {
     };
     for (int k = 0; k < 3000; ++k) {
         const std::string s = word(25), old = word(4), now = word(3);
-        std::vector<bool> gone(s.size());
         std::string wanted;
         std::vector<double> at;
-        for (size_t c = 0; !old.empty() && c < s.size(); ++c)
-            if (s.compare(c, old.size(), old) == 0) {
+        for (size_t c = 0, covered = 0; c < s.size(); ++c) {
+            if (!old.empty() && s.compare(c, old.size(), old) == 0) {
+                wanted += now, covered = c + old.size();
                 at.push_back(static_cast<double>(c + 1));
-                std::fill_n(gone.begin() + static_cast<ptrdiff_t>(c), old.size(), true);
             }
-        for (size_t c = 0; c < s.size(); ++c) {
-            if (!old.empty() && s.compare(c, old.size(), old) == 0) wanted += now;
-            if (!gone[c]) wanted += s[c];
+            if (c >= covered) wanted += s[c];
         }
         ASSERT_SAME(strrep(TM(s.c_str()), TM(old.c_str()), TM(now.c_str())), TM(wanted.c_str()))
             << s << "," << old << "," << now;
@@ -84,18 +76,14 @@ TEST(StringFunctions, replacement) {
 }
 
 TEST(StringFunctions, tokens) {
-    struct {
-        const char *text, *delimiters, *token, *remainder;
-    } const cases[] = {{"  one two ", nullptr, "one", " two "},
-                       {"a,b;c", ";,", "a", ",b;c"},
-                       {" \t", nullptr, "", ""},
-                       {"abc", "", "abc", ""}};
-    for (const auto &c : cases) {
-        Mm s = TM(c.text), token;
-        c.delimiters ? strtok(s, TM(c.delimiters), i_o, token, s) : strtok(s, i_o, token, s);
-        EXPECT_SAME(token, TM(c.token));
-        EXPECT_SAME(s, TM(c.remainder));
+    for (auto [text, delimiters, wanted, remainder] :
+         {std::array{"  one two ", "", "one", " two "}, {"a,b;c", ";,", "a", ",b;c"}, {" \t", "", "", ""}}) {
+        Mm s = TM(text), token;
+        *delimiters ? strtok(s, TM(delimiters), i_o, token, s) : strtok(s, i_o, token, s);
+        EXPECT_SAME(token, TM(wanted));
+        EXPECT_SAME(s, TM(remainder));
     }
+    EXPECT_SAME(strtok(T("abc"), T("")), T("abc"));
     EXPECT_RAISES(strtok(5.0), "strtok: input is not a string");
 }
 

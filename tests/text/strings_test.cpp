@@ -1,6 +1,5 @@
 // Bridges between character values and plain strings, stacking of rows, and numbers read from text.
 #include <cmath>
-#include <string>
 
 #include "support/support.h"
 #include "text/text_of.h"

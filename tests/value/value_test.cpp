@@ -146,7 +146,6 @@ TEST(ValueShape, questions) {
     for (auto [d, along] :
          {std::pair{std::vector{1, 1}, 2}, {{0, 3}, 2}, {{5, 1}, 1}, {{2, 3}, 0}, {{1, 1, 1, 4}, 4}})
         EXPECT_EQ(blank(d).vectordim(), along);
-    EXPECT_RAISES(named("m", blank({2, 3, 4})).size(5), "m.size(dim): no such dimension=5");
 }
 
 TEST(ValueShape, reshape_touches_one_header) {
@@ -251,6 +250,15 @@ TEST(ValueConversions, deepcopy_takes_a_block_of_its_own_and_keeps_flags) {
     EXPECT_SAME(to, st);
     EXPECT_EQ(to.getclassid(), 3);
     EXPECT_NE(to.getfields(), st.getfields());
+}
+
+TEST(ValueConversions, sparse_keeps_nonzeros_nan_and_truth) {
+    Mm a = M({{0, 3, -0.0}, {NAN, 0, 5}}), truth = logical_of(M({{0, 1}}));
+    EXPECT_SAME(sparse(a), sparse_of(2, 3, {{1, NAN}, {2, 3}, {5, 5}}));
+    EXPECT_SAME(full(sparse(TM("Hi"))), M({{72, 105}}));
+    EXPECT_TRUE(sparse(truth).islogical() && !full(sparse(truth)).islogical());
+    EXPECT_SAME(sparse(U8({{0, 200}})), sparse_of(1, 2, {{1, 200}}));
+    EXPECT_RAISES(sparse(named("c", cell(1.0))), "sparse: numeric data expected, but matrix c is not");
 }
 
 // -- Names and scalars.
