@@ -110,7 +110,15 @@ TEST(Library, every_form_of_a_function_can_be_called) {
     test::Returning errors;
     call("max", CL(1.0), 3);
     EXPECT_SAME(y[0], x_M);
-    EXPECT_EQ(errors.errors(), std::vector<std::string>{"Too many (3>2) outputs for max"});
+    call("sin", CL(1.0), -1);
+    nargout_val = 7, nargout_set = 1;
+    kn_feval(TM("max"), CL(1.0), i_o, y[0], y[1], y[2], y[0], y[1], y[2]);
+    call("max", CL(CL(1.0)), 2);
+    EXPECT_SAME(y[1], x_M);
+    EXPECT_EQ(errors.errors(),
+              (std::vector<std::string>{"Too many (3>2) outputs for max", "Too few (-1<0) outputs for sin",
+                                        "Too many (7>2) outputs for max",
+                                        "Operation can not be performed on non-numerical datatypes"}));
 }
 
 TEST(Library, the_table_is_in_order_and_described) {
