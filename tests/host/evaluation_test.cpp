@@ -185,6 +185,12 @@ TEST_F(Path, search_and_open) {
     EXPECT_EQ(found(one.c_str(), "hidden.m"), one + "private/");
     EXPECT_EQ(found(nullptr, (one + "f.m").c_str()), "") << "a file that is there as it is named";
     EXPECT_NE(test::printed([] { help(TM("f")); }).find("f.m\n"), std::string::npos);
+    auto open_files = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = open_files();
+    EXPECT_RAISES(
+        test::printed([] { kn_set_print_handler([](const char *) { error("full"); }), help(TM("f")); }),
+        "full");
+    EXPECT_EQ(open_files(), before) << "the file is closed";
     char name[40] = "f";
     EXPECT_EQ(kn::path_open(mpath_pointer, nullptr, name, 3, true), nullptr) << "no room for the name";
 }
