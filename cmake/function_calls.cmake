@@ -6,15 +6,14 @@ foreach(header IN LISTS row_headers)
     file(STRINGS ${header} rows REGEX "^#define QUORVEX_[A-Z]+_COUNTS\\(ROW\\)")
     if(rows)
         cmake_path(GET header STEM stem)
-        string(REGEX MATCH "QUORVEX_[A-Z]+_COUNTS" rows "${rows}")
+        string(REGEX REPLACE "#define (QUORVEX_[A-Z]+_COUNTS)[^;]*;?" "\\1(KN_CALLS)\n" rows "${rows}")
         file(CONFIGURE OUTPUT ${calls_dir}/${stem}.cpp CONTENT [[
 #include "quorvex/@stem@.h"
 
 #include "host/function_calls.h"
 
 namespace kn {
-@rows@(KN_CALLS)
-}
+@rows@}
 ]] @ONLY)
         list(APPEND function_calls ${calls_dir}/${stem}.cpp)
     endif()

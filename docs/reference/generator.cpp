@@ -7,7 +7,8 @@
 //
 // Functions are those of the row lists (QUORVEX_..._COUNTS and the lists that make declarations). The text of
 // a function is the block of comment above its declaration, or above the list that declares it; the first
-// block of a header is the introduction of its page, and is also shown for functions without a text.
+// block of a header is the introduction of its page, and is also shown for functions without a text. A
+// declaration whose form is not in its row, or a function without declaration or text, is an error.
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -41,6 +42,7 @@ struct Page {
 
 std::map<string, Function> functions; // by C++ name
 std::map<string, Page> pages;
+int faults = 0; // of the headers
 
 Lines read(const fs::path &path) {
     std::ifstream in(path);
@@ -116,6 +118,19 @@ string usage_of_form(const string &word, const string &form) {
     return (outputs.empty() ? "" : "[" + outputs + "] = ") + word + "(" + inputs + ")";
 }
 
+// The form of a declaration, as its row must have it but for "_to_0": "2", "1_to_2", "1_names", and "2_list"
+// when the last input is called list.
+string form_of(const string &parameters) {
+    const size_t outputs = parameters.find("i_o_t");
+    auto commas = [](const string &list) { return std::count(list.begin(), list.end(), ','); };
+    if (outputs != string::npos)
+        return std::to_string(commas(parameters.substr(0, outputs))) + "_to_" +
+               std::to_string(commas(parameters.substr(outputs)));
+    if (parameters.find("kn_names") != string::npos) return std::to_string(commas(parameters)) + "_names";
+    return std::to_string(commas(parameters) + !parameters.empty()) +
+           (parameters.ends_with("&list") ? "_list" : "");
+}
+
 // What a way to call gives and takes, without names: two outputs and three inputs are "2:3".
 string shape_of(const string &use) {
     const size_t open = use.find('('), equals = use.find(" = ");
@@ -153,7 +168,9 @@ void collect_texts(const string &header, const Lines &lines) {
     bool counts = false; // within the list of rows of a header, which declares nothing
     for (; k < lines.size(); ++k) {
         string line = lines[k];
-        if (line == "QUORVEX_API Mm" && k + 1 < lines.size()) line += " " + lines[++k];
+        if (line.starts_with("QUORVEX_API"))
+            for (; line.find_first_of(");") == string::npos && k + 1 < lines.size(); ++k)
+                line += " " + lines[k + 1].substr(lines[k + 1].find_first_not_of(' '));
         if (is_comment(line)) {
             if (!is_comment(lines[k - 1])) block.clear();
             block.push_back(comment_of(line));
@@ -183,6 +200,14 @@ void collect_texts(const string &header, const Lines &lines) {
                 if (m[3].length() > 0) use += "  " + string(m[3]);
                 if (std::find(f->usage.begin(), f->usage.end(), use) == f->usage.end())
                     f->usage.push_back(use);
+                const string form = form_of(m[2]);
+                if (line.find("Mm " + f->name + "(") != string::npos &&
+                    m.str(2).find("Mc &") == string::npos &&
+                    std::none_of(f->forms.begin(), f->forms.end(),
+                                 [&](auto &row) { return row == form || row == form + "_to_0"; })) {
+                    std::cerr << header << ".h: the row of " << f->name << " lacks " << form << "\n";
+                    ++faults;
+                }
             }
         } else if (!counts) {
             for (std::sregex_iterator r(line.begin(), line.end(), listed), end; r != end; ++r) add((*r)[1]);
@@ -320,19 +345,19 @@ int main(int argc, char **argv) {
     for (const auto &[name, lines] : headers) collect_rows(lines);
     for (const auto &[name, lines] : headers) collect_texts(name, lines);
 
-    int missing = 0;
     for (auto &[name, f] : functions) {
         complete_usage(f);
         if (f.header.empty() || (f.text.empty() && pages[f.header].introduction.empty())) {
             std::cerr << name << ": no declaration with a text\n";
-            ++missing;
+            ++faults;
         }
     }
+    if (faults > 0) return 1;
     const fs::path to = argv[2];
     fs::create_directories(to);
     write_help(to / "help_texts.cpp");
     write_html(to / "html");
     write_man(to / "man");
     write_commands(headers["host"], to);
-    return missing > 0;
+    return 0;
 }

@@ -17,8 +17,8 @@ const Mm *constant(const std::string &name) {
 } // namespace
 
 std::string text_of(const Mm &value) {
-    std::string text(static_cast<size_t>(std::max(Mstr_size(value), 1)), '\0');
-    Mstr(value, text.data(), static_cast<int>(text.size()));
+    std::string text(static_cast<size_t>(std::max<kn_size>(Mstr_size(value), 1)), '\0');
+    Mstr(value, text.data(), std::ssize(text));
     text.resize(text.find('\0'));
     return text;
 }

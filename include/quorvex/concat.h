@@ -5,14 +5,16 @@
 #include "quorvex/counts.h"
 
 // The concatenation of a and b (and c): side by side (horzcat, dim 2), one below the other (vertcat, dim 1),
-// or along dimension dim, 1 to 4. All other sizes must agree; an empty matrix adds nothing. double with uint8
-// gives uint8; text with numbers gives text; the result is logical when both are, complex or sparse when
-// either is; along dimensions above 2 it is full. Elements of cells are shared; structures must have the same
-// fields, or the second one more.
+// or along dimension dim, 1 to 4. All other sizes must agree. For two matrices a dim below 1 is 1, and along
+// dimensions 1 and 2 an empty one adds nothing. double with uint8 gives uint8; text with numbers gives text;
+// the result is logical when both are, complex or sparse when either is; along dimensions above 2 it is full.
+// Elements of cells are shared; structures must have the same fields, or the second one more. After an error
+// the result of two values is x_M.
 //
 // "horzcat: # of rows different", "vertcat: # of cols different", "Operation can not be performed on mixed
 // cell and numeric matrix"; beyond two dimensions "cat: arguments do not have the same number of dimensions",
-// "cat: no such dimension", "cat: arguments do not have compatible dimensions".
+// "cat: no such dimension", "cat: arguments do not have compatible dimensions"; of structures the errors of
+// x(...) = y.
 QUORVEX_API Mm horzcat(const Mm &a, const Mm &b);
 QUORVEX_API Mm vertcat(const Mm &a, const Mm &b);
 QUORVEX_API Mm cat(const Mm &dim, Mm a, Mm b);

@@ -10,7 +10,9 @@
 //     2           one output, as the result
 //     2_to_3      three outputs: f(a, b, i_o, x, y, z)
 //     2_to_0      no output
-//     2_list      the second input is a cell; a call by name makes it from all inputs after the first
+//     2_list      the second input, called list in the declaration, is a cell, which a call by name makes
+//     from
+//                 all inputs after the first
 //     2_list_to_0 the same, without output
 //     1_names     after the first input any number of variables, which the language writes by their names:
 //                 save f x y. The overload has them as kn_names (workspace.h); no output

@@ -4,8 +4,7 @@
 
 #if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
 #error quorvex needs C++20: compile with -std=c++20 or later
-#define QUORVEX_STOP "quorvex needs C++20"
-#include QUORVEX_STOP // ends the compilation; the following lines would only give more errors
+#include <quorvex needs C++20> // ends the compilation; the following lines would only give more errors
 #endif
 
 #if defined(QUORVEX_STATIC_DEFINE)

@@ -149,7 +149,7 @@ QUORVEX_API Mm pathsep(); // ";"
 
 // The texts of a cell, joined by filesep() into one file name. A separator at the end of a text is removed,
 // and so is one at the beginning of every text but the first.
-QUORVEX_API Mm fullfile(const Mm &parts);
+QUORVEX_API Mm fullfile(const Mm &list);
 
 // The directory of temporary files, an unused name in it, and environment variables.
 QUORVEX_API Mm tempdir();              // the directory of temporary files, ending in a separator

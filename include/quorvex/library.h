@@ -21,9 +21,11 @@ QUORVEX_API const kn_function *kn_find_function(const char *name);
 
 // Calls a function by name with the elements of the cell `args`. The nargout outputs go to out[0], out[1],
 // ...; `out` has room for at least one, also with nargout 0, and a function without a result sets it to x_M
-// (kn_has_value). Returns x_M; after an error every output is x_M. With nargout 0 texts may name variables of
-// the workspace (`save`, `load`, `clear`). "Undefined function '%s'"; "%s does not accept %d input%s"; "Too
-// many (%d>%d) outputs for %s" when the function has fewer outputs with this number of inputs.
+// (kn_has_value). Returns x_M. With nargout 0 texts may name variables of the workspace (`save`, `load`,
+// `clear`). "Undefined function '%s'"; "%s does not accept %d input%s"; "Too many (%d>%d) outputs for %s"
+// when the function has fewer outputs with this number of inputs; "Too few (%d<0) outputs for %s". After
+// these every output is x_M; after an error of the function itself the outputs are what it left, valid
+// values.
 QUORVEX_API Mm kn_call_function(const char *name, const Mm &args, int nargout, Mm *const *out);
 
 // The same with the signature of feval_func and nargout() outputs: `feval_func = kn_feval` makes the

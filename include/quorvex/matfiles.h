@@ -42,7 +42,7 @@ extern QUORVEX_API int kn_save_to_disk;
 // For a text file the matrix.
 QUORVEX_API Mm load(const Mm &name, const Mc &list);
 QUORVEX_API Mm load(const Mm &name);
-QUORVEX_API Mm load(const Mm &name, const Mm &names);
+QUORVEX_API Mm load(const Mm &name, const Mm &list);
 QUORVEX_API Mm vbload(const Mm &name);
 
 // Save the values of a list in a file: "%s: %s could not be created", "%s: %s could not be written"
@@ -56,13 +56,13 @@ QUORVEX_API Mm vbload(const Mm &name);
 // matrix" for cells and structures); values without a name are called noname. Text, saveascii: the real parts
 // with 13 digits in fields of 23 characters, a line for each row, page after page and value after value.
 QUORVEX_API Mm save(const Mm &name, const Mc &list);
-QUORVEX_API Mm save(const Mm &name, const Mm &list);
+QUORVEX_API Mm save(const Mm &name, const Mm &values);
 QUORVEX_API Mm vbsave(const Mm &list);
 QUORVEX_API Mm saveappend(const Mm &name, const Mc &list);
 QUORVEX_API Mm saveV4(const Mm &name, const Mc &list);
-QUORVEX_API Mm saveV4(const Mm &name, const Mm &list);
+QUORVEX_API Mm saveV4(const Mm &name, const Mm &values);
 QUORVEX_API Mm saveascii(const Mm &name, const Mc &list);
-QUORVEX_API Mm saveascii(const Mm &name, const Mm &list);
+QUORVEX_API Mm saveascii(const Mm &name, const Mm &values);
 
 // Load and save the named variables of the current level, or global ones, as a command such as `save work x
 // y` does; without names all of the level. load assigns the values in the file, and creates missing

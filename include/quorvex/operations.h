@@ -8,7 +8,9 @@
 // real domain of the function (sqrt, log, acos, ...). An empty operand gives the empty 0 by 0, but eq and ne
 // give a scalar. Sparse operands give sparse results, but sparse + full and sparse - full are full. Text
 // counts as its character codes. Cells report "Operation can not be performed on non-numerical datatypes";
-// structures use the method of their class.
+// structures use the method of their class, but times, mtimes, mand, mor, mxor, lt, gt, max, min, atan2,
+// gammainc, mbitand, mbitor and bitxor of a structure and a sparse value of the same size report "sparse:
+// numeric data expected, but matrix %s is not".
 //
 // Overloads for temporaries (Mm &&) write the result into an unshared operand of the same type and shape;
 // overloads for plain doubles avoid a temporary value. The results are the same.

@@ -40,8 +40,8 @@ QUORVEX_API Mm speye(const Mm &n);
 QUORVEX_API Mm speye(const Mm &m, const Mm &n);
 QUORVEX_API Mm spzeros(const Mm &n); // no entries
 QUORVEX_API Mm spzeros(const Mm &m, const Mm &n);
-// An m by n matrix with nz stored zeros at its first indices. Fewer inputs are reported ("spalloc does not
-// accept ...").
+// An m by n matrix with nz stored zeros at its first indices. Fewer inputs are reported by the number of
+// those missing: "spalloc does not accept 2 inputs" for one, "spalloc does not accept 1 input" for two.
 QUORVEX_API Mm spalloc(const Mm &m);
 QUORVEX_API Mm spalloc(const Mm &m, const Mm &n);
 QUORVEX_API Mm spalloc(const Mm &m, const Mm &n, const Mm &nz);

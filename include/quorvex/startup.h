@@ -1,6 +1,7 @@
 // Start and end of the library, and the constants and markers of the language.
 //
-// Once loaded, the library remains until the process ends; dlclose has no effect.
+// Once loaded, the library remains until the process ends; dlclose has no effect. Static objects of a program
+// may compute in their constructors; with the static library, those whose init_priority is at least 103.
 #ifndef QUORVEX_STARTUP_H
 #define QUORVEX_STARTUP_H
 

@@ -27,7 +27,7 @@ QUORVEX_API Mm num2cell(const Mm &x);  // a cell of the size of x with its eleme
 // a cell gives one element to each structure of the array, and the last such cell its size; any other value
 // is assigned to all of them. A single argument is returned unchanged. "struct: odd numbers of inputs",
 // "struct: all cell arrays must be of same size".
-QUORVEX_API Mm mstruct(const Mm &args);
+QUORVEX_API Mm mstruct(const Mm &list);
 
 // The fields of a structure: their names, whether one exists, s without some of them, s with one changed.
 // fieldnames and rmfield report "%s: structure expected, but matrix %s is not" for other values.

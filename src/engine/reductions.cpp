@@ -12,7 +12,7 @@ template <op_t op> Mm along(const Mm &a, const Mm &dim) {
     return marked(complex_result(op, a), a, zero_M, dim, 1, op, is_logical<op>);
 }
 
-// Largest or smallest; `extra` takes the positions.
+// Largest or smallest; `extra` receives the positions.
 template <op_t op> Mm best(const Mm &a, const Mm &dim, Mm &extra) {
     a.getreal(0);
     return element_operation(complex_result(op, a), a, zero_M, dim, op, 1, extra);
@@ -21,7 +21,7 @@ template <op_t op> Mm best(const Mm &a, const Mm &dim, Mm &extra) {
 template <op_t op> Mm best_with_positions(const Mm &a, const Mm &dim, Mm &y, Mm &i) {
     Mm positions, values = best<op>(a, dim, positions);
     y = values;
-    i = positions;
+    i = same_block(values, x_M) ? x_M : positions;
     return x_M;
 }
 

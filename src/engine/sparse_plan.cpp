@@ -61,6 +61,13 @@ Mm dense(const Operation &run, const Mm &a, const Mm &b) {
     return same_block(out, x_M) ? out : sparse(out); // after a report there is nothing to convert
 }
 
+// The sparse result of `like`'s size with these values. Without entries they say nothing of its planes.
+Mm result(const Operation &run, const Mm &values, kn_size n, const kn_size *positions, const Mm &like) {
+    if (values.getnnz() != n || same_block(values, x_M)) return x_M;
+    if (n > 0) return sparse_entries(values, positions, like);
+    return Mm(run.complex_result, 1, 0, like.getndims(), like.getdims(), kn_double);
+}
+
 // The operation on the entries of `matrix`; operand `a` or `b` is that matrix, the other is used as it is.
 Mm on_stored(const Operation &run, const Mm &a, const Mm &b, bool first) {
     Mm matrix = sparse(first ? a : b);
@@ -68,8 +75,7 @@ Mm on_stored(const Operation &run, const Mm &a, const Mm &b, bool first) {
     Mm column = stored_column(matrix), other = first ? b : a;
     if (other.issparse()) other = full(other);
     Mm values = first ? run(column, other) : run(other, column);
-    if (values.getnnz() != matrix.getnnz()) return x_M;
-    return sparse_entries(values, matrix.getindex(), matrix);
+    return result(run, values, matrix.getnnz(), matrix.getindex(), matrix);
 }
 
 // Which of two operands stores a position.
@@ -136,13 +142,10 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
     if (!where) return x_M;
     kn_size n = unite(ia, na, ib, nb, positions, where.get());
     while (n > 0 && positions[n - 1] >= like.size()) --n;
-    if (n == 0) return Mm(0, 1, 0, like.getndims(), like.getdims(), kn_double);
 
     Mm row_a = spread(a, where.get(), in_a, n), row_b = spread(b, where.get(), in_b, n);
     if (lacks(row_a, n) || lacks(row_b, n)) return x_M;
-    Mm values = run(row_a, row_b);
-    if (values.getnnz() != n) return x_M;
-    return sparse_entries(values, positions, like);
+    return result(run, run(row_a, row_b), n, positions, like);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #ifndef QUORVEX_HOST_FUNCTION_CALLS_H
 #define QUORVEX_HOST_FUNCTION_CALLS_H
 
+#include <algorithm>
 #include <utility>
 
 #include "host/form_call.h"
@@ -18,8 +19,17 @@ template <template <class, class, bool> class Row, form f> constexpr Call call_o
     return Row<std::make_index_sequence<f.inputs>, std::make_index_sequence<f.outputs>, names>::call;
 }
 
+// Whether two forms call the same overload: a form of one output, or none, or with a list, is its inputs
+// alone.
+constexpr bool same_overload(const form &a, const form &b) {
+    return a.inputs == b.inputs && (a.kind == form::names) == (b.kind == form::names) &&
+           std::max(a.outputs, 1) == std::max(b.outputs, 1);
+}
+template <form... f> constexpr int overloads_of(const form &a) { return (same_overload(a, f) + ...); }
+
 template <template <class, class, bool> class Row, form... f>
-inline constexpr Call calls_of[] = {call_of<Row, f>()...};
+requires((overloads_of<f...>(f) == 1) && ...) // each overload is in the row once
+    inline constexpr Call calls_of[] = {call_of<Row, f>()...};
 
 #define KN_CALLS(name, description, ...)                                                \
     namespace {                                                                         \

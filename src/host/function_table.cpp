@@ -138,7 +138,9 @@ int form_of(const Function &f, const Mm *x, int inputs, int outputs, bool needed
     if (k < 0 && (outputs == 0 || (outputs == 1 && !needed)))
         k = search({form::names, form::plain, form::list}, 0);
     if (k >= 0) return k;
-    if (most >= 0)
+    if (outputs < 0)
+        error("Too few (%d<%d) outputs for %s", outputs, 0, f.about.word);
+    else if (most >= 0)
         error("Too many (%d>%d) outputs for %s", outputs, most, f.about.word);
     else
         report_count(f.about, inputs);
@@ -222,24 +224,24 @@ Mm kn_other_count(const char *function, int inputs) {
 
 namespace {
 
-Mm call_or_nothing(const char *name, const Mm &args, int wanted, bool needed, Mm *const *out) {
+// `room` of the outputs are there to be set.
+Mm call_or_nothing(const char *name, const Mm &args, int wanted, int room, bool needed, Mm *const *out) {
     if (!call_named(name, args, wanted, needed, out))
-        for (int k = 0; k < std::max(wanted, 1); ++k) *out[k] = x_M;
+        for (int k = 0; k < std::max(room, 1); ++k) *out[k] = x_M;
     return x_M;
 }
 
 } // namespace
 
 Mm kn_call_function(const char *name, const Mm &args, int nargout, Mm *const *out) {
-    return call_or_nothing(name, args, nargout, true, out);
+    return call_or_nothing(name, args, nargout, nargout, true, out);
 }
 
 Mm kn_feval(Mm f, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &y3, Mm &y4, Mm &y5, Mm &y6) {
     char name[64];
     Mstr_row(f, name, sizeof name);
     Mm *const out[] = {&y1, &y2, &y3, &y4, &y5, &y6};
-    const int wanted =
-        std::exchange(nargout_set, 0) ? double_to_int(nargout_val) : 1; // set for this call only
-    // feval('disp', x) requests a value, too.
-    return call_or_nothing(name, args, std::clamp(wanted, 1, max_outputs), false, out);
+    const int set = std::exchange(nargout_set, 0) ? double_to_int(nargout_val) : 1; // for this call only
+    const int wanted = set == 0 ? 1 : set; // feval('disp', x) requests a value, too
+    return call_or_nothing(name, args, wanted, std::min(wanted, max_outputs), false, out);
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/ascii.h"
+#include "files/file_table.h"
 #include "files/search_path.h"
 #include "host/help_texts.h"
 #include "platform/platform.h"
@@ -59,12 +60,12 @@ void describe(const kn_function &f) {
 bool describe_file(const char *given) {
     char name[path_name_size];
     std::snprintf(name, sizeof name, "%s", given);
-    std::FILE *file = path_open(mpath_pointer, nullptr, name, sizeof name, true);
+    const Stream file(path_open(mpath_pointer, nullptr, name, sizeof name, true));
     if (!file) return false;
     kn_printf("%s\n", name);
     char line[line_size];
     bool within = false;
-    for (int number = 1; std::fgets(line, sizeof line, file); ++number) {
+    for (int number = 1; std::fgets(line, sizeof line, file.get()); ++number) {
         line[std::strcspn(line, "\r\n")] = '\0';
         const char *text = line + std::strspn(line, " \t");
         if (*text == '%') {
@@ -74,7 +75,6 @@ bool describe_file(const char *given) {
             break;
         }
     }
-    std::fclose(file);
     return true;
 }
 

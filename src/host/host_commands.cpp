@@ -49,7 +49,7 @@ intptr_t not_yet(const char *function) {
 
 // ---- Variables ----
 
-void variable_name(int position, int level, intptr_t buffer) {
+void variable_name(intptr_t position, int level, intptr_t buffer) {
     constexpr size_t probed = 16;
     const Mm *value = Scopes::value(position, level);
     if (!value || !buffer) return;
@@ -64,7 +64,7 @@ void variable_name(int position, int level, intptr_t buffer) {
     if (n >= 2 && out[n - 1] == '_') out[n - 1] = '\0';
 }
 
-void variable_summary(int position, int level, intptr_t buffer) {
+void variable_summary(intptr_t position, int level, intptr_t buffer) {
     if (const Mm *value = Scopes::value(position, level))
         if (buffer) value_summary(*value, buffer_at(buffer), summary_size);
 }
@@ -76,21 +76,20 @@ namespace commands {
 using Address = intptr_t;
 
 int level() { return Scopes::level(); }
-int position_of(Address a) { return static_cast<int>(a); }
 
 void interactive(Address, Address) { kn_interactive_flag = 1; }
 Address error_stack(Address, Address) { return address_of(&kn_error_stack); }
 
 Address count(Address, Address) { return Scopes::count(level()); }
 Address count_globals(Address, Address) { return Scopes::count(0); }
-void name(Address a, Address b) { variable_name(position_of(a), level(), b); }
-void global_name(Address a, Address b) { variable_name(position_of(a), 0, b); }
-void summary(Address a, Address b) { variable_summary(position_of(a), level(), b); }
-void global_summary(Address a, Address b) { variable_summary(position_of(a), 0, b); }
+void name(Address a, Address b) { variable_name(a, level(), b); }
+void global_name(Address a, Address b) { variable_name(a, 0, b); }
+void summary(Address a, Address b) { variable_summary(a, level(), b); }
+void global_summary(Address a, Address b) { variable_summary(a, 0, b); }
 Address find(Address, Address b) { return address_of(Scopes::lookup_visible(word_at(b))); }
 
 Address class_of(Address a, Address b) {
-    const Mm *value = Scopes::value(position_of(a), level());
+    const Mm *value = Scopes::value(a, level());
     if (!value) return 0;
     copy_text(b, kn_class_word(*value), name_size);
     return isobject(*value);

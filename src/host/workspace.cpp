@@ -229,7 +229,7 @@ bool is_variable_name(const char *name) {
     return *name == '\0';
 }
 
-Mm *Scopes::value(int position, int level) {
+Mm *Scopes::value(ptrdiff_t position, int level) {
     if (position >= 0 && position < count(level)) return table(level).values[position];
     error("variable_scope: index out of range");
     return nullptr;

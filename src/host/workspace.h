@@ -31,7 +31,7 @@ struct Scopes {
 
     static int count(int level) { return level < 0 ? 0 : variables_scope.tables[level].count; }
     // Null and "variable_scope: index out of range" for an index without a variable.
-    static Mm *value(int position, int level);
+    static Mm *value(ptrdiff_t position, int level);
     static const char *name(int position, int level);
 
     // Assigns to the variable of this name on the current level. A new one is owned, under a copy of the

@@ -10,6 +10,7 @@
 #include <numeric>
 
 #include "base/scratch.h"
+#include "indexing/reference.h"
 #include "quorvex/builders.h"
 #include "quorvex/classes.h"
 #include "quorvex/concat.h"
@@ -32,6 +33,13 @@ kn_size joined_extents(Extents &e, int dim, const Mm &a, const Mm &b) {
     kn_size n = added <= size_max - e.d[dim - 1] ? (e.d[dim - 1] += added, product(4, e.d)) : -1;
     if (n < 0) out_of_memory();
     return n;
+}
+
+// Gives a side the form that the join takes. False after a failed conversion, which has reported.
+bool convert(Mm &x, Mm (*form)(const Mm &)) {
+    const kn_size n = x.size();
+    x = form(x);
+    return x.size() == n;
 }
 
 void join_flags(const Mm &out, const Mm &a, const Mm &b) {
@@ -116,7 +124,8 @@ struct EntryWriter {
 Mm join_sparse(int dim, const Mm &x, const Mm &y) {
     Extents extents;
     if (joined_extents(extents, dim, x, y) < 0) return x_M;
-    Mm sx = sparse(x), sy = sparse(y);
+    Mm sx = x, sy = y;
+    if (!convert(sx, sparse) || !convert(sy, sparse)) return x_M;
     kn_size nnz = sx.getnnz() + sy.getnnz();
     Mm out(sx.isc() || sy.isc(), 1, nnz, 2, extents.d, kn_double);
     if (lacks(out, nnz) || !out.issparse()) return x_M;
@@ -150,7 +159,8 @@ Mm join_sparse(int dim, const Mm &x, const Mm &y) {
 
 // ---- Structures ----
 
-// The assignment that appends b to a matches the fields. No class method takes part.
+// The assignment that appends b to a matches the fields; its failure is that of the join. No class method
+// takes part.
 Mm join_structures(int dim, const Mm &a, const Mm &b) {
     Mm out = a, tail = b;
     out.setclassid(0);
@@ -159,12 +169,12 @@ Mm join_structures(int dim, const Mm &a, const Mm &b) {
     Mm range(0, 0, 0, 1, n, kn_double);
     if (lacks(range, n)) return x_M;
     std::iota(range.addr(), range.addr() + n, static_cast<double>(first));
-    switch (dim) {
-    case 1: out(range, c_p) = tail; break;
-    case 2: out(c_p, range) = tail; break;
-    case 3: out(c_p, c_p, range) = tail; break;
-    default: out(c_p, c_p, c_p, range) = tail; break;
-    }
+    const auto append_at = [&](const Mr &place) { return RefAccess::modify(out, place, tail); };
+    if (!(dim == 1   ? append_at(out(range, c_p))
+          : dim == 2 ? append_at(out(c_p, range))
+          : dim == 3 ? append_at(out(c_p, c_p, range))
+                     : append_at(out(c_p, c_p, c_p, range))))
+        return x_M;
     out.setclassid(a.isstruct() ? a.getclassid() : 0);
     return out;
 }
@@ -189,7 +199,8 @@ Mm join_matrices(int dim, const Mm &a, const Mm &b) {
 }
 
 Mm join_arrays(int dim, const Mm &x, const Mm &y) {
-    Mm a = full(x), b = full(y);
+    Mm a = x, b = y;
+    if (!convert(a, full) || !convert(b, full)) return x_M;
     if (a.getndims() != b.getndims()) {
         error("cat: arguments do not have the same number of dimensions");
         return x_M;
@@ -224,7 +235,8 @@ Mm join(int dim, const Mm &a, const Mm &b) {
         error("Operation can not be performed on mixed cell and numeric matrix");
         return x_M;
     }
-    return join_same_type(dim, muint8(a), muint8(b));
+    Mm x = a, y = b;
+    return convert(x, muint8) && convert(y, muint8) ? join_same_type(dim, x, y) : x_M;
 }
 
 } // namespace kn

@@ -110,7 +110,7 @@ Mm random_array(const std::vector<int> &shape, bool complex) {
 
 TEST(DimensionOps, every_dimension_is_worked_slice_by_slice) {
     // Widths beyond the pieces that rows are worked in, and counts that leave groups of four incomplete.
-    const std::vector<std::vector<int>> shapes = {
+    const std::vector<std::vector<kn_size>> shapes = {
         {1, 1},    {1, 7},       {6, 1},       {4, 4},    {5, 9},    {9, 2},       {3, 4, 2},
         {2, 1, 5}, {2, 3, 2, 3}, {1, 1, 1, 4}, {1030, 3}, {3, 1030}, {1025, 2, 2}, {2050, 1, 3}};
     for (const auto &shape : shapes)
@@ -283,7 +283,7 @@ std::vector<double> all_of_them(const Mm &a, const Mm &d) {
 }
 
 TEST(DimensionOps, same_bits_in_all_instruction_sets_and_for_any_threads) {
-    const std::vector<std::vector<int>> shapes = {
+    const std::vector<std::vector<kn_size>> shapes = {
         {9, 40},     {255, 9},    {256, 9},    {257, 9},    {65535, 1},  {65536, 1},  {65537, 2},
         {700000, 1}, {3, 130000}, {15, 70000}, {16, 20000}, {1030, 300}, {2, 70, 40}, {40, 2500, 4}};
     const kn::KernelTable &last = kn::kernels();
@@ -292,7 +292,7 @@ TEST(DimensionOps, same_bits_in_all_instruction_sets_and_for_any_threads) {
     for (bool complex : {false, true})
         for (bool special : {false, true})
             for (const auto &shape : shapes) {
-                Mm a(complex, 0, 0, static_cast<int>(shape.size()), shape.data(), kn_double);
+                Mm a(complex, 0, 0, std::ssize(shape), shape.data(), kn_double);
                 if (complex && a.getnnz() > 100000) continue;
                 for (double *plane : {a.addr(), a.addi()})
                     for (int k = 0; plane && k < a.getnnz(); ++k) {

@@ -1,4 +1,5 @@
-// Every function, called by name with every count of inputs that it doesn't take; overloads that report.
+// Every function, called by name with every count of inputs that it doesn't take; overloads that report;
+// forms that give no value.
 #include "support/functions.h"
 #include "support/support.h"
 
@@ -23,6 +24,19 @@ TEST(Counts, a_wrong_count_is_reported_under_the_language_s_name) {
     test::Returning errors;
     EXPECT_SAME(max(1, 2, 3, 4), Mm(0.0));
     EXPECT_EQ(errors.errors(), std::vector<std::string>{"max does not accept 4 inputs"});
+}
+
+TEST(Counts, a_form_without_output_gives_no_value) {
+    test::Unattended unattended;
+    const std::vector<Mm> inputs(kn::max_inputs, 0.0);
+    for (const test::Function &f : test::functions())
+        if (f.form && f.outputs == 0)
+            test::printed([&] {
+                test::raised([&] {
+                    const Mm value = f.call(inputs.data());
+                    EXPECT_TRUE(!kn_has_value(value) || value.size() == 0) << f.title(); // smiley gives []
+                });
+            });
 }
 
 } // namespace

@@ -110,7 +110,15 @@ TEST(Library, every_form_of_a_function_can_be_called) {
     test::Returning errors;
     call("max", CL(1.0), 3);
     EXPECT_SAME(y[0], x_M);
-    EXPECT_EQ(errors.errors(), std::vector<std::string>{"Too many (3>2) outputs for max"});
+    call("sin", CL(1.0), -1);
+    nargout_val = 7, nargout_set = 1;
+    kn_feval(TM("max"), CL(1.0), i_o, y[0], y[1], y[2], y[0], y[1], y[2]);
+    call("max", CL(CL(1.0)), 2);
+    EXPECT_SAME(y[1], x_M);
+    EXPECT_EQ(errors.errors(),
+              (std::vector<std::string>{"Too many (3>2) outputs for max", "Too few (-1<0) outputs for sin",
+                                        "Too many (7>2) outputs for max",
+                                        "Operation can not be performed on non-numerical datatypes"}));
 }
 
 TEST(Library, the_table_is_in_order_and_described) {
@@ -177,6 +185,12 @@ TEST_F(Path, search_and_open) {
     EXPECT_EQ(found(one.c_str(), "hidden.m"), one + "private/");
     EXPECT_EQ(found(nullptr, (one + "f.m").c_str()), "") << "a file that is there as it is named";
     EXPECT_NE(test::printed([] { help(TM("f")); }).find("f.m\n"), std::string::npos);
+    auto open_files = [] { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); };
+    const auto before = open_files();
+    EXPECT_RAISES(
+        test::printed([] { kn_set_print_handler([](const char *) { error("full"); }), help(TM("f")); }),
+        "full");
+    EXPECT_EQ(open_files(), before) << "the file is closed";
     char name[40] = "f";
     EXPECT_EQ(kn::path_open(mpath_pointer, nullptr, name, 3, true), nullptr) << "no room for the name";
 }

@@ -58,7 +58,8 @@ TEST_F(Host, variables_by_position_and_name) {
     EXPECT_EQ(shown(9, 0, at("global")), "g                      (1x1)=1 double elements real (8 bytes)\n");
     for (int command : {2, 10, 24, 29, 30}) {
         char buffer[128];
-        EXPECT_RAISES(ive_do(command, 99, at(buffer)), "variable_scope: index out of range");
+        for (intptr_t beyond : {intptr_t{99}, intptr_t{1} << 32})
+            EXPECT_RAISES(ive_do(command, beyond, at(buffer)), "variable_scope: index out of range");
         test::Returning errors;
         EXPECT_EQ(ive_do(command, -1, at(buffer)), 0);
     }

@@ -14,6 +14,7 @@
 #include <tuple>
 #include <utility>
 
+#include "base/static_order.h"
 #include "platform/platform.h"
 #include "support/support.h"
 #include "value/constants.h"
@@ -39,12 +40,10 @@ struct AfterStartup {
         kn::os::end_process(0);
     }
 };
-#if defined(__GNUC__)
-__attribute__((init_priority(150))) BeforeStartup before_startup;
-#endif
+KN_FIRST(1) BeforeStartup before_startup;
 AfterStartup after_startup;
 
-const Mm static_value = pi; // a program's own static values find the library ready
+KN_FIRST(3) const Mm static_value = pi * sum(test::row({1, 2})); // a program's own find the library ready
 
 // -- Constants and markers.
 
@@ -67,7 +66,7 @@ void expect_constants() {
 
 TEST(Startup, constants_stand_at_load_and_have_their_names) {
     expect_constants();
-    EXPECT_SAME(static_value, pi);
+    EXPECT_SAME(static_value, pi * 3.0);
     for (auto [m, name] :
          {std::pair{&kn::nothing_M, "nothing"}, {&x_M, "x_M"}, {&nop_M, "[]"}, {&one_M, "1"}})
         EXPECT_STREQ(m->getname(), name);

@@ -18,21 +18,21 @@ using namespace test;
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || !defined(NDEBUG)
-constexpr int rounds = 8000;
+constexpr kn_size rounds = 8000;
 #else
-constexpr int rounds = 70000;
+constexpr kn_size rounds = 70000;
 #endif
 
-using Extents = std::array<int, 4>;
-using Position = std::array<int, 4>;
+using Extents = std::array<kn_size, 4>;
+using Position = std::array<kn_size, 4>;
 
-int volume(const Extents &d) { return d[0] * d[1] * d[2] * d[3]; }
-int above_one(const Extents &d) {
-    return static_cast<int>(4 - std::count_if(d.begin(), d.end(), [](int x) { return x <= 1; }));
+kn_size volume(const Extents &d) { return d[0] * d[1] * d[2] * d[3]; }
+kn_size above_one(const Extents &d) {
+    return static_cast<kn_size>(4 - std::count_if(d.begin(), d.end(), [](kn_size x) { return x <= 1; }));
 }
 bool flat(const Extents &d) { return d[2] <= 1 && d[3] <= 1; }
-int first_above_one(const Extents &d, int none) {
-    for (int k = 0; k < 4; ++k)
+kn_size first_above_one(const Extents &d, kn_size none) {
+    for (kn_size k = 0; k < 4; ++k)
         if (d[k] > 1) return k;
     return none;
 }
@@ -45,10 +45,10 @@ struct Model {
 
     bool values() const { return like.gettype() == kn_Mm; }
     bool general() const { return like.issparse() || like.isstruct() || !flat(d); }
-    int place(const Position &p, bool linear = false) const {
+    kn_size place(const Position &p, bool linear = false) const {
         return linear ? p[0] : p[0] + d[0] * (p[1] + d[1] * (p[2] + d[2] * p[3]));
     }
-    Position split(int k) const {
+    Position split(kn_size k) const {
         return {k % d[0], k / d[0] % d[1], k / d[0] / d[1] % d[2], k / d[0] / d[1] / d[2]};
     }
     Mm blank() const {
@@ -60,7 +60,7 @@ struct Model {
         d = to;
         e.assign(static_cast<size_t>(volume(d)), blank());
         for (size_t k = 0; k < old.e.size(); ++k)
-            e[in_order ? k : static_cast<size_t>(place(old.split(static_cast<int>(k))))] = old.e[k];
+            e[in_order ? k : static_cast<size_t>(place(old.split(static_cast<kn_size>(k))))] = old.e[k];
     }
     void set_extents(const Extents &to) {
         d = to;
@@ -78,11 +78,11 @@ Mm kind_of(const Mm &m) { // type and flags, without a holder of the block
 Model model_of(const Mm &m) {
     Model x;
     x.like = kind_of(m);
-    for (int k = 0; k < m.getnfields(); ++k) x.like.addfield(m.getfields()[k], 0);
+    for (kn_size k = 0; k < m.getnfields(); ++k) x.like.addfield(m.getfields()[k], 0);
     x.complex = m.isc();
     std::copy_n(m.getdims(), 4, x.d.begin());
     const Mm all = x.values() ? m : mdouble(full(m));
-    for (int k = 1; k <= m.size(); ++k)
+    for (kn_size k = 1; k <= m.size(); ++k)
         x.e.push_back(x.values() ? m.mr(k) : x.complex ? C(all.r(k), all.i(k)) : Mm(all.r(k)));
     return x;
 }
@@ -90,8 +90,8 @@ Model model_of(const Mm &m) {
 // Full: the model knows no other numbers.
 Mm value_of(const Model &x) {
     Mm m(x.complex, 0, 0, 4, x.d.data(), x.values() ? kn_Mm : kn_double);
-    for (int k = 0; k < x.like.getnfields(); ++k) m.addfield(x.like.getfields()[k], 0);
-    for (int k = 1; k <= m.getnnz(); ++k) {
+    for (kn_size k = 0; k < x.like.getnfields(); ++k) m.addfield(x.like.getfields()[k], 0);
+    for (kn_size k = 1; k <= m.getnnz(); ++k) {
         const Mm &from = x.e[static_cast<size_t>(k) - 1];
         x.values() ? void(m.mr(k) = from) : void(m.r(k) = from.r());
         if (x.complex) m.i(k) = from.i();
@@ -127,21 +127,21 @@ std::vector<double> elements(const Mm &s) {
     return {all.addr(), all.addr() + all.getnnz()};
 }
 
-std::vector<int> positions(const Call &s, size_t i, int extent) {
-    std::vector<int> p;
+std::vector<kn_size> positions(const Call &s, size_t i, kn_size extent) {
+    std::vector<kn_size> p;
     const std::vector<double> v = elements(s[i]);
-    const int n = s.colon[i] ? extent : s[i].size();
-    for (int k = 0; k < n; ++k) {
+    const kn_size n = s.colon[i] ? extent : s[i].size();
+    for (kn_size k = 0; k < n; ++k) {
         const double x = s.colon[i] ? 1 : v[static_cast<size_t>(k)];
         if (s.colon[i] || (s[i].islogical() && (x > 0 || x < 0)))
             p.push_back(k);
         else if (!s[i].islogical())
-            p.push_back(static_cast<int>(std::trunc(x - 1)));
+            p.push_back(static_cast<kn_size>(std::trunc(x - 1)));
     }
     return p;
 }
 
-using Lists = std::vector<std::vector<int>>;
+using Lists = std::vector<std::vector<kn_size>>;
 
 // The position in a selection that comes after k others, the first subscript fastest.
 Position chosen(const Lists &lists, size_t k) {
@@ -180,23 +180,23 @@ std::optional<Model> read(const Model &x, const Call &s) {
     if (!direct && sparse_with_zeros(s)) return std::nullopt;
     size_t total = 1;
     for (size_t k = 0; k < n; ++k) {
-        int extent = n == 1 ? volume(x.d) : x.d[k];
+        kn_size extent = n == 1 ? volume(x.d) : x.d[k];
         lists.push_back(positions(s, k, extent));
-        if (direct && s[k].islogical()) std::erase_if(lists[k], [&](int p) { return p >= extent; });
+        if (direct && s[k].islogical()) std::erase_if(lists[k], [&](kn_size p) { return p >= extent; });
         total *= lists[k].size();
     }
     for (size_t k = 0; k < n; ++k)
-        for (int p : lists[k])
+        for (kn_size p : lists[k])
             if ((direct || total > 0) && (p < 0 || p >= (n == 1 ? volume(x.d) : x.d[k]))) return std::nullopt;
 
     Extents d = {1, 1, 1, 1};
     if (n > 1) {
-        for (size_t k = 0; k < n; ++k) d[k] = static_cast<int>(lists[k].size());
+        for (size_t k = 0; k < n; ++k) d[k] = static_cast<kn_size>(lists[k].size());
     } else {
         const Mm &i = s[0];
         Extents own = {i.size(1), i.size(2), i.size(3), i.size(4)};
-        int count = static_cast<int>(total);
-        int along = -1; // dimension of a result that is a vector
+        kn_size count = static_cast<kn_size>(total);
+        kn_size along = -1; // dimension of a result that is a vector
         bool many = volume(x.d) > 1;
         if (s.colon[0])
             along = 0;
@@ -236,11 +236,11 @@ bool remove(Model &x, const Call &s, bool direct) {
     if (!direct && volume(x.d) == 0 && n > 1) return true;
     if (direct && n == 1 && x.e.empty()) return true;
     Model old = x;
-    if (n == 1) old.d = {static_cast<int>(x.e.size()), 1, 1, 1};
-    std::array<std::set<int>, 4> gone;
+    if (n == 1) old.d = {static_cast<kn_size>(x.e.size()), 1, 1, 1};
+    std::array<std::set<kn_size>, 4> gone;
     for (size_t k = 0; k < n; ++k) {
         if (s.colon[k]) continue;
-        for (int p : positions(s, k, 0)) {
+        for (kn_size p : positions(s, k, 0)) {
             if (p < 0 && (n == 1 || !direct)) return false;
             if (p >= old.d[k] && !direct && n == 1 && above_one(x.d) > 1) return false;
             if (p >= 0 && p < old.d[k]) gone[k].insert(p);
@@ -248,15 +248,15 @@ bool remove(Model &x, const Call &s, bool direct) {
     }
     if (std::ranges::all_of(gone, [](const auto &g) { return g.empty(); })) return true;
     Extents left = old.d;
-    for (size_t k = 0; k < 4; ++k) left[k] -= static_cast<int>(gone[k].size());
+    for (size_t k = 0; k < 4; ++k) left[k] -= static_cast<kn_size>(gone[k].size());
     x.e.clear();
     for (size_t k = 0; k < old.e.size(); ++k) {
-        const Position p = old.split(static_cast<int>(k));
+        const Position p = old.split(static_cast<kn_size>(k));
         bool stays = true;
         for (size_t l = 0; l < 4; ++l) stays = stays && !gone[l].count(p[l]);
         if (stays) x.e.push_back(old.e[k]);
     }
-    int count = static_cast<int>(x.e.size());
+    kn_size count = static_cast<kn_size>(x.e.size());
     if (n == 1 && direct)
         left = x.d[1] == 1 ? Extents{count, 1, 1, 1} : Extents{1, count, 1, 1};
     else if (n == 1) {
@@ -274,7 +274,7 @@ double rounded(double v) { return v <= 0 ? std::ceil(v - 0.5) : std::floor(v + 0
 
 bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     size_t n = s.size();
-    int size = static_cast<int>(y.e.size()), old_size = static_cast<int>(x.e.size());
+    kn_size size = static_cast<kn_size>(y.e.size()), old_size = static_cast<kn_size>(x.e.size());
     if (size == 0) return remove(x, s, !y.like.issparse());
     bool direct = plain(x, s) && !y.like.issparse() && flat(y.d) && !any_sparse(s);
     if (!direct && sparse_with_zeros(s)) return false;
@@ -284,7 +284,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
         if (old_size == 0) return true;
         if (size != 1 && size != old_size) return false;
         x.complex = y.complex;
-        for (int k = 0; k < old_size; ++k)
+        for (kn_size k = 0; k < old_size; ++k)
             x.e[static_cast<size_t>(k)] = y.e[static_cast<size_t>(size == 1 ? 0 : k)];
         if (size > 1 && takes_block) x.like = y.like;
         return true;
@@ -293,7 +293,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     Lists lists;
     size_t total = 1;
     for (size_t k = 0; k < n; ++k) {
-        int extent = n == 1 ? old_size : x.d[k];
+        kn_size extent = n == 1 ? old_size : x.d[k];
         if (n > 1 && (direct ? size != 1 || old_size == 0 : old_size == 0)) extent = y.d[k];
         lists.push_back(positions(s, k, extent));
         if (lists[k].empty() && !(direct && n == 1 && s[k].size() > 0)) return true;
@@ -306,8 +306,8 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
     if (old_size == 0) d = {1, 1, 1, 1};
     if (old_size == 0 && direct && n == 2) d = {0, 0, 1, 1};
     for (size_t k = 0; k < n; ++k) {
-        int end = 0;
-        for (int p : lists[k]) {
+        kn_size end = 0;
+        for (kn_size p : lists[k]) {
             if (p < 0) return false;
             end = std::max(end, p + 1);
         }
@@ -317,7 +317,7 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
             else
                 for (double v : elements(s[k])) {
                     if (rounded(v) < 1) return false;
-                    end = std::max(end, static_cast<int>(rounded(v)));
+                    end = std::max(end, static_cast<kn_size>(rounded(v)));
                 }
         }
         if (n > 1)
@@ -343,14 +343,14 @@ bool write(Model &x, const Call &s, const Model &y, bool takes_block) {
 
 enum Type { real, complex, text, logical, bytes, cell, structure, sparse_real, sparse_complex, types };
 
-Mm random_value(Random &random, Type type, std::vector<int> d) {
+Mm random_value(Random &random, Type type, std::vector<kn_size> d) {
     auto number = [&] { return double(random.below(90) + 1); };
     const bool values = type == cell || type == structure,
                thin = type == sparse_real || type == sparse_complex;
-    Mm m(type == complex || type == sparse_complex, 0, 0, static_cast<int>(d.size()), d.data(),
+    Mm m(type == complex || type == sparse_complex, 0, 0, std::ssize(d), d.data(),
          values ? kn_Mm : kn_double);
     if (type == structure) m.addfield("a", 0), m.addfield("b", 0);
-    for (int k = 1; k <= m.getnnz(); ++k) {
+    for (kn_size k = 1; k <= m.getnnz(); ++k) {
         if (values)
             m.mr(k) = type == structure ? cell_of(1, 2, {number(), number()})
                       : random.below(3) ? Mm(number())
@@ -364,19 +364,19 @@ Mm random_value(Random &random, Type type, std::vector<int> d) {
     return thin ? sparse(m) : type == bytes ? muint8(m) : m;
 }
 
-std::vector<int> random_extents(Random &random) {
-    auto n = [&](int most) { return 1 + random.below(most); };
-    const std::vector<int> kinds[] = {
+std::vector<kn_size> random_extents(Random &random) {
+    auto n = [&](kn_size most) { return 1 + random.below(most); };
+    const std::vector<kn_size> kinds[] = {
         {0, 0},       {1, 1},      {1, n(6)}, {n(6), 1}, {n(3), n(3), n(3)}, {1, 1, n(4), n(2)},
         {n(4), n(4)}, {n(4), n(4)}};
     return kinds[random.below(8)];
 }
 
 // A subscript for an extent, at times beyond it, seldom not positive.
-Mm random_subscript(Random &random, int extent, bool beyond) {
+Mm random_subscript(Random &random, kn_size extent, bool beyond) {
     auto index = [&] {
         if (random.below(60) == 0) return double(-random.below(2));
-        int limit = extent + (beyond && random.below(4) == 0 ? 3 : 0);
+        kn_size limit = extent + (beyond && random.below(4) == 0 ? 3 : 0);
         double v = limit > 0 ? 1 + random.below(limit) : 1;
         return random.below(20) == 0 ? v + 0.25 * random.below(4) : v;
     };
@@ -385,28 +385,28 @@ Mm random_subscript(Random &random, int extent, bool beyond) {
     case 1:
     case 2: return index();
     case 3: { // a mask
-        int n = std::max(extent + (random.below(3) == 0 ? random.below(3) : 0), 1);
+        kn_size n = std::max(extent + (random.below(3) == 0 ? random.below(3) : 0), 1);
         bool column = random.below(2);
         Mm m(0, 0, 0, column ? n : 1, column ? 1 : n, kn_double);
         bool thin = n > 1 && random.below(3) == 0;
-        for (int k = 1; k <= n; ++k)
+        for (kn_size k = 1; k <= n; ++k)
             m.r(k) = (k <= extent || beyond) && random.below(2) ? 1.0 : thin || random.below(9) ? 0.0 : NAN;
         m.setlogical(1);
         return thin ? sparse(m) : m;
     }
     case 4:
     case 5: { // a run
-        int first = static_cast<int>(std::max(index(), 1.0)), n = 1 + random.below(3);
+        kn_size first = static_cast<kn_size>(std::max(index(), 1.0)), n = 1 + random.below(3);
         if (first + n > extent + (beyond ? 2 : 1)) n = 1;
         return colon(double(first), double(first + n - 1));
     }
     default: {
-        const int kind = random.below(6), n = 1 + random.below(4);
+        const kn_size kind = random.below(6), n = 1 + random.below(4);
         Mm m = kind == 0   ? zeros(n, 1)
                : kind == 1 ? zeros(2, n)
                : kind == 2 ? zeros(1, 1 + random.below(2), 1 + random.below(2))
                            : zeros(1, n);
-        for (int k = 1; k <= m.getnnz(); ++k) m.r(k) = index();
+        for (kn_size k = 1; k <= m.getnnz(); ++k) m.r(k) = index();
         return random.below(12) == 0 ? sparse(m) : m;
     }
     }
@@ -418,7 +418,7 @@ Call random_call(Random &random, const Mm &x, bool beyond) {
     if (x.getndims() > 2 && random.below(2)) n = static_cast<size_t>(x.getndims());
     for (size_t k = 0; k < n; ++k) {
         c.colon.push_back(random.below(5) == 0);
-        int extent = n == 1 ? x.size() : x.size(static_cast<int>(k) + 1);
+        kn_size extent = n == 1 ? x.size() : x.size(static_cast<kn_size>(k) + 1);
         c.s.push_back(c.colon[k] ? Mm() : random_subscript(random, extent, beyond));
     }
     return c;
@@ -434,25 +434,25 @@ testing::AssertionResult agrees(const Mm &got, const Model &wanted) {
 }
 
 // A source for x(c): one element, none, or as many as are selected, mostly. None of more than `most`.
-std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Call &c, int most) {
+std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Call &c, kn_size most) {
     Type source = type;
     if (type <= logical && random.below(2)) source = static_cast<Type>(random.below(4));
     if ((type == sparse_real || type == sparse_complex) && random.below(2))
         source = random.below(2) ? real : complex;
     if (type <= logical && random.below(6) == 0) source = sparse_real;
-    std::vector<int> d = {1, 1};
-    if (int kind = random.below(5); kind == 0) {
+    std::vector<kn_size> d = {1, 1};
+    if (kn_size kind = random.below(5); kind == 0) {
         d = {0, 0};
     } else if (kind > 2) {
         d.clear();
-        int count = 1;
+        kn_size count = 1;
         for (size_t l = 0; l < c.size(); ++l) {
-            int extent = c.size() == 1 ? x.size() : x.size(static_cast<int>(l) + 1);
-            d.push_back(static_cast<int>(positions(c, l, extent).size()));
+            kn_size extent = c.size() == 1 ? x.size() : x.size(static_cast<kn_size>(l) + 1);
+            d.push_back(static_cast<kn_size>(positions(c, l, extent).size()));
             count *= d.back();
         }
         if (random.below(10) == 0) d = {1, random.below(4) + 1};
-        if (d.size() == 1) d = random.below(2) ? std::vector<int>{d[0], 1} : std::vector<int>{1, d[0]};
+        if (d.size() == 1) d = random.below(2) ? std::vector<kn_size>{d[0], 1} : std::vector<kn_size>{1, d[0]};
         if (count > most) return std::nullopt;
     }
     Mm y = random_value(random, source, d);
@@ -493,7 +493,7 @@ class IndexModel : public testing::Test {
         ASSERT_TRUE(agrees(Mm(c.on(x), 0), *wanted)) << "a tolerant read that finds it";
     }
 
-    void check_write(Type type, Mm &x, const Call &c, int most) {
+    void check_write(Type type, Mm &x, const Call &c, kn_size most) {
         std::optional<Mm> source = random_source(random, type, x, c, most);
         if (!source) return;
         const Mm &y = *source;
@@ -508,7 +508,7 @@ class IndexModel : public testing::Test {
     }
 
     Random random{0};
-    int results, errors;
+    kn_size results, errors;
 
   private:
     const kn::KernelTable &last_ = kn::kernels();
@@ -516,7 +516,7 @@ class IndexModel : public testing::Test {
 
 TEST_F(IndexModel, reads) {
     in_all_sets(41, [this] {
-        for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
+        for (kn_size k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Mm x = random_value(random, static_cast<Type>(random.below(types)), random_extents(random));
             check_read(x, random_call(random, x, random.below(8) == 0));
         }
@@ -534,10 +534,10 @@ TEST_F(IndexModel, lines_of_a_large_array_are_shared_among_threads) {
 
 TEST_F(IndexModel, writes) {
     in_all_sets(43, [this] {
-        for (int k = 0; k < rounds && !HasFatalFailure(); ++k) {
+        for (kn_size k = 0; k < rounds && !HasFatalFailure(); ++k) {
             Type type = static_cast<Type>(random.below(types));
             Mm x = random_value(random, type, random_extents(random));
-            for (int step = 0; step < 3 && !HasFatalFailure(); ++step) {
+            for (kn_size step = 0; step < 3 && !HasFatalFailure(); ++step) {
                 if (type == structure && !x.isstruct()) break; // x(:) = [] left a cell
                 check_write(type, x, random_call(random, x, true), 500);
                 if (x.size() > 2000) break;
@@ -547,13 +547,13 @@ TEST_F(IndexModel, writes) {
 }
 
 // A mask, thin, even or thick, or index values: any, ascending, with long runs, seldom one that is none.
-Mm long_subscript(Random &random, int extent) {
-    static constexpr int density[] = {2, 50, 98};
-    int kind = random.below(6), n = kind < 3 ? extent : 1 + random.below(extent + extent / 2);
+Mm long_subscript(Random &random, kn_size extent) {
+    static constexpr kn_size density[] = {2, 50, 98};
+    kn_size kind = random.below(6), n = kind < 3 ? extent : 1 + random.below(extent + extent / 2);
     bool faulty = kind >= 3 && random.below(8) == 0;
     Mm s(0, 0, 0, 1, n, kn_double);
-    for (int k = 1; k <= n; ++k) {
-        int any = random.below(100);
+    for (kn_size k = 1; k <= n; ++k) {
+        kn_size any = random.below(100);
         s.r(k) = kind < 3    ? (any < density[kind] ? 1.0
                                 : any == 50         ? NAN
                                                     : 0.0)
@@ -571,12 +571,12 @@ Mm long_subscript(Random &random, int extent) {
 TEST_F(IndexModel, long_selections) {
     in_all_sets(47, [this] {
         const Type all[] = {real, complex, bytes, cell, logical};
-        for (int n : {63, 64, 65, 127, 700, 1500, 40000, 280000})
-            for (int k = 0; k < (n < 10000 ? 60 : n < 100000 ? 12 : 4) && !HasFatalFailure(); ++k) {
+        for (kn_size n : {63, 64, 65, 127, 700, 1500, 40000, 280000})
+            for (kn_size k = 0; k < (n < 10000 ? 60 : n < 100000 ? 12 : 4) && !HasFatalFailure(); ++k) {
                 kn::set_thread_count(1 + k % 2);
                 Type type = n < 100000 ? all[random.below(5)] : all[k % 3];
                 bool row = random.below(2);
-                Mm x = random_value(random, type, row ? std::vector<int>{1, n} : std::vector<int>{n, 1});
+                Mm x = random_value(random, type, row ? std::vector<kn_size>{1, n} : std::vector<kn_size>{n, 1});
                 Call c;
                 c.colon = {false};
                 c.s.push_back(long_subscript(random, n));

@@ -27,7 +27,7 @@ Mm divide(Counts n, Mm a, Mm b, i_o_t, Mm &q_, Mm &n_) {
 }
 
 Mm divide_by_name(Mm, Mm args, i_o_t, Mm &y1, Mm &y2, Mm &, Mm &, Mm &, Mm &) {
-    return divide({args.size(), 9}, args.safebr(1), args.safebr(2), i_o, y1, y2);
+    return divide({static_cast<int>(args.size()), 9}, args.safebr(1), args.safebr(2), i_o, y1, y2);
 }
 
 TEST(Generated, functions_leave_everything_as_it_was) {

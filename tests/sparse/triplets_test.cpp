@@ -107,17 +107,17 @@ TEST(SparseReaders, orderings) {
 TEST(SparseColumns, views) {
     struct {
         Mm a;
-        std::vector<int> ir, jc, bounds;
+        std::vector<kn_size> ir, jc, bounds;
     } table[] = {{sparse_of(3, 4, {{1, 1}, {6, 1}, {8, 1}}), {1, 0, 2}, {0, 1, 1, 3, 3, -1}, {0, 2, 0, 2}},
-                 {sparse_of(2, 2, {}), {}, {0, 0, 0, -1}, {INT_MAX, -1, INT_MAX, -1}},
+                 {sparse_of(2, 2, {}), {}, {0, 0, 0, -1}, {PTRDIFF_MAX, -1, PTRDIFF_MAX, -1}},
                  {sparse(nd({2, 2, 2}, {0, 1, 0, 0, 0, 0, 0, 9})), {1, 1}, {0, 1, 1, 1, 2, -1}, {1, 1, 0, 3}},
                  {sparse_of(1, 3, {{1, 1}, {2, 0}}), {0, 0}, {0, 0, 1, 2, -1}, {0, 0, 1, 2}}};
     for (auto &c : table) {
-        std::vector<int> b(4);
-        int *ir = getIr(c.a), *jc = sparse_bounds(c.a, b[0], b[1], b[2], b[3]), *again = getJc(c.a);
-        EXPECT_EQ(std::vector<int>(ir, ir + c.ir.size()), c.ir);
-        EXPECT_EQ(std::vector<int>(jc, jc + c.jc.size()), c.jc);
-        EXPECT_EQ(std::vector<int>(again, again + c.jc.size()), c.jc);
+        std::vector<kn_size> b(4);
+        kn_size *ir = getIr(c.a), *jc = sparse_bounds(c.a, b[0], b[1], b[2], b[3]), *again = getJc(c.a);
+        EXPECT_EQ(std::vector<kn_size>(ir, ir + c.ir.size()), c.ir);
+        EXPECT_EQ(std::vector<kn_size>(jc, jc + c.jc.size()), c.jc);
+        EXPECT_EQ(std::vector<kn_size>(again, again + c.jc.size()), c.jc);
         EXPECT_EQ(b, c.bounds);
         Mm back = spones(c.a), shared = back;
         std::fill_n(c.a.getindex(), c.a.getnnz(), 0);
@@ -127,7 +127,7 @@ TEST(SparseColumns, views) {
         freeIrJc(nullptr, again);
     }
     Mm s = named("s", sparse_of(2, 2, {{1, 1}}));
-    const int ir[] = {2, 0}, jc[] = {0, 1, 1};
+    const kn_size ir[] = {2, 0}, jc[] = {0, 1, 1};
     EXPECT_RAISES(setIrJc(s, ir, jc), "IrJc: entry outside of matrix s");
     s = 1.0;
     EXPECT_RAISES(setIrJc(s, ir, jc), "IrJc: sparse matrix expected, but matrix s is full");

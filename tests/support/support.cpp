@@ -65,14 +65,14 @@ Mm M(std::initializer_list<Row> rows) {
 }
 Mm U8(std::initializer_list<Row> rows) { return muint8(M(rows)); }
 
-Mm nd(const std::vector<int> &dims, const std::vector<double> &x) {
-    Mm m(0, 0, 0, static_cast<int>(dims.size()), dims.data(), kn_double);
-    EXPECT_EQ(m.getnnz(), static_cast<int>(x.size()));
+Mm nd(const std::vector<kn_size> &dims, const std::vector<double> &x) {
+    Mm m(0, 0, 0, std::ssize(dims), dims.data(), kn_double);
+    EXPECT_EQ(m.getnnz(), std::ssize(x));
     std::copy(x.begin(), x.end(), m.addr());
     return m;
 }
-Mm row(const std::vector<double> &x) { return nd({1, static_cast<int>(x.size())}, x); }
-Mm col(const std::vector<double> &x) { return nd({static_cast<int>(x.size()), 1}, x); }
+Mm row(const std::vector<double> &x) { return nd({1, std::ssize(x)}, x); }
+Mm col(const std::vector<double> &x) { return nd({std::ssize(x), 1}, x); }
 
 Mm complex_of(const Mm &re, const Mm &im) {
     Mm z;
@@ -134,7 +134,7 @@ Mm Random::matrix(int rows, int cols, bool complex) {
 
 Mm Random::any() {
     static constexpr int limits[] = {4, 4, 3, 2};
-    int dims[4], ndims = 2 + (below(3) == 0) + (below(6) == 0);
+    kn_size dims[4], ndims = 2 + (below(3) == 0) + (below(6) == 0);
     for (int k = 0; k < ndims; ++k) dims[k] = below(8) == 0 ? 0 : 1 + below(limits[k]);
     if (below(4) == 0) dims[0] = dims[1] = 1;
     int kind = below(10);

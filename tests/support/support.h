@@ -35,7 +35,7 @@ Mm M(std::initializer_list<Row> rows);
 Mm U8(std::initializer_list<Row> rows);
 Mm row(const std::vector<double> &x);
 Mm col(const std::vector<double> &x);
-Mm nd(const std::vector<int> &dims, const std::vector<double> &x);
+Mm nd(const std::vector<kn_size> &dims, const std::vector<double> &x);
 Mm complex_of(const Mm &re, const Mm &im);
 Mm C(double re, double im);
 Mm logical_of(const Mm &m);

@@ -13,19 +13,19 @@ namespace {
 
 constexpr unsigned char *bytes = nullptr;
 
-std::vector<int> dims(const Mm &m) { return {m.getdims(), m.getdims() + 4}; }
+std::vector<kn_size> dims(const Mm &m) { return {m.getdims(), m.getdims() + 4}; }
 
-Mm blank(const std::vector<int> &d, kn_matrix_types t = kn_double) {
-    return Mm(0, 0, 0, static_cast<int>(d.size()), d.data(), t);
+Mm blank(const std::vector<kn_size> &d, kn_matrix_types t = kn_double) {
+    return Mm(0, 0, 0, std::ssize(d), d.data(), t);
 }
 
 // -- Construction.
 
 TEST(ValueConstruction, extents) {
-    const int cube[] = {3, 0, 2};
+    const kn_size cube[] = {3, 0, 2};
     for (kn_matrix_types t : {kn_none, kn_double, kn_uint8, kn_Mm})
         for (const Mm &m : {Mm(0, 0, 0, 5, -1, t), Mm(1, 0, 0, 3, cube, t), Mm(1, 0, 7, 0, 0, t)})
-            EXPECT_EQ(dims(m), (std::vector<int>{0, 0, 0, 0}));
+            EXPECT_EQ(dims(m), (std::vector<kn_size>{0, 0, 0, 0}));
     EXPECT_EQ(blank({1, 1, 1, 1}).getndims(), 2);
 }
 
@@ -45,7 +45,7 @@ TEST(ValueConstruction, sparse_entries_are_cut_to_the_size) {
     EXPECT_EQ(Mm(0, 1, 30, 4, 5, kn_double).getp(), 38) << "the room asked for stays";
     EXPECT_EQ(Mm(0, 1, -3, 4, 5, kn_double).getnnz(), 0);
     Mm none(1, 1, 0, 4, 5, kn_double);
-    EXPECT_EQ(dims(none), (std::vector<int>{4, 5, 1, 1})) << "no entries, but extents";
+    EXPECT_EQ(dims(none), (std::vector<kn_size>{4, 5, 1, 1})) << "no entries, but extents";
     EXPECT_TRUE(none.getindex() && none.isc());
 }
 
@@ -154,9 +154,9 @@ TEST(ValueShape, reshape_touches_one_header) {
     EXPECT_SAME(b, nd({2, 3}, {1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(a.rows(), 3);
     EXPECT_EQ(a.addr(), b.addr());
-    const int many[] = {3, 1, 1, 1, 2};
+    const kn_size many[] = {3, 1, 1, 1, 2};
     EXPECT_RAISES(b.reshape(5, many), "reshape: size=6 is different than the product of new dimensions");
-    EXPECT_EQ(dims(b), (std::vector<int>{2, 3, 1, 1}));
+    EXPECT_EQ(dims(b), (std::vector<kn_size>{2, 3, 1, 1}));
 
     Mm none;
     none.reshape(0, 7);

@@ -154,12 +154,12 @@ template <class Kind> Mm save_as(const Mm &m, const Values &values) {
 } // namespace
 
 Mm save(const Mm &name, const Mc &list) { return save_as<Level5>(name, Values(list)); }
-Mm save(const Mm &name, const Mm &list) { return save_as<Level5>(name, Values(list)); }
+Mm save(const Mm &name, const Mm &values) { return save_as<Level5>(name, Values(values)); }
 Mm saveappend(const Mm &name, const Mc &list) { return save_as<Level5Appended>(name, Values(list)); }
 Mm saveV4(const Mm &name, const Mc &list) { return save_as<Level4>(name, Values(list)); }
-Mm saveV4(const Mm &name, const Mm &list) { return save_as<Level4>(name, Values(list)); }
+Mm saveV4(const Mm &name, const Mm &values) { return save_as<Level4>(name, Values(values)); }
 Mm saveascii(const Mm &name, const Mc &list) { return save_as<Text>(name, Values(list)); }
-Mm saveascii(const Mm &name, const Mm &list) { return save_as<Text>(name, Values(list)); }
+Mm saveascii(const Mm &name, const Mm &values) { return save_as<Text>(name, Values(values)); }
 
 // A value other than a cell is the name, and there are no values.
 Mm vbsave(const Mm &list) {
