@@ -99,7 +99,7 @@ const Reduction reductions[] = {
     {"median", median, model_median, true, true},
 };
 
-Mm random_array(const std::vector<int> &shape, bool complex) {
+Mm random_array(const std::vector<kn_size> &shape, bool complex) {
     const Mm dims = row({shape.begin(), shape.end()}), n = prod(dims);
     auto numbers = [&] { return floor(2001 * randM(1, n)) / 256 - 4; };
     Mm a = times(numbers(), randM(1, n) > 0.1);

@@ -99,7 +99,7 @@ TEST_F(Level4, damage_is_told) {
              {file(0, 2147483647, 2147483647, 1, 2, name + data), real},
              {file(0, 1, 2, 1, 2, name + data), imaginary},
              {file(2, 1, 3, 0, 2, name + doubles({-1, 1, 1})), "sparse: non-positive row index encountered"},
-             {file(2, 1, 3, 0, 2, name + doubles({2e9, 2e9, 1})), "Out of memory!"}}) {
+             {file(2, 1, 3, 0, 2, name + doubles({4e9, 4e9, 1})), "Out of memory!"}}) {
         put("f.mat", bytes);
         test::Warnings warnings;
         Mm t = named("t", 7), u = named("u", 8);

@@ -215,7 +215,9 @@ TEST_F(Mat5, otherClassesAreReadAsDoubles) {
             {17, e.all<uint16_t>({0x20ac, 'z'}), row({0x20ac, 'z'})},
             {18, e.all<uint32_t>({0x1f600, 'z'}), row({0x1f600, 'z'})}};
         for (const auto &[type, data, codes] : texts)
-            EXPECT_SAME(value_of(e.matrix(4, {1, static_cast<int>(codes.size())}, "t", e.element(type, data))), setstr(codes));
+            EXPECT_SAME(
+                value_of(e.matrix(4, {1, static_cast<int>(codes.size())}, "t", e.element(type, data))),
+                setstr(codes));
         test::Warnings warnings;
         const std::string opaque = e.word(6) + e.word(8) + e.word(17) + e.word(0) + e.element(1, "obj");
         const Loaded all = loaded(head + e.matrix(16, {1, 1}, "f", e.number(1)) + e.word(14) +

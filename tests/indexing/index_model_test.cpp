@@ -385,7 +385,7 @@ Mm random_subscript(Random &random, kn_size extent, bool beyond) {
     case 1:
     case 2: return index();
     case 3: { // a mask
-        kn_size n = std::max(extent + (random.below(3) == 0 ? random.below(3) : 0), 1);
+        kn_size n = std::max<kn_size>(extent + (random.below(3) == 0 ? random.below(3) : 0), 1);
         bool column = random.below(2);
         Mm m(0, 0, 0, column ? n : 1, column ? 1 : n, kn_double);
         bool thin = n > 1 && random.below(3) == 0;
@@ -452,7 +452,8 @@ std::optional<Mm> random_source(Random &random, Type type, const Mm &x, const Ca
             count *= d.back();
         }
         if (random.below(10) == 0) d = {1, random.below(4) + 1};
-        if (d.size() == 1) d = random.below(2) ? std::vector<kn_size>{d[0], 1} : std::vector<kn_size>{1, d[0]};
+        if (d.size() == 1)
+            d = random.below(2) ? std::vector<kn_size>{d[0], 1} : std::vector<kn_size>{1, d[0]};
         if (count > most) return std::nullopt;
     }
     Mm y = random_value(random, source, d);
@@ -576,7 +577,8 @@ TEST_F(IndexModel, long_selections) {
                 kn::set_thread_count(1 + k % 2);
                 Type type = n < 100000 ? all[random.below(5)] : all[k % 3];
                 bool row = random.below(2);
-                Mm x = random_value(random, type, row ? std::vector<kn_size>{1, n} : std::vector<kn_size>{n, 1});
+                Mm x =
+                    random_value(random, type, row ? std::vector<kn_size>{1, n} : std::vector<kn_size>{n, 1});
                 Call c;
                 c.colon = {false};
                 c.s.push_back(long_subscript(random, n));

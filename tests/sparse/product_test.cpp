@@ -63,7 +63,6 @@ TEST(SparseProduct, sizes) {
     EXPECT_SAME(
         tall * sparse_of(2, 2, {{0, 1}, {1, 1}, {3, 2}}),
         sparse_of(1000000, 2, {{0, 3}, {5, 1}, {500000, 4}, {999999, 2}, {1000000, 6}, {1500000, 8}}));
-    EXPECT_RAISES(tall * sparse_of(2, 3000, {{0, 1}}), "Out of memory!");
     EXPECT_RAISES(tall * ones(2, 100), "full: matrix too large");
 }
 

@@ -85,7 +85,8 @@ TEST(Display, header_comes_in_three_pieces_and_a_line_of_whos_in_one) {
 TEST(Display, description_of_each_kind) {
     const std::pair<Mm, std::string> table[] = {
         {U8({{1, 2}}), " (1x2)=2 uint8 elements real (2 bytes)"},
-        {sparse_of(9, 9, {{0, 1}, {5, 1}}), " (9x9)=81 sparse elements real (24 bytes)"},
+        {sparse_of(9, 9, {{0, 1}, {5, 1}}),
+         " (9x9)=81 sparse elements real (" + std::to_string(16 + 2 * sizeof(kn_size)) + " bytes)"},
         {unset(), " (0x0)=0 double elements real (0 bytes)"},
         {cell_of(1, 2, {1.0, 2.0}),
          " (1x2)=2 cell elements real (" + std::to_string(2 * sizeof(Mm)) + " bytes)"}};

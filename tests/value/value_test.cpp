@@ -144,7 +144,7 @@ TEST(ValueShape, questions) {
     EXPECT_EQ(blank({1, 1, 4}).nsingleton(), 3);
     EXPECT_EQ(blank({0, 3}).nsingleton(), 1);
     for (auto [d, along] :
-         {std::pair{std::vector{1, 1}, 2}, {{0, 3}, 2}, {{5, 1}, 1}, {{2, 3}, 0}, {{1, 1, 1, 4}, 4}})
+         {std::pair{std::vector<kn_size>{1, 1}, 2}, {{0, 3}, 2}, {{5, 1}, 1}, {{2, 3}, 0}, {{1, 1, 1, 4}, 4}})
         EXPECT_EQ(blank(d).vectordim(), along);
 }
 
