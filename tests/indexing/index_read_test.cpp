@@ -26,6 +26,7 @@ TEST(IndexRead, subscripts_of_any_kind) {
     EXPECT_SAME(x(C(2, 7)), Mm(20.0)) << "imaginary parts do not count";
     EXPECT_SAME(x(U8({{2, 3}})), row({20, 30}));
     EXPECT_SAME(x(named("k", TM("\2"))), Mm(20.0));
+    EXPECT_SAME(x(linspace(1.5, 3.5, 101)), x(floor(linspace(1.5, 3.5, 101)))) << "fractions are cut off";
     EXPECT_SAME(x(thin), row({10, 30}));
     EXPECT_FALSE(thin.issparse()) << "it has become full";
 }

@@ -124,6 +124,9 @@ TEST(IndexWrite, the_last_elements_go_without_moving_the_others) {
         EXPECT_EQ(m->addr(), block);
     }
     EXPECT_EQ(counted->size(), 0) << "what went is freed";
+    Mm x = colon(1, 300);
+    x(colon(70, 260)) = nop_M; // many positions at once
+    EXPECT_SAME(x, horzcat(colon(1, 69), colon(261, 300)));
 }
 
 TEST(IndexWrite, what_does_not_fit_is_reported) {

@@ -83,7 +83,7 @@ TEST(Solving, residuals_of_square_systems) {
             // An estimate of the norm of the inverse is a lower bound, mostly within a factor of ten.
             double true_rcond = 1 / norm1(a) / norm1(x), estimate = scalar(rcond(a));
             EXPECT_GT(estimate, true_rcond / 3);
-            EXPECT_LT(estimate, std::min(20 * true_rcond, 1.001));
+            EXPECT_LT(estimate, std::min(5 * true_rcond, 1.001));
         }
 }
 
