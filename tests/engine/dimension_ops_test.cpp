@@ -322,7 +322,7 @@ TEST(DimensionOps, complex_best_is_by_modulus_and_a_nan_wins) {
     Mm a = test::complex_of(row({3, 0, 4}), row({0, -5, 3}));
     EXPECT_SAME(max_of(a).y, C(0, -5));
     EXPECT_SAME(max_of(a).i, Mm(2.0));
-    EXPECT_SAME(max(C(3, 4), C(4, 3)), C(4, 3)) << "the second of equal ones";
+    EXPECT_SAME(min(C(3, 4), C(4, 3)), C(3, 4)) << "the first of equal ones";
     // A NaN replaces the best, and the next element replaces the NaN.
     Mm b = test::complex_of(row({9, nan, 2, 1}), row({1, 1, 1, 2}));
     EXPECT_SAME(max_of(b).i, Mm(3.0));

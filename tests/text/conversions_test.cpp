@@ -23,9 +23,9 @@ TEST(Conversions, numbers_as_text) {
 }
 
 TEST(Conversions, random_doubles_come_back_from_their_text) {
-    for (int repeat = 0; repeat < 50; ++repeat) { // of all exponents
-        const Mm mantissas = randM(1, 20000) + randM(1, 20000) * 0x1p-30 - 0.5,
-                 x = times(mantissas, power(2.0, floor(randM(1, 20000) * 2098) - 1074));
+    for (int repeat = 0; repeat < 1000; ++repeat) { // of all exponents
+        const Mm mantissas = randM(1, 1000) + randM(1, 1000) * 0x1p-30 - 0.5,
+                 x = times(mantissas, power(2.0, floor(randM(1, 1000) * 2098) - 1074));
         ASSERT_SAME(str2num(sprintf(TM("%.17g "), x)), x);
     }
 }
