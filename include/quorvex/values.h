@@ -288,20 +288,21 @@ class QUORVEX_API Mm {
   private:
     friend struct kn::Header;
 
-    int ndims;
-    kn_size dims[4];
-    kn_size p;              // capacity of the block in elements; 0 for the static block
-    unsigned int *refcount; // headers that hold the block
+    // First what work with single numbers looks at.
     void *pr;
     void *pi;
-    kn_size nnz; // stored elements; the product of the dims for a full value
+    kn_size nnz;            // stored elements; the product of the dims for a full value
+    kn_size p;              // capacity of the block in elements; 0 for the static block
+    unsigned int *refcount; // headers that hold the block
     M_types flags;
+    const char *name;
+    int ndims;
+    int level; // workspace level of this named value, -1 for none; uninitialized without a name
+    kn_size dims[4];
+    kn_size *index;
+    const char **fields;
     int nfields;
     int classid;
-    int level; // workspace level of this named value, -1 for none; uninitialized without a name
-    kn_size *index;
-    const char *name;
-    const char **fields;
     Mm *shadow; // the value that this named value covers in the workspace
 
     kn_size at(kn_size row, kn_size col) const { return (row - 1) + (col - 1) * dims[0]; }

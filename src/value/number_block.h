@@ -39,9 +39,10 @@ inline unsigned *count_of_number(void *block) {
 
 // The header of a number and what its block holds.
 inline Mm::Mm(const Number &n)
-    : ndims(2), dims{1, 1, 1, 1}, p(kn::number_room), refcount(kn::count_of_number(n.block)), pr(n.block),
-      pi(nullptr), nnz(1), flags{0, 0, n.logical, n.scalar_only, 0, 0, kn_double}, nfields(0), classid(0),
-      index(nullptr), name(nullptr), fields(nullptr), shadow(nullptr) {
+    : pr(n.block), pi(nullptr), nnz(1), p(kn::number_room),
+      refcount(kn::count_of_number(n.block)), flags{0, 0, n.logical, n.scalar_only, 0, 0, kn_double},
+      name(nullptr), ndims(2), dims{1, 1, 1, 1}, index(nullptr), fields(nullptr), nfields(0), classid(0),
+      shadow(nullptr) {
     *refcount = 1;
     *addr() = n.value;
 }

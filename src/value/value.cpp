@@ -41,6 +41,8 @@ struct RowsAndColumns {
     kn_size d[2];
 };
 
+static_assert(sizeof(Mm) <= 16 * sizeof(void *)); // two cache lines
+
 size_t aligned(size_t bytes) { return (bytes + 7) & ~size_t(7); }
 
 // An array of values. The number of its elements and the count of its holders precede it.
@@ -297,10 +299,11 @@ Mm::Mm(int complex, int sparse, kn_size stored, kn_size rows, kn_size cols, kn_m
     : Mm(complex, sparse, stored, 2, RowsAndColumns{{rows, cols}}.d, t) {}
 
 Mm::Mm(int complex, int sparse, kn_size stored, kn_size n, kn_extents extents, kn_matrix_types t)
-    : ndims(static_cast<int>(std::clamp<kn_size>(n, 2, 4))), dims{1, 1, 1, 1}, flags{0, sparse != 0, 0, 0,
-                                                                                     0, 0,           t},
-      name(nullptr), shadow(nullptr) {
+    : flags{}, name(nullptr), ndims(static_cast<int>(std::clamp<kn_size>(n, 2, 4))), dims{1, 1, 1, 1},
+      shadow(nullptr) {
     const kn_size *d = extents.d;
+    flags.sparse = sparse != 0;
+    flags.type = t;
     for (int k = 0; k < n && k < 4; ++k) dims[k] = d[k] > 0 ? d[k] : 0;
     while (ndims > 2 && dims[ndims - 1] == 1) --ndims;
     kn_size full = product(4, dims);

@@ -163,7 +163,7 @@ TEST(IndexWrite, what_does_not_fit_is_reported) {
         {[&] { s(1) = three; },
          "In the assignment x(...)=y, x and y (structures) must have identical members"},
         {[&] { x(1) = u; }, "variable 'u' was used without a value"},
-        {[&] { x(2147483647.0) = 1.0; }, "Out of memory!"},
+        {[&] { x(0x1p53) = 1.0; }, "Out of memory!"},
     };
     const Mm *const targets[] = {&x, &a, &cube, &c, &s, &thin};
     std::vector<Mm> before;
