@@ -46,6 +46,8 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     kn_size at = at_[bad][element];
     if (at < 0)
         report_not_positive(s[bad], base, at);
+    else if (extent(bad) == PTRDIFF_MAX) // no value reaches so far
+        out_of_memory();
     else if (n_ > 1)
         report_outside_dimension(s[bad], base, at, dims[bad]);
     else if (vector)
