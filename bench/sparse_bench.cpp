@@ -38,8 +38,9 @@ struct Compressed {
     int rows, cols;
 
     explicit Compressed(const Mm &a)
-        : value(a.addr(), a.addr() + a.getnnz()), rows(a.rows()), cols(a.cols()) {
-        int *ir = getIr(a), *jc = getJc(a);
+        : value(a.addr(), a.addr() + a.getnnz()), rows(static_cast<int>(a.rows())),
+          cols(static_cast<int>(a.cols())) {
+        kn_size *ir = getIr(a), *jc = getJc(a);
         row.assign(ir, ir + a.getnnz());
         start.assign(jc, jc + cols + 1);
         freeIrJc(ir, jc);

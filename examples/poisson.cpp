@@ -1,9 +1,11 @@
 // Poisson's equation on the unit square with zero boundary values, by `\` on a sparse matrix: a program as
 // the compiler of the language emits it (sunspots.cpp explains the style).
 //
-// The grid has 200 by 200 inner points, so the matrix has 40000 rows (positions of a sparse matrix end at
-// 46340). The right-hand side belongs to a solution that is known, so the error of the grid can be shown: it
-// is about that of second differences, (pi h)^2 / 12.
+// A grid of m by m inner points gives a matrix of m^2 rows: a million for the larger grid. The right-hand side
+// belongs to a solution that is known, so the error of the grid can be shown: it is about that of second
+// differences, (pi h)^2 / 12.
+//
+// poisson M takes a grid of M by M points instead of 300 by 300 and 1000 by 1000.
 #include <quorvex/generated.h>
 
 namespace {
@@ -35,14 +37,14 @@ Mm laplacian(Mm m) {
     return a;
 }
 
-void poisson() {
-    Frame frame("poisson.m");
-    Mm m(i_o, "m", 0), h(i_o, "h", 0), t(i_o, "t", 0), x(i_o, "x", 0), y(i_o, "y", 0), exact(i_o, "exact", 0),
-        b(i_o, "b", 0), a(i_o, "a", 0), u(i_o, "u", 0), seconds(i_o, "seconds", 0),
-        residual(i_o, "residual", 0), difference(i_o, "difference", 0), expected(i_o, "expected", 0);
+// u = solution(m): on a grid of m by m; tells the time, the residual and the error
+Mm solution(Mm m) {
+    Frame frame("solution.m");
+    m.setname("m");
+    Mm h(i_o, "h", 0), t(i_o, "t", 0), x(i_o, "x", 0), y(i_o, "y", 0), exact(i_o, "exact", 0), b(i_o, "b", 0),
+        a(i_o, "a", 0), u(i_o, "u", 0), seconds(i_o, "seconds", 0), residual(i_o, "residual", 0),
+        difference(i_o, "difference", 0), expected(i_o, "expected", 0);
 
-    // m = 200;
-    line(1), m = 200;
     // h = 1 / (m + 1);
     line(2), h = 1 / (m + 1);
     // t = (1:m) * h;
@@ -63,19 +65,36 @@ void poisson() {
     line(10), difference = max(abs(u - Mm(exact(c_p)))), display(difference);
     // expected = (pi * h) ^ 2 / 12
     line(11), expected = power(pi * h, 2) / 12, display(expected);
-
-    // disp('the solution from above, in tenths')
-    line(13), disp(TM("the solution from above, in tenths"));
     // u = reshape(u, m, m);
-    line(14), u = reshape(u, m, m);
-    // disp(setstr(48 + floor(9.99 * u(5:10:m,3:5:m))))
-    line(15), disp(setstr(48 + floor(9.99 * u(colon(5, 10, m), colon(3, 5, m)))));
+    line(12), u = reshape(u, m, m);
+    return u;
+}
+
+void poisson(Mm grids) {
+    Frame frame("poisson.m");
+    grids.setname("grids");
+    Mm k(i_o, "k", 0), m(i_o, "m", 0), u(i_o, "u", 0);
+
+    // for k = 1:length(grids)
+    line(2);
+    for (double k_ = 1, end = scalar(length(grids)); k_ <= end; ++k_) {
+        k = k_;
+        // m = grids(k)
+        line(3), m = grids(k), display(m);
+        // u = solution(m);
+        line(4), u = solution(m);
+        // end
+    }
+    // disp('the last solution from above, in tenths')
+    line(6), disp(TM("the last solution from above, in tenths"));
+    // disp(setstr(48 + floor(9.99 * u(ceil(m/40:m/20:m),ceil(m/80:m/40:m)))))
+    line(7), disp(setstr(48 + floor(9.99 * u(ceil(colon(m / 40, m / 20, m)), ceil(colon(m / 80, m / 40, m))))));
 }
 
 } // namespace
 
-int main() {
+int main(int argc, char **argv) {
     initM2(QUORVEX_VERSION, sizeof(Mm));
-    poisson();
+    poisson(argc > 1 ? str2num(TM(argv[1])) : Mm((BR(300.0), 1000.0)));
     exitM();
 }
