@@ -1,5 +1,6 @@
 // Linear solving against LAPACK and SuperLU on the same data, in their own layout.
 
+#include <string>
 #include <vector>
 
 #include <quorvex.h>
@@ -36,8 +37,7 @@ struct Laplacian {
     void add(bool there, int row, double value) {
         if (there) rows.push_back(row), values.push_back(value);
     }
-    Mm
-    matrix() const { // positions of the 300 by 300 grid fit no int: by setting the block up column by column
+    Mm matrix() const {
         const int nnz = static_cast<int>(rows.size());
         Mm i = zeros(nnz, 1), j = zeros(nnz, 1), s = zeros(nnz, 1);
         for (int c = 0, k = 0; c < n; ++c)
@@ -79,16 +79,18 @@ void dense_rows() {
 }
 
 void sparse_system_rows() {
-    constexpr int m = 200;
-    Laplacian laplacian(m);
-    Mm a = laplacian.matrix(), b = randn(m * m, 1);
-    std::vector<double> x(size_t(m) * m);
-    row(
-        "sparse A\\b, grid of 200x200", times_native(1.2), [&] { keep(mldivide(a, b)); },
-        [&] {
-            native::solve_sparse(laplacian.n, laplacian.starts.data(), laplacian.rows.data(),
-                                 laplacian.values.data(), b.addr(), x.data());
-        });
+    for (int m : {200, 500}) {
+        Laplacian laplacian(m);
+        Mm a = laplacian.matrix(), b = randn(m * m, 1);
+        std::vector<double> x(size_t(m) * m);
+        const std::string grid = std::to_string(m) + "x" + std::to_string(m);
+        row(
+            "sparse A\\b, grid of " + grid, times_native(1.2), [&] { keep(mldivide(a, b)); },
+            [&] {
+                native::solve_sparse(laplacian.n, laplacian.starts.data(), laplacian.rows.data(),
+                                     laplacian.values.data(), b.addr(), x.data());
+            });
+    }
 }
 
 } // namespace

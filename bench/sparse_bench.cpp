@@ -31,6 +31,14 @@ Mm grid_matrix(int m) {
     return sparse(list(i), list(j), list(s), n, n);
 }
 
+// A column of random whole numbers from 1 to n.
+Mm random_indices(int count, unsigned n) {
+    static std::mt19937 engine(1);
+    Mm out = zeros(count, 1.0);
+    for (int k = 0; k < count; ++k) out.addr()[k] = static_cast<double>(engine() % n + 1);
+    return out;
+}
+
 // A matrix as compressed columns of its own.
 struct Compressed {
     std::vector<int> start, row;
@@ -54,14 +62,10 @@ struct Compressed {
 void bench::sparse_rows() {
     heading("Sparse matrices / plain C++");
     constexpr int million = 1000000;
+    Mm s = randn(million, 1.0);
     {
         constexpr int n = 20000;
-        std::mt19937 engine(1);
-        Mm i = zeros(million, 1.0), j = zeros(million, 1.0), s = randn(million, 1.0);
-        for (int k = 0; k < million; ++k) {
-            i.addr()[k] = static_cast<double>(engine() % n + 1);
-            j.addr()[k] = static_cast<double>(engine() % n + 1);
-        }
+        Mm i = random_indices(million, n), j = random_indices(million, n);
         Compressed by_rows(n, n + 1, million), out(n, n, million);
         row(
             "sparse(i,j,s,m,n) of 1e6 / counting passes", times_native(2),
@@ -69,6 +73,14 @@ void bench::sparse_rows() {
             [&] {
                 native::from_triplets(million, i.addr(), j.addr(), s.addr(), by_rows.view(), out.view());
             });
+    }
+    {
+        constexpr int n = 30000;
+        Mm i = random_indices(million, n), j = random_indices(million, n);
+        Mm wide_i = random_indices(million, million), wide_j = random_indices(million, million);
+        row(
+            "sparse of 1e6, order 1e6 / order 3e4", times_native(1.1),
+            [&] { keep(sparse(wide_i, wide_j, s, million, million)); }, [&] { keep(sparse(i, j, s, n, n)); });
     }
 
     constexpr int m = 215, n = m * m;

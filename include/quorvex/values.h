@@ -346,8 +346,8 @@ QUORVEX_API double nargin();
 QUORVEX_API double nargout();
 QUORVEX_API Mm argn(i_o_t, Mm &out, Mm &in); // out = nargout_val, in = nargin_val
 
-// Truncate with saturation; NaN counts as -Inf. Sizes end at 2^53 (at the largest int where they are as
-// narrow), the others at 2147483647, at the negative numbers below.
+// Truncate with saturation; NaN counts as -Inf. Sizes end at 2^53, to which doubles count every number (at
+// 2147483647 where kn_size has 32 bits), ints at 2147483647; below zero both end at the negative of that.
 QUORVEX_API kn_size double_to_size(double x);
 QUORVEX_API int double_to_int(double x);
 

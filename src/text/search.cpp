@@ -70,7 +70,7 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     const Finder finder(word);
     if (!finder) return x_M;
 
-    TextBuffer found; // positions, as ints
+    TextBuffer found; // positions
     finder.each(text, [&](ptrdiff_t at) {
         const kn_size place = static_cast<kn_size>(at);
         found.append({reinterpret_cast<const char *>(&place), sizeof place});
