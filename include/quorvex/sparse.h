@@ -3,7 +3,7 @@
 // Entries may be zero: spalloc, sums that cancel and products leave such entries. They are included in
 // "stored" values. Unless stated otherwise inputs are real or complex numbers of any class, full or sparse;
 // text counts as its character codes, and cells and structures are reported by error_numeric. rows times
-// columns must be below 2^63 ("Out of memory!").
+// columns must be less than 2^63 ("Out of memory!").
 #ifndef QUORVEX_SPARSE_H
 #define QUORVEX_SPARSE_H
 

@@ -1,6 +1,5 @@
 // Diagonals and triangles of matrices. Diagonal k holds the elements whose column is their row plus k.
 #include <algorithm>
-#include <climits>
 
 #include "quorvex/arrays.h"
 #include "quorvex/builders.h"

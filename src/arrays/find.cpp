@@ -1,20 +1,27 @@
 // The positions of the elements that are not zero.
 #include <algorithm>
 
+#include "base/number_tests.h"
 #include "indexing/index_move.h"
 #include "quorvex/arrays.h"
 #include "quorvex/classes.h"
 #include "quorvex/indexing.h"
 #include "quorvex/sparse.h"
 #include "quorvex/startup.h"
+#include "value/sparse_walk.h"
 
 namespace {
+
+// For n elements of x: a row for those of a row, else a column.
+Mm line_for(const Mm &x, kn_size n) {
+    const bool row = x.rows() == 1;
+    return Mm(0, 0, 0, row ? 1 : n, row ? n : 1, kn_double);
+}
 
 // The positions, from 1, of the places in x that are selected.
 Mm positions(const Mm &x, const kn::Positions &places) {
     kn_size n = places.count();
-    bool row = x.rows() == 1;
-    Mm out(0, 0, 0, row ? 1 : n, row ? n : 1, kn_double);
+    Mm out = line_for(x, n);
     if (kn::lacks(out, n)) return x_M;
     double *to = out.addr();
     const kn_size *index = x.getindex();
@@ -40,6 +47,25 @@ Mm stored_nonzeros(const Mm &x) {
     return out;
 }
 
+// The rows and columns, from 1, of the entries that are not zero: doubles may hold these but not the
+// positions.
+Mm subscripts_of_entries(const Mm &x, Mm &i, Mm &j) {
+    const double *re = x.addr(), *im = x.addi();
+    kn_size n = 0;
+    for (kn_size k = 0; k < x.getnnz(); k++) n += kn::is_nonzero(re, im, k);
+    Mm rows = line_for(x, n), columns = line_for(x, n);
+    if (kn::lacks(rows, n) || kn::lacks(columns, n)) return x_M;
+    double *row_to = rows.addr(), *column_to = columns.addr();
+    kn::for_entries(x, [&](kn_size k, kn_size row, kn_size column) {
+        if (!kn::is_nonzero(re, im, k)) return;
+        *row_to++ = static_cast<double>(row + 1);
+        *column_to++ = static_cast<double>(column + 1);
+    });
+    i = rows;
+    j = columns;
+    return x_M;
+}
+
 } // namespace
 
 Mm find(const Mm &x) {
@@ -50,12 +76,15 @@ Mm find(const Mm &x) {
     return places.set_nonzero(x) ? positions(x, places) : x_M;
 }
 
-Mm find(const Mm &x, i_o_t, Mm &i, Mm &j) { return ind2sub(size(x), find(x), i_o, i, j); }
+Mm find(const Mm &x, i_o_t, Mm &i, Mm &j) {
+    return x.issparse() ? subscripts_of_entries(x, i, j) : ind2sub(size(x), find(x), i_o, i, j);
+}
 
 Mm find(const Mm &x, i_o_t, Mm &i, Mm &j, Mm &v) {
-    Mm k = find(x), values = x.issparse() ? stored_nonzeros(x) : Mm(squeeze(x(k)));
+    const Mm k = x.issparse() ? nop_M : find(x);
+    Mm values = x.issparse() ? stored_nonzeros(x) : Mm(squeeze(x(k)));
     values = x.rows() == 1 ? reshape(values, 1.0, nop_M) : values;
-    ind2sub(size(x), k, i_o, i, j);
+    x.issparse() ? subscripts_of_entries(x, i, j) : ind2sub(size(x), k, i_o, i, j);
     v = values;
     return x_M;
 }

@@ -39,13 +39,13 @@ struct Size {
     double total = 1;
     bool valid;
 
-    Size(const char *name, const Mm &size, kn_size n) {
+    Size(const char *name, const Mm &size, int n) {
         Mm v = mdouble(size);
         kn_size given = v.getnnz();
         valid = given >= 2;
         if (!valid) error("%s: size vector must have at least two elements", name);
         for (kn_size k = 0; valid && k < given; k++) {
-            d[std::min(k, n - 1)] *= v.addr()[k];
+            d[std::min<kn_size>(k, n - 1)] *= v.addr()[k];
             total *= v.addr()[k];
         }
     }
@@ -57,7 +57,7 @@ bool all_within(const Mm &x, double last) {
 }
 
 Mm subscripts(const Mm &size, const Mm &position, std::initializer_list<Mm *> out) {
-    kn_size n = static_cast<kn_size>(out.size());
+    const int n = static_cast<int>(out.size());
     Size extents("ind2sub", size, n);
     if (!extents.valid) return x_M;
     Mm k = mdouble(position);
@@ -67,7 +67,7 @@ Mm subscripts(const Mm &size, const Mm &position, std::initializer_list<Mm *> ou
     }
     k = k - 1.0;
     Mm found[4];
-    for (kn_size l = 0; l < n - 1; l++) {
+    for (int l = 0; l < n - 1; l++) {
         found[l] = rem(k, extents.d[l]) + 1.0;
         k = floor(k / extents.d[l]);
     }
@@ -78,7 +78,7 @@ Mm subscripts(const Mm &size, const Mm &position, std::initializer_list<Mm *> ou
 }
 
 Mm position(const Mm &size, std::initializer_list<const Mm *> subscripts) {
-    kn_size n = static_cast<kn_size>(subscripts.size());
+    const int n = static_cast<int>(subscripts.size());
     Size extents("sub2ind", size, n);
     if (!extents.valid) return x_M;
     Mm out = 1.0;

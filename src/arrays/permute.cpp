@@ -16,7 +16,7 @@ namespace {
 
 // A permutation of the four dimensions, from 0; those beyond the given ones stay.
 struct Order {
-    kn_size of[4] = {0, 1, 2, 3};
+    int of[4] = {0, 1, 2, 3};
 
     Order inverse() const {
         Order inverse;
@@ -49,7 +49,7 @@ struct Walk {
         ptrdiff_t steps[4] = {1}, step = 1;
         for (int k = 1; k < 4; k++) steps[k] = steps[k - 1] * x.getdims()[k - 1];
         for (int k = 0; k < 4; k++) {
-            kn_size source = order.of[k];
+            const int source = order.of[k];
             d[k] = x.getdims()[source];
             from[k] = steps[source];
             to[k] = step;
@@ -59,9 +59,9 @@ struct Walk {
 
     // The same with neighbours that stay neighbours as one dimension, and `first` the one along which the
     // source is contiguous.
-    Walk merged(kn_size &first) const {
+    Walk merged(int &first) const {
         Walk w = *this;
-        kn_size n = 0;
+        int n = 0;
         for (int k = 0; k < 4; k++) {
             if (d[k] == 1) continue;
             if (n > 0 && from[k] == w.from[n - 1] * w.d[n - 1]) {
@@ -76,15 +76,15 @@ struct Walk {
             w.d[n] = 1;
             w.to[n] = w.from[n] = 0;
         }
-        first = static_cast<kn_size>(std::find(w.from, w.from + 4, 1) - w.from) % 4;
+        first = static_cast<int>(std::find(w.from, w.from + 4, 1) - w.from) % 4;
         return w;
     }
 };
 
 template <class T> void permute_elements(T *to, const T *from, const Walk &walk, bool negated) {
-    kn_size first, other[2], n = 0; // the dimensions outside the planes
+    int first, other[2], n = 0; // the dimensions outside the planes
     const Walk w = walk.merged(first);
-    kn_size q = first == 0 ? 1 : first;
+    const int q = first == 0 ? 1 : first;
     for (int k = 1; k < 4; k++)
         if (k != q) other[n++] = k;
     auto [a, b] = other;
@@ -107,9 +107,9 @@ Mm permute_entries(const Mm &x, const Walk &w) {
     if (kn::lacks(out, nnz) || !out.issparse()) return x_M;
     for (kn_size k = 0; k < nnz; k++) {
         kn_size from = x.getindex()[k];
-        ptrdiff_t to = 0;
+        kn_size to = 0;
         for (int d = 0; d < 4; d++) to += from / w.from[d] % w.d[d] * w.to[d];
-        out.getindex()[k] = static_cast<kn_size>(to);
+        out.getindex()[k] = to;
     }
     kn::for_planes(out, x, [nnz](auto *to, const auto *from) { std::copy_n(from, nnz, to); });
     out.sort();
@@ -124,7 +124,7 @@ Mm permute_entries(const Mm &x, const Walk &w) {
 Mm transpose_entries(const Mm &x) {
     kn_size m = x.rows(), n = x.cols(), nnz = x.getnnz();
     Mm out(x.isc(), 1, nnz, n, m, kn_double);
-    kn::Scratch<kn_size> place(m + ptrdiff_t{1});
+    kn::Scratch<kn_size> place(m + 1);
     if (kn::lacks(out, nnz) || !out.issparse() || !place) return x_M;
     kn_size *at = place.get();
     std::fill_n(at, m + 1, 0);

@@ -3,8 +3,8 @@
 // Dimension by dimension: once the first tile is filled along the dimensions below k, the tiles along k are
 // copies of one contiguous block.
 #include <algorithm>
-#include <climits>
 
+#include "base/scratch.h"
 #include "quorvex/arrays.h"
 #include "quorvex/builders.h"
 #include "quorvex/indexing.h"
@@ -14,6 +14,7 @@
 #include "value/number_argument.h"
 #include "value/planes.h"
 #include "value/size_arguments.h"
+#include "value/sparse_walk.h"
 
 namespace {
 
@@ -28,8 +29,7 @@ template <class T> void lay_tiles(T *to, const T *from, const kn_size *d, const 
                 if (d[0] == 1)
                     kn::fill_run(run, *from, count[0]);
                 else
-                    for (kn_size t = 0; t < count[0]; t++)
-                        kn::copy_run(run + ptrdiff_t{t} * d[0], from, d[0]);
+                    for (kn_size t = 0; t < count[0]; t++) kn::copy_run(run + t * d[0], from, d[0]);
             }
     // Blocks along the other dimensions.
     for (int dim = 1; dim < 4; dim++) {
@@ -54,8 +54,32 @@ Mm tiled(const Mm &x, const kn::Extents &count) {
     return out;
 }
 
-// 1, 2, ..., n, again and again.
-Mm cycle(kn_size n, kn_size count) { return rem(colon(0.0, static_cast<double>(n) * count - 1), n) + 1.0; }
+Mm tiled_entries(const Mm &x, kn_size down, kn_size across) {
+    const kn_size m = x.rows(), entries[] = {x.getnnz(), down, across}, rows[] = {m, down},
+                  columns[] = {x.cols(), across}, n = kn::product(3, entries),
+                  dims[] = {kn::product(2, rows), kn::product(2, columns)};
+    if (n < 0 || dims[0] < 0 || dims[1] < 0 || kn::product(2, dims) < 0) {
+        kn::out_of_memory();
+        return x_M;
+    }
+    Mm out(x.isc(), 1, n, 2, dims, kn_double);
+    if (kn::lacks(out, n) || !out.issparse()) return x_M;
+    kn_size e = 0;
+    for (kn_size right = 0; n > 0 && right < across; right++)
+        for (kn_size below = 0; below < down; below++)
+            kn::for_entries(x, [&](kn_size k, kn_size row, kn_size column) {
+                out.getindex()[e] = row + below * m + (column + right * x.cols()) * dims[0];
+                out.addr()[e] = x.addr()[k];
+                if (x.isc()) out.addi()[e] = x.addi()[k];
+                e++;
+            });
+    out.sort();
+    if (!std::is_sorted(out.getindex(), out.getindex() + n)) return x_M; // no memory
+    out.setlogical(x.islogical());
+    out.setstr(x.isstr());
+    kn::check(out);
+    return out;
+}
 
 Mm repeated(const Mm &x, std::initializer_list<const Mm *> counts) {
     x.warn_uninit();
@@ -67,7 +91,7 @@ Mm repeated(const Mm &x, std::initializer_list<const Mm *> counts) {
     kn::Extents count = kn::extents_of("repmat", counts);
     if (!x.issparse()) return tiled(x, count);
     if (x.getndims() == 2 && count.d[2] == 1 && count.d[3] == 1)
-        return x(cycle(x.rows(), count.d[0]), cycle(x.cols(), count.d[1]));
+        return tiled_entries(x, count.d[0], count.d[1]);
     return tiled(full(x), count);
 }
 

@@ -102,7 +102,7 @@ Mm rot90(const Mm &x) { return rot90(x, 1.0); }
 Mm rot90(const Mm &x, const Mm &quarters) {
     if (error_2d(x, "rot90")) return x_M;
     double k = kn::first_number(quarters);
-    switch (double_to_size(k - 4 * std::floor(k / 4))) {
+    switch (double_to_int(k - 4 * std::floor(k / 4))) {
     case 1: return flipud(transpose(x));
     case 2: return flipud(fliplr(x));
     case 3: return fliplr(transpose(x));

@@ -13,8 +13,8 @@ Mm sizes(const Mm &x, std::initializer_list<Mm *> out) {
     x.warn_uninit();
     double extents[4];
     std::copy_n(x.getdims(), 4, extents);
-    kn_size n = static_cast<kn_size>(out.size());
-    for (kn_size k = n; k < 4; k++) extents[n - 1] *= extents[k];
+    const int n = static_cast<int>(out.size());
+    for (int k = n; k < 4; k++) extents[n - 1] *= extents[k];
     const double *extent = extents;
     for (Mm *m : out) *m = *extent++;
     return x_M;

@@ -193,7 +193,7 @@ bool run_loops(Mm &out, const Mm &a, const Mm &b, op_t op, const Shape &s, doubl
     const Loops<T> &loops = loops_of<T>()[op];
     if (loops.elements) return run_elements(loops, {re, im, n, operand<T>(a), operand<T>(b)});
     // Without a dimension one element is looked at; the others are zero.
-    if (static_cast<ptrdiff_t>(s.len) * s.stride * s.outer < a.getnnz()) clear(re, im, n);
+    if (s.len * s.stride * s.outer < a.getnnz()) clear(re, im, n);
     return by_slices(loops, {re, im, n, a.getpr(tag), a.getpi(tag), b.getpr(tag), b.getpi(tag), s.len,
                              s.stride, s.outer, position});
 }

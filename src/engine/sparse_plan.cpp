@@ -15,8 +15,8 @@
 #include "engine/sparse_plan.h"
 
 #include <algorithm>
-#include <climits>
 
+#include "base/number_tests.h"
 #include "base/scratch.h"
 #include "engine/element_engine.h"
 #include "engine/sparse_reductions.h"
@@ -148,6 +148,12 @@ Mm merge(const Operation &run, const Mm &full_or_sparse_a, const Mm &full_or_spa
     return result(run, run(row_a, row_b), n, positions, like);
 }
 
+// Whether the operation gives 0 where nothing is stored, beside a scalar.
+bool keeps_zeros(const Operation &run, const Mm &a, const Mm &b, bool scalar_a, bool scalar_b) {
+    const Mm x = run(scalar_a ? full(a) : zero_M, scalar_b ? full(b) : zero_M);
+    return x.size() == 1 && x.gettype() == kn_double && !is_nonzero(x.addr(), x.addi(), 0);
+}
+
 } // namespace
 
 Mm sparse_entries(const Mm &values, const kn_size *positions, const Mm &like) {
@@ -179,10 +185,14 @@ Mm sparse_operation(int complex_result, const Mm &a, const Mm &b, const Mm &dim,
         if (scalar_a || scalar_b) return on_stored(run, a, b, scalar_b);
         return merge(run, a, b);
     case SparseGroup::union_:
-        if (scalar_a || scalar_b) return dense(run, a, b);
-        return merge(run, a, b);
-    case SparseGroup::unary_full:
-    case SparseGroup::binary_full: return dense(run, a, b);
+        if (!scalar_a && !scalar_b) return merge(run, a, b);
+        [[fallthrough]];
+    case SparseGroup::binary_full:
+        if (do_dim || std::max(a.size(), b.size()) < too_large_for_full ||
+            !keeps_zeros(run, a, b, scalar_a, scalar_b))
+            return dense(run, a, b);
+        return scalar_a || scalar_b ? on_stored(run, a, b, scalar_b) : merge(run, a, b);
+    case SparseGroup::unary_full: return dense(run, a, b);
     case SparseGroup::reduction:
         if (const int d = dimension_in(dim);
             a.issparse() && a.size() >= too_large_for_full && d >= 0 && d <= 4 && reduces_entries(op))

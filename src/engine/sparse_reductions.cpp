@@ -2,8 +2,8 @@
 //
 // The entries of a slice along the dimension, with a single zero where the first element is missing, are a
 // shorter slice, of which the element engine gives the same: zeros add nothing to a sum, and one does to a
-// product or to the best element what many do. EntrySlices of the same length are reduced together, as the
-// columns of a matrix. EntrySlices without entries give 0.
+// product or to the best element what many do. Slices of the same length are reduced together, as the
+// columns of a matrix. Slices without entries give 0.
 
 #include "engine/sparse_reductions.h"
 

@@ -29,15 +29,16 @@ struct Layout {
     int slot;
     std::FILE *stream;
     Precision precision;
-    kn_size skip;
+    int skip;
     bool swap;
 
     Layout(int s, const Mm &name, const Mm &skipped, const Mm &format)
-        : slot(s), stream(fid_stream(s)), precision(file_precision(name)), skip(count_argument(skipped)) {
+        : slot(s), stream(fid_stream(s)), precision(file_precision(name)),
+          skip(static_cast<int>(std::min<kn_size>(count_argument(skipped), INT_MAX))) {
         const int code = machine_format_code(format);
         swap = (code == unknown_format ? fid_format(slot) : code) != native_format;
     }
-    long long stride() const { return precision.size + skip; }
+    long long stride() const { return static_cast<long long>(precision.size) + skip; }
 };
 
 // Gaps up to this size are read and written together with the elements around them, many elements a call.
@@ -152,7 +153,7 @@ Mm read_unsized(const Mm &size, const Layout &f, ptrdiff_t &items) {
     double block[4096];
     kn_size stored = 0;
     for (bool more = true; more && static_cast<double>(stored) < limit;) {
-        const ptrdiff_t n = static_cast<kn_size>(
+        const ptrdiff_t n = static_cast<ptrdiff_t>(
                             std::min<double>(limit - static_cast<double>(stored), std::size(block))),
                         got = read_items(block, n, f);
         const size_t elements = static_cast<size_t>((got + per_element - 1) / per_element);

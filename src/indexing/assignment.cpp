@@ -80,7 +80,7 @@ bool settle_fields(Mm &t, const Mm &src) {
     }
     int nf = t.getnfields(), more = src.getnfields() - nf;
     bool same = more == 0 || more == 1;
-    for (kn_size k = 0; same && k < nf; ++k) same = t.findfield(src.getfields()[k], 0) == k;
+    for (int k = 0; same && k < nf; ++k) same = t.findfield(src.getfields()[k], 0) == k;
     if (!same) {
         error("In the assignment x(...)=y, x and y (structures) must have identical members");
         return false;
@@ -128,7 +128,7 @@ bool store_member(Mm &t, const char *member, const Mm &source) {
     if (t.gettype() != kn_Mm) t = Mm(0, 0, 0, 0, 0, kn_Mm);
     if (t.gettype() != kn_Mm) return false;
     Mm first = 1.0;
-    kn_size f = t.findfield(member, 0);
+    int f = t.findfield(member, 0);
     if (f >= 0) {
         Mm place = f + 1.0;
         if (t.getnnz() > 0 && !t.dirty())

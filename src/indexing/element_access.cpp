@@ -20,7 +20,7 @@ Mm &writable(const Mm *m) { return const_cast<Mm &>(*m); }
 // another place is selected.
 int grows_along(const Mm &t, int n, const Mm *const *s) {
     kn_size rows = t.rows(), cols = t.cols(), size = t.getnnz();
-    if (!is_full_matrix(t) || size == size_max || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
+    if (!is_full_matrix(t) || n < 1 || n > 2 || !is_scalar_subscript(*s[0])) return -1;
     double i = *s[0]->addr();
     if (n == 1) {
         if (i != size + 1.0 || (rows > 1 && cols > 1)) return -1;

@@ -122,6 +122,13 @@ bool delete2(Mm &t, const Mm &i, const Mm &j) {
     return retain(t, kept, dims);
 }
 
+void shorten(kn_size *dims, const Mm &t, int d, kn_size left) {
+    const int along = t.vectordim();
+    std::copy_n(t.getdims(), 4, dims);
+    if (d < 0) std::fill_n(dims, 4, 1);
+    dims[d >= 0 ? d : along ? along - 1 : 1] = left;
+}
+
 bool vwcopy0(Mm &t, const Subscripts &s) {
     int d = -1;
     for (int k = 0; k < s.n; ++k) {
@@ -140,16 +147,16 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
 
     // Along d those that stay, along the other dimensions all. One subscript runs through all elements.
     bool one = s.n == 1;
-    kn_size dims[4];
-    std::copy_n(t.getdims(), 4, dims);
-    kn_size extent = one ? t.size() : dims[d];
+    const kn_size extent = one ? t.size() : t.getdims()[d];
     Selection gone, kept;
     for (int k = 0; k < s.n; ++k)
         if (!gone.add(s[k], counts[k])) return false;
     if (!gone.reaches(t, s, Selection::growing, 1)) return false;
-    int along = t.vectordim();
-    if (along > 0 && (one || d == along - 1) && !t.dirty() && !t.issparse() && are_last(gone[d], extent)) {
-        dims[along - 1] -= gone[d].count();
+    const int along = t.vectordim(), reduced = one ? -1 : d;
+    if (t.issparse()) return delete_sparse(t, gone[d], reduced);
+    kn_size dims[4];
+    if (along > 0 && (one || d == along - 1) && !t.dirty() && are_last(gone[d], extent)) {
+        shorten(dims, t, reduced, extent - gone[d].count());
         cut(t, dims);
         return true;
     }
@@ -165,12 +172,7 @@ bool vwcopy0(Mm &t, const Subscripts &s) {
     }
     kn_size left = kept[d].count();
     if (left == extent) return true;
-    if (one) {
-        std::fill_n(dims, 4, 1);
-        dims[along ? along - 1 : 1] = left;
-    } else {
-        dims[d] = left;
-    }
+    shorten(dims, t, reduced, left);
     return retain(t, kept, dims);
 }
 

@@ -43,6 +43,10 @@ template <class T> bool vwcopy1(Mm &t, const Mm &src, const Mm &i);
 template <class T> bool vwcopy2(Mm &t, const Mm &src, const Mm &i, const Mm &j);
 // The general engine. Of the kind {} the source may be of any type.
 template <class T> bool vwcopyn(Mm &t, Mr_idx_type kind, const Subscripts &s, const Mm &src);
+// Deletes from a sparse value what is selected along dimension d; -1: of all elements.
+bool delete_sparse(Mm &t, const Positions &gone, int d);
+// The extents when `left` positions stay along dimension d; -1: elements, which become a vector.
+void shorten(kn_size *dims, const Mm &t, int d, kn_size left);
 bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src);
 
 // -- Deletion.

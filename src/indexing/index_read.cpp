@@ -81,7 +81,7 @@ bool select_general(Selection &sel, const Mm &base, const Subscripts &s, int str
         if (!sel.add(s[k], dims[k])) return false;
     if (s.n == 1 && !is_colon(s[0])) {
         const Mm &i = s[0];
-        kn_size along_base = base.size() > 1 ? base.vectordim() : 0, along = i.vectordim();
+        int along_base = base.size() > 1 ? base.vectordim() : 0, along = i.vectordim();
         if (along) {
             dims[0] = 1;
             dims[(along_base ? along_base : along) - 1] = total;

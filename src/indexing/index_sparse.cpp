@@ -50,7 +50,7 @@ class EntryBuilder {
     bool failed_;
 
     void extend() {
-        kn_size n = std::max<kn_size>(64, count_ < size_max / 2 ? 2 * count_ : size_max);
+        const kn_size n = std::max<kn_size>(64, 2 * count_);
         list_.extend_nnz(n);
         failed_ = lacks(list_, n);
     }
@@ -101,7 +101,7 @@ Mm select_sparse(const Mm &source, const Selection &s, const kn_size *dims) {
 
     // A list of rows is looked up row by row, or, when it is long, turned round once.
     std::optional<Inverse> inverse;
-    if (!rows.is_run() && extent <= total && base.getnnz() > 0) {
+    if (!rows.is_run() && base.getnnz() > 0 && extent <= total && extent / count <= base.getnnz()) {
         inverse.emplace(rows, extent);
         if (!*inverse) return nothing_M;
     }
@@ -109,13 +109,21 @@ Mm select_sparse(const Mm &source, const Selection &s, const kn_size *dims) {
     const kn_size *near = index; // the entries of the line before; most lines follow it
     kn_size last = 0;
     Odometer lines(s, base.getdims(), 0);
-    for (kn_size next; !out.failed() && (next = lines.kn_next_index()) >= 0; place += count) {
-        const kn_size line = next;
-        kn_size least = line + (rows.is_run() ? rows.first() : 0);
-        kn_size span = rows.is_run() ? count : extent;
+    const bool all_columns = s.n() == 2 && s[1].is_run();
+    for (kn_size line; !out.failed() && (line = lines.kn_next_index()) >= 0; place += count) {
+        const kn_size least = line + (rows.is_run() ? rows.first() : 0),
+                      span = rows.is_run() ? count : extent;
         const kn_size *from = near = seek(least < last ? index : near, end, least);
         last = least;
-        if (from == end || *from - least >= span) continue;
+        if (all_columns && from == end) break;
+        if (from == end || *from - least >= span) {
+            if (!all_columns || *from - line < extent) continue;
+            const kn_size next = *from / extent - s[1].first(); // columns without entries are passed over
+            if (next >= s[1].count()) break;
+            lines.skip_to(next);
+            place = (next - 1) * count;
+            continue;
+        }
         if (rows.is_run()) {
             for (; from < end && *from - least < span; ++from)
                 out.add(place + (*from - least), base, from - index);
@@ -137,6 +145,36 @@ Mm select_sparse(const Mm &source, const Selection &s, const kn_size *dims) {
     result.getflags() = flags;
     check(result);
     return result;
+}
+
+bool delete_sparse(Mm &t, const Positions &gone, int d) {
+    const kn_size extent = d < 0 ? t.size() : t.getdims()[d], stride = d < 0 ? 1 : product(d, t.getdims());
+    Scratch<kn_size> list(gone.is_run() ? 0 : gone.count());
+    if (!list) return false;
+    kn_size *const begin = list.get(), *end = begin;
+    if (!gone.is_run())
+        for (kn_size k = 0; k < gone.count(); ++k) *end++ = gone[k];
+    std::sort(begin, end);
+    end = std::unique(begin, end);
+    auto gone_before = [&](kn_size at) {
+        return gone.is_run() ? std::clamp<kn_size>(at - gone.first(), 0, gone.count())
+                             : std::lower_bound(begin, end, at) - begin;
+    };
+    const kn_size left = extent - gone_before(extent);
+    if (left == extent) return true;
+    kn_size dims[4];
+    shorten(dims, t, d, left);
+    EntryBuilder rest(t.isc(), std::max<kn_size>(t.getnnz(), 1));
+    if (rest.failed()) return false;
+    for (kn_size e = 0; e < t.getnnz(); ++e) {
+        const kn_size line = t.getindex()[e] / stride, at = line % extent, before = gone_before(at);
+        if (gone_before(at + 1) == before)
+            rest.add((line / extent * left + at - before) * stride + t.getindex()[e] % stride, t, e);
+    }
+    if (!rest.finish(dims)) return false;
+    replace_block(t, rest.value());
+    check(t);
+    return true;
 }
 
 namespace {
@@ -185,7 +223,7 @@ bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src)
 
     const kn_size *a = t.getindex(), *b = fresh.getindex();
     kn_size na = t.getnnz(), nb = fresh.getnnz();
-    EntryBuilder merged(complex, na > size_max - 8 - nb ? size_max : na + nb);
+    EntryBuilder merged(complex, na + nb);
     if (merged.failed()) return false;
     for (kn_size i = 0, j = 0; i < na || j < nb;) {
         kn_size at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : size_max;

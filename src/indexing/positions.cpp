@@ -71,7 +71,7 @@ bool Positions::set_values(const double *v, kn_size n, bool alone) {
     if (near) { // quicker than a call
         counts_ = true;
         least_ = size_max;
-        largest_ = PTRDIFF_MIN;
+        largest_ = before_all;
         for (kn_size k = 0; k < n; ++k) {
             kn_size at = near_.list[k] = position(v[k]);
             counts_ = counts_ && at >= 0 && static_cast<double>(at) == v[k] - 1.0;

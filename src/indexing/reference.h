@@ -42,7 +42,7 @@ struct RefAccess {
     template <bool assigning = false>
     [[gnu::always_inline]] static bool selects_one(const Mm &base, const Mr &r, kn_size &at) {
         if (base.issparse()) return false;
-        if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], ptrdiff_t{base.getnnz()} + assigning, at);
+        if (r.nidx == 1) return is_inside<assigning>(*r.idx[0], base.getnnz() + assigning, at);
         kn_size j;
         if (r.nidx != 2 || !is_inside<assigning>(*r.idx[0], base.rows(), at) ||
             !is_inside<assigning>(*r.idx[1], base.cols(), j))

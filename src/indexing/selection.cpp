@@ -28,7 +28,7 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     bool vector = base.vectordim() != 0;
     auto extent = [&](int k) -> ptrdiff_t {
         if (n_ == 1 && !vector) return base.size();
-        if (mode == growing) return PTRDIFF_MAX;
+        if (mode == growing) return after_all;
         return n_ == 1 ? base.size() : dims[k];
     };
     int bad = -1;
@@ -46,7 +46,7 @@ bool Selection::reaches(const Mm &base, const Subscripts &s, Mode mode, int stri
     kn_size at = at_[bad][element];
     if (at < 0)
         report_not_positive(s[bad], base, at);
-    else if (extent(bad) == PTRDIFF_MAX) // no value reaches so far
+    else if (extent(bad) == after_all) // no value reaches so far
         out_of_memory();
     else if (n_ > 1)
         report_outside_dimension(s[bad], base, at, dims[bad]);

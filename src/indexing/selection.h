@@ -37,10 +37,10 @@ inline kn_size count_true(const double *mask, kn_size n) {
 }
 
 // Position of an index value. Beyond 2^53, where doubles are no longer all whole numbers, it is outside all
-// extents: the smallest kn_size (NaN too) or the largest.
+// extents.
 inline kn_size position(double v) {
     constexpr double most = sizeof(kn_size) == 8 ? 0x1p53 : 0x1p31 - 1;
-    return v > most ? PTRDIFF_MAX : v > -most ? static_cast<kn_size>(v - 1.0) : PTRDIFF_MIN;
+    return v > most ? after_all : v > -most ? static_cast<kn_size>(v - 1.0) : before_all;
 }
 
 // Full, and a matrix.

@@ -4,7 +4,6 @@
 // there: a short row is filled with zeros, and an item taller than its row (the last item of a row decides
 // its height) runs on into the next column, as far as the block goes. Everything else is joined pairwise.
 #include <algorithm>
-#include <climits>
 #include <cstring>
 
 #include "base/scratch.h"
@@ -52,7 +51,7 @@ struct Survey {
         str = str || x.isstr();
         any_logical = any_logical || x.islogical();
         all_logical = all_logical && x.islogical();
-        if (is_content(x)) place(x.rows(), x.cols());
+        if (plain && is_content(x)) place(x.rows(), x.cols());
     }
 
     void place(kn_size r, kn_size c) {
@@ -112,7 +111,7 @@ void lay_items(const Mc &list, double *plane, int imaginary, kn_size rows, ptrdi
             m = x.rows();
             width = x.cols();
         }
-        if (from) from += static_cast<ptrdiff_t>(first) * m;
+        if (from) from += first * m;
         lay(plane + row + (col + first) * rows, plane + n, rows, from, m, std::min(width - first, most));
         col += width;
         height = m;
@@ -199,7 +198,7 @@ Mm of_numbers(const Mc &list, kn_size rows, kn_size cols) {
     for (kn_size k = 0; k < list.count(); k++) {
         const double *x = list.number(k);
         if (!x && ends_row(list, k)) {
-            at -= ptrdiff_t{rows} * cols - 1;
+            at -= rows * cols - 1;
         } else {
             out.addr()[at] = x ? *x : *list.item(k).addr();
             at += rows;

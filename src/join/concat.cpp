@@ -6,7 +6,6 @@
 #include "join/concat.h"
 
 #include <algorithm>
-#include <climits>
 #include <numeric>
 
 #include "base/scratch.h"

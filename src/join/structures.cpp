@@ -24,12 +24,12 @@ struct FieldName {
         Mm codes = mdouble(x);
         kn_size n = std::min(codes.getnnz(), name_length);
         for (kn_size k = 0; k < n; k++)
-            text[k] = static_cast<char>(static_cast<unsigned char>(double_to_size(codes.addr()[k])));
+            text[k] = static_cast<char>(static_cast<unsigned char>(double_to_int(codes.addr()[k])));
     }
 };
 
 // Position of the field, as far as the length of names goes; -1 for none.
-kn_size find_name(const Mm &s, const FieldName &name) {
+int find_name(const Mm &s, const FieldName &name) {
     for (int f = 0; f < s.getnfields(); f++)
         if (std::strncmp(s.getfields()[f], name.text, name_length) == 0) return f;
     return -1;
@@ -37,7 +37,7 @@ kn_size find_name(const Mm &s, const FieldName &name) {
 
 // The name to read or write a field by.
 const char *member_name(const Mm &s, const FieldName &name) {
-    kn_size f = find_name(s, name);
+    int f = find_name(s, name);
     return f >= 0 ? s.getfields()[f] : name.text;
 }
 
@@ -49,7 +49,7 @@ bool built_right(const Mm &s, kn_size k) {
     return false;
 }
 
-Mm without(const Mm &element, kn_size f) {
+Mm without(const Mm &element, int f) {
     kn_size n = element.getnnz();
     Mm out(0, 0, 0, 1, n - 1, kn_Mm);
     if (kn::lacks(out, n - 1)) return element;
@@ -118,7 +118,7 @@ Mm fieldnames(const Mm &s) {
     int n = s.getnfields();
     Mm out(0, 0, 0, n, 1, kn_Mm);
     if (kn::lacks(out, n)) return x_M;
-    for (kn_size f = 0; f < n; f++) out.mr(f + 1) = TM(s.getfields()[f]);
+    for (int f = 0; f < n; f++) out.mr(f + 1) = TM(s.getfields()[f]);
     return out;
 }
 
@@ -137,7 +137,7 @@ Mm rmfield(const Mm &s, const Mm &names) {
     kn_size n = kn::is_cell(names) ? names.getnnz() : 1;
     for (kn_size k = 1; k <= n; k++) {
         FieldName name(kn::is_cell(names) ? names.mr(k) : names, "rmfield");
-        kn_size f = find_name(out, name);
+        int f = find_name(out, name);
         if (f < 0) {
             error("rmfield: structure has no field named '%s'", name.text);
             continue;
@@ -198,7 +198,7 @@ Mm mstruct(const Mm &args) {
         if (out.addfield(FieldName(args.mr(2 * p - 1), "struct").text, 0) < 0) return x_M;
     if (!make_elements(out)) return x_M;
     for (kn_size p = 1; p <= pairs; p++) {
-        kn_size f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
+        int f = find_name(out, FieldName(args.mr(2 * p - 1), "struct"));
         for (kn_size k = 1; k <= n; k++)
             out.mr(k).mr(f + 1) = kn::is_cell(value(p)) ? value(p).mr(k) : value(p);
     }

@@ -29,7 +29,7 @@ Mm colperm(const Mm &a) {
     Mm s = sparse(a);
     if (!s.issparse()) return x_M;
     kn_size n = s.cols();
-    kn::Scratch<kn_size> counts(n + ptrdiff_t{1});
+    kn::Scratch<kn_size> counts(n + 1);
     if (!counts) return x_M;
     kn::column_starts(s, n, counts.get());
     for (kn_size c = 0; c < n; c++) counts[c] = counts[c + 1] - counts[c];

@@ -7,7 +7,6 @@
 // or wide, else by bits.
 #include <algorithm>
 #include <bit>
-#include <climits>
 #include <cstdint>
 
 #include "base/poll.h"
@@ -132,6 +131,68 @@ template <class A, class B> Mm product(const Mm &a, const Mm &b) {
     return out;
 }
 
+// The numbers among those given, ascending, each once.
+class Used {
+  public:
+    explicit Used(kn_size most) : list_(most) {}
+    explicit operator bool() const { return bool(list_); }
+    void add(kn_size number) { list_[n_++] = number; }
+    void settle() {
+        std::sort(list_.get(), list_.get() + n_);
+        n_ = std::unique(list_.get(), list_.get() + n_) - list_.get();
+    }
+    kn_size count() const { return n_; }
+    kn_size operator[](kn_size k) const { return list_[k]; }
+    // Which of them a number is; -1 for none.
+    kn_size find(kn_size number) const {
+        const kn_size *begin = list_.get(), *end = begin + n_, *at = std::lower_bound(begin, end, number);
+        return at < end && *at == number ? at - begin : -1;
+    }
+
+  private:
+    Scratch<kn_size> list_;
+    kn_size n_ = 0;
+};
+
+// The entries of x at other rows and columns, those with a row or column -1 left out.
+template <class Row, class Column> Mm moved(const Mm &x, kn_size m, kn_size n, Row row_of, Column column_of) {
+    Mm out(x.isc(), 1, x.getnnz(), m, n, kn_double);
+    if (!out.issparse()) return x_M;
+    kn_size e = 0;
+    kn::for_entries(x, [&](kn_size k, kn_size row, kn_size column) {
+        const kn_size r = row_of(row), c = column_of(column);
+        if (r < 0 || c < 0) return;
+        out.getindex()[e] = r + c * m;
+        out.addr()[e] = x.addr()[k];
+        if (x.isc()) out.addi()[e] = x.addi()[k];
+        ++e;
+    });
+    out.getnnz() = e;
+    return out;
+}
+
+// The same with the rows and columns of `a` that have entries as the only ones, where it has many more of
+// them: time and memory then follow the entries.
+template <class A, class B> Mm product_of_few(const Mm &a, const Mm &b) {
+    constexpr kn_size usual = 1 << 24;
+    if (std::max(a.rows(), a.cols()) <= usual + 16 * a.getnnz()) return product<A, B>(a, b);
+    Used rows(a.getnnz()), inner(a.getnnz());
+    if (!rows || !inner) return x_M;
+    kn::for_entries(a, [&](kn_size, kn_size row, kn_size column) { rows.add(row), inner.add(column); });
+    rows.settle();
+    inner.settle();
+    auto same = [](kn_size k) { return k; };
+    auto used_row = [&](kn_size k) { return rows.find(k); };
+    auto used_inner = [&](kn_size k) { return inner.find(k); };
+    const Mm few_a = moved(a, rows.count(), inner.count(), used_row, used_inner),
+             few_b = moved(b, inner.count(), b.cols(), used_inner, same);
+    if (!few_a.issparse() || !few_b.issparse()) return x_M;
+    const Mm few = product<A, B>(few_a, few_b);
+    if (!few.issparse()) return x_M;
+    return moved(
+        few, a.rows(), b.cols(), [&](kn_size k) { return rows[k]; }, same);
+}
+
 } // namespace
 
 void sparse_match(Mm &a, Mm &b) {
@@ -144,5 +205,5 @@ Mm sparse_product(const Mm &full_or_sparse_a, const Mm &full_or_sparse_b) {
     sparse_match(a, b);
     if (!a.issparse() || !b.issparse() || !kn::conform(full_or_sparse_a, full_or_sparse_b)) return x_M;
     return kn::by_planes(
-        a, b, []<class A, class B>(const Mm &x, const Mm &y, A, B) { return product<A, B>(x, y); });
+        a, b, []<class A, class B>(const Mm &x, const Mm &y, A, B) { return product_of_few<A, B>(x, y); });
 }

@@ -31,9 +31,7 @@ double scalar_shown(const Mm &m) {
 void print_page(const Mm &m) {
     const Mm *elements = m.getpr(static_cast<Mm *>(nullptr));
     kn_size rows = m.rows(), cols = m.cols();
-    auto element = [&](kn_size r, kn_size c) -> const Mm & {
-        return elements[r + static_cast<ptrdiff_t>(c) * rows];
-    };
+    auto element = [&](kn_size r, kn_size c) -> const Mm & { return elements[r + c * rows]; };
     TextBuffer line;
     size_t longest = 0;
     for (kn_size r = 0; r < rows; ++r)

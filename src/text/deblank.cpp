@@ -19,7 +19,7 @@ Mm deblank_text(const Mm &s) {
     if (!codes) return x_M;
     const double *begin = codes.data(), *end = begin + codes.size();
     while (end > begin && is_blank(end[-1])) --end;
-    kn_size m = s.rows(), n = static_cast<kn_size>((end - begin + m - 1) / m);
+    kn_size m = s.rows(), n = (end - begin + m - 1) / m;
     if (n == s.cols()) return s;
     return setstr(s(c_p, colon(1.0, n)));
 }

@@ -19,7 +19,7 @@
 namespace kn {
 namespace {
 
-constexpr kn_size long_precision = 12, short_precision = 4;
+constexpr int long_precision = 12, short_precision = 4;
 
 void print(TextBuffer &text) {
     if (text) kn_print_handler(text.c_str());
@@ -65,7 +65,7 @@ void print_text(const Mm &m) {
         char *to = rows.text.room(n);
         if (!to) return;
         for (kn_size c = 0; c < codes.cols(); ++c)
-            to[c] = static_cast<char>(to_byte(codes.data()[r + static_cast<ptrdiff_t>(c) * codes.rows()]));
+            to[c] = static_cast<char>(to_byte(codes.data()[r + c * codes.rows()]));
         rows.text.advance(n);
         rows.end_row();
     }

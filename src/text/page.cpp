@@ -25,7 +25,7 @@ Mm page(const Mm &m, kn_size k, kn_size l) {
     if (m.issparse()) {
         const kn_size *index = m.getindex(), *end = index + m.getnnz();
         const kn_size *first = std::lower_bound(index, end, start);
-        n = static_cast<kn_size>(std::lower_bound(first, end, start + size) - first);
+        n = std::lower_bound(first, end, start + size) - first;
         from = first - index;
     }
     Mm out(m.isc(), m.issparse(), n, d[0], d[1], m.gettype());

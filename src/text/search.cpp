@@ -1,7 +1,6 @@
 // Searching text: findstr, strrep, strtok, strmatch.
 
 #include <algorithm>
-#include <climits>
 #include <cstring>
 
 #include "base/scratch.h"
@@ -25,8 +24,7 @@ class Finder {
         if (!border_) return;
         // border_[k]: how long a proper prefix of the first k characters is also their suffix, at most
         border_[0] = -1;
-        for (ptrdiff_t k = 0; k < n_; ++k)
-            border_[k + 1] = static_cast<kn_size>(longer(border_[k], word_[k]));
+        for (ptrdiff_t k = 0; k < n_; ++k) border_[k + 1] = longer(border_[k], word_[k]);
     }
     explicit operator bool() const { return static_cast<bool>(border_); }
 
@@ -71,10 +69,7 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     if (!finder) return x_M;
 
     TextBuffer found; // positions
-    finder.each(text, [&](ptrdiff_t at) {
-        const kn_size place = static_cast<kn_size>(at);
-        found.append({reinterpret_cast<const char *>(&place), sizeof place});
-    });
+    finder.each(text, [&](ptrdiff_t at) { found.append({reinterpret_cast<const char *>(&at), sizeof at}); });
     if (!found) return x_M;
     const size_t count = found.size() / sizeof(kn_size);
     if (count == 0) return s;
@@ -93,12 +88,8 @@ Mm replace(const Mm &s, const Mm &old, const Mm &now) {
     };
     long long n = 0;
     each_part([&](const double *, ptrdiff_t size) { n += size; });
-    if (n > size_max) {
-        out_of_memory();
-        return x_M;
-    }
-    Mm out(0, 0, 0, 1, static_cast<kn_size>(n), kn_double);
-    if (lacks(out, static_cast<kn_size>(n))) return x_M;
+    Mm out(0, 0, 0, 1, n, kn_double);
+    if (lacks(out, n)) return x_M;
     double *to = out.addr();
     each_part([&](const double *from, ptrdiff_t size) { to = std::copy_n(from, size, to); });
     out.setstr(1);

@@ -1,7 +1,6 @@
 // strvcat: rows stacked to one character matrix. The inputs are traversed twice, to measure and to fill.
 
 #include <algorithm>
-#include <climits>
 #include <initializer_list>
 
 #include "base/scratch.h"
@@ -31,20 +30,14 @@ template <class F> bool each_text(const Mm &m, F work) {
 }
 
 Mm stack(std::initializer_list<const Mm *> inputs) {
-    long long rows = 0;
-    kn_size cols = 0;
+    kn_size m = 0, cols = 0;
     for (const Mm *m : inputs) {
         auto measure = [&](const Mm &text) {
-            rows += text.rows();
+            m += text.rows();
             cols = std::max(cols, text.size() / text.rows());
         };
         if (!each_text(*m, measure)) return x_M;
     }
-    if (rows > size_max) {
-        out_of_memory();
-        return x_M;
-    }
-    kn_size m = static_cast<kn_size>(rows);
     Mm out(0, 0, 0, m, cols, kn_double);
     if (m > 0 && out.getnnz() == 0) return x_M;
 
@@ -56,9 +49,9 @@ Mm stack(std::initializer_list<const Mm *> inputs) {
             complete = complete && codes;
             kn_size r = complete ? codes.rows() : 0, n = complete ? codes.cols() : 0;
             for (kn_size c = 0; c < cols; ++c) {
-                double *column = to + static_cast<ptrdiff_t>(c) * m;
+                double *column = to + c * m;
                 if (c < n)
-                    std::copy_n(codes.data() + static_cast<ptrdiff_t>(c) * r, r, column);
+                    std::copy_n(codes.data() + c * r, r, column);
                 else
                     std::fill_n(column, r, blank);
             }

@@ -3,7 +3,6 @@
 #include "text/text_buffer.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <utility>
 
@@ -109,10 +108,6 @@ void TextRows::print(size_t from) {
 
 Mm TextRows::value(size_t from) {
     size_t n = width_ - from;
-    if (n > size_max) {
-        out_of_memory();
-        return x_M;
-    }
     kn_size m = rows_, cols = static_cast<kn_size>(n);
     Mm out(0, 0, 0, m, cols, kn_double);
     if (m > 0 && cols > 0 && out.getnnz() == 0) return x_M;

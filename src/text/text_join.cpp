@@ -1,7 +1,6 @@
 // Text from other text: strcat, strjust, blanks.
 
 #include <algorithm>
-#include <climits>
 
 #include "base/scratch.h"
 #include "quorvex/classes.h"
@@ -22,7 +21,7 @@ struct Part {
     kn_size begin, end;
 
     Part(const Codes &text, kn_size r)
-        : row(text.data() + r), step(text.rows()), begin(0), end(static_cast<kn_size>(text.cols())) {}
+        : row(text.data() + r), step(text.rows()), begin(0), end(text.cols()) {}
     kn_size size() const { return end - begin; }
     void trim_end() {
         while (end > begin && is_blank(row[(end - 1) * step])) --end;
@@ -39,9 +38,9 @@ struct Part {
 // ---- strcat ----
 
 // The texts, `count` of them, side by side; `trim`: without their trailing blanks.
-Mm side_by_side(const Mm *const *texts, kn_size count, bool trim) {
+Mm side_by_side(const Mm *const *texts, int count, bool trim) {
     kn_size m = 0;
-    for (kn_size k = 0; k < count; ++k) {
+    for (int k = 0; k < count; ++k) {
         texts[k]->warn_uninit();
         if (error_numeric(*texts[k], "strcat")) return x_M;
         const kn_size rows = texts[k]->rows();
@@ -51,13 +50,13 @@ Mm side_by_side(const Mm *const *texts, kn_size count, bool trim) {
         }
         m = std::max(m, rows);
     }
-    Scratch<long long> ends(m);
+    Scratch<kn_size> ends(m);
     if (!ends) return x_M;
-    long long width = 0;
+    kn_size width = 0;
     double *to = nullptr; // set in the second pass
     auto walk = [&] {
-        std::fill_n(ends.get(), m, 0LL);
-        for (kn_size k = 0; k < count; ++k) {
+        std::fill_n(ends.get(), m, 0);
+        for (int k = 0; k < count; ++k) {
             if (texts[k]->size() == 0) continue;
             const Codes codes(*texts[k]);
             if (!codes) return false;
@@ -71,11 +70,7 @@ Mm side_by_side(const Mm *const *texts, kn_size count, bool trim) {
         return true;
     };
     if (!walk()) return x_M;
-    if (width > size_max) {
-        out_of_memory();
-        return x_M;
-    }
-    Mm out(0, 0, 0, m, static_cast<kn_size>(width), kn_double);
+    Mm out(0, 0, 0, m, width, kn_double);
     if (m > 0 && width > 0 && out.getnnz() == 0) return x_M;
     to = out.addr();
     std::fill_n(to, out.getnnz(), blank);
@@ -84,22 +79,22 @@ Mm side_by_side(const Mm *const *texts, kn_size count, bool trim) {
     return out;
 }
 
-constexpr kn_size most = 6;
+constexpr int most = 6;
 
 Mm join(std::initializer_list<const Mm *> inputs) {
-    const kn_size count = static_cast<kn_size>(inputs.size());
+    const int count = static_cast<int>(inputs.size());
     if (std::none_of(inputs.begin(), inputs.end(), [](const Mm *x) { return is_cell(*x); }))
         return side_by_side(inputs.begin(), count, true);
     const Mm *shape = shape_of_cells("strcat", inputs);
     if (!shape) return x_M;
     Mm trimmed[most]; // the inputs other than cells
-    for (kn_size k = 0; k < count; ++k) {
+    for (int k = 0; k < count; ++k) {
         const Mm *x = inputs.begin()[k];
         trimmed[k] = is_cell(*x) ? *x : side_by_side(&x, 1, true);
     }
     return cell_of_answers(*shape, [&](kn_size k) {
         const Mm *texts[most];
-        for (kn_size t = 0; t < count; ++t) texts[t] = &CellItems(trimmed[t])[k];
+        for (int t = 0; t < count; ++t) texts[t] = &CellItems(trimmed[t])[k];
         return side_by_side(texts, count, false);
     });
 }
@@ -139,7 +134,7 @@ Mm strjust(const Mm &s, const Mm &how) {
         const kn_size room = codes.cols() - part.size(), before = side == 'l'   ? 0
                                                                   : side == 'c' ? room / 2
                                                                                 : room;
-        part.copy(out.addr() + r + static_cast<ptrdiff_t>(before) * m, m);
+        part.copy(out.addr() + r + before * m, m);
     }
     out.setstr(1);
     return out;

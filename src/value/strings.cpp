@@ -3,7 +3,6 @@
 #include "value/strings.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstring>
 
 #include "base/scratch.h"

@@ -22,7 +22,7 @@ class Codes {
     explicit operator bool() const { return data_ != nullptr; }
     kn_size rows() const { return rows_; }
     kn_size cols() const { return cols_; }
-    ptrdiff_t size() const { return static_cast<ptrdiff_t>(rows_) * cols_; }
+    ptrdiff_t size() const { return rows_ * cols_; }
     const double *data() const { return data_; }
 
   private:

@@ -13,7 +13,6 @@
 // their block comes from the list of its size and goes back there.
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <new>

@@ -64,7 +64,21 @@ TEST_P(LargeOrders, laws) {
     EXPECT_EQ(elements_of(horzcat(a, b)(c_p, colon(n + 1, n + 3))), elements_of(b(c_p, colon(1, 3))));
     const auto &[at, v] = *std::next(x.begin(), entries / 2);
     EXPECT_SAME(full(a(at.second, at.first)), v);
+    Elements positive, column, line, rest;
+    for (const auto &[p, value] : x) {
+        if (value > 0) positive[p] = 1;
+        if (p.first == at.first) column[{1, p.second}] = value;
+        if (p.second == at.second) line[{p.first, 1}] = value;
+        if (p.first != at.first) rest[{p.first - (p.first > at.first), p.second}] = value;
+    }
+    EXPECT_EQ(elements_of(a > 0), positive);
+    EXPECT_EQ(elements_of(a(c_p, at.first)), column);
+    EXPECT_EQ(elements_of(a * sparse(at.first, 1, 1, n, 1)), column);
+    EXPECT_EQ(elements_of(a(at.second, c_p)), line);
     Mm changed = a;
+    changed(c_p, at.first) = Mm();
+    EXPECT_EQ(elements_of(changed), rest);
+    changed = a;
     changed(at.second, at.first) = 0;
     x.erase(at);
     EXPECT_EQ(elements_of(changed), x);

@@ -33,15 +33,15 @@ Mm first_of(const MatFile &file) {
 }
 
 void load_list(const MatFile &file, const Mc &list) {
-    auto target = [&](int k) -> Mm & { return const_cast<Mm &>(list.item(k)); };
+    auto target = [&](kn_size k) -> Mm & { return const_cast<Mm &>(list.item(k)); };
     switch (file.kind) {
     case MatKind::level4:
-        for (int k = 0; k < list.count(); ++k)
+        for (kn_size k = 0; k < list.count(); ++k)
             if (mat4_load(file, target(k))) break;
         break;
     case MatKind::level5: {
         Mat5Reader reader(file.get(), file.name);
-        for (int k = 0; k < list.count(); ++k)
+        for (kn_size k = 0; k < list.count(); ++k)
             if (!reader.read_named(target(k))) break;
         break;
     }

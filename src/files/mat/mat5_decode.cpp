@@ -205,9 +205,8 @@ kn_size converted(double x, kn_size) { return double_to_size(x); }
 // The first n numbers of an element.
 template <class T> bool Mat5Decoder::numbers(T *to, kn_size n, const Tag &t, const Layout &l) {
     if (uint64_t{t.bytes} / static_cast<uint64_t>(l.size) < static_cast<uint64_t>(n)) return unread();
-    const bool as_they_are = std::is_same_v<T, double>          ? l.code == 0 && !swap_
-                             : std::is_same_v<T, unsigned char> ? l.size == 1
-                                                                : false;
+    const bool as_they_are =
+        std::is_same_v<T, double> ? l.code == 0 && !swap_ : std::is_same_v<T, unsigned char> && l.size == 1;
     if (as_they_are) {
         if (!in_.get(to, static_cast<size_t>(n) * sizeof(T))) return unread();
     } else {

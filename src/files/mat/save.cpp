@@ -55,7 +55,7 @@ struct Level5Appended : Level5 {
     using Level5::Level5;
 
     bool begin(const Values &values) {
-        for (int k = 0; k < values.count(); ++k)
+        for (kn_size k = 0; k < values.count(); ++k)
             if (const char *own = values[k].getname(); !own || !*own)
                 return refused("a value without a name can't be appended to %s");
         MatFile old(name);
@@ -90,7 +90,7 @@ struct Level5Appended : Level5 {
         std::memcpy(&shared, head + mat5::shared_at, sizeof shared);
 
         auto replaced = [&](const char *x) {
-            for (int k = 0; k < values.count(); ++k)
+            for (kn_size k = 0; k < values.count(); ++k)
                 if (std::strcmp(x, values[k].getname()) == 0) return true;
             return false;
         };
@@ -145,7 +145,7 @@ template <class Kind> Mm save_as(const Mm &m, const Values &values) {
     }
     Kind kind(file.get(), name);
     if (!kind.begin(values)) return x_M;
-    for (int k = 0; k < values.count(); ++k)
+    for (kn_size k = 0; k < values.count(); ++k)
         if (!kind.put(values[k])) return x_M;
     if (!file.finish()) Kind::failed(name, "written");
     return x_M;

@@ -6,7 +6,6 @@
 // capital I or N is Inf, -Inf, NaN or else 0, and any other is skipped.
 
 #include <charconv>
-#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>

@@ -60,7 +60,7 @@ void repeat(double *to, double x, ptrdiff_t n) {
 // As kn::position.
 inline ptrdiff_t position_of(double v) {
     constexpr double most = sizeof(ptrdiff_t) == 8 ? 0x1p53 : 0x1p31 - 1;
-    return v > most ? PTRDIFF_MAX : v > -most ? static_cast<ptrdiff_t>(v - 1.0) : PTRDIFF_MIN;
+    return v > most ? after_all : v > -most ? static_cast<ptrdiff_t>(v - 1.0) : before_all;
 }
 
 // Positions of a multiple of 8 values. False when one is no whole number, or too large: the list is then

@@ -92,9 +92,12 @@ inline Mask first(ptrdiff_t n) {
 // The lanes after the last element repeat it.
 #if KN_VECTOR_BYTES == 64
 inline V load(const double *p, Part at) {
-    return _mm512_mask_loadu_pd(same<V>(p[at.k + at.n - 1]), bits(first(at.n)), p + at.k);
+    return _mm512_mask_loadu_pd(same<V>(p[at.k + at.n - 1]), static_cast<__mmask8>(bits(first(at.n))),
+                                p + at.k);
 }
-inline void store(double *p, Part at, V x) { _mm512_mask_storeu_pd(p + at.k, bits(first(at.n)), x); }
+inline void store(double *p, Part at, V x) {
+    _mm512_mask_storeu_pd(p + at.k, static_cast<__mmask8>(bits(first(at.n))), x);
+}
 #else
 inline V load(const double *p, Part at) {
     Mask on = first(at.n);

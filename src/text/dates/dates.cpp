@@ -34,7 +34,7 @@ DateParts local_now() {
 }
 
 DateParts parts_at(const double *const *x, const int *step, kn_size k) {
-    auto part = [&](int p) { return x[p] ? x[p][static_cast<ptrdiff_t>(k) * step[p]] : 0; };
+    auto part = [&](int p) { return x[p] ? x[p][k * step[p]] : 0; };
     return {part(0), part(1), part(2), part(3), part(4), part(5)};
 }
 
@@ -43,7 +43,7 @@ DateParts parts_at(const double *const *x, const int *step, kn_size k) {
 bool text_dates(const char *caller, const Mm &m, const DateParts &today, double *to) {
     const Codes codes(m);
     if (!codes) return false;
-    for (int r = 0; r < codes.rows(); ++r) {
+    for (kn_size r = 0; r < codes.rows(); ++r) {
         TextBuffer text;
         for (ptrdiff_t c = 0; c < codes.cols(); ++c)
             text.append(static_cast<char>(to_byte(codes.data()[r + c * codes.rows()])));
@@ -99,7 +99,7 @@ Mm dates_of(const char *caller, const Mm &m, bool any_vector = false) {
     const double *parts[n_parts] = {};
     int step[n_parts];
     std::fill_n(step, n_parts, 1);
-    for (int p = 0; p < x.cols(); ++p) parts[p] = x.addr(1, p + 1);
+    for (kn_size p = 0; p < x.cols(); ++p) parts[p] = x.addr(1, p + 1);
     Mm out = column(n);
     if (lacks(out, n)) return x_M;
     for (kn_size k = 0; k < n; ++k) out.addr()[k] = date_number(parts_at(parts, step, k));
@@ -145,7 +145,7 @@ const char *standard_picture(const Mm &dates) {
 
 Mm text_of_dates(const Mm &dates, std::string_view picture) {
     TextRows rows;
-    for (int k = 0; k < dates.getnnz() && rows; ++k) {
+    for (kn_size k = 0; k < dates.getnnz() && rows; ++k) {
         const double date = dates.addr()[k];
         if (std::isnan(parts_of(date).year)) {
             error("datestr: not a date");
@@ -312,7 +312,7 @@ Mm calendar(const Mm &y, const Mm &m) {
 Mm eomday(const Mm &y, const Mm &m) {
     const Mm day = 1.0;
     Mm days = date_numbers("eomday", {&y, &m, &day});
-    for (int k = 0; k < days.getnnz(); ++k) {
+    for (kn_size k = 0; k < days.getnnz(); ++k) {
         const DateParts p = parts_of(days.addr()[k]);
         days.addr()[k] = days_in_month(p.year, p.month);
     }

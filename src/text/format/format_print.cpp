@@ -4,7 +4,6 @@
 // conversions get the same text without it.
 
 #include <charconv>
-#include <climits>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -42,7 +41,7 @@ template <class T> void append_by(TextBuffer &out, const char *c_format, T value
     };
     char *to = out.room(usual);
     if (!to) return;
-    const kn_size n = write(to, usual);
+    const int n = write(to, usual);
     if (n < 0) return;
     const size_t size = static_cast<size_t>(n);
     if (size > usual) {
@@ -177,7 +176,7 @@ bool format_print(FormatList &list, const Mm &value, TextBuffer &out) {
         case 'G': append_number(out, piece, rest.first()); break;
         case 'c':
             out.append(piece.shown);
-            if (piece.for_c) append_by(out, piece.c_format, static_cast<kn_size>(to_byte(rest.first())));
+            if (piece.for_c) append_by(out, piece.c_format, static_cast<int>(to_byte(rest.first())));
             break;
         case 'p':
             out.append(piece.shown);
@@ -195,10 +194,6 @@ bool format_print(FormatList &list, const Mm &value, TextBuffer &out) {
         }
         rest.next();
         if (!out.goes_on()) return false;
-        if (out.size() > size_max) {
-            out_of_memory();
-            return false;
-        }
     }
     return true;
 }
