@@ -31,12 +31,12 @@ template <class F> bool each_text(const Mm &m, F work) {
 
 Mm stack(std::initializer_list<const Mm *> inputs) {
     kn_size m = 0, cols = 0;
-    for (const Mm *m : inputs) {
+    for (const Mm *input : inputs) {
         auto measure = [&](const Mm &text) {
             m += text.rows();
             cols = std::max(cols, text.size() / text.rows());
         };
-        if (!each_text(*m, measure)) return x_M;
+        if (!each_text(*input, measure)) return x_M;
     }
     Mm out(0, 0, 0, m, cols, kn_double);
     if (m > 0 && out.getnnz() == 0) return x_M;
