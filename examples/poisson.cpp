@@ -1,8 +1,8 @@
 // Poisson's equation on the unit square with zero boundary values, by `\` on a sparse matrix: a program as
 // the compiler of the language emits it (sunspots.cpp explains the style).
 //
-// A grid of m by m inner points gives a matrix of m^2 rows: a million for the larger grid. The right-hand side
-// belongs to a solution that is known, so the error of the grid can be shown: it is about that of second
+// A grid of m by m inner points gives a matrix of m^2 rows: a million for the larger grid. The right-hand
+// side belongs to a solution that is known, so the error of the grid can be shown: it is about that of second
 // differences, (pi h)^2 / 12.
 //
 // poisson M takes a grid of M by M points instead of 300 by 300 and 1000 by 1000.
@@ -88,7 +88,8 @@ void poisson(Mm grids) {
     // disp('the last solution from above, in tenths')
     line(6), disp(TM("the last solution from above, in tenths"));
     // disp(setstr(48 + floor(9.99 * u(ceil(m/40:m/20:m),ceil(m/80:m/40:m)))))
-    line(7), disp(setstr(48 + floor(9.99 * u(ceil(colon(m / 40, m / 20, m)), ceil(colon(m / 80, m / 40, m))))));
+    line(7),
+        disp(setstr(48 + floor(9.99 * u(ceil(colon(m / 40, m / 20, m)), ceil(colon(m / 80, m / 40, m))))));
 }
 
 } // namespace

@@ -52,9 +52,10 @@ QUORVEX_API Mm vbload(const Mm &name);
 // Level 5, save and vbsave: every kind of value. saveappend adds to a file of level 5, and replaces variables
 // of the same names ("save: %s is no MAT-file of level 5", "save: %s has the other byte order", "save: a
 // value without a name can't be appended to %s"). Level 4, saveV4: matrices, as doubles ("save: matrix '%s'
-// has more than two dimensions and can not be saved in 4.0 format", "Can not convert %s into a numeric
-// matrix" for cells and structures); values without a name are called noname. Text, saveascii: the real parts
-// with 13 digits in fields of 23 characters, a line for each row, page after page and value after value.
+// has more than two dimensions and can not be saved in 4.0 format", "save: matrix '%s' is too large and can
+// not be saved in 4.0 format" for sizes above 2147483647, "Can not convert %s into a numeric matrix" for
+// cells and structures); values without a name are called noname. Text, saveascii: the real parts with 13
+// digits in fields of 23 characters, a line for each row, page after page and value after value.
 QUORVEX_API Mm save(const Mm &name, const Mc &list);
 QUORVEX_API Mm save(const Mm &name, const Mm &values);
 QUORVEX_API Mm vbsave(const Mm &list);

@@ -12,8 +12,8 @@ namespace kn {
 using MaskWord = uint64_t;
 inline ptrdiff_t words_of(ptrdiff_t n) { return (n + 63) / 64; }
 
-// Positions before and after all others: of index values whose amount is more than 2^53 (of those that no int holds
-// on a 32-bit system), and of NaN.
+// Positions before and after all others: of index values whose amount is more than 2^53 (of those that no int
+// holds on a 32-bit system), and of NaN.
 inline constexpr ptrdiff_t before_all = sizeof(ptrdiff_t) == 8 ? -(ptrdiff_t{1} << 53) : PTRDIFF_MIN;
 inline constexpr ptrdiff_t after_all = sizeof(ptrdiff_t) == 8 ? ptrdiff_t{1} << 62 : PTRDIFF_MAX;
 

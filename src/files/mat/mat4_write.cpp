@@ -60,6 +60,10 @@ bool mat4_save(std::FILE *stream, const Mm &x) {
         m = triplets_of(m);
         if (m.size() == 0) return false;
     }
+    if (std::max(m.rows(), m.cols()) > INT32_MAX) {
+        error("save: matrix '%s' is too large and can not be saved in 4.0 format", kn_display_name(x));
+        return true;
+    }
     const char *name = x.getname() && *x.getname() ? x.getname() : "noname";
     const size_t namlen = std::strlen(name) + 1;
     const int kind = x.issparse() ? 2 : x.isstr() ? 1 : 0;

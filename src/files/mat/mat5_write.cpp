@@ -159,7 +159,7 @@ bool Mat5Encoder::field_names(const Mm &x) const {
 // What precedes the elements of a cell or structure; the whole of any other value.
 bool Mat5Encoder::data(const Mm &x, Class type) const {
     const uint64_t n = static_cast<uint64_t>(x.getnnz());
-    if (n * (x.gettype() == kn_double ? 8 : 1) > UINT32_MAX) return too_large();
+    if (n * (x.gettype() == kn_double ? 8 : x.isstr() ? 2 : 1) > UINT32_MAX) return too_large();
     if (type == sparse_class) return sparse(x);
     if (type == text_class) return codes(x) || not_written();
     if (type == uint8_class) return planes(uint8, x, n) || not_written();
