@@ -8,13 +8,14 @@
 
 #include "base/number_tests.h"
 #include "indexing/index_move.h"
+#include "quorvex/sparse.h"
 #include "value/constants.h"
 
 namespace kn {
 
 namespace {
 
-// EntryBuilder as they are collected: it grows as they come.
+// Entries as they are collected: it grows as they come.
 class EntryBuilder {
   public:
     EntryBuilder(int complex, kn_size n) : list_(complex, 1, n, n, 1, kn_double), failed_(lacks(list_, n)) {}
@@ -147,29 +148,49 @@ Mm select_sparse(const Mm &source, const Selection &s, const kn_size *dims) {
     return result;
 }
 
+namespace {
+
+// Positions in order, for questions about single ones.
+class Chosen {
+  public:
+    explicit Chosen(const Positions &p) : p_(p), list_(p.is_run() ? 0 : p.count()) {
+        if (p.is_run() || !list_) return;
+        for (kn_size k = 0; k < p.count(); ++k) list_[k] = p[k];
+        std::sort(list_.get(), list_.get() + p.count());
+        n_ = std::unique(list_.get(), list_.get() + p.count()) - list_.get();
+    }
+    explicit operator bool() const { return bool(list_); }
+    bool has_equal() const { return !p_.is_run() && n_ < p_.count(); }
+    // How many are below, each counted once.
+    kn_size before(kn_size at) const {
+        if (p_.is_run()) return std::clamp<kn_size>(at - p_.first(), 0, p_.count());
+        return std::lower_bound(list_.get(), list_.get() + n_, at) - list_.get();
+    }
+    bool has(kn_size at) const { return before(at + 1) > before(at); }
+
+  private:
+    const Positions &p_;
+    Scratch<kn_size> list_;
+    kn_size n_ = 0;
+};
+
+} // namespace
+
 bool delete_sparse(Mm &t, const Positions &gone, int d) {
     const kn_size extent = d < 0 ? t.size() : t.getdims()[d], stride = d < 0 ? 1 : product(d, t.getdims());
-    Scratch<kn_size> list(gone.is_run() ? 0 : gone.count());
-    if (!list) return false;
-    kn_size *const begin = list.get(), *end = begin;
-    if (!gone.is_run())
-        for (kn_size k = 0; k < gone.count(); ++k) *end++ = gone[k];
-    std::sort(begin, end);
-    end = std::unique(begin, end);
-    auto gone_before = [&](kn_size at) {
-        return gone.is_run() ? std::clamp<kn_size>(at - gone.first(), 0, gone.count())
-                             : std::lower_bound(begin, end, at) - begin;
-    };
-    const kn_size left = extent - gone_before(extent);
+    const Chosen chosen(gone);
+    if (!chosen) return false;
+    const kn_size left = extent - chosen.before(extent);
     if (left == extent) return true;
     kn_size dims[4];
     shorten(dims, t, d, left);
     EntryBuilder rest(t.isc(), std::max<kn_size>(t.getnnz(), 1));
     if (rest.failed()) return false;
     for (kn_size e = 0; e < t.getnnz(); ++e) {
-        const kn_size line = t.getindex()[e] / stride, at = line % extent, before = gone_before(at);
-        if (gone_before(at + 1) == before)
-            rest.add((line / extent * left + at - before) * stride + t.getindex()[e] % stride, t, e);
+        const kn_size line = t.getindex()[e] / stride, at = line % extent;
+        if (!chosen.has(at))
+            rest.add((line / extent * left + at - chosen.before(at)) * stride + t.getindex()[e] % stride, t,
+                     e);
     }
     if (!rest.finish(dims)) return false;
     replace_block(t, rest.value());
@@ -193,8 +214,8 @@ kn_size renumbered(kn_size position, const kn_size *from, const kn_size *to) {
 } // namespace
 
 bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src) {
-    bool grows = std::memcmp(dims, t.getdims(), 4 * sizeof *dims) != 0;
-    kn_size total = s.total(), step = src.getnnz() != 1;
+    const bool grows = std::memcmp(dims, t.getdims(), 4 * sizeof *dims) != 0;
+    const kn_size total = s.total(), step = src.size() != 1;
     if (total == 1 && !grows && !t.dirty() && (t.isc() || !src.isc())) {
         Odometer one(s, dims);
         kn_size line = one.kn_next_index();
@@ -212,18 +233,48 @@ bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src)
     }
 
     int complex = t.isc() || src.isc();
-    EntryBuilder written(complex, total);
-    Odometer lines(s, dims);
-    kn_size k = 0;
-    for (kn_size line; (line = lines.kn_next_index()) >= 0;)
-        for (kn_size l = 0; l < lines.line().count(); ++l, k += step)
-            written.add(line + lines.line()[l] * lines.stride(), src, k);
+    // Of a sparse source only the entries are written, of a zero nothing; what they replace goes.
+    const bool few = src.issparse() || (step == 0 && !is_nonzero(src.addr(), src.addi(), 0));
+    std::optional<Chosen> chosen[4];
+    for (int d = 0; few && d < s.n(); ++d) {
+        if (!chosen[d].emplace(s[d])) return false;
+        if (!chosen[d]->has_equal() || step == 0) continue;
+        const Mm whole = full(src); // the last of equal positions counts
+        return !whole.issparse() && whole.size() == total && write_sparse(t, s, dims, whole);
+    }
+    auto goes = [&](kn_size at) {
+        if (!few) return false;
+        for (int d = 0; d < s.n(); ++d) {
+            const kn_size extent = s.n() == 1 ? size_max : dims[d];
+            if (!chosen[d]->has(at % extent)) return false;
+            at /= extent;
+        }
+        return at == 0;
+    };
+    EntryBuilder written(complex, few ? std::max<kn_size>(src.getnnz(), 1) : total);
+    if (src.issparse()) {
+        for (kn_size e = 0; e < src.getnnz(); ++e) {
+            kn_size place = src.getindex()[e], stride = 1, at = 0;
+            for (int d = 0; d < s.n(); ++d) {
+                at += s[d][place % s[d].count()] * stride;
+                place /= s[d].count();
+                stride *= dims[d];
+            }
+            written.add(at, src, e);
+        }
+    } else if (!few) {
+        Odometer lines(s, dims);
+        kn_size k = 0;
+        for (kn_size line; (line = lines.kn_next_index()) >= 0;)
+            for (kn_size l = 0; l < lines.line().count(); ++l, k += step)
+                written.add(line + lines.line()[l] * lines.stride(), src, k);
+    }
     if (!written.finish(dims)) return false;
     const Mm &fresh = written.value();
 
     const kn_size *a = t.getindex(), *b = fresh.getindex();
     kn_size na = t.getnnz(), nb = fresh.getnnz();
-    EntryBuilder merged(complex, na + nb);
+    EntryBuilder merged(complex, std::max<kn_size>(na + nb, 1));
     if (merged.failed()) return false;
     for (kn_size i = 0, j = 0; i < na || j < nb;) {
         kn_size at = i < na ? grows ? renumbered(a[i], t.getdims(), dims) : a[i] : size_max;
@@ -233,7 +284,7 @@ bool write_sparse(Mm &t, const Selection &s, const kn_size *dims, const Mm &src)
             if (is_nonzero(fresh.addr(), fresh.addi(), j)) merged.add(b[j], fresh, j);
             ++j;
         } else {
-            if (is_nonzero(t.addr(), t.addi(), i)) merged.add(at, t, i);
+            if (is_nonzero(t.addr(), t.addi(), i) && !goes(at)) merged.add(at, t, i);
             ++i;
         }
     }

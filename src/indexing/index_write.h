@@ -177,8 +177,8 @@ inline void grow_extents(kn_size *dims, const Mm &t, const Subscripts &s, const 
     }
 }
 
-// Makes the source of x(...) = src, for `total` selected elements, full. False after a report when it has
-// neither one element nor `total`.
+// Makes the source of x(...) = src, for `total` selected elements, full unless it is to be written into a
+// sparse value. False after a report when it has neither one element nor `total`.
 inline bool match_source(Mm &src, const Mm &t, kn_size total) {
     const kn_size size = src.size();
     if (size != 1 && size != total) {
@@ -187,6 +187,7 @@ inline bool match_source(Mm &src, const Mm &t, kn_size total) {
               kn_display_name(t), total, size);
         return false;
     }
+    if (src.issparse() && t.issparse() && size > 1) return true;
     if (src.issparse()) src = full(src);
     return !lacks(src, size);
 }
