@@ -8,7 +8,7 @@
 
 kn_size Mm::size() const {
     if (ndims < 2 || ndims > 4) return -1;
-    return kn::product(ndims, dims);
+    return flags.sparse ? kn::product(ndims, dims) : nnz;
 }
 
 kn_size Mm::size(int dim) const {
