@@ -39,7 +39,7 @@ Mm random_indices(int count, unsigned n) {
     return out;
 }
 
-// A matrix as compressed columns of its own.
+// A copy of a matrix as compressed columns.
 struct Compressed {
     std::vector<int> start, row;
     std::vector<double> value;

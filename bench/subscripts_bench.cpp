@@ -31,7 +31,7 @@ void append_rows(int n) {
     std::string upto = ", 1 to " + bench::size_text(n);
     auto native = [=] { native::append(n); };
     bench::row(
-        "x(k) = k behind the end" + upto, bench::times_native(1.2),
+        "x(k) = k after the end" + upto, bench::times_native(1.2),
         [=] {
             Mm x(i_o, "x", 0), k(i_o, "k", 0);
             loop(k, n, [&] { x(k) = k; });

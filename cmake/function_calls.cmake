@@ -1,4 +1,4 @@
-# The rows of each public header are expanded in a source of their own, so that a new row compiles one of them again.
+# The rows of each public header are expanded in a separate source, so that a new row compiles one of them again.
 set(function_calls)
 set(calls_dir ${PROJECT_BINARY_DIR}/function_calls)
 file(GLOB row_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/include/quorvex/*.h)

@@ -1,5 +1,5 @@
 // The memory that a program takes beside what malloc takes for the same arrays: the peak of each pattern, and
-// what is still resident after all has been dropped. Each side of a pattern runs in a process of its own.
+// what is still resident after all has been dropped. Each side of a pattern runs in a separate process.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -38,7 +38,7 @@ QUORVEX_API Mm exit();
 QUORVEX_API Mm quit();
 
 // Turns the locks of the library (files, random generators, block allocator) on or off, so that threads with
-// values of their own can use it at the same time (docs/threads.md); returns the process identifier.
+// unshared values can use it at the same time (docs/threads.md); returns the process identifier.
 QUORVEX_API unsigned kn_set_MT(int on);
 extern QUORVEX_API int kn_threads_flag;
 // Set when the library runs under an interactive host: named values then register in the workspace.

@@ -24,7 +24,7 @@
 // recognised in this way.
 //
 // A value without content (a default one, a named variable before its first value, one that was moved from)
-// refers to one static block, a constant of the language to one of its own. These always count as shared, and
+// refers to one static block, a constant of the language to a separate one. These always count as shared, and
 // their holders are not counted.
 //
 // Threads. A count is a plain number, so a value and its copies belong to one thread at a time:
@@ -44,7 +44,7 @@
 // Sizes, counts and indices: as wide as an address.
 typedef ptrdiff_t kn_size;
 
-// The sizes of an array, at a pointer. A class of its own, so that a 0 remains a number among the overloads.
+// A pointer to the sizes of an array. A class, so that a literal 0 selects the overload for a number.
 struct kn_extents {
     const kn_size *d;
     kn_extents(const kn_size *dims) : d(dims) {}

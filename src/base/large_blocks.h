@@ -1,4 +1,4 @@
-// Blocks above the limit of the buckets: memory of their own from the system, with a cache of freed ones, so
+// Blocks above the limit of the buckets: memory directly from the system, with a cache of freed ones, so
 // that temporaries in a loop don't have new pages mapped each time.
 #ifndef QUORVEX_BASE_LARGE_BLOCKS_H
 #define QUORVEX_BASE_LARGE_BLOCKS_H

@@ -10,7 +10,7 @@
 // the union of their positions, as two full rows. Dense: both are made full, and the result sparse again.
 // Results are sparse and store no zeros, but plus and minus with one sparse operand give a full result.
 //
-// The views are headers of their own: the operands are not touched, whatever an error handler does meanwhile.
+// The views have separate headers: the operands do not change, whatever an error handler does meanwhile.
 
 #include "engine/sparse_plan.h"
 

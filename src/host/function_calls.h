@@ -2,7 +2,7 @@
 // these, name_calls. A form without an overload doesn't compile. They are kept simple, since there are
 // thousands: a form is one instance of one template, without overload probing or argument forwarding.
 //
-// The build expands the rows of each public header in a source file of its own (cmake/function_calls.cmake).
+// The build expands the rows of each public header in a separate source file (cmake/function_calls.cmake).
 #ifndef QUORVEX_HOST_FUNCTION_CALLS_H
 #define QUORVEX_HOST_FUNCTION_CALLS_H
 

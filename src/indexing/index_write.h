@@ -1,6 +1,6 @@
 // Assignment with subscripts.
 //
-// An engine works out the positions, gives the target its new extents, a block of its own and, where the
+// An engine works out the positions, gives the target its new extents, an unshared block and, where the
 // source is complex, an imaginary plane (all in `resize`), and then scatters the source. The target keeps its
 // flags. vwcopy1 and vwcopy2 serve one and two subscripts on a plain matrix, vwcopyn everything else. An
 // empty source deletes: index_delete.cpp. Sparse targets: index_sparse.cpp.
@@ -29,7 +29,7 @@ inline bool keeps_order(const kn_size *from, const kn_size *to) {
     return std::equal(from, from + last, to);
 }
 
-// Makes the target ready to be written: extents `dims`, a block of its own, an imaginary plane if `complex`.
+// Makes the target ready to be written: extents `dims`, an unshared block, an imaginary plane if `complex`.
 // Old elements stay at their subscripts, or (linear) at their linear positions; new places are blank. In the
 // old block where it has room.
 template <class T> bool resize(Mm &t, const kn_size *dims, int complex, bool linear) {

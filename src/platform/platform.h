@@ -81,8 +81,9 @@ void leave_lock(int n);
 using Thread = struct ThreadHandle *;
 
 // Runs `run` in a new thread with the floating-point state of `reset_floating_point`; null when no thread can
-// be created. It receives no signals except those of its own faults. On Windows the module that contains this
-// code stays loaded from now on; elsewhere the thread must be joined before the module is unloaded.
+// be created. It receives only the signals that its own instructions cause. On Windows the module that
+// contains this code stays loaded from now on; elsewhere the thread must be joined before the module is
+// unloaded.
 Thread start_thread(void (*run)());
 
 // Waits until the thread has ended and releases it.

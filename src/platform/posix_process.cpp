@@ -21,7 +21,7 @@ namespace kn::os {
 
 namespace {
 
-// Runs in the child: starts a program in a session of its own, which this process does not wait for. Returns
+// Runs in the child: starts a program in a new session, which this process does not wait for. Returns
 // when it did not start.
 void start_session(const char *file, const char *const *words) {
     setsid();
@@ -42,7 +42,7 @@ void write_to_terminal(const char *sequence) {
 
 } // namespace
 
-// The child starts the program as a child of its own and ends, so that the library need not wait for the
+// The child process starts the program and ends, so that the library need not wait for the
 // program. A pipe reports whether it started: it closes when it has.
 bool start_detached(const char *const *words) {
     int told[2];

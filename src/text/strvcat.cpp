@@ -16,7 +16,7 @@ using namespace kn;
 
 constexpr double blank = 32;
 
-// Calls `work` for each value with rows of its own, in order. False when there is a structure.
+// Calls `work` for each value that gives rows, in order. False when there is a structure.
 template <class F> bool each_text(const Mm &m, F work) {
     return each_leaf(m, [&](const Mm &x) {
         if (x.size() == 0) return true;

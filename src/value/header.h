@@ -71,7 +71,7 @@ inline bool same_size(const Mm &a, const Mm &b) {
 // Whether two headers refer to one block.
 inline bool same_block(const Mm &a, const Mm &b) { return Header::refcount(a) == Header::refcount(b); }
 
-// Whether the value can be changed in place. A shared one takes a copy of its own first; false when memory
+// Whether the value can be changed in place. A shared one is copied first; false when memory
 // was exhausted.
 inline bool unshared(Mm &m) {
     if (m.dirty()) m.deepcopy(m, kn_none);
@@ -87,7 +87,7 @@ inline constexpr kn_size size_max = PTRDIFF_MAX;
 // The largest number that double_to_size gives.
 inline constexpr kn_size largest_index = sizeof(kn_size) == 8 ? kn_size(int64_t{1} << 53) : INT_MAX;
 
-// A sparse value of so many elements can not become full.
+// A sparse value with this many elements or more is not converted to a full one.
 inline constexpr kn_size too_large_for_full = 100000000;
 
 // Product of extents, or -1 when it does not fit.

@@ -72,7 +72,7 @@ inline void Mm::give_number() {
     nnz = 0;
 }
 
-// A real scalar in a block of its own, in which another number may take its place.
+// A real scalar in an unshared block, in which another number can replace it.
 inline bool Mm::is_number() const {
     return p == kn::number_room && refcount == kn::count_of_number(pr) && *refcount == 1 &&
            kn::is_real_scalar(*this);

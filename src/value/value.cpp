@@ -191,7 +191,7 @@ struct Mm::Block {
     }
 };
 
-// The long ways are functions of their own, so that the short ones need no frame.
+// The slow paths are separate functions, so that the fast ones need no stack frame.
 [[gnu::noinline]] void Mm::end_slowly() {
     if (name && level >= 0) scope_hooks.detach(*this);
     ndims = -1;
@@ -374,7 +374,7 @@ Mm::Mm(const Mm &src, const char *n) : Mm(src) {
     flags.global = src.flags.global;
 }
 
-// The destructor of a value that has a name or a block of its own.
+// The destructor of a value that has a name, or a block other than the static one.
 void Mm::end() {
     if (name && (level >= 0 || (kn_default_error_flags & 8))) return end_slowly();
     if (const unsigned count = *refcount; count > 1) {

@@ -28,7 +28,7 @@ class RandomStreams : public testing::Test {
 };
 
 // How far a stream has come, after a million numbers drawn one by one and by arrays in turn: a sum to which
-// every number adds with a weight of its own.
+// every number adds with a different weight.
 double drawn(bool normal) {
     double total = 0, weight = 1;
     auto add = [&](double x) { total += x * weight, weight = weight < 7 ? weight + 1 : 1; };

@@ -370,7 +370,7 @@ TEST(DimensionOps, slopes_and_second_differences) {
     EXPECT_SAME(gx, 0.0 * i + 5.0);
     EXPECT_SAME(gy, 0.0 * i + 2.0);
     EXPECT_SAME(del2(times(i, i) + 3.0 * times(j, j)), 0.0 * i + 2.0);
-    // The engine's own rows: ends one-sided, and a short coordinate vector is no reason to read behind it.
+    // The engine's own rows: ends one-sided, and a short coordinate vector is no reason to read past it.
     Mm d2(0, row({1, 2, 4, 8}), row({0, 1, 3, 4}), 2.0, op_del2, 1, l_M);
     EXPECT_SAME(d2, row({1.0 / 3, 1.0 / 3, 2.0 / 3, 2.0 / 3}));
     EXPECT_RAISES(gradient(square, row({1, 2})),

@@ -262,7 +262,7 @@ bool keeps_complex(int op) {
                                         op);
 }
 
-// The operation that a function of the language with so many inputs is, or -1.
+// The operation code of a function with this many inputs; -1 when it is no element operation.
 int op_of(std::string word, int inputs) {
     static const std::map<std::string, std::string> others = {
         {"dot_mul", "times"}, {"dot_div", "rdivide"}, {"dot_invdiv", "ldivide"}, {"dot_pow", "power"},

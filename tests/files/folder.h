@@ -57,8 +57,8 @@ class Folder : public testing::Test {
     }
     std::string home() const { return home_.string(); }
 
-    // Works with the n-th failure of what a probe counts, for every n, once or from there on, behind a round
-    // without any: nothing leaks. `then` hears whether an error was raised.
+    // Does the work with the n-th counted call failing, for every n, alone or with all later ones, after a
+    // round without any: nothing leaks. `then` hears whether an error was raised.
     template <class Probe>
     static void with_failures(Probe &probe, long Probe::*count, const std::function<void()> &work,
                               const std::function<void(bool)> &then) {

@@ -79,7 +79,7 @@ TEST_F(Level4, names_and_the_end) {
     EXPECT_SAME(q, b);
     EXPECT_SAME(plain, a);
     EXPECT_SAME(c, nop_M);
-    EXPECT_SAME(d, 5) << "behind the end";
+    EXPECT_SAME(d, 5) << "after the end";
     EXPECT_EQ(warnings.texts(), std::vector<string>{"load4 'f': variable named 'bcd' loaded into 'q'"});
 }
 

@@ -168,7 +168,7 @@ TEST_F(Streams, lines) {
     EXPECT_SAME(fseek(f, -4, TM("eof")), 0);
     EXPECT_SAME(fgetl(f), TM("last"));
 
-    // One file for both: each line is appended behind what was read.
+    // One file for both: each line is appended after what was read.
     const Mm g = fopen(TM("read"), TM("r+"));
     fgets(g);
     EXPECT_SAME(fwrite(g, TM("TWO")), 3);

@@ -1,4 +1,4 @@
-// A MAT-file of level 5, behind its header: every variable is read, shown, indexed, written and read again.
+// A MAT-file of level 5, after its header: every variable is read, shown, indexed, written and read again.
 #include "files/file_table.h"
 #include "files/mat/mat5.h"
 #include "support/fuzz_input.h"

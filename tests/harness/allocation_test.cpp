@@ -49,7 +49,7 @@ Step changed(const char *name, Mm Inputs::*input, void (*change)(Mm &, const Inp
 void extend(Mm &m, const Inputs &) {
     int stored = m.getnnz();
     m.extend_nnz(stored + 20);
-    m.getnnz() = stored; // the new entries have no positions of their own
+    m.getnnz() = stored; // the new entries have no positions yet
 }
 
 void add_and_remove_fields(Mm &m, const Inputs &) {
@@ -142,7 +142,7 @@ std::vector<Step> steps(const Inputs &inputs) {
         {"long rows shown", [](In in) { return disp(in.long_rows); }},
     };
     for (const test::Function &f : test::functions()) {
-        // What one call leaves behind, or the time, makes the next one differ.
+        // What one call leaves, or the time, makes the next one differ.
         static const std::set<std::string> with_state = {"randM",  "randn", "randperm", "sprand", "sprandn",
                                                          "mkdir",  "rmdir", "cd",       "chdir",  "tempname",
                                                          "clockM", "now",   "toc",      "dir"};
@@ -183,7 +183,7 @@ Outcome run(const Step &step, const Inputs &inputs, bool throwing, long n, bool 
             out.result = testing::PrintToString(result);
         } catch (const test::Raised &) {
         } catch (const std::bad_alloc &) {
-            out.foreign = throwing; // else of a header on the heap, behind its report
+            out.foreign = throwing; // else of a header on the heap, after its report
         } catch (const std::exception &) {
             out.foreign = true;
         }

@@ -22,7 +22,7 @@ std::string shown(int command, intptr_t a, intptr_t b) {
     return test::printed([&] { ive_do(command, a, b); });
 }
 
-// What it writes into its buffer; what lies behind stays as it was.
+// What it writes into its buffer; the rest stays as it was.
 std::string written(int command, intptr_t a, size_t size) {
     std::string buffer(size, '~');
     buffer += "guard";

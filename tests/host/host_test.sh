@@ -5,7 +5,7 @@ set -euo pipefail
 host=$(realpath "$1")
 cd "$(dirname "$0")"
 
-# In a directory of its own, since the session saves files.
+# In a new directory, since the session saves files.
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cp part.m session.m session.txt "$scratch"

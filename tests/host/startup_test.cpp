@@ -1,4 +1,4 @@
-// Start and end of the library. What needs a process of its own, with an environment or a fault, runs in a
+// Start and end of the library. What needs a separate process, with an environment or a fault, runs in a
 // child: this program again, or a fork of it.
 #include <bit>
 #include <cfenv>
@@ -96,7 +96,7 @@ TEST(Startup, initM2_checks_what_the_caller_was_built_with) {
 
 TEST(Startup, arithmetic_takes_no_traps_and_rounds_to_nearest) {
     volatile double zero = 0, third = 3, tiny = 4e-308;
-    volatile double nearest = 1 / third; // here, not behind the change of mode
+    volatile double nearest = 1 / third; // here, not after the change of mode
     for (void (*reset)() : {+[] { initM2(QUORVEX_VERSION, sizeof(Mm)); }, exitM}) {
         std::fesetround(FE_UPWARD);
         std::feclearexcept(FE_ALL_EXCEPT); // a pending one would trap at once

@@ -1,4 +1,4 @@
-// Threads with values of their own work at the same time, and see nothing of each other.
+// Threads with unshared values work at the same time, and see nothing of each other.
 #include <string>
 #include <thread>
 #include <vector>

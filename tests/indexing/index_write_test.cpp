@@ -1,5 +1,5 @@
 // Assignment, growth and deletion with subscripts and through chains: what stays, what is reported, and what
-// errors leave behind. Random assignments against a slow model stand in index_model_test.cpp.
+// errors leave behind. Random assignments against a slow model are in index_model_test.cpp.
 #include <cmath>
 #include <functional>
 

@@ -20,7 +20,7 @@ namespace {
 using kn::KernelTable;
 constexpr double inf = HUGE_VAL, nan = NAN;
 
-// Whether the sets have functions of their own for an operation, which differ from those of the baseline.
+// Whether the sets have separate functions for an operation, which differ from those of the baseline.
 constexpr struct {
     bool real, complex;
 } by_set[] = {
@@ -71,7 +71,7 @@ template <class T> struct Values {
 
 enum InPlace { apart, in_a, in_b };
 
-// Both planes of the result; what stands in front of it and behind it must stay.
+// Both planes of the result; what is before and after it must not change.
 template <class T>
 std::vector<T> result(const KernelTable &table, int op, ptrdiff_t n, bool complex, const Values<T> &a,
                       const Values<T> &b, InPlace where = apart) {

@@ -261,7 +261,7 @@ TEST(Solving, large_work_can_be_interrupted) {
 }
 
 #ifndef __SANITIZE_ADDRESS__
-// In a process of its own, which has not called BLAS yet; and in a child of it, where the threads are gone.
+// In a separate process, which has not called BLAS yet; and in a child of it, where the threads are gone.
 TEST(Solving, without_address_space) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     auto work = [] {

@@ -17,7 +17,7 @@
 
 namespace fuzz {
 
-// Bytes taken one after the other; zeros behind their end.
+// Bytes taken one after the other; zeros after their end.
 class Input {
   public:
     Input(const uint8_t *data, size_t size) : at_(data), end_(data + size) {}
@@ -95,7 +95,7 @@ inline std::FILE *file_with(const std::string &bytes) {
     return file;
 }
 
-// A target, given the bytes behind the first one, `kind`, whose lowest bit tells whether errors are thrown.
+// A target, given the bytes after the first one, `kind`, whose lowest bit tells whether errors are thrown.
 void run(Input &in, uint8_t kind);
 
 } // namespace fuzz

@@ -2,7 +2,7 @@
 //
 // Variables, elements of a cell and fields of a structure exchange values in every pattern (copies, moves,
 // parameters by value, whole containers) while operations on temporaries and assignments write in place. Each
-// holder has a model that shares nothing, made by the same operations one at a time on values of their own;
+// holder has a model that shares nothing, made by the same operations one at a time on unshared values;
 // after each step all of them must agree.
 #include <utility>
 
@@ -18,7 +18,7 @@ constexpr int rounds = 10000;
 
 enum Kind { real, complex, bytes, kinds };
 
-Mm apart(const Mm &m) { // in a block of its own, without a plane of zeros
+Mm apart(const Mm &m) { // in an unshared block, without a plane of zeros
     Mm copy;
     copy.deepcopy(m, kn_none);
     copy.getreal(0);

@@ -1,6 +1,6 @@
 // Reading MAT-files of level 4.
 //
-// A file is a sequence of matrices, one after another, without a header of its own. A matrix is:
+// A file is a sequence of matrices, one after another, and has no header itself. A matrix is:
 //
 //     offset  bytes                          field
 //     0       4                              type    decimal digits MOPT, see below

@@ -2,7 +2,7 @@
 //
 // After a percent sign any of "*#0123456789+-." may follow, then a modifier, then the letter. A letter that
 // is no conversion makes all of it text, except for the modifier, which is lost; the search continues after
-// the percent sign. So the second sign of "%%" may begin a conversion of its own, as in "%%d". C reads "%%"
+// the percent sign. So the second sign of "%%" may begin a conversion itself, as in "%%d". C reads "%%"
 // as a percent sign and sees no conversion there: that piece has one, and is written as text.
 
 #include "text/format/format_list.h"
