@@ -112,8 +112,7 @@ Mm permute_entries(const Mm &x, const Walk &w) {
         out.getindex()[k] = to;
     }
     kn::for_planes(out, x, [nnz](auto *to, const auto *from) { std::copy_n(from, nnz, to); });
-    out.sort();
-    if (!std::is_sorted(out.getindex(), out.getindex() + nnz)) return x_M; // no memory
+    if (!kn::sort_entries(out)) return x_M;
     out.setlogical(x.islogical());
     out.setstr(x.isstr());
     kn::check(out);

@@ -73,8 +73,7 @@ Mm tiled_entries(const Mm &x, kn_size down, kn_size across) {
                 if (x.isc()) out.addi()[e] = x.addi()[k];
                 e++;
             });
-    out.sort();
-    if (!std::is_sorted(out.getindex(), out.getindex() + n)) return x_M; // no memory
+    if (!kn::sort_entries(out)) return x_M;
     out.setlogical(x.islogical());
     out.setstr(x.isstr());
     kn::check(out);

@@ -111,7 +111,7 @@ template <class A, class B> void full_times_sparse(const Mm &f, const Mm &s, con
 
 Mm mixed_product(const Mm &a, const Mm &b) {
     const kn_size dims[] = {a.rows(), b.cols()}, n = product(2, dims);
-    if (n >= 100000000) { // as `full` says of such a product
+    if (n >= too_large_for_full) { // as `full` says of such a product
         error("full: matrix too large");
         return x_M;
     }

@@ -41,8 +41,7 @@ class EntrySlices {
                 const kn_size line = index[e] / stride, slice = line / len_ * stride + index[e] % stride;
                 index[e] = slice * len_ + line % len_;
             }
-            list_.sort();
-            if (!std::is_sorted(index, index + a.getnnz())) return;
+            if (!sort_entries(list_)) return;
         }
         find_slices();
         done_ = true;
@@ -91,8 +90,8 @@ class EntrySlices {
             order_[count_] = count_;
             slices_[count_++] = s;
         }
-        std::stable_sort(order_.get(), order_.get() + count_,
-                         [this](kn_size a, kn_size b) { return slices_[a].length < slices_[b].length; });
+        std::sort(order_.get(), order_.get() + count_,
+                  [this](kn_size a, kn_size b) { return slices_[a].length < slices_[b].length; });
     }
     static void fill(double *to, const double *plane, const Slice &s) {
         to = std::copy_n(plane + s.first, s.gap, to);
@@ -195,7 +194,7 @@ Mm running(int complex_result, const EntrySlices &slices, op_t op, const Mm &a, 
             if (out.isc()) out.addi()[e] = im;
         }
     });
-    out.sort();
+    if (!sort_entries(out)) return x_M;
     check(out);
     return out;
 }

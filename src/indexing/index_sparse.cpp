@@ -38,8 +38,7 @@ class EntryBuilder {
         list_.getndims() = n > 0 ? 4 : 2;
         list_.collapse();
         list_.getnnz() = count_;
-        list_.sort();
-        return std::is_sorted(list_.getindex(), list_.getindex() + count_);
+        return sort_entries(list_);
     }
     Mm &value() { return list_; }
     kn_size count() const { return count_; }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "linear/solvers.h"
+#include "linear/sparse_lu.h"
 #include "quorvex/arrays.h"
 #include "quorvex/classes.h"
 #include "quorvex/operations.h"
@@ -79,7 +80,7 @@ bool sparse_doubles_of(const Mm &x, const char *name, Mm &out) {
     const bool tall = x.rows() > x.cols();
     const kn_size order = tall ? x.rows() + x.cols() : x.rows(),
                   entries = tall ? x.rows() + 2 * x.getnnz() : x.getnnz(), parts = x.isc() ? 2 : 1;
-    if (parts * (order + parts * entries) >= INT_MAX) {
+    if (parts * (order + parts * entries) >= INT_MAX || parts * parts * entries > most_entries()) {
         error("%s: matrix too large for SuperLU", name);
         return false;
     }

@@ -19,13 +19,6 @@
 namespace kn {
 namespace {
 
-// SuperLU begins with room for this many entries of the factors; their number is an int.
-bool fits_superlu(const CompressedColumns &a) {
-    if (static_cast<int64_t>(a.entries()) * sp_ienv(6) <= INT_MAX) return true;
-    out_of_memory();
-    return false;
-}
-
 // visit(in_l, i, j, v) for the entries of l below the diagonal and of u that aren't zero, column by column. A
 // block of columns of l has one list of rows; on and above the diagonal it holds elements of u.
 template <class F> void each_entry(const SuperMatrix &lower, const SuperMatrix &upper, F visit) {
@@ -114,7 +107,7 @@ struct SparseLu::System {
 
 SparseLu::SparseLu(const CompressedColumns &a, const int *order)
     : n_(a.cols()), column_order_(n_), row_order_(n_), system_(1) {
-    if (!column_order_ || !row_order_ || !system_ || !fits_superlu(a)) return;
+    if (!column_order_ || !row_order_ || !system_) return;
     constexpr int natural = 32; // up to here no other order is faster
     const colperm_t filling_least = symmetric_pattern(a, row_order_.get()) ? MMD_AT_PLUS_A : COLAMD;
     const int without = match_rows(a, row_order_.get());
@@ -253,6 +246,8 @@ class UnorderedEntries {
 
 } // namespace
 
+kn_size most_entries() { return INT_MAX / sp_ienv(6); }
+
 bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
     const int n = static_cast<int>(a.rows());
     const kn_size order = n;
@@ -260,8 +255,11 @@ bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p) {
     if (!entries) return false;
     CompressedColumns all(n, n, entries.entries() + n, false);
     Scratch<int> column_order(n), row_order(n), parent(n);
-    if (!all || !column_order || !row_order || !parent || !complete(entries, all) || !fits_superlu(all))
+    if (!all || !column_order || !row_order || !parent || !complete(entries, all)) return false;
+    if (all.entries() > most_entries()) { // with zeros stored where columns have no pivot
+        error("lu: matrix too large for SuperLU");
         return false;
+    }
     for (int c = 0; c < n; ++c) column_order[c] = c, parent[c] = c + 1;
 
     Factors f = {all, column_order.get(), row_order.get(), parent.get(), {}, {}, 0};

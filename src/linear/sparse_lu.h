@@ -32,6 +32,10 @@ class SparseLu {
     bool done_ = false, singular_ = false;
 };
 
+// How many entries SuperLU takes: it begins with room for several times as many in the factors, and counts
+// them in an int.
+kn_size most_entries();
+
 // a = l u of a real sparse square matrix that isn't empty, all sparse, p the interchanges of rows: l has the
 // rows of a, or with `ordered` those of u, p a = l u. Columns are not interchanged. False after an error.
 bool sparse_factors(const Mm &a, bool ordered, Mm &l, Mm &u, Mm &p);

@@ -19,8 +19,6 @@
 namespace kn {
 namespace {
 
-constexpr kn_size largest_inverse = 100000000; // entries: the largest number of elements of `full`
-
 // Columns of n elements: m from `from`, beginning at `first`, and zeros.
 void copy_columns(double *to, kn_size n, const double *from, kn_size rows, kn_size first, kn_size m,
                   kn_size q) {
@@ -149,7 +147,7 @@ bool append(Mm &out, const Mm &x, kn_size column) {
     auto stored = [re = x.addr(), im = x.addi()](kn_size k) { return is_nonzero(re, im, k); };
     kn_size e = out.getnnz(), count = e;
     for (kn_size k = 0; k < x.getnnz(); ++k) count += stored(k);
-    if (count > largest_inverse) {
+    if (count > too_large_for_full) {
         error("full: matrix too large");
         return false;
     }

@@ -82,8 +82,7 @@ Mm of_triplets(const Mm &i, const Mm &j, const Mm &s, const Mm &m, const Mm &n) 
     copy(out.addr(), full_s.addr());
     if (out.isc()) copy(out.addi(), full_s.addi());
     out.getnnz() = size; // equal positions are stored too, for now
-    out.sort();
-    if (!std::is_sorted(out.getindex(), out.getindex() + size)) return x_M; // no memory
+    if (!kn::sort_entries(out)) return x_M;
     out.resparse();
     kn::check(out);
     return out;

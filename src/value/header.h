@@ -78,6 +78,12 @@ inline bool unshared(Mm &m) {
     return !m.dirty();
 }
 
+// Sorts the entries of a sparse value. False when memory was exhausted, which has been reported.
+inline bool sort_entries(Mm &m) {
+    m.sort();
+    return std::is_sorted(m.getindex(), m.getindex() + m.getnnz());
+}
+
 // A full value of the extents of `like`.
 inline Mm fresh_like(const Mm &like, int complex, kn_matrix_types t) {
     return Mm(complex, 0, 0, like.getndims(), like.getdims(), t);
